@@ -23,10 +23,10 @@ class SourceLocation {
   }
 
   /// The file, relative to the project for the library's own.
-  [[nodiscard]] constexpr const char* file_name() const noexcept { return file_; }
+  [[nodiscard]] constexpr const char* fileName() const noexcept { return file_; }
 
   /// The function's name without its signature.
-  [[nodiscard]] constexpr const char* function_name() const noexcept { return function_; }
+  [[nodiscard]] constexpr const char* functionName() const noexcept { return function_; }
 
   [[nodiscard]] constexpr std::uint_least32_t line() const noexcept { return line_; }
 
