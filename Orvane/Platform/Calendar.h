@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+// Private header: not installed.
+// Calendar days and formatted dates in the device's calendar, time zone and locale.
+#pragma once
+
+#include <Orvane/Platform/Date.h>
+#include <Orvane/Platform/DateComponents.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace orvane {
+
+/// The pattern of calendar days (Unicode Technical Standard 35).
+inline constexpr std::string_view dayPattern = "yyyy-MM-dd";
+
+/// `date` in a pattern of Unicode Technical Standard 35. Any thread.
+[[nodiscard]] std::string formatDate(Date date, std::string_view pattern);
+
+/// Noon of the day that the components form. Absent without a year, or where the calendar refuses
+/// them. (Noon, since midnight does not exist everywhere on every day.)
+[[nodiscard]] std::optional<Date> dateOf(const DateComponents& components);
+
+/// The day's text in `dayPattern`; absent where `dateOf` is.
+[[nodiscard]] std::optional<std::string> dayText(const DateComponents& components);
+
+/// Reads a day in `dayPattern`. A text counts only when it is exactly what formatting the day
+/// gives.
+[[nodiscard]] std::optional<DateComponents> parseDay(std::string_view text);
+
+/// `date` moved by calendar days, the time of day kept. Absent where the calendar can't do it.
+[[nodiscard]] std::optional<Date> addingDays(Date date, std::int64_t days);
+
+}  // namespace orvane

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Platform/Date.h>
+#include <Orvane/Platform/Fatal.h>
+
+#include <atomic>
+#include <cmath>
+
+namespace orvane {
+namespace {
+
+constinit std::atomic<DeviceClock::Source> clockSource{nullptr};
+
+}  // namespace
+
+std::int64_t millisecondsSince1970(Date date) {
+  const double milliseconds = std::round(secondsSince1970(date) * 1000.0);
+  precondition(milliseconds >= -0x1p63 && milliseconds < 0x1p63,
+               "a point in time does not fit in 64 bits of milliseconds");
+  return static_cast<std::int64_t>(milliseconds);
+}
+
+Date DeviceClock::now() noexcept {
+  if (const Source source = clockSource.load(std::memory_order_acquire)) return source();
+  return std::chrono::system_clock::now();
+}
+
+void DeviceClock::setSource(Source source) noexcept {
+  clockSource.store(source, std::memory_order_release);
+}
+
+}  // namespace orvane

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+// One mechanism that gives every enumeration its wire texts, its list of cases and its printed
+// form.
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <type_traits>
+
+namespace orvane {
+
+/// A case of an enumeration and the text that stands for it on the wire.
+template <class E>
+struct EnumerationCase {
+  E value;
+  std::string_view wireText;
+};
+
+/// The table of an enumeration, specialised beside it: `static constexpr EnumerationCase<E>
+/// cases[]` in the order of declaration.
+template <class E>
+struct EnumerationTable;
+
+/// An enumeration that has a table.
+template <class E>
+concept Enumeration = std::is_enum_v<E> && requires {
+  EnumerationTable<E>::cases;
+};
+
+/// Every case with its wire text, in the order of declaration.
+template <Enumeration E>
+[[nodiscard]] constexpr const auto& allCases() noexcept {
+  return EnumerationTable<E>::cases;
+}
+
+/// The wire text of a case; empty for a value outside the enumeration.
+template <Enumeration E>
+[[nodiscard]] constexpr std::string_view wireText(E value) noexcept {
+  for (const auto& row : EnumerationTable<E>::cases) {
+    if (row.value == value) return row.wireText;
+  }
+  return {};
+}
+
+/// The case that a wire text stands for: exact, case-sensitive; absent for any other text.
+template <Enumeration E>
+[[nodiscard]] constexpr std::optional<E> fromWireText(std::string_view text) noexcept {
+  for (const auto& row : EnumerationTable<E>::cases) {
+    if (row.wireText == text) return row.value;
+  }
+  return std::nullopt;
+}
+
+/// Prints the wire text.
+template <class Stream, Enumeration E>
+requires requires(Stream& stream, std::string_view text) { stream.write(text.data(), 0); }
+Stream& operator<<(Stream& stream, E value) {
+  stream << wireText(value);
+  return stream;
+}
+
+}  // namespace orvane

@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Platform/JSON.h>
+#include <Orvane/Platform/Text.h>
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <utility>
+
+namespace orvane::json {
+namespace {
+
+// Far below what a small thread's stack holds: records nest a few levels deep.
+constexpr std::size_t deepestNesting = 128;
+
+// A parser's memory is several times its text and never shrinks; one that has seen a text larger
+// than this is not kept.
+constexpr std::size_t largestKeptCapacity = std::size_t{4} << 20U;
+
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+std::unique_ptr<simdjson::dom::parser>& stock() {
+  thread_local std::unique_ptr<simdjson::dom::parser> parser;
+  return parser;
+}
+
+std::unique_ptr<simdjson::dom::parser> takeParser() {
+  if (auto parser = std::move(stock())) return parser;
+  return std::make_unique<simdjson::dom::parser>();
+}
+
+// Enough of a text to recognise it by.
+std::string_view beginning(std::string_view text) { return text.substr(0, 40); }
+
+}  // namespace
+
+std::string describe(Element element) {
+  switch (element.type()) {
+    case Type::ARRAY:
+      return "an array";
+    case Type::OBJECT:
+      return "an object";
+    case Type::STRING: {
+      const std::string_view text = element.get_string().value_unsafe();
+      std::string description = "the text \"";
+      description += beginning(text);
+      description += text.size() > beginning(text).size() ? "…\"" : "\"";
+      return description;
+    }
+    case Type::INT64:
+    case Type::UINT64:
+    case Type::DOUBLE:
+      return "the number " + simdjson::minify(element);
+    case Type::BOOL:
+      return element.get_bool().value_unsafe() ? "true" : "false";
+    case Type::NULL_VALUE:
+      return "null";
+  }
+  return "nothing";
+}
+
+Document::Document(std::string& text) : parser_(takeParser()) {
+  if (text.capacity() - text.size() < padding) text.reserve(text.size() + padding);
+  std::string_view body = text;
+  if (body.starts_with(byteOrderMark)) body.remove_prefix(byteOrderMark.size());
+
+  simdjson::error_code error = simdjson::SUCCESS;
+  if (parser_->max_depth() != deepestNesting || parser_->capacity() < body.size()) {
+    error = parser_->allocate(body.size(), deepestNesting);
+  }
+  if (error == simdjson::SUCCESS) {
+    error = parser_->parse(body.data(), body.size(), false).get(root_);
+  }
+  if (error != simdjson::SUCCESS) failure_ = simdjson::error_message(error);
+}
+
+Document::~Document() {
+  if (parser_->capacity() <= largestKeptCapacity) stock() = std::move(parser_);
+}
+
+void Writer::separate() {
+  if (!text_.empty() && text_.back() != '{' && text_.back() != '[' && text_.back() != ':') {
+    text_ += ',';
+  }
+}
+
+void Writer::open(char bracket) {
+  separate();
+  text_ += bracket;
+}
+
+void Writer::key(std::string_view name) {
+  separate();
+  quoted(name);
+  text_ += ':';
+}
+
+void Writer::value(std::string_view text) {
+  separate();
+  if (!isUTF8(text)) failure_ = "a text is not UTF-8";
+  quoted(text);
+}
+
+void Writer::value(double number) {
+  separate();
+  if (!std::isfinite(number)) {
+    failure_ = "a number is not finite";
+    number = 0;
+  }
+  std::array<char, 32> digits{};
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+  text_.append(digits.data(), end);
+}
+
+void Writer::value(std::int64_t number) {
+  separate();
+  text_ += std::to_string(number);
+}
+
+void Writer::value(bool truth) {
+  separate();
+  text_ += truth ? "true" : "false";
+}
+
+void Writer::null() {
+  separate();
+  text_ += "null";
+}
+
+void Writer::quoted(std::string_view text) {
+  static constexpr std::string_view hexadecimal = "0123456789abcdef";
+  text_ += '"';
+  for (const char c : text) {
+    switch (c) {
+      case '"':
+      case '\\':
+        text_ += '\\';
+        text_ += c;
+        break;
+      case '\n':
+        text_ += "\\n";
+        break;
+      case '\r':
+        text_ += "\\r";
+        break;
+      case '\t':
+        text_ += "\\t";
+        break;
+      default:
+        if (const auto code = static_cast<unsigned char>(c); code < 0x20) {
+          text_ += "\\u00";
+          text_ += hexadecimal[code >> 4U];
+          text_ += hexadecimal[code & 0xFU];
+        } else {
+          text_ += c;
+        }
+    }
+  }
+  text_ += '"';
+}
+
+}  // namespace orvane::json

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+// Private header: not installed.
+// Parsed JSON texts, and the writer of JSON texts.
+#pragma once
+
+#include <simdjson.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace orvane::json {
+
+using Element = simdjson::dom::element;
+using Array = simdjson::dom::array;
+using Object = simdjson::dom::object;
+using Type = simdjson::dom::element_type;
+
+/// What stands in the text, in words for an error message: "the text \"abc\"", "a number", "null".
+[[nodiscard]] std::string describe(Element element);
+
+/// A JSON text that has been parsed as a whole, and the memory behind it. The parser comes from the
+/// calling thread's stock and goes back there, so that a thread that decodes often does not
+/// allocate; after a large text it is let go of.
+class Document {
+ public:
+  /// Parses `text` (RFC 8259, a byte order mark allowed) in place: its capacity is raised to hold
+  /// the parser's padding where the owner has not reserved it.
+  explicit Document(std::string& text);
+  Document(const Document&) = delete;
+  Document& operator=(const Document&) = delete;
+  ~Document();
+
+  /// True when the text is one valid JSON value.
+  [[nodiscard]] bool isValid() const noexcept { return failure_ == nullptr; }
+  /// Why it is not valid.
+  [[nodiscard]] std::string_view failure() const noexcept { return failure_; }
+  /// The value; the text must be valid. Texts inside live as long as the document.
+  [[nodiscard]] Element root() const noexcept { return root_; }
+
+  /// Bytes that must be readable behind a text; whoever reserves them spares a copy.
+  static constexpr std::size_t padding = simdjson::SIMDJSON_PADDING;
+
+ private:
+  std::unique_ptr<simdjson::dom::parser> parser_;
+  Element root_;
+  const char* failure_ = nullptr;
+};
+
+/// Writes one JSON text, members in the order of the calls.
+class Writer {
+ public:
+  void beginObject() { open('{'); }
+  void endObject() { text_ += '}'; }
+  void beginArray() { open('['); }
+  void endArray() { text_ += ']'; }
+  void key(std::string_view name);
+  void value(std::string_view text);
+  void value(double number);
+  void value(std::int64_t number);
+  void value(bool truth);
+  void null();
+
+  /// Why the text can't be written (a number that is not finite, a text that is not UTF-8); empty
+  /// when it can.
+  [[nodiscard]] std::string_view failure() const noexcept { return failure_; }
+  [[nodiscard]] std::string take() && { return std::move(text_); }
+
+ private:
+  void separate();
+  void open(char bracket);
+  void quoted(std::string_view text);
+
+  std::string text_;
+  std::string_view failure_;
+};
+
+}  // namespace orvane::json

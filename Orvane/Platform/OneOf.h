@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+// The base of every enumeration whose cases carry data.
+#pragma once
+
+#include <Orvane/Platform/Hash.h>
+
+#include <compare>
+#include <cstddef>
+#include <utility>
+#include <variant>
+
+namespace orvane {
+
+/// Lets a set of lambdas serve as one visitor.
+template <class... Functions>
+struct Overloaded : Functions... {
+  using Functions::operator()...;
+};
+
+/// Holds exactly one of `Cases`, small structs that carry a case's data. Equality, order and hash
+/// look at the case and its data. Enumerations derive from it and add a factory per case.
+template <class... Cases>
+class OneOf {
+ public:
+  template <class Case>
+  requires(std::same_as<Case, Cases> || ...) OneOf(Case value)
+      : value_(std::move(value)) {}  // NOLINT(google-explicit-constructor)
+
+  /// True when it is a `Case`.
+  template <class Case>
+  [[nodiscard]] bool is() const noexcept {
+    return std::holds_alternative<Case>(value_);
+  }
+
+  /// The data of the case `Case`, or null when it is another one.
+  template <class Case>
+  [[nodiscard]] const Case* as() const noexcept {
+    return std::get_if<Case>(&value_);
+  }
+
+  /// Calls the one of `functions` that takes the data of the case at hand.
+  template <class... Functions>
+  decltype(auto) match(Functions&&... functions) const {
+    return std::visit(Overloaded<std::decay_t<Functions>...>{std::forward<Functions>(functions)...},
+                      value_);
+  }
+
+  [[nodiscard]] std::size_t hashValue() const {
+    return hashCombine(value_.index(),
+                       std::visit([](const auto& data) { return hashOfCase(data); }, value_));
+  }
+
+  friend bool operator==(const OneOf&, const OneOf&) = default;
+  friend auto operator<=>(const OneOf&, const OneOf&) = default;
+
+ private:
+  template <class Case>
+  static std::size_t hashOfCase(const Case& data) {
+    if constexpr (HashesItself<Case>) {
+      return data.hashValue();
+    } else {
+      return 0;
+    }
+  }
+
+  std::variant<Cases...> value_;
+};
+
+}  // namespace orvane

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Platform/Text.h>
+#include <Orvane/Platform/URL.h>
+
+#include <boost/url/encode.hpp>
+#include <boost/url/grammar/lut_chars.hpp>
+#include <boost/url/parse.hpp>
+#include <boost/url/rfc/pchars.hpp>
+#include <boost/url/url_view.hpp>
+
+#include <algorithm>
+
+namespace orvane {
+namespace {
+
+namespace urls = boost::urls;
+
+// RFC 3986, section 3.3 and 3.4: what stands in a path, and in a query, without being encoded.
+constexpr auto pathCharacters = urls::pchars + '/';
+constexpr auto queryCharacters = urls::pchars + '/' + '?';
+
+urls::string_view view(std::string_view text) { return {text.data(), text.size()}; }
+
+// The text has been parsed before, so this can't fail.
+urls::url_view parsed(const std::string& text) { return urls::parse_uri_reference(text).value(); }
+
+// Where the path ends: at the query, the fragment or the end of the text.
+std::size_t pathEnd(std::string_view text) {
+  return std::min(text.find_first_of("?#"), text.size());
+}
+
+template <class Characters>
+void appendEncoded(std::string& text, std::string_view raw, const Characters& allowed) {
+  text += urls::encode(view(raw), allowed);
+}
+
+}  // namespace
+
+std::optional<URL> URL::parse(std::string_view text) {
+  if (text.empty() || urls::parse_uri_reference(view(text)).has_error()) return std::nullopt;
+  return URL(std::string(text));
+}
+
+std::string URL::scheme() const {
+  std::string scheme(parsed(text_).scheme());
+  std::transform(scheme.begin(), scheme.end(), scheme.begin(), [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+  });
+  return scheme;
+}
+
+std::string URL::host() const { return parsed(text_).host_address(); }
+
+std::string URL::path() const { return std::string(parsed(text_).encoded_path()); }
+
+std::optional<std::string> URL::query() const {
+  const urls::url_view url = parsed(text_);
+  if (!url.has_query()) return std::nullopt;
+  return std::string(url.encoded_query());
+}
+
+std::optional<URL> URL::appendingPathComponent(std::string_view component) const {
+  if (!isUTF8(component)) return std::nullopt;
+  const std::size_t end = pathEnd(text_);
+  // The slashes of an authority ("https://") are not the path's, but nothing is lost with them: a
+  // URL without a host can't be sent to.
+  std::size_t rootEnd = end;
+  while (rootEnd > 0 && text_[rootEnd - 1] == '/') --rootEnd;
+  component.remove_prefix(std::min(component.find_first_not_of('/'), component.size()));
+
+  std::string text;
+  text.reserve(text_.size() + component.size() + 1);
+  text.append(text_, 0, rootEnd).push_back('/');
+  appendEncoded(text, component, pathCharacters);
+  text.append(text_, end);
+  return parse(text);
+}
+
+std::optional<URL> URL::settingQuery(std::optional<std::string_view> query) const {
+  if (query && !isUTF8(*query)) return std::nullopt;
+  const std::size_t fragment = std::min(text_.find('#'), text_.size());
+
+  std::string text = text_.substr(0, pathEnd(text_));
+  if (query) {
+    text.push_back('?');
+    appendEncoded(text, *query, queryCharacters);
+  }
+  text.append(text_, fragment);
+  return parse(text);
+}
+
+}  // namespace orvane
