@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Coding/Decoder.h>
+
+#include <algorithm>
+
+namespace orvane {
+
+bool Decoder::note(DecodingError::Kind kind, std::string description) {
+  error_.kind = kind;
+  error_.description = std::move(description);
+  innermostFirst_.clear();
+  tellsPath_ = true;
+  return false;
+}
+
+bool Decoder::typeMismatch(std::string_view expected, json::Element found) {
+  if (found.is_null()) return valueNotFound(expected);
+  std::string description = "expected ";
+  description += expected;
+  description += ", found " + json::describe(found);
+  return note(DecodingError::Kind::typeMismatch, std::move(description));
+}
+
+bool Decoder::valueNotFound(std::string_view expected) {
+  std::string description = "expected ";
+  description += expected;
+  return note(DecodingError::Kind::valueNotFound, std::move(description) + ", found null");
+}
+
+bool Decoder::keyNotFound(std::string_view key) {
+  note(DecodingError::Kind::keyNotFound, "a required member is missing");
+  return failedAt(key);
+}
+
+bool Decoder::dataCorrupted(std::string description) {
+  return note(DecodingError::Kind::dataCorrupted, std::move(description));
+}
+
+bool Decoder::dataCorruptedWithoutPath(std::string description) {
+  note(DecodingError::Kind::dataCorrupted, std::move(description));
+  tellsPath_ = false;
+  return false;
+}
+
+bool Decoder::malformedText(std::string_view description) {
+  return note(DecodingError::Kind::malformedText, std::string(description));
+}
+
+bool Decoder::failedAt(std::string_view key) {
+  innermostFirst_.emplace_back(key);
+  return false;
+}
+
+bool Decoder::failedAt(std::size_t index) {
+  innermostFirst_.push_back('[' + std::to_string(index) + ']');
+  return false;
+}
+
+DecodingError Decoder::takeError() && {
+  std::reverse(innermostFirst_.begin(), innermostFirst_.end());
+  for (const std::string& step : innermostFirst_) {
+    if (!error_.location.empty() && !step.starts_with('[')) error_.location += '.';
+    error_.location += step;
+  }
+  if (tellsPath_) error_.codingPath = std::move(innermostFirst_);
+  return std::move(error_);
+}
+
+}  // namespace orvane

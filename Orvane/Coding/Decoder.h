@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+// Private header: not installed.
+// Remembers why decoding failed and where.
+#pragma once
+
+#include <Orvane/Coding/DecodingError.h>
+#include <Orvane/Platform/JSON.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace orvane {
+
+/// Nothing is noted on the way down. When a value fails it says why, and each level that the
+/// failure passes on its way up puts its key or index in front of the place.
+class Decoder {
+ public:
+  /// Each of these notes a failure and answers false, so that a decoding step can return it.
+  bool typeMismatch(std::string_view expected, json::Element found);
+  bool valueNotFound(std::string_view expected);
+  bool keyNotFound(std::string_view key);
+  bool dataCorrupted(std::string description);
+  /// A failure that tells no coding path (its location is told all the same).
+  bool dataCorruptedWithoutPath(std::string description);
+  bool malformedText(std::string_view description);
+
+  /// Puts the key, or the index, under which the failed value stands in front of its place.
+  bool failedAt(std::string_view key);
+  bool failedAt(std::size_t index);
+
+  /// The failure, places in order from the root.
+  [[nodiscard]] DecodingError takeError() &&;
+
+ private:
+  bool note(DecodingError::Kind kind, std::string description);
+
+  DecodingError error_;
+  std::vector<std::string> innermostFirst_;
+  bool tellsPath_ = true;
+};
+
+}  // namespace orvane

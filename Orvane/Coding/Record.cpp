@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Coding/Record.h>
+
+namespace orvane {
+namespace {
+
+// The row of a key, looked for from the row after the last hit on: a backend sends members in a
+// steady order, so that most are found at once.
+std::size_t findRow(std::span<const KeyRow> rows, std::string_view key, std::size_t expected) {
+  for (std::size_t row = expected; row < rows.size(); ++row) {
+    if (rows[row].key == key) return row;
+  }
+  for (std::size_t row = 0; row < expected; ++row) {
+    if (rows[row].key == key) return row;
+  }
+  return rows.size();
+}
+
+// Whether the member at `position` appears once more: then the later one counts, and a failure of
+// this one does not matter.
+bool appearsAgain(const json::Object& object, json::Object::iterator position) {
+  const std::string_view key = position.key();
+  for (++position; position != object.end(); ++position) {
+    if (position.key() == key) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+bool decodeObject(json::Element element, void* record, std::span<const KeyRow> rows,
+                  Decoder& decoder) {
+  json::Object object;
+  if (element.get(object) != simdjson::SUCCESS) return decoder.typeMismatch("an object", element);
+
+  std::uint64_t seen = 0;
+  std::size_t expected = 0;
+  for (auto member = object.begin(); member != object.end(); ++member) {
+    const std::size_t row = findRow(rows, member.key(), expected);
+    if (row == rows.size()) continue;
+    expected = row + 1;
+    seen |= std::uint64_t{1} << row;
+    if (!rows[row].decode(member.value(), record, decoder) && !appearsAgain(object, member)) {
+      return decoder.failedAt(rows[row].key);
+    }
+  }
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    if (rows[row].isRequired && (seen >> row & 1U) == 0) return decoder.keyNotFound(rows[row].key);
+  }
+  return true;
+}
+
+void encodeObject(const void* record, std::span<const KeyRow> rows, json::Writer& writer) {
+  writer.beginObject();
+  for (const KeyRow& row : rows) row.encode(record, row.key, writer);
+  writer.endObject();
+}
+
+}  // namespace orvane

@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: Apache-2.0
+// Private header: not installed.
+// Key tables: the members of a record, each with its key, its conversion and whether it must be
+// there.
+#pragma once
+
+#include <Orvane/Coding/Values.h>
+#include <Orvane/Platform/Date.h>
+#include <Orvane/Platform/Fatal.h>
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+namespace orvane {
+
+/// One row of a key table. The functions take the record without its type, so that the walk over an
+/// object is compiled once for all records.
+struct KeyRow {
+  std::string_view key;
+  bool isRequired;
+  bool (*decode)(json::Element element, void* record, Decoder& decoder);
+  void (*encode)(const void* record, std::string_view key, json::Writer& writer);
+};
+
+/// Reads the members of an object into `record`. Of duplicate members the last one counts.
+bool decodeObject(json::Element element, void* record, std::span<const KeyRow> rows,
+                  Decoder& decoder);
+
+/// Writes an object with the members of `rows`, in their order.
+void encodeObject(const void* record, std::span<const KeyRow> rows, json::Writer& writer);
+
+/// The tables of a record: one for both directions where they mirror each other, or one for each.
+struct KeyTables {
+  std::span<const KeyRow> decoding;
+  std::span<const KeyRow> encoding;
+
+  template <std::size_t count>
+  constexpr KeyTables(const std::array<KeyRow, count>& both)  // NOLINT(google-explicit-constructor)
+      : decoding(both), encoding(both) {}
+  template <std::size_t first, std::size_t second>
+  constexpr KeyTables(const std::array<KeyRow, first>& whenDecoding,
+                      const std::array<KeyRow, second>& whenEncoding)
+      : decoding(whenDecoding), encoding(whenEncoding) {}
+};
+
+/// Names a record when its tables are asked for: `keysOf(RecordTag<User>{})`.
+template <class T>
+struct RecordTag {};
+
+/// A type whose tables are declared (see Models/Coders.h).
+template <class T>
+concept Record = requires {
+  keysOf(RecordTag<T>{});
+};
+
+template <Record T>
+bool decodeValue(json::Element element, T& record, Decoder& decoder) {
+  return decodeObject(element, &record, keysOf(RecordTag<T>{}).decoding, decoder);
+}
+
+template <Record T>
+void encodeValue(const T& record, json::Writer& writer) {
+  encodeObject(&record, keysOf(RecordTag<T>{}).encoding, writer);
+}
+
+/// The conversion of a member that stands on the wire as it is.
+struct AsIs {};
+
+/// What a conversion looks like: the type on the wire, and the two directions. Either direction may
+/// answer an optional; absent then leaves the member out. With `isLenient` a value of the wrong
+/// type leaves the member absent instead of failing the record.
+template <class C>
+concept Conversion = requires {
+  typename C::Wire;
+};
+
+/// A point in time as an integer count of milliseconds since 1970-01-01 UTC.
+struct Milliseconds {
+  using Wire = std::int64_t;
+  static Date fromWire(Wire milliseconds) { return dateFromMilliseconds(milliseconds); }
+  static Wire toWire(Date date) { return millisecondsSince1970(date); }
+};
+
+namespace detail {
+
+template <auto member>
+struct MemberTraits;
+template <class Record_, class Member_, Member_ Record_::*member>
+struct MemberTraits<member> {
+  using Record = Record_;
+  using Member = Member_;
+};
+
+template <class T>
+constexpr bool isOptionalLike = false;
+template <class T>
+constexpr bool isOptionalLike<std::optional<T>> = true;
+template <class T>
+constexpr bool isOptionalLike<Indirect<T>> = true;
+
+template <class C, class Member>
+bool decodeConverted(json::Element element, Member& member, Decoder& decoder) {
+  typename C::Wire wire{};
+  if constexpr (isOptionalLike<Member>) {
+    member.reset();
+    if (element.is_null()) return true;
+  }
+  if (!decodeValue(element, wire, decoder)) {
+    if constexpr (requires { C::isLenient; }) return C::isLenient;
+    return false;
+  }
+  member = C::fromWire(wire);
+  return true;
+}
+
+template <auto member, class C>
+bool decodeMember(json::Element element, void* record, Decoder& decoder) {
+  using Traits = MemberTraits<member>;
+  auto& target = static_cast<typename Traits::Record*>(record)->*member;
+  if constexpr (Conversion<C>) {
+    return decodeConverted<C>(element, target, decoder);
+  } else {
+    return decodeValue(element, target, decoder);
+  }
+}
+
+template <auto member, class C>
+bool decodeRequired(json::Element element, void* record, Decoder& decoder) {
+  if (element.is_null()) return decoder.valueNotFound("a value");
+  return decodeMember<member, C>(element, record, decoder);
+}
+
+template <class C, class Value>
+void encodeKeyed(const Value& value, std::string_view key, json::Writer& writer) {
+  if constexpr (Conversion<C>) {
+    const auto wire = C::toWire(value);
+    if constexpr (isOptionalLike<std::remove_const_t<decltype(wire)>>) {
+      if (!wire) return;
+      writer.key(key);
+      encodeValue(*wire, writer);
+    } else {
+      writer.key(key);
+      encodeValue(wire, writer);
+    }
+  } else {
+    writer.key(key);
+    encodeValue(value, writer);
+  }
+}
+
+enum class WhenAbsent { isLeftOut, isNull, stopsTheProcess };
+
+template <auto member, class C, WhenAbsent whenAbsent>
+void encodeMember(const void* record, std::string_view key, json::Writer& writer) {
+  using Traits = MemberTraits<member>;
+  const auto& source = static_cast<const typename Traits::Record*>(record)->*member;
+  if constexpr (isOptionalLike<typename Traits::Member>) {
+    if (source) return encodeKeyed<C>(*source, key, writer);
+    if constexpr (whenAbsent == WhenAbsent::isNull) {
+      writer.key(key);
+      writer.null();
+    }
+    if constexpr (whenAbsent == WhenAbsent::stopsTheProcess) {
+      fatal("a record without \"" + std::string(key) + "\" can't be encoded");
+    }
+  } else {
+    encodeKeyed<C>(source, key, writer);
+  }
+}
+
+}  // namespace detail
+
+/// An optional member: missing or null leaves it absent; absent it is not written.
+template <auto member, class C = AsIs>
+constexpr KeyRow key(std::string_view name) {
+  static_assert(detail::isOptionalLike<typename detail::MemberTraits<member>::Member>);
+  return {name,
+          false,
+          detail::decodeMember<member, C>,
+          detail::encodeMember<member, C, detail::WhenAbsent::isLeftOut>};
+}
+
+/// A member that must be there when decoding and is always written, as null when it is absent.
+template <auto member, class C = AsIs>
+constexpr KeyRow required(std::string_view name) {
+  return {name,
+          true,
+          detail::decodeRequired<member, C>,
+          detail::encodeMember<member, C, detail::WhenAbsent::isNull>};
+}
+
+/// A member that must be there in both directions: writing a record without it is a programming
+/// fault that stops the process.
+template <auto member, class C = AsIs>
+constexpr KeyRow indispensable(std::string_view name) {
+  return {name,
+          true,
+          detail::decodeRequired<member, C>,
+          detail::encodeMember<member, C, detail::WhenAbsent::stopsTheProcess>};
+}
+
+/// A record's table.
+template <class... Rows>
+constexpr std::array<KeyRow, sizeof...(Rows)> keyTable(const Rows&... rows) {
+  static_assert(sizeof...(Rows) <= 64, "the walk over an object counts its rows in 64 bits");
+  return {rows...};
+}
+
+}  // namespace orvane
