@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Common/Container.h>
+
+#include <cxxabi.h>
+
+#include <cstdlib>
+
+namespace orvane {
+namespace {
+
+std::string readableName(const std::type_info& type) {
+  int status = 0;
+  const std::unique_ptr<char, decltype(&std::free)> name(
+      abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
+  return name ? name.get() : type.name();
+}
+
+}  // namespace
+
+NotRegistered::NotRegistered(const std::type_info& type)
+    : message_("nothing is registered for " + readableName(type)) {}
+NotRegistered::~NotRegistered() = default;
+
+const std::shared_ptr<Container>& Container::common() {
+  // Never destroyed: services may still be built while the process ends.
+  static const auto& container = *new std::shared_ptr<Container>(std::make_shared<Container>());
+  return container;
+}
+
+Container::Container(std::shared_ptr<Container> parent) : parent_(std::move(parent)) {}
+Container::~Container() = default;
+
+void Container::add(std::type_index type, Factory factory) {
+  auto shared = std::make_shared<const Factory>(std::move(factory));
+  const std::scoped_lock lock(mutex_);
+  factories_[type].swap(shared);
+}
+
+std::shared_ptr<const Container::Factory> Container::factoryOf(std::type_index type) const {
+  {
+    const std::scoped_lock lock(mutex_);
+    if (const auto found = factories_.find(type); found != factories_.end()) return found->second;
+  }
+  return parent_ ? parent_->factoryOf(type) : nullptr;
+}
+
+std::shared_ptr<void> Container::make(std::type_index type, const Arguments& arguments) {
+  const std::shared_ptr<const Factory> factory = factoryOf(type);
+  return factory ? (*factory)(*this, arguments) : nullptr;
+}
+
+}  // namespace orvane

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: Apache-2.0
+// The dependency container through which services find what they need.
+#pragma once
+
+#include <Orvane/Platform/Export.h>
+
+#include <any>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <type_traits>
+#include <typeindex>
+#include <typeinfo>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace orvane {
+
+/// Thrown by `Container::inject` when nothing is registered for a type.
+class ORVANE_EXPORT NotRegistered final : public std::exception {
+ public:
+  explicit NotRegistered(const std::type_info& type);
+  ~NotRegistered() override;
+  [[nodiscard]] const char* what() const noexcept override { return message_.c_str(); }
+
+ private:
+  std::string message_;
+};
+
+/// Maps interfaces to what implements them. A lookup that a container can't answer goes to its
+/// parent. Any thread may use it; factories run without a lock held, so that they can inject.
+class ORVANE_EXPORT Container {
+ public:
+  /// What a factory is given beside the container.
+  using Arguments = std::vector<std::any>;
+
+  /// The shared container: the host registers its implementations here.
+  [[nodiscard]] static const std::shared_ptr<Container>& common();
+
+  explicit Container(std::shared_ptr<Container> parent = nullptr);
+  Container(const Container&) = delete;
+  Container& operator=(const Container&) = delete;
+  ~Container();
+
+  /// Registers a factory, called for every injection with the container that was asked (which may
+  /// be a child of this one) and the arguments; from several threads at once, where they inject at
+  /// once. Replaces an earlier registration.
+  template <class Interface, class Factory>
+  requires std::is_invocable_r_v < std::shared_ptr<Interface>,
+  const Factory&, Container&, const Arguments& > void register_(Factory factory) {
+    add(typeid(Interface),
+        [factory = std::move(factory)](Container& container, const Arguments& arguments) {
+          // Erased after the cast to the interface: the other way round the pointer would be wrong.
+          const std::shared_ptr<Interface> made = factory(container, arguments);
+          return std::shared_ptr<void>(made);
+        });
+  }
+
+  /// Registers a deferred value: made when it is first injected, the same from then on.
+  template <class Interface, class Deferred>
+  requires std::is_invocable_r_v < std::shared_ptr<Interface>,
+  const Deferred& > void register_(Deferred value) {
+    struct Once {
+      std::once_flag flag;
+      std::shared_ptr<Interface> made;
+    };
+    add(typeid(Interface),
+        [once = std::make_shared<Once>(), value = std::move(value)](Container&, const Arguments&) {
+          std::call_once(once->flag, [&] { once->made = value(); });
+          return std::shared_ptr<void>(once->made);
+        });
+  }
+
+  /// Registers a value that is at hand.
+  template <class Interface>
+  void register_(std::shared_ptr<Interface> value) {
+    add(typeid(Interface), [value = std::move(value)](Container&, const Arguments&) {
+      return std::shared_ptr<void>(value);
+    });
+  }
+
+  /// What is registered for `Interface`. Throws `NotRegistered` where nothing is, and whatever the
+  /// factory throws.
+  template <class Interface>
+  [[nodiscard]] std::shared_ptr<Interface> inject(const Arguments& arguments = {}) {
+    if (auto found = find<Interface>(arguments)) return found;
+    throw NotRegistered(typeid(Interface));
+  }
+
+  /// The same, but null where nothing is registered.
+  template <class Interface>
+  [[nodiscard]] std::shared_ptr<Interface> find(const Arguments& arguments = {}) {
+    return std::static_pointer_cast<Interface>(make(typeid(Interface), arguments));
+  }
+
+ private:
+  using Factory = std::function<std::shared_ptr<void>(Container&, const Arguments&)>;
+
+  void add(std::type_index type, Factory factory);
+  [[nodiscard]] std::shared_ptr<const Factory> factoryOf(std::type_index type) const;
+  [[nodiscard]] std::shared_ptr<void> make(std::type_index type, const Arguments& arguments);
+
+  const std::shared_ptr<Container> parent_;
+  mutable std::mutex mutex_;
+  std::unordered_map<std::type_index, std::shared_ptr<const Factory>> factories_;
+};
+
+}  // namespace orvane

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+// The homes of the host's interfaces: one type identity each across shared libraries.
+#include <Orvane/Common/RequestManager.h>
+#include <Orvane/Common/Resolvers.h>
+#include <Orvane/Common/Stores.h>
+
+namespace orvane {
+
+RequestManager::~RequestManager() = default;
+EndpointResolver::~EndpointResolver() = default;
+TokenResolver::~TokenResolver() = default;
+DeviceIdentifier::~DeviceIdentifier() = default;
+TimeOffsetStore::~TimeOffsetStore() = default;
+TimeMonitor::~TimeMonitor() = default;
+
+}  // namespace orvane

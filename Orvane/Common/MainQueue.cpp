@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Common/Logger.h>
+#include <Orvane/Common/MainQueue.h>
+#include <Orvane/Common/Request.h>
+#include <Orvane/Platform/Fatal.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace orvane {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds patience{5000};
+
+}  // namespace
+
+struct MainQueue::State {
+  std::mutex mutex;
+  std::condition_variable changed;
+  std::deque<Job> jobs;
+  Post post;
+  bool isForwarded = false;
+  bool isStopped = false;
+  bool hasWarned = false;
+  std::optional<std::thread::id> drainer;
+  Clock::time_point waitingSince;
+  std::atomic<int> waiters{0};
+
+  // Called by a thread that is about to run jobs.
+  void becomeDrainer() {
+    precondition(!isForwarded, "the main queue is the application's loop's; run that instead");
+    drainer = std::this_thread::get_id();
+  }
+
+  Job next() {
+    Job job = std::move(jobs.front());
+    jobs.pop_front();
+    waitingSince = Clock::now();
+    hasWarned = false;
+    return job;
+  }
+};
+
+MainQueue& MainQueue::main() {
+  static MainQueue& queue = *new MainQueue;
+  return queue;
+}
+
+MainQueue::MainQueue() : state_(std::make_unique<State>()) {}
+MainQueue::~MainQueue() = default;
+
+void MainQueue::async(Job job) {
+  {
+    const std::scoped_lock lock(state_->mutex);
+    if (state_->isForwarded) {
+      // Inside the lock, so that jobs reach the loop in the order in which they came.
+      state_->post(std::move(job));
+      return;
+    }
+    if (state_->jobs.empty()) state_->waitingSince = Clock::now();
+    state_->jobs.push_back(std::move(job));
+  }
+  state_->changed.notify_one();
+  warnWhenStalled();
+}
+
+void MainQueue::run() {
+  std::unique_lock lock(state_->mutex);
+  state_->becomeDrainer();
+  while (true) {
+    state_->changed.wait(lock, [this] { return state_->isStopped || !state_->jobs.empty(); });
+    if (std::exchange(state_->isStopped, false)) return;
+    Job job = state_->next();
+    lock.unlock();
+    job();
+    job = nullptr;  // what it holds is let go of without the lock
+    lock.lock();
+  }
+}
+
+void MainQueue::stop() {
+  {
+    const std::scoped_lock lock(state_->mutex);
+    state_->isStopped = true;
+  }
+  state_->changed.notify_all();
+}
+
+void MainQueue::runUntil(const std::shared_ptr<Request>& request) {
+  while (!runUntil(request, std::chrono::hours(1))) {
+  }
+}
+
+bool MainQueue::runUntil(const std::shared_ptr<Request>& request, std::chrono::milliseconds limit) {
+  if (!request) return true;
+  const Clock::time_point end = Clock::now() + limit;
+  state_->waiters.fetch_add(1, std::memory_order_seq_cst);
+  std::unique_lock lock(state_->mutex);
+  state_->becomeDrainer();
+  bool isInTime = true;
+  while (!request->isFinished() && isInTime) {
+    if (state_->jobs.empty()) {
+      isInTime = state_->changed.wait_until(lock, end) == std::cv_status::no_timeout;
+      continue;
+    }
+    Job job = state_->next();
+    lock.unlock();
+    job();
+    job = nullptr;
+    isInTime = Clock::now() < end;
+    lock.lock();
+  }
+  lock.unlock();
+  state_->waiters.fetch_sub(1, std::memory_order_seq_cst);
+  return request->isFinished();
+}
+
+std::size_t MainQueue::drain() {
+  std::size_t count = 0;
+  std::unique_lock lock(state_->mutex);
+  state_->becomeDrainer();
+  for (; !state_->jobs.empty(); ++count) {
+    Job job = state_->next();
+    lock.unlock();
+    job();
+    job = nullptr;
+    lock.lock();
+  }
+  return count;
+}
+
+void MainQueue::forward(Post post) {
+  const std::scoped_lock lock(state_->mutex);
+  precondition(!state_->isForwarded, "the main queue has been handed to a loop before");
+  state_->post = std::move(post);
+  state_->isForwarded = true;
+  state_->drainer = std::this_thread::get_id();
+  for (Job& job : state_->jobs) state_->post(std::move(job));
+  state_->jobs.clear();
+}
+
+bool MainQueue::isDrainedByThisThread() const {
+  const std::scoped_lock lock(state_->mutex);
+  return !state_->drainer || *state_->drainer == std::this_thread::get_id();
+}
+
+std::chrono::milliseconds MainQueue::warnWhenStalled() {
+  {
+    const std::scoped_lock lock(state_->mutex);
+    if (state_->jobs.empty() || state_->hasWarned) return std::chrono::milliseconds::zero();
+    const auto left = state_->waitingSince + patience - Clock::now();
+    if (left > Clock::duration::zero()) return std::chrono::ceil<std::chrono::milliseconds>(left);
+    state_->hasWarned = true;
+  }
+  log.w(
+      "Nobody drains the main queue: no call can finish. Run it (MainQueue::main().run()) or "
+      "hand it to the application's loop (MainQueue::main().forward(…)).");
+  return std::chrono::milliseconds::zero();
+}
+
+void MainQueue::wakeWaiters() noexcept {
+  if (state_->waiters.load(std::memory_order_seq_cst) == 0) return;
+  // The lock makes sure that a waiter which has just looked at its request is asleep by now.
+  { const std::scoped_lock lock(state_->mutex); }
+  state_->changed.notify_all();
+}
+
+}  // namespace orvane

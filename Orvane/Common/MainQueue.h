@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: Apache-2.0
+// The queue on which resolution outcomes and cached answers are delivered.
+#pragma once
+
+#include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/Result.h>
+#include <Orvane/Platform/UniqueFunction.h>
+
+#include <chrono>
+#include <memory>
+#include <utility>
+
+namespace orvane {
+
+class Request;
+
+/// Runs jobs one after the other, in order, on the thread that drains it. It has no thread of its
+/// own: the application drains it (`run`, `runUntil`, `drain`) or hands in its own loop
+/// (`forward`). While nobody does, no call gets past the resolution of the backend's details; the
+/// queue warns about that through `log` after some seconds.
+class ORVANE_EXPORT MainQueue {
+ public:
+  using Job = UniqueFunction<void()>;
+  /// Posts a job to a loop; called from any thread, the job to be run later on the loop's.
+  using Post = UniqueFunction<void(Job)>;
+
+  /// The main queue of the process, made on first use and never destroyed.
+  [[nodiscard]] static MainQueue& main();
+
+  MainQueue();
+  MainQueue(const MainQueue&) = delete;
+  MainQueue& operator=(const MainQueue&) = delete;
+  ~MainQueue();
+
+  /// Adds a job at the end. Never runs it inside the call. Any thread.
+  void async(Job job);
+
+  /// Runs jobs on this thread until `stop()` is called. Jobs may call this, `runUntil` and `drain`
+  /// themselves; they then run the jobs behind them.
+  void run();
+  /// Ends the `run()` under way, or else the next one, after the job at hand. Any thread.
+  void stop();
+
+  /// Runs jobs on this thread until `request` has finished. A request that is null has finished.
+  void runUntil(const std::shared_ptr<Request>& request);
+  /// The same with a limit; false when it ran out before the request had finished.
+  bool runUntil(const std::shared_ptr<Request>& request, std::chrono::milliseconds limit);
+
+  /// Runs the jobs that are waiting, and those that they add, without waiting for more. Answers how
+  /// many they were.
+  std::size_t drain();
+
+  /// Hands the queue to the application's own loop: `post` receives every job from now on, those
+  /// that are waiting first. To be called once, by the loop's thread; draining the queue afterwards
+  /// is a programming fault.
+  void forward(Post post);
+
+  /// True on the thread that drained the queue last, and on every thread before any did: where
+  /// waiting for an outcome means draining the queue.
+  [[nodiscard]] bool isDrainedByThisThread() const;
+
+  /// Warns through `log` when jobs have been waiting for long, once for each such jam. Answers
+  /// after what time it is worth asking again (zero: no job is waiting). For threads that wait
+  /// anyway.
+  std::chrono::milliseconds warnWhenStalled();
+
+  /// For implementers of `Request`: makes `runUntil` look at its request again.
+  void wakeWaiters() noexcept;
+
+ private:
+  struct State;
+  const std::unique_ptr<State> state_;
+};
+
+/// A handler that runs on the main queue whatever thread the answer comes on.
+template <class T>
+[[nodiscard]] Completion<T> onMain(Completion<T> handler) {
+  return [handler = std::move(handler)](Result<T> result) mutable {
+    MainQueue::main().async([handler = std::move(handler), result = std::move(result)]() mutable {
+      handler(std::move(result));
+    });
+  };
+}
+
+}  // namespace orvane

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+// The errors of the backend's answers and of the requests made to it.
+#pragma once
+
+#include <Orvane/Platform/Date.h>
+#include <Orvane/Platform/Export.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace orvane {
+
+/// What went wrong between a request and the record that was to come of it. Errors of the transport
+/// itself (no connection, no trust, no time left) are of the transport's own type.
+class ORVANE_EXPORT NetworkError {
+ public:
+  enum class Case {
+    malformedRequest,     ///< The request could not be formed; nothing was sent.
+    invalidStatusCode,    ///< The backend refused; see `statusCode()` and `serverDate()`.
+    invalidResponseData,  ///< The answer is not what was asked for: syntax, type or content.
+    noData,               ///< The answer is empty where a record was expected.
+    unknown,              ///< A failure came without its error.
+  };
+
+  static const NetworkError malformedRequest;
+  static const NetworkError invalidResponseData;
+  static const NetworkError noData;
+  static const NetworkError unknown;
+
+  /// The backend refused a request.
+  /// @param statusCode the HTTP status (RFC 9110).
+  /// @param serverDate the server's clock, where the answer tells it.
+  [[nodiscard]] static constexpr NetworkError invalidStatusCode(
+      std::int64_t statusCode, std::optional<Date> serverDate = {}) {
+    return {Case::invalidStatusCode, statusCode, serverDate};
+  }
+
+  [[nodiscard]] constexpr Case kind() const noexcept { return kind_; }
+  /// The HTTP status of `invalidStatusCode`; 0 for the other cases.
+  [[nodiscard]] constexpr std::int64_t statusCode() const noexcept { return statusCode_; }
+  /// The server's clock of `invalidStatusCode`, where it is known.
+  [[nodiscard]] constexpr std::optional<Date> serverDate() const noexcept { return serverDate_; }
+
+  [[nodiscard]] std::string message() const;
+  friend constexpr bool operator==(const NetworkError&, const NetworkError&) = default;
+
+ private:
+  constexpr NetworkError(Case kind,
+                         std::int64_t statusCode = 0,  // NOLINT(google-explicit-constructor)
+                         std::optional<Date> serverDate = {})
+      : kind_(kind), statusCode_(statusCode), serverDate_(serverDate) {}
+
+  Case kind_;
+  std::int64_t statusCode_;
+  std::optional<Date> serverDate_;
+};
+
+inline constexpr NetworkError NetworkError::malformedRequest{Case::malformedRequest};
+inline constexpr NetworkError NetworkError::invalidResponseData{Case::invalidResponseData};
+inline constexpr NetworkError NetworkError::noData{Case::noData};
+inline constexpr NetworkError NetworkError::unknown{Case::unknown};
+
+/// A text of a multipart body is not UTF-8.
+struct ORVANE_EXPORT DataError {
+  [[nodiscard]] std::string message() const;
+  friend constexpr bool operator==(const DataError&, const DataError&) = default;
+};
+
+}  // namespace orvane

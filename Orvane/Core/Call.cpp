@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Core/Call.h>
+#include <Orvane/Platform/Text.h>
+
+namespace orvane {
+namespace {
+
+// What is to be sent, or the error that keeps it from being sent.
+struct Outgoing {
+  URL url;
+  std::string body;
+  Headers headers;
+};
+
+Result<Outgoing> compose(const URLComposer& composer, OrvaneDetails details) {
+  std::optional<URL> url = composer.url(details);
+  if (!url) return NetworkError::malformedRequest;
+  Outgoing outgoing{*std::move(url), {}, std::move(details.headers)};
+  if (auto header = composer.additionalHeader()) outgoing.headers.insert(*std::move(header));
+  if (auto body = composer.body()) {
+    if (!body->value()) return body->errorOr(NetworkError::malformedRequest);
+    outgoing.body = std::move(body->value()->bytes);
+    outgoing.headers.merge(std::move(body->value()->headers));
+  }
+  return outgoing;
+}
+
+// A call under way. The closures of its steps own it, and never the service, which may be gone.
+struct Call : std::enable_shared_from_this<Call> {
+  Call(const std::shared_ptr<RequestManager>& manager, Verb sent,
+       std::unique_ptr<const URLComposer> by, AnswerHandler handler)
+      : requestManager(manager), verb(sent), composer(std::move(by)), answer(std::move(handler)) {}
+
+  const std::shared_ptr<RequestManager> requestManager;
+  const Verb verb;
+  const std::unique_ptr<const URLComposer> composer;
+  AnswerHandler answer;
+  RequestBox box;
+
+  void detailsArrived(Result<OrvaneDetails> details) {
+    if (box.cancelled()) return;
+    if (!details.value()) return answer(box, details.errorOr(NetworkError::unknown));
+    Result<Outgoing> outgoing = compose(*composer, *std::move(details).value());
+    if (!outgoing.value()) return answer(box, *outgoing.error());
+    send(*std::move(outgoing).value());
+  }
+
+  void send(Outgoing outgoing) {
+    box.step([&] {
+      return requestManager->send(verb,
+                                  std::move(outgoing.url),
+                                  std::move(outgoing.body),
+                                  std::move(outgoing.headers),
+                                  [self = shared_from_this()](Result<std::string> response) {
+                                    if (!self->box.cancelled())
+                                      self->answer(self->box, std::move(response));
+                                  });
+    });
+  }
+};
+
+}  // namespace
+
+RequestHandle call(const SerializableService& service, Verb verb,
+                   std::unique_ptr<const URLComposer> composer, AnswerHandler answer) {
+  const auto call = std::make_shared<Call>(
+      service.requestManager(), verb, std::move(composer), std::move(answer));
+  call->box.step([&] {
+    return service.orvaneDetailsResolver()->resolve(
+        service.identity(),
+        [call](Result<OrvaneDetails> details) { call->detailsArrived(std::move(details)); });
+  });
+  return RequestHandle(call, &call->box);
+}
+
+}  // namespace orvane

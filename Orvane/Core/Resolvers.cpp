@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Common/MainQueue.h>
+#include <Orvane/Common/NetworkError.h>
+#include <Orvane/Core/Container+Network.h>
+#include <Orvane/Core/Resolvers.h>
+
+namespace orvane {
+namespace {
+
+constexpr std::string_view apiPath = "kavra/api/sdk";
+// Reserved for examples (RFC 2606): nothing answers there.
+constexpr std::string_view mockRoot = "https://mock.example";
+constexpr std::string_view mockUserID = "1234";
+
+constexpr std::int64_t unauthorized = 401;
+
+URL apiURLBelow(const URL& baseURL) { return *baseURL.appendingPathComponent(apiPath); }
+
+// Delivers an outcome on the main queue, unless the request is cancelled before it gets there.
+void deliver(std::shared_ptr<RequestBox> box, Completion<OrvaneDetails> then,
+             Result<OrvaneDetails> outcome) {
+  MainQueue::main().async(
+      [box = std::move(box), then = std::move(then), outcome = std::move(outcome)]() mutable {
+        box->complete(then, std::move(outcome));
+      });
+}
+
+// One authenticated resolution under way. It lives in the closures of its steps, one after the
+// other.
+struct Resolution : std::enable_shared_from_this<Resolution> {
+  Resolution(const ResolverCollaborators& by, const Identity& of, Completion<OrvaneDetails> handler)
+      : collaborators(by), identity(of), then(std::move(handler)) {}
+
+  const ResolverCollaborators collaborators;
+  const Identity identity;
+  Completion<OrvaneDetails> then;
+  const std::shared_ptr<RequestBox> box = std::make_shared<RequestBox>();
+  std::optional<URL> apiURL;
+  Headers headers;
+  bool mayRetry = true;
+
+  void start() {
+    box->step([&] {
+      return collaborators.endpointResolver->resolveOrvaneURL(
+          identity.apiKey, [self = shared_from_this()](Result<URL> baseURL) {
+            self->baseURLArrived(std::move(baseURL));
+          });
+    });
+  }
+
+  void baseURLArrived(Result<URL> baseURL) {
+    if (box->cancelled()) return;
+    if (!baseURL.value()) return fail(baseURL.errorOr(NetworkError::unknown));
+    apiURL = apiURLBelow(*baseURL.value());
+    askForToken(collaborators.offsetStore->get(identity));
+  }
+
+  void askForToken(std::optional<double> offset) {
+    box->step([&] {
+      return collaborators.tokenResolver->resolve(
+          identity, offset, [self = shared_from_this()](Result<std::string> token) {
+            self->tokenArrived(std::move(token));
+          });
+    });
+  }
+
+  void tokenArrived(Result<std::string> token) {
+    if (box->cancelled()) return;
+    if (!token.value()) return fail(token.errorOr(NetworkError::unknown));
+    headers = {{"Authorization", "Bearer " + *token.value()}};
+    box->step([&] {
+      return collaborators.userIdentifier->userID(
+          identity, *apiURL, headers, [self = shared_from_this()](Result<std::string> userID) {
+            self->userIDArrived(std::move(userID));
+          });
+    });
+  }
+
+  void userIDArrived(Result<std::string> userID) {
+    if (box->cancelled()) return;
+    if (userID.value()) {
+      return succeed({*std::move(apiURL), std::move(headers), *std::move(userID).value()});
+    }
+    const Error error = userID.errorOr(NetworkError::unknown);
+    const std::optional<Date> serverDate = clockThatRefused(error);
+    if (!serverDate || !std::exchange(mayRetry, false)) return fail(error);
+    const Seconds offset = *serverDate - DeviceClock::now();
+    collaborators.offsetStore->set(identity, offset.count());
+    askForToken(collaborators.offsetStore->get(identity));
+  }
+
+  // The server's clock, when it may be the reason why a token was refused.
+  static std::optional<Date> clockThatRefused(const Error& error) {
+    const auto* networkError = error.as<NetworkError>();
+    if (networkError == nullptr || networkError->statusCode() != unauthorized) return std::nullopt;
+    return networkError->serverDate();
+  }
+
+  void succeed(OrvaneDetails details) { deliver(box, std::move(then), std::move(details)); }
+  void fail(Error error) { deliver(box, std::move(then), std::move(error)); }
+};
+
+}  // namespace
+
+OrvaneDetailsResolver::~OrvaneDetailsResolver() = default;
+UnauthenticatedOrvaneDetailResolverProtocol::~UnauthenticatedOrvaneDetailResolverProtocol() =
+    default;
+
+std::shared_ptr<TokenOffsettingOrvaneDetailsResolver> TokenOffsettingOrvaneDetailsResolver::make(
+    Container& container) {
+  return std::make_shared<TokenOffsettingOrvaneDetailsResolver>(injectCollaborators(container));
+}
+
+RequestHandle TokenOffsettingOrvaneDetailsResolver::resolve(const Identity& identity,
+                                                            Completion<OrvaneDetails> then) {
+  const auto resolution = std::make_shared<Resolution>(collaborators_, identity, std::move(then));
+  resolution->start();
+  return resolution->box;
+}
+
+RequestHandle UnauthenticatedOrvaneDetailResolver::resolve(const Identity& identity,
+                                                           Completion<OrvaneDetails> then) {
+  auto box = std::make_shared<RequestBox>();
+  auto baseURLArrived = [box, then = std::move(then)](Result<URL> baseURL) mutable {
+    if (box->cancelled()) return;
+    if (!baseURL.value()) {
+      return deliver(std::move(box), std::move(then), baseURL.errorOr(NetworkError::unknown));
+    }
+    deliver(std::move(box), std::move(then), OrvaneDetails{apiURLBelow(*baseURL.value()), {}, {}});
+  };
+  box->step([&] {
+    return collaborators_.endpointResolver->resolveOrvaneURL(identity.apiKey,
+                                                             std::move(baseURLArrived));
+  });
+  return box;
+}
+
+RequestHandle MockOrvaneResolver::resolve(const Identity&, Completion<OrvaneDetails> then) {
+  auto box = std::make_shared<RequestBox>();
+  then(OrvaneDetails{*URL::parse(mockRoot), {}, std::string(mockUserID)});
+  return box;
+}
+
+}  // namespace orvane

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+// The resolvers of the backend's details.
+#pragma once
+
+#include <Orvane/Common/Container.h>
+#include <Orvane/Common/Resolvers.h>
+#include <Orvane/Common/Stores.h>
+#include <Orvane/Core/OrvaneDetails.h>
+#include <Orvane/Core/UserIdentifier.h>
+#include <Orvane/Platform/Export.h>
+
+#include <memory>
+#include <utility>
+
+namespace orvane {
+
+/// What both resolvers are made of.
+struct ResolverCollaborators {
+  std::shared_ptr<TokenResolver> tokenResolver;
+  std::shared_ptr<EndpointResolver> endpointResolver;
+  std::shared_ptr<UserIdentifier> userIdentifier;
+  std::shared_ptr<TimeOffsetStore> offsetStore;
+};
+
+/// Resolves base URL, token and user identifier, one after the other.
+///
+/// When the lookup of the user identifier is refused with status 401 and the answer tells the
+/// server's clock, the difference to the device's clock is stored and token and lookup are tried
+/// once more. The offset stays, so that a device with a wrong clock pays once per process. Outcomes
+/// are delivered on the main queue: an error of a step unchanged, or `NetworkError::unknown` for
+/// one that has none.
+class ORVANE_EXPORT TokenOffsettingOrvaneDetailsResolver final : public OrvaneDetailsResolver {
+ public:
+  explicit TokenOffsettingOrvaneDetailsResolver(ResolverCollaborators collaborators)
+      : collaborators_(std::move(collaborators)) {}
+
+  /// Made of what `container`, or one of its parents, has registered. A missing registration is a
+  /// programming fault.
+  [[nodiscard]] static std::shared_ptr<TokenOffsettingOrvaneDetailsResolver> make(
+      Container& container);
+
+  RequestHandle resolve(const Identity& identity, Completion<OrvaneDetails> then) override;
+
+ private:
+  const ResolverCollaborators collaborators_;
+};
+
+/// Resolves the base URL alone, for calls made before a user is known: `headers` and `userID` of
+/// its details are empty. Outcomes are delivered on the main queue.
+class ORVANE_EXPORT UnauthenticatedOrvaneDetailResolver final
+    : public UnauthenticatedOrvaneDetailResolverProtocol {
+ public:
+  explicit UnauthenticatedOrvaneDetailResolver(ResolverCollaborators collaborators)
+      : collaborators_(std::move(collaborators)) {}
+
+  RequestHandle resolve(const Identity& identity, Completion<OrvaneDetails> then) override;
+
+ private:
+  const ResolverCollaborators collaborators_;
+};
+
+/// Answers the same details for everyone, at once and on the calling thread: for development.
+class ORVANE_EXPORT MockOrvaneResolver final : public OrvaneDetailsResolver {
+ public:
+  RequestHandle resolve(const Identity& identity, Completion<OrvaneDetails> then) override;
+};
+
+}  // namespace orvane
