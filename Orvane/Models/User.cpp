@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Coding/Codable.h>
+#include <Orvane/Models/Coders.h>
+#include <Orvane/Models/User.h>
+#include <Orvane/Platform/Calendar.h>
+
+namespace orvane {
+namespace {
+
+constexpr std::string_view male = "male";
+constexpr std::string_view female = "female";
+
+// A text that is no URL leaves the member absent.
+struct URLText {
+  using Wire = std::string_view;
+  static std::optional<URL> fromWire(Wire text) { return URL::parse(text); }
+  static std::string_view toWire(const URL& url) { return url.absoluteString(); }
+};
+
+// A text that is no day leaves the components empty; anything but a text leaves the member absent.
+struct DayText {
+  using Wire = std::string_view;
+  static constexpr bool isLenient = true;
+  static DateComponents fromWire(Wire text) { return parseDay(text).value_or(DateComponents{}); }
+  static std::optional<std::string> toWire(const DateComponents& day) { return dayText(day); }
+};
+
+struct GenderText {
+  using Wire = std::string_view;
+  static User::Gender fromWire(Wire text) { return User::Gender::fromWireText(text); }
+  static std::string_view toWire(const User::Gender& gender) { return gender.wireText(); }
+};
+
+// Anything but an integer leaves the member absent.
+struct LenientMilliseconds : Milliseconds {
+  static constexpr bool isLenient = true;
+};
+
+constexpr auto accountKeys =
+    keyTable(key<&Account::accountId>("accountId"), key<&Account::identifier>("identifier"));
+
+constexpr auto roleKeys = keyTable(key<&UserRole::roleNames>("roleNames"),
+                                   key<&UserRole::supportAccessGranted>("supportAccessGranted"));
+
+using SharedInformation = User::SharedInformation;
+constexpr auto sharedInformationKeys = keyTable(
+    key<&SharedInformation::facebookInfo>("facebookInfo"),
+    key<&SharedInformation::selfDescription>("selfDescription"),
+    key<&SharedInformation::totalDistanceDriven>("totalDistanceDriven"),
+    key<&SharedInformation::city>("city"), key<&SharedInformation::subdivision>("subdivision"),
+    key<&SharedInformation::age>("age"), key<&SharedInformation::gender, GenderText>("gender"),
+    key<&SharedInformation::utcActivationDateInMillis>("utcActivationDateInMillis"),
+    key<&SharedInformation::averageDrivingSpeedPerHour>("averageDrivingSpeedPerHour"),
+    key<&SharedInformation::overallScore>("overallScore"),
+    key<&SharedInformation::driverType>("driverType"));
+
+constexpr auto userKeys = keyTable(
+    key<&User::id>("userId"), key<&User::externalReferenceID>("externalReferenceId"),
+    key<&User::userProfileId>("userProfileId"), key<&User::activated>("activated"),
+    key<&User::avatar, URLText>("avatar"), key<&User::firstName>("firstName"),
+    key<&User::lastName>("lastName"), key<&User::associatedUsers>("associatedUsers"),
+    key<&User::gender, GenderText>("gender"), key<&User::displayName>("publicDisplayName"),
+    key<&User::city>("city"), key<&User::subdivision>("subdivision"),
+    key<&User::subdivisionCode>("subdivisionCode"), key<&User::postalCode>("postalcode"),
+    key<&User::country>("country"), key<&User::countryCode>("countryCode"),
+    key<&User::formattedAddress>("formattedAddress"),
+    key<&User::dateOfBirth, DayText>("dateOfBirth"), key<&User::email>("email"),
+    key<&User::phone>("phone"), key<&User::acceptedTerms>("acceptedTerms"),
+    key<&User::acceptedTermsDate, LenientMilliseconds>("acceptedTermsDate"),
+    key<&User::selfDescription>("selfDescription"),
+    key<&User::shareUserProfile>("shareUserProfile"), key<&User::driverType>("driverType"),
+    key<&User::dataCollectionType>("dataCollectionType"), key<&User::scoringType>("scoringType"),
+    key<&User::enrollmentModelType>("enrollmentModelType"), key<&User::accountRole>("accountRole"),
+    key<&User::userRole>("userRole"), key<&User::sharedInformation>("sharedInformation"),
+    key<&User::account>("account"));
+
+constexpr auto usersByRoleKeys =
+    keyTable(key<&UsersByRole::OPERATOR>("OPERATOR"), key<&UsersByRole::OWNER>("OWNER"));
+
+}  // namespace
+
+User::Gender User::Gender::fromWireText(std::string_view text) {
+  if (text == orvane::male) return Male{};
+  if (text == orvane::female) return Female{};
+  return CustomGender{std::string(text)};
+}
+
+std::string_view User::Gender::wireText() const noexcept {
+  if (is<Male>()) return orvane::male;
+  if (is<Female>()) return orvane::female;
+  return as<CustomGender>()->gender;
+}
+
+KeyTables keysOf(RecordTag<Account>) { return accountKeys; }
+KeyTables keysOf(RecordTag<UserRole>) { return roleKeys; }
+KeyTables keysOf(RecordTag<User::SharedInformation>) { return sharedInformationKeys; }
+KeyTables keysOf(RecordTag<User>) { return userKeys; }
+KeyTables keysOf(RecordTag<UsersByRole>) { return usersByRoleKeys; }
+
+template Result<Account> decode(std::string_view);
+template Result<std::vector<Account>> decode(std::string_view);
+template Result<std::string> encode(const Account&);
+template Result<std::string> encode(const std::vector<Account>&);
+template Result<UserRole> decode(std::string_view);
+template Result<std::vector<UserRole>> decode(std::string_view);
+template Result<std::string> encode(const UserRole&);
+template Result<std::string> encode(const std::vector<UserRole>&);
+template Result<User::SharedInformation> decode(std::string_view);
+template Result<std::vector<User::SharedInformation>> decode(std::string_view);
+template Result<std::string> encode(const User::SharedInformation&);
+template Result<std::string> encode(const std::vector<User::SharedInformation>&);
+template Result<User> decode(std::string_view);
+template Result<std::vector<User>> decode(std::string_view);
+template Result<std::string> encode(const User&);
+template Result<std::string> encode(const std::vector<User>&);
+template Result<UsersByRole> decode(std::string_view);
+template Result<std::vector<UsersByRole>> decode(std::string_view);
+template Result<std::string> encode(const UsersByRole&);
+template Result<std::string> encode(const std::vector<UsersByRole>&);
+
+}  // namespace orvane

@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: Apache-2.0
+// The people of the programme: users, their accounts and roles.
+#pragma once
+
+#include <Orvane/Platform/Date.h>
+#include <Orvane/Platform/DateComponents.h>
+#include <Orvane/Platform/Enumeration.h>
+#include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/Indirect.h>
+#include <Orvane/Platform/OneOf.h>
+#include <Orvane/Platform/URL.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane {
+
+/// The account that users share.
+struct ORVANE_EXPORT Account {
+  std::optional<std::string> accountId;
+  std::optional<std::string> identifier;
+
+  friend bool operator==(const Account&, const Account&) = default;
+};
+
+/// What a user is allowed to do.
+struct ORVANE_EXPORT UserRole {
+  enum class RoleName : std::uint8_t {
+    primaryDriver,
+    secondaryDriver,
+    roleAdmin,
+    roleBusinessAdmin,
+    roleBusinessUser,
+    roleShipper,
+    roleTier1Support,
+    roleBusinessUserInternal,
+    roleFleetDriver,
+    roleFleetOperator,
+    roleFleetAdmin,
+  };
+
+  std::optional<std::vector<RoleName>> roleNames;
+  /// Whether support staff may act for the user, as the backend words it.
+  std::optional<std::string> supportAccessGranted;
+
+  friend bool operator==(const UserRole&, const UserRole&) = default;
+};
+
+/// A person taking part in the programme. Every member is absent where the backend did not tell it.
+struct ORVANE_EXPORT User {
+  struct Male {
+    auto operator<=>(const Male&) const = default;
+  };
+  struct Female {
+    auto operator<=>(const Female&) const = default;
+  };
+  struct CustomGender {
+    std::string gender;
+    [[nodiscard]] std::size_t hashValue() const { return hashOf(gender); }
+    auto operator<=>(const CustomGender&) const = default;
+  };
+
+  /// Any text can be a gender: "male" and "female" are cases of their own.
+  class Gender : public OneOf<Male, Female, CustomGender> {
+   public:
+    using OneOf::OneOf;
+    [[nodiscard]] static Gender male() { return Male{}; }
+    [[nodiscard]] static Gender female() { return Female{}; }
+    [[nodiscard]] static Gender custom(std::string gender) {
+      return CustomGender{std::move(gender)};
+    }
+
+    /// The case that a wire text stands for, compared exactly; any unlisted text is a custom one.
+    [[nodiscard]] ORVANE_EXPORT static Gender fromWireText(std::string_view text);
+    [[nodiscard]] ORVANE_EXPORT std::string_view wireText() const noexcept;
+  };
+
+  enum class DriverType : std::uint8_t {
+    weekend_driver,
+    occasional_driver,
+    frequent_driver,
+    commuter,
+    professional_driver,
+  };
+
+  /// What records the driving.
+  enum class DataCollectionType : std::uint8_t { obd, mobile };
+
+  enum class ScoringType : std::uint8_t { ims, wtw };
+
+  /// With what equipment the user takes part.
+  enum class EnrollmentModelType : std::uint8_t { phone_only, wedge, obd };
+
+  enum class AccountRole : std::uint8_t {
+    primaryDriver,
+    secondaryDriver,
+    accountFleetManager,
+    accountFleetDriver,
+    unknown,
+  };
+
+  /// What a user shares with others.
+  struct ORVANE_EXPORT SharedInformation {
+    std::optional<std::string> facebookInfo;
+    std::optional<std::string> selfDescription;
+    std::optional<double> totalDistanceDriven;
+    std::optional<std::string> city;
+    std::optional<std::string> subdivision;
+    std::optional<std::int64_t> age;  ///< Years.
+    std::optional<Gender> gender;
+    std::optional<double> utcActivationDateInMillis;  ///< Milliseconds since 1970-01-01 UTC.
+    std::optional<double> averageDrivingSpeedPerHour;
+    std::optional<double> overallScore;
+    std::optional<DriverType> driverType;
+
+    friend bool operator==(const SharedInformation&, const SharedInformation&) = default;
+  };
+
+  std::optional<std::string> id;
+  std::optional<std::string> externalReferenceID;
+  std::optional<std::string> userProfileId;
+  std::optional<bool> activated;
+  std::optional<URL> avatar;
+  std::optional<std::string> firstName;
+  std::optional<std::string> lastName;
+  /// Other users of the account; there when a request asked for them.
+  std::optional<std::vector<User>> associatedUsers;
+  std::optional<Gender> gender;
+  std::optional<std::string> displayName;
+  std::optional<std::string> city;
+  std::optional<std::string> subdivision;  ///< Name of the state, province or region.
+  std::optional<std::string> subdivisionCode;
+  std::optional<std::string> postalCode;
+  std::optional<std::string> country;
+  std::optional<std::string> countryCode;
+  std::optional<std::string> formattedAddress;
+  /// In the device's calendar. Present with nothing set when the backend sent a text that is no
+  /// day.
+  std::optional<DateComponents> dateOfBirth;
+  std::optional<std::string> email;
+  std::optional<std::string> phone;
+  std::optional<bool> acceptedTerms;  ///< Whether the user accepted the programme's terms.
+  std::optional<Date> acceptedTermsDate;
+  std::optional<std::string> selfDescription;
+  std::optional<bool> shareUserProfile;
+  std::optional<DriverType> driverType;
+  std::optional<DataCollectionType> dataCollectionType;
+  std::optional<ScoringType> scoringType;
+  std::optional<EnrollmentModelType> enrollmentModelType;
+  std::optional<AccountRole> accountRole;
+  /// There when a request asked for the role.
+  Indirect<UserRole> userRole;
+  /// There when a request asked for it.
+  Indirect<SharedInformation> sharedInformation;
+  /// There when a request asked for the associated account.
+  Indirect<Account> account;
+
+  friend bool operator==(const User&, const User&) = default;
+};
+
+/// The users of an account or vehicle by what they are to it. The members are named as on the wire.
+struct ORVANE_EXPORT UsersByRole {
+  std::optional<std::vector<User>> OPERATOR;
+  std::optional<std::vector<User>> OWNER;
+
+  friend bool operator==(const UsersByRole&, const UsersByRole&) = default;
+};
+
+template <>
+struct EnumerationTable<UserRole::RoleName> {
+  using enum UserRole::RoleName;
+  static constexpr EnumerationCase<UserRole::RoleName> cases[] = {
+      {primaryDriver, "ROLE_OWNER"},
+      {secondaryDriver, "ROLE_OPERATOR"},
+      {roleAdmin, "ROLE_ADMIN"},
+      {roleBusinessAdmin, "ROLE_BUSINESS_ADMIN"},
+      {roleBusinessUser, "ROLE_BUSINESS_USER"},
+      {roleShipper, "ROLE_SHIPPER"},
+      {roleTier1Support, "ROLE_TIER1_SUPPORT"},
+      {roleBusinessUserInternal, "ROLE_BUSINESS_USER_INTERNAL"},
+      {roleFleetDriver, "ROLE_FLEET_DRIVER"},
+      {roleFleetOperator, "ROLE_FLEET_OPERATOR"},
+      {roleFleetAdmin, "ROLE_FLEET_ADMIN"},
+  };
+  // The record's name, not the enumeration's: so the error has always read.
+  static constexpr std::string_view reportedName = "UserRole";
+};
+
+template <>
+struct EnumerationTable<User::DriverType> {
+  using enum User::DriverType;
+  static constexpr EnumerationCase<User::DriverType> cases[] = {
+      {weekend_driver, "WEEKEND_DRIVER"},
+      {occasional_driver, "OCCASIONAL_DRIVER"},
+      {frequent_driver, "FREQUENT_DRIVER"},
+      {commuter, "COMMUTER"},
+      {professional_driver, "PROFESSIONAL_DRIVER"},
+  };
+  static constexpr std::string_view reportedName = "DriverType";
+};
+
+template <>
+struct EnumerationTable<User::DataCollectionType> {
+  using enum User::DataCollectionType;
+  static constexpr EnumerationCase<User::DataCollectionType> cases[] = {{obd, "OBD"},
+                                                                        {mobile, "MOBILE"}};
+  static constexpr std::string_view reportedName = "DataCollectionType";
+};
+
+template <>
+struct EnumerationTable<User::ScoringType> {
+  using enum User::ScoringType;
+  static constexpr EnumerationCase<User::ScoringType> cases[] = {{ims, "IMS"}, {wtw, "WTW"}};
+  static constexpr std::string_view reportedName = "ScoringType";
+};
+
+template <>
+struct EnumerationTable<User::EnrollmentModelType> {
+  using enum User::EnrollmentModelType;
+  static constexpr EnumerationCase<User::EnrollmentModelType> cases[] = {
+      {phone_only, "MOBILE_FLEXIBLE"}, {wedge, "MOBILE_WITH_VEHICLE_IDENTIFIER"}, {obd, "OBD"}};
+  static constexpr std::string_view reportedName = "EnrollmentModelType";
+};
+
+template <>
+struct EnumerationTable<User::AccountRole> {
+  using enum User::AccountRole;
+  static constexpr EnumerationCase<User::AccountRole> cases[] = {
+      {primaryDriver, "OWNER"},
+      {secondaryDriver, "OPERATOR"},
+      {accountFleetManager, "FLEET_MANAGER"},
+      {accountFleetDriver, "FLEET_DRIVER"},
+      {unknown, "UNKNOWN"},
+  };
+  static constexpr std::string_view reportedName = "AccountRole";
+};
+
+}  // namespace orvane

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: Apache-2.0
+// The application's entry to the people of the programme.
+#pragma once
+
+#include <Orvane/Core/SerializableService.h>
+#include <Orvane/Models/User.h>
+#include <Orvane/Platform/Enumeration.h>
+#include <Orvane/Platform/Export.h>
+
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+
+namespace orvane {
+
+/// The new values of a profile; what is absent stays as it is.
+struct ORVANE_EXPORT UserUpdate {
+  std::optional<std::string> displayName{};
+  std::optional<std::string> postalCode{};
+  std::optional<std::string> avatar{};
+  std::optional<User::Gender> gender{};
+  /// A day that the device's calendar can't form is left out.
+  std::optional<DateComponents> dateOfBirth{};
+  std::optional<std::string> firstName{};
+  std::optional<std::string> lastName{};
+  std::optional<std::string> email{};
+  std::optional<std::string> phone{};
+  std::optional<std::string> selfDescription{};
+  std::optional<bool> shareUserProfile{};
+  std::optional<User::DriverType> driverType{};
+  std::optional<User::DataCollectionType> dataCollectionType{};
+  std::optional<User::ScoringType> scoringType{};
+  std::optional<User::EnrollmentModelType> enrollmentModelType{};
+};
+
+/// The new values of an address; what is absent stays as it is.
+struct ORVANE_EXPORT UserAddressUpdate {
+  std::optional<std::string> city{};
+  std::optional<std::string> subdivision{};
+  std::optional<std::string> subdivisionCode{};
+  std::optional<std::string> postalCode{};
+  std::optional<std::string> country{};
+  std::optional<std::string> countryCode{};
+  std::optional<std::string> formattedAddress{};
+};
+
+/// Fetches users, and updates the one who is signed in.
+class ORVANE_EXPORT UserService : public SerializableService {
+ public:
+  /// What the backend is asked to embed in a user.
+  enum class Expansion : std::uint8_t {
+    associatedUsers,
+    sharedInformation,
+    associatedAccount,
+    customFields,
+    role,
+  };
+
+  /// A service for the person who is signed in. A missing registration stops the process.
+  explicit UserService(Identity identity) : SerializableService(std::move(identity)) {}
+
+  /// Fetches the user with the given id, or the current one when it is absent.
+  RequestHandle fetch(std::optional<std::string> id, std::set<Expansion> expansions,
+                      Completion<User> then) const;
+
+  /// Updates the current user's profile and answers the updated user. A text that is not UTF-8
+  /// fails with `DataError`.
+  RequestHandle update(UserUpdate update, Completion<User> then) const;
+
+  /// Updates the current user's address and answers the updated user. A text that is not UTF-8
+  /// fails with `DataError`.
+  RequestHandle updateAddress(UserAddressUpdate update, Completion<User> then) const;
+};
+
+template <>
+struct EnumerationTable<UserService::Expansion> {
+  using enum UserService::Expansion;
+  static constexpr EnumerationCase<UserService::Expansion> cases[] = {
+      {associatedUsers, "associatedUsers"},
+      {sharedInformation, "sharedInformation"},
+      {associatedAccount, "associatedAccount"},
+      {customFields, "customFields"},
+      {role, "role"},
+  };
+};
+
+}  // namespace orvane
