@@ -4,6 +4,7 @@
 #pragma once
 
 #include <Orvane/Coding/Coding.h>
+#include <Orvane/Common/Await.h>
 #include <Orvane/Common/Container.h>
 #include <Orvane/Common/CurrentDate.h>
 #include <Orvane/Common/Identity.h>

@@ -49,8 +49,9 @@ class ORVANE_EXPORT Container {
   /// be a child of this one) and the arguments; from several threads at once, where they inject at
   /// once. Replaces an earlier registration.
   template <class Interface, class Factory>
-  requires std::is_invocable_r_v < std::shared_ptr<Interface>,
-  const Factory&, Container&, const Arguments& > void register_(Factory factory) {
+    requires(std::is_invocable_r_v<std::shared_ptr<Interface>, const Factory&, Container&,
+                                   const Arguments&>)
+  void register_(Factory factory) {
     add(typeid(Interface),
         [factory = std::move(factory)](Container& container, const Arguments& arguments) {
           // Erased after the cast to the interface: the other way round the pointer would be wrong.
@@ -61,8 +62,8 @@ class ORVANE_EXPORT Container {
 
   /// Registers a deferred value: made when it is first injected, the same from then on.
   template <class Interface, class Deferred>
-  requires std::is_invocable_r_v < std::shared_ptr<Interface>,
-  const Deferred& > void register_(Deferred value) {
+    requires(std::is_invocable_r_v<std::shared_ptr<Interface>, const Deferred&>)
+  void register_(Deferred value) {
     struct Once {
       std::once_flag flag;
       std::shared_ptr<Interface> made;

@@ -14,11 +14,8 @@ class StandardErrorLogger final : public Logger {
  public:
   void write(const Entry& entry) override {
     if (entry.level == Level::information) return;
-    std::fprintf(stderr,
-                 "%s: %.*s\n",
-                 entry.level == Level::error ? "error" : "warning",
-                 static_cast<int>(entry.message.size()),
-                 entry.message.data());
+    std::fprintf(stderr, "%s: %.*s\n", entry.level == Level::error ? "error" : "warning",
+                 static_cast<int>(entry.message.size()), entry.message.data());
   }
 };
 

@@ -22,7 +22,8 @@ constexpr std::chrono::milliseconds patience{5000};
 
 struct MainQueue::State {
   std::mutex mutex;
-  std::condition_variable changed;
+  std::condition_variable changed;   // for who drains: a job has come, or a request has finished
+  std::condition_variable finished;  // for who only waits: a request has finished
   std::deque<Job> jobs;
   Post post;
   bool isForwarded = false;
@@ -66,7 +67,7 @@ void MainQueue::async(Job job) {
     if (state_->jobs.empty()) state_->waitingSince = Clock::now();
     state_->jobs.push_back(std::move(job));
   }
-  state_->changed.notify_one();
+  state_->changed.notify_all();
   warnWhenStalled();
 }
 
@@ -121,6 +122,20 @@ bool MainQueue::runUntil(const std::shared_ptr<Request>& request, std::chrono::m
   return request->isFinished();
 }
 
+void MainQueue::wait(const std::shared_ptr<Request>& request) {
+  if (!request || isDrainedByThisThread()) return runUntil(request);
+  state_->waiters.fetch_add(1, std::memory_order_seq_cst);
+  std::unique_lock lock(state_->mutex);
+  while (!request->isFinished()) {
+    state_->finished.wait_for(lock, patience);
+    lock.unlock();
+    warnWhenStalled();
+    lock.lock();
+  }
+  lock.unlock();
+  state_->waiters.fetch_sub(1, std::memory_order_seq_cst);
+}
+
 std::size_t MainQueue::drain() {
   std::size_t count = 0;
   std::unique_lock lock(state_->mutex);
@@ -169,6 +184,7 @@ void MainQueue::wakeWaiters() noexcept {
   // The lock makes sure that a waiter which has just looked at its request is asleep by now.
   { const std::scoped_lock lock(state_->mutex); }
   state_->changed.notify_all();
+  state_->finished.notify_all();
 }
 
 }  // namespace orvane

@@ -46,6 +46,11 @@ class ORVANE_EXPORT MainQueue {
   /// The same with a limit; false when it ran out before the request had finished.
   bool runUntil(const std::shared_ptr<Request>& request, std::chrono::milliseconds limit);
 
+  /// Waits until `request` has finished: draining the queue where that is this thread's business
+  /// (see `isDrainedByThisThread`), else leaving it to whoever drains it. On the thread of a loop
+  /// that the queue was handed to it would wait for itself: a programming fault.
+  void wait(const std::shared_ptr<Request>& request);
+
   /// Runs the jobs that are waiting, and those that they add, without waiting for more. Answers how
   /// many they were.
   std::size_t drain();

@@ -60,8 +60,8 @@ class ORVANE_EXPORT RequestManager {
     return send(Verb::put, std::move(url), std::move(body), std::move(headers), std::move(then));
   }
   RequestHandle delete_(URL url, std::string body, Headers headers, Completion<std::string> then) {
-    return send(
-        Verb::delete_, std::move(url), std::move(body), std::move(headers), std::move(then));
+    return send(Verb::delete_, std::move(url), std::move(body), std::move(headers),
+                std::move(then));
   }
 };
 

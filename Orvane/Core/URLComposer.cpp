@@ -26,6 +26,10 @@ QueryItems& QueryItems::add(std::string_view name, std::string_view value) {
   return *this;
 }
 
+QueryItems& QueryItems::add(std::string_view name, std::int64_t value) {
+  return add(name, std::to_string(value));
+}
+
 Headers standardJSONHeaders() {
   return {{"X-Requested-With", "XMLHttpRequest"}, {"Content-Type", "application/json"}};
 }

@@ -8,6 +8,7 @@
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Platform/URL.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -55,6 +56,7 @@ class QueryItems {
  public:
   QueryItems& add(std::string_view item);
   QueryItems& add(std::string_view name, std::string_view value);
+  QueryItems& add(std::string_view name, std::int64_t value);
   [[nodiscard]] std::optional<std::string> joined() && { return std::move(text_); }
 
  private:

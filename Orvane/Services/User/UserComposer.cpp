@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Core/Parameter.h>
 #include <Orvane/Platform/Calendar.h>
+#include <Orvane/Platform/Text.h>
 #include <Orvane/Services/User/UserComposer.h>
 
 namespace orvane {
@@ -67,7 +68,7 @@ Result<RequestBody> formOf(const UserAddressUpdate& update) {
       .body();
 }
 
-std::string userPath(std::string_view userID) { return "users/" + std::string(userID); }
+std::string userPath(std::string_view userID) { return concatenated({"users/", userID}); }
 
 }  // namespace
 
