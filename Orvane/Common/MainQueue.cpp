@@ -57,6 +57,7 @@ MainQueue::MainQueue() : state_(std::make_unique<State>()) {}
 MainQueue::~MainQueue() = default;
 
 void MainQueue::async(Job job) {
+  bool isJammed = false;
   {
     const std::scoped_lock lock(state_->mutex);
     if (state_->isForwarded) {
@@ -64,11 +65,12 @@ void MainQueue::async(Job job) {
       state_->post(std::move(job));
       return;
     }
-    if (state_->jobs.empty()) state_->waitingSince = Clock::now();
+    isJammed = !state_->jobs.empty();
+    if (!isJammed) state_->waitingSince = Clock::now();
     state_->jobs.push_back(std::move(job));
   }
   state_->changed.notify_all();
-  warnWhenStalled();
+  if (isJammed) warnWhenStalled();
 }
 
 void MainQueue::run() {
