@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Fixture.h"
+
+#include "Admin.h"
+
+#include <stdlib.h>
+
+namespace orvane::sandbox::test {
+
+namespace {
+
+constexpr const char* kRoot = "/kavra/api/sdk/";
+
+Answer answerFrom(const httplib::Result& result) {
+  if (!result) throw std::runtime_error("no answer: " + to_string(result.error()));
+  return {result->status, result->headers, result->body};
+}
+
+}  // namespace
+
+TemporaryFolder::TemporaryFolder() {
+  std::string pattern = (std::filesystem::temp_directory_path() / "sandbox-XXXXXX").string();
+  if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
+  path_ = pattern;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+  std::error_code ignored;
+  remove_all(path_, ignored);
+}
+
+std::string Answer::header(const std::string& name) const {
+  const auto found = headers.find(name);
+  return found != headers.end() ? found->second : "";
+}
+
+void SandboxTest::start(SandboxOptions options) {
+  client_.reset();
+  sandbox_.reset();
+  options.backend.folder = folder_.path();
+  if (!options.backend.now) options.backend.now = parseTimestamp(kNow);
+  options.backend.weeks = 2;
+  options.threads = 4;
+  sandbox_ = std::make_unique<Sandbox>(std::move(options));
+  client_ = std::make_unique<httplib::SSLClient>("127.0.0.1", sandbox_->port());
+  client_->set_ca_cert_path(sandbox_->certificateAuthority().string());
+  client_->enable_server_certificate_verification(true);
+  client_->set_keep_alive(true);
+  client_->set_tcp_nodelay(true);
+  client_->set_url_encode(false);
+}
+
+httplib::SSLClient SandboxTest::client() const {
+  return httplib::SSLClient{"127.0.0.1", sandbox_->port()};
+}
+
+httplib::Headers SandboxTest::authorized(httplib::Headers headers) const {
+  if (!token_.empty()) headers.emplace("Authorization", "Bearer " + token_);
+  return headers;
+}
+
+Answer SandboxTest::get(const std::string& path, httplib::Headers headers) {
+  return answerFrom(client_->Get(kRoot + path, authorized(std::move(headers))));
+}
+
+Answer SandboxTest::post(const std::string& path, const std::string& body,
+                         const std::string& contentType, httplib::Headers headers) {
+  return answerFrom(client_->Post(kRoot + path, authorized(std::move(headers)), body, contentType));
+}
+
+Answer SandboxTest::postForm(const std::string& path,
+                             const httplib::MultipartFormDataItems& items) {
+  return answerFrom(client_->Post(kRoot + path, authorized({}), items));
+}
+
+Answer SandboxTest::put(const std::string& path) {
+  return answerFrom(client_->Put(kRoot + path, authorized({}), "", ""));
+}
+
+Answer SandboxTest::remove(const std::string& path) {
+  return answerFrom(client_->Delete(kRoot + path, authorized({})));
+}
+
+Answer SandboxTest::admin(const std::string& path, const json& body) {
+  return answerFrom(client_->Post("/admin/" + path,
+                                  {{kAdminKeyHeader, sandbox_->backend().adminKey()}}, body.dump(),
+                                  "application/json"));
+}
+
+json SandboxTest::read(const std::string& path) {
+  const Answer answer = get(path);
+  if (answer.status != 200) {
+    throw std::runtime_error(path + ": " + std::to_string(answer.status) + " " + answer.body);
+  }
+  return answer.parsed();
+}
+
+}  // namespace orvane::sandbox::test

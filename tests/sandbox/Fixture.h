@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A sandbox in a folder of its own, and a client that talks to it over TLS.
+#pragma once
+
+#include "Sandbox.h"
+
+#include <gtest/gtest.h>
+#include <httplib.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace orvane::sandbox::test {
+
+using nlohmann::json;
+
+inline constexpr std::string_view kNow = "2025-06-18T12:00:00Z";  // a Wednesday
+
+/// A folder that is gone afterwards.
+class TemporaryFolder {
+ public:
+  TemporaryFolder();
+  ~TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+struct Answer {
+  int status = 0;
+  httplib::Headers headers;
+  std::string body;
+
+  [[nodiscard]] json parsed() const { return json::parse(body); }
+  [[nodiscard]] std::string header(const std::string& name) const;
+};
+
+class SandboxTest : public testing::Test {
+ protected:
+  explicit SandboxTest(SandboxOptions options = {}) { start(std::move(options)); }
+
+  /// Starts the sandbox on the test's folder, a second time as well.
+  void start(SandboxOptions options = {});
+
+  /// Requests below the API root as the current user.
+  Answer get(const std::string& path, httplib::Headers headers = {});
+  Answer post(const std::string& path, const std::string& body = "",
+              const std::string& contentType = "", httplib::Headers headers = {});
+  Answer postForm(const std::string& path, const httplib::MultipartFormDataItems& items);
+  Answer put(const std::string& path);
+  Answer remove(const std::string& path);
+  Answer admin(const std::string& path, const json& body);
+
+  /// The body of a GET that must succeed.
+  json read(const std::string& path);
+
+  void actAs(std::string_view userId) { token_ = "sandbox-token-" + std::string{userId}; }
+  void useToken(std::string token) { token_ = std::move(token); }
+
+  [[nodiscard]] Sandbox& sandbox() { return *sandbox_; }
+  [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
+  [[nodiscard]] httplib::SSLClient client() const;
+
+ private:
+  [[nodiscard]] httplib::Headers authorized(httplib::Headers headers) const;
+
+  TemporaryFolder folder_;
+  std::unique_ptr<Sandbox> sandbox_;
+  std::unique_ptr<httplib::SSLClient> client_;
+  std::string token_ = "sandbox-token-1001";
+};
+
+}  // namespace orvane::sandbox::test

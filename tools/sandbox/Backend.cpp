@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Backend.h"
+
+#include "Admin.h"
+#include "data/Seed.h"
+#include "resources/Resources.h"
+#include "store/Schema.h"
+
+#include <chrono>
+#include <cstdio>
+#include <exception>
+
+namespace orvane::sandbox {
+
+namespace {
+
+constexpr std::string_view kBearer = "Bearer ";
+
+Problem unauthorized(const std::string& message) {
+  return {401, "unauthorized", message, {{"WWW-Authenticate", "Bearer"}}};
+}
+
+}  // namespace
+
+Backend::Backend(BackendOptions options)
+    : options_(std::move(options)),
+      clock_(options_.skewSeconds),
+      signingKey_(options_.folder / "signing.key"),
+      adminKey_(randomHex(16)),
+      database_(options_.folder / "sandbox.sqlite"),
+      misbehaviours_(options_.faults) {
+  layDataIfNeeded();
+  addResources(router_);
+}
+
+void Backend::layDataIfNeeded() {
+  const auto lease = database_.lease();
+  const bool created = createSchema(*lease);
+  if (created || options_.fresh) layData(*lease, now(), options_.weeks);
+}
+
+void Backend::reset() {
+  {
+    const auto lease = database_.lease();
+    layData(*lease, now(), options_.weeks);
+  }
+  misbehaviours_.reset();
+  requests_.clear();
+  clock_.setSkew(options_.skewSeconds);
+}
+
+std::string Backend::authenticate(DatabaseConnection& database, const Request& request,
+                                  bool open) const {
+  const auto header = request.header("Authorization");
+  if (!header && open) return {};
+  if (!header) throw unauthorized("a bearer token is missing");
+  if (!header->starts_with(kBearer)) throw unauthorized("the credentials are not a bearer token");
+  const std::string_view token = header->substr(kBearer.size());
+
+  const bool development = token.starts_with(kDevelopmentToken);
+  Rows rows = development
+                  ? database.query("SELECT user_id FROM users WHERE user_id = ?",
+                                   token.substr(kDevelopmentToken.size()))
+                  : database.query("SELECT user_id FROM users WHERE external_reference_id = ?",
+                                   signingKey_.verify(token, clock_.now()));
+  if (!rows.next()) throw unauthorized("nobody here is the token's subject");
+  return std::string{rows.text(0)};
+}
+
+Reply Backend::route(const Request& request) {
+  const std::string_view path = request.path;
+  if (path.starts_with(kApiRoot)) {
+    return router_.dispatch(*this, request, path.substr(kApiRoot.size()));
+  }
+  if (path.starts_with(kDownloads)) return answerDownload(*this, request);
+  throw notFound("the API root is " + std::string{kApiRoot});
+}
+
+Reply Backend::answer(const Request& request) {
+  if (request.path.starts_with(kAdminRoot)) return answerAdmin(*this, request);
+
+  const auto start = std::chrono::steady_clock::now();
+  Reply reply = answerFaulty(request);
+  requests_.add(request, reply.status);
+  if (options_.verbose) {
+    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+    // Query values are personal: e-mail addresses, codes, push tokens.
+    std::fprintf(stderr, "%s %s%s %d %zu bytes %.2f ms\n", request.method.c_str(),
+                 request.path.c_str(), request.query.empty() ? "" : "?…", reply.status,
+                 reply.body.size(), time.count());
+  }
+  return reply;
+}
+
+Reply Backend::answerFaulty(const Request& request) {
+  const auto fault = misbehaviours_.next(request.method, request.path);
+  if (fault) misbehaviours_.delay(fault->delay);
+  Reply reply;
+  try {
+    if (!fault || fault->keepsAnswer()) reply = route(request);
+  } catch (const Problem& problem) {
+    reply = problem.reply();
+  } catch (const std::exception& exception) {
+    std::fprintf(stderr, "orvane-sandbox: %s %s: %s\n", request.method.c_str(),
+                 request.path.c_str(), exception.what());
+    reply = errorReply(500, "internal", "the sandbox failed; its standard error says why");
+  }
+  return fault ? fault->spoil(std::move(reply)) : reply;
+}
+
+}  // namespace orvane::sandbox

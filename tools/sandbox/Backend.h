@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What all resources share: the data, the clock, the keys and the question who is asking.
+#pragma once
+
+#include "Misbehaviour.h"
+#include "RequestLog.h"
+#include "Router.h"
+#include "Time.h"
+#include "security/Tokens.h"
+#include "store/Database.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane::sandbox {
+
+struct BackendOptions {
+  std::filesystem::path folder;
+  std::optional<Milliseconds> now;  // what the data is laid around; absent: the clock's time
+  std::int64_t skewSeconds = 0;
+  int weeks = 8;       // of trips
+  bool fresh = false;  // lay the data anew even when there is some
+  std::vector<Fault> faults;
+  bool verbose = false;  // a line per request on standard error
+};
+
+class Backend {
+ public:
+  /// Opens the data in the folder, or lays it on the first start.
+  explicit Backend(BackendOptions options);
+
+  /// Answers every request, whatever it asks.
+  [[nodiscard]] Reply answer(const Request& request);
+
+  /// The user id of the bearer token's subject. Throws a 401; an `open` resource may also be asked
+  /// without a token, and then the id is empty.
+  [[nodiscard]] std::string authenticate(DatabaseConnection& database, const Request& request,
+                                         bool open) const;
+
+  /// Lays the data anew, forgets misbehaviour and requests, and sets the clock back.
+  void reset();
+
+  /// "Today" for whatever is relative: the day the data was laid around when that was given, and
+  /// otherwise the server clock's.
+  [[nodiscard]] Milliseconds now() const { return options_.now.value_or(clock_.now()); }
+
+  [[nodiscard]] Database& database() { return database_; }
+  [[nodiscard]] ServerClock& clock() { return clock_; }
+  [[nodiscard]] const SigningKey& signingKey() const { return signingKey_; }
+  [[nodiscard]] Misbehaviours& misbehaviours() { return misbehaviours_; }
+  [[nodiscard]] RequestLog& requests() { return requests_; }
+  [[nodiscard]] const std::string& adminKey() const { return adminKey_; }
+  [[nodiscard]] const std::filesystem::path& folder() const { return options_.folder; }
+
+ private:
+  [[nodiscard]] Reply answerFaulty(const Request& request);
+  [[nodiscard]] Reply route(const Request& request);
+  void layDataIfNeeded();
+
+  BackendOptions options_;
+  ServerClock clock_;
+  SigningKey signingKey_;
+  std::string adminKey_;
+  Database database_;
+  Misbehaviours misbehaviours_;
+  RequestLog requests_;
+  Router router_;
+};
+
+inline constexpr std::string_view kApiRoot = "/kavra/api/sdk/";
+inline constexpr std::string_view kDevelopmentToken = "sandbox-token-";
+
+/// The key that the sample identities carry.
+inline constexpr const char* kApiKey = "sandbox-api-key";
+
+}  // namespace orvane::sandbox

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Faults on demand: what the sandbox does wrong, how often, and to which requests.
+#pragma once
+
+#include "http/Message.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <regex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane::sandbox {
+
+struct Fault {
+  std::optional<int> status;
+  std::chrono::milliseconds delay{0};
+  std::optional<std::size_t> cutAfterBytes;
+  std::string body;                // one of faultBodies(); empty: the true one
+  bool drop = false;               // end the connection without an answer
+  bool date = true;                // false: leave the Date header out
+  std::int64_t times = -1;         // requests still to be spoilt; -1 for all
+  std::string method;              // empty: any
+  std::optional<std::regex> path;  // searched for in the request's path
+
+  /// Throws a 400 for an unknown member or value.
+  static Fault fromJson(const nlohmann::json& json);
+
+  /// Whether the resource is asked at all before the answer is spoilt.
+  [[nodiscard]] bool keepsAnswer() const {
+    return !status && (body.empty() || body == "truncated");
+  }
+  [[nodiscard]] Reply spoil(Reply reply) const;
+};
+
+class Misbehaviours {
+ public:
+  explicit Misbehaviours(std::vector<Fault> always) : always_(std::move(always)) { reset(); }
+
+  void add(Fault fault);
+  /// Back to what the command line asked for.
+  void reset();
+
+  /// The fault for this request, which is then used up by one.
+  [[nodiscard]] std::optional<Fault> next(std::string_view method, const std::string& path);
+
+  /// Waits; returns early when the sandbox stops.
+  void delay(std::chrono::milliseconds duration);
+  void endDelays();
+
+ private:
+  std::vector<Fault> always_;
+  std::mutex mutex_;
+  std::condition_variable ended_;
+  bool stopping_ = false;
+  std::atomic<bool> any_{false};
+  std::vector<Fault> faults_;
+};
+
+}  // namespace orvane::sandbox

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "RequestLog.h"
+
+#include "JsonWriter.h"
+
+namespace orvane::sandbox {
+
+namespace {
+
+/// What a JSON answer can carry.
+std::string_view readable(std::string_view text) { return isUtf8(text) ? text : "<not UTF-8>"; }
+
+std::string_view safeValue(std::string_view name, std::string_view value) {
+  if (!equalIgnoringCase(name, "Authorization")) return readable(value);
+  return value.starts_with("Bearer ") ? "Bearer <hidden>" : "<hidden>";
+}
+
+}  // namespace
+
+void RequestLog::add(const Request& request, int status) {
+  Entry entry{request.method,  request.path,        request.query,
+              request.headers, request.body.size(), status};
+  const std::lock_guard lock{mutex_};
+  if (entries_.size() == kCapacity) entries_.pop_front();
+  entries_.push_back(std::move(entry));
+}
+
+void RequestLog::clear() {
+  const std::lock_guard lock{mutex_};
+  entries_.clear();
+}
+
+std::string RequestLog::json() const {
+  JsonWriter json;
+  json.beginArray();
+  const std::lock_guard lock{mutex_};
+  for (const Entry& entry : entries_) {
+    json.beginObject()
+        .member("method", entry.method)
+        .member("path", readable(entry.path))
+        .member("query", readable(entry.query))
+        .member("status", entry.status)
+        .member("bodySize", static_cast<std::int64_t>(entry.bodySize))
+        .key("headers")
+        .beginArray();
+    for (const auto& [name, value] : entry.headers) {
+      json.beginObject()
+          .member("name", readable(name))
+          .member("value", safeValue(name, value))
+          .endObject();
+    }
+    json.endArray().endObject();
+  }
+  return json.endArray().take();
+}
+
+}  // namespace orvane::sandbox

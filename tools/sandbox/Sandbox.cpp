@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Sandbox.h"
+
+#include "Admin.h"
+#include "JsonWriter.h"
+#include "data/People.h"
+#include "resources/Resources.h"
+
+#include <unistd.h>
+
+namespace orvane::sandbox {
+
+namespace {
+
+SandboxOptions prepareFolder(SandboxOptions options) {
+  auto& folder = options.backend.folder;
+  const bool isNew = create_directories(folder);
+  folder = canonical(folder);
+  if (isNew) permissions(folder, std::filesystem::perms::owner_all);
+  return options;
+}
+
+void writeIdentities(JsonWriter& json) {
+  json.key("identities").beginArray();
+  for (const Person& person : people()) {
+    if (!person.isSample) continue;
+    json.beginObject()
+        .member("name", std::string{person.firstName} + " " + person.lastName)
+        .member("externalReferenceId", person.externalReferenceId)
+        .member("userId", person.userId)
+        .member("accountId", person.accountId)
+        .member("developmentToken", std::string{kDevelopmentToken} + person.userId)
+        .member("note", person.note)
+        .endObject();
+  }
+  json.endArray();
+}
+
+}  // namespace
+
+Sandbox::Sandbox(SandboxOptions options) : options_(prepareFolder(std::move(options))) {
+  const auto& folder = options_.backend.folder;
+  if (!options_.plainHttp) {
+    makeCertificates(folder, options_.flaw);
+    tls_ = makeTlsContext(folder);
+  }
+  backend_ = std::make_unique<Backend>(options_.backend);
+  listener_ = std::make_unique<Listener>(
+      Listener::Options{options_.port, options_.threads, options_.compress, tls_.get()},
+      backend_->clock(), [this](const Request& request) { return backend_->answer(request); });
+  listener_->start();
+}
+
+Sandbox::~Sandbox() {
+  backend_->misbehaviours().endDelays();
+  listener_->stop();
+}
+
+std::string Sandbox::baseUrl() const {
+  return std::string{options_.plainHttp ? "http" : "https"} +
+         "://127.0.0.1:" + std::to_string(port());
+}
+
+std::filesystem::path Sandbox::certificateAuthority() const {
+  return options_.backend.folder / "ca.pem";
+}
+
+std::string Sandbox::description() const {
+  JsonWriter json;
+  json.beginObject()
+      .member("port", port())
+      .member("pid", static_cast<std::int64_t>(::getpid()))
+      .member("baseURL", baseUrl())
+      .member("apiURL", baseUrl() + std::string{kApiRoot.substr(0, kApiRoot.size() - 1)})
+      .member("firmwareURL", baseUrl() + std::string{kDownloads} + "DFU_4417_Release___2_2_2.zip")
+      .member("data", options_.backend.folder.string());
+  if (!options_.plainHttp) json.member("certificateAuthority", certificateAuthority().string());
+  json.member("signingKeyFile", (options_.backend.folder / "signing.key").string())
+      .member("signingKey", backend_->signingKey().hex())
+      .member("adminKeyHeader", kAdminKeyHeader)
+      .member("adminKey", backend_->adminKey())
+      .member("apiKey", kApiKey);
+  writeIdentities(json);
+  return json.endObject().take();
+}
+
+}  // namespace orvane::sandbox

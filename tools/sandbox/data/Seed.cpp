@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "data/Seed.h"
+
+#include "data/People.h"
+#include "store/Schema.h"
+
+namespace orvane::sandbox {
+
+void layData(DatabaseConnection& database, Milliseconds now, int /*weeks*/) {
+  Transaction transaction{database};
+  clearTables(database);
+  layPeople(database, now);
+  transaction.commit();
+}
+
+}  // namespace orvane::sandbox

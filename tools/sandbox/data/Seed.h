@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The data that a new sandbox starts with.
+#pragma once
+
+#include "Time.h"
+#include "store/Database.h"
+
+namespace orvane::sandbox {
+
+/// Replaces whatever is there. The same time and weeks give the same data.
+void layData(DatabaseConnection& database, Milliseconds now, int weeks);
+
+}  // namespace orvane::sandbox

@@ -1,0 +1,257 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "http/Listener.h"
+
+#include "http/Connection.h"
+
+#include <httplib.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <stdexcept>
+#include <thread>
+
+namespace orvane::sandbox {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kIdleTimeout = 60s;
+constexpr int kBacklog = 512;
+constexpr std::size_t kLargestBody = std::size_t{16} << 20U;
+constexpr std::size_t kSmallestCompressed = 1024;
+
+// cpp-httplib would parse a form by itself and insist on a line break after the last boundary,
+// which is not required (RFC 2046, 5.1.1); under this name it leaves the body alone.
+constexpr const char* kHiddenContentType = "X-Sandbox-Content-Type";
+
+/// The connection whose request the calling thread is working on.
+thread_local Connection* currentConnection = nullptr;
+
+bool hasBody(const httplib::Request& request) {
+  return request.method == "POST" || request.method == "PUT" || request.method == "DELETE" ||
+         request.method == "PATCH";
+}
+
+std::string gzip(const std::string& plain) {
+  z_stream stream{};
+  constexpr int kGzipWindow = 15 + 16;
+  if (deflateInit2(&stream, Z_BEST_SPEED, Z_DEFLATED, kGzipWindow, 8, Z_DEFAULT_STRATEGY) != Z_OK) {
+    throw std::runtime_error("gzip can't be initialised");
+  }
+  std::string packed(deflateBound(&stream, plain.size()), '\0');
+  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(plain.data()));
+  stream.avail_in = static_cast<uInt>(plain.size());
+  stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+  stream.avail_out = static_cast<uInt>(packed.size());
+  deflate(&stream, Z_FINISH);
+  packed.resize(stream.total_out);
+  deflateEnd(&stream);
+  return packed;
+}
+
+/// The first `limit` bytes of the body under the length of the whole; then the connection ends.
+void setCutBody(httplib::Response& response, std::string body, std::size_t limit,
+                const std::string& contentType) {
+  const std::size_t size = body.size();
+  response.set_content_provider(
+      size, contentType,
+      [body = std::move(body), limit](std::size_t offset, std::size_t, httplib::DataSink& sink) {
+        if (offset >= limit) return false;
+        sink.write(body.data() + offset, limit - offset);
+        return true;
+      });
+}
+
+void setStreamedBody(httplib::Response& response, BodyStream stream,
+                     const std::string& contentType) {
+  response.set_chunked_content_provider(
+      contentType, [stream = std::move(stream)](std::size_t, httplib::DataSink& sink) {
+        const std::string_view piece = stream();
+        if (piece.empty()) {
+          sink.done();
+        } else {
+          sink.write(piece.data(), piece.size());
+        }
+        return true;
+      });
+}
+
+}  // namespace
+
+class Listener::Server : public httplib::Server {
+ public:
+  Server(Listener::Options options, const ServerClock& clock, Listener::Handler handler)
+      : options_(options),
+        clock_(clock),
+        handler_(std::move(handler)),
+        stopEvent_(::eventfd(0, EFD_CLOEXEC)) {
+    new_task_queue = [this] { return new httplib::ThreadPool(options_.threads); };
+    set_payload_max_length(kLargestBody);
+    set_keep_alive_timeout(std::chrono::seconds{kIdleTimeout}.count());
+    set_keep_alive_max_count(1'000'000);
+    set_address_family(AF_INET);
+    set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+      if (hasBody(request) && request.method != "PATCH") return HandlerResponse::Unhandled;
+      answer(request, response);
+      return HandlerResponse::Handled;
+    });
+    const auto handle = [this](const httplib::Request& request, httplib::Response& response) {
+      answer(request, response);
+    };
+    constexpr const char* kAnyPath = "[\\s\\S]*";
+    Post(kAnyPath, handle);
+    Put(kAnyPath, handle);
+    Delete(kAnyPath, handle);
+    set_error_handler([](const httplib::Request&, httplib::Response& response) {
+      if (!response.body.empty() || response.content_provider_) return;
+      fill(response, errorReply(response.status, "bad_request", "the request can't be read"));
+    });
+    set_post_routing_handler([this](const httplib::Request&, httplib::Response& response) {
+      if (currentConnection->sendDate) response.set_header("Date", httpDate(clock_.now()));
+    });
+  }
+
+  ~Server() override {
+    stopServing();
+    ::close(stopEvent_);
+  }
+
+  void start() {
+    port_ = options_.port == 0 ? bind_to_any_port("127.0.0.1")
+                               : (bind_to_port("127.0.0.1", options_.port) ? options_.port : -1);
+    if (port_ <= 0) {
+      throw std::runtime_error("port " + std::to_string(options_.port) + " can't be bound");
+    }
+    ::listen(svr_sock_, kBacklog);  // cpp-httplib asks for 5, too few for a burst
+    thread_ = std::thread([this] {
+      listen_after_bind();
+      ended_ = true;
+    });
+  }
+
+  void stopServing() {
+    if (!thread_.joinable()) return;
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const auto written = ::write(stopEvent_, &one, sizeof one);
+    // stop() does nothing until the thread has come to listen, and must not be lost.
+    while (!is_running() && !ended_) std::this_thread::yield();
+    stop();
+    thread_.join();
+  }
+
+  [[nodiscard]] int port() const { return port_; }
+
+ private:
+  bool process_and_close_socket(socket_t socket) override {
+    Connection connection{socket, options_.tls, stopEvent_};
+    currentConnection = &connection;
+    ++open_;
+    serve(connection);
+    --open_;
+    currentConnection = nullptr;
+    return true;
+  }
+
+  void serve(Connection& connection) {
+    if (!connection.handshake()) return;
+    while (connection.awaitRequest(kIdleTimeout)) {
+      // Every thread has a connection: give this one up so that others are served as well.
+      const bool last = open_ >= options_.threads;
+      bool closed = false;
+      connection.sendDate = true;
+      connection.closeAfterwards = false;
+      const bool complete =
+          process_request(connection, last, closed,
+                          [&](httplib::Request& request) { prepare(request, connection); });
+      if (!connection.flush() || !complete) return;  // cut off: no goodbye
+      if (last || closed || connection.closeAfterwards) break;
+    }
+    connection.sayGoodbye();
+  }
+
+  static void prepare(httplib::Request& request, Connection& connection) {
+    constexpr std::array kOwnNames{"REMOTE_ADDR", "REMOTE_PORT", "LOCAL_ADDR", "LOCAL_PORT"};
+    for (const char* name : kOwnNames) request.headers.erase(name);
+    connection.requestHeaders.assign(request.headers.begin(), request.headers.end());
+
+    // Ranges and compression are the replies' own business.
+    request.ranges.clear();
+    request.headers.erase("Accept-Encoding");
+    if (request.is_multipart_form_data()) {
+      request.headers.emplace(kHiddenContentType, request.get_header_value("Content-Type"));
+      request.headers.erase("Content-Type");
+    }
+    const bool announcesBody =
+        request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
+    if (!announcesBody && hasBody(request)) {
+      request.headers.emplace("Content-Length", "0");  // otherwise it would read to the end
+    }
+    // The body of any other method stays unread.
+    connection.closeAfterwards = announcesBody && (!hasBody(request) || request.method == "PATCH");
+  }
+
+  void answer(const httplib::Request& source, httplib::Response& response) const {
+    Request request;
+    request.method = source.method;
+    const auto questionMark = source.target.find('?');
+    request.path = source.target.substr(0, questionMark);
+    if (questionMark != std::string::npos) request.query = source.target.substr(questionMark + 1);
+    request.headers = currentConnection->requestHeaders;
+    request.body = source.body;
+
+    Reply reply = handler_(request);
+    currentConnection->sendDate = reply.sendDate;
+    if (reply.drop) {
+      currentConnection->drop();
+      return;
+    }
+    const auto encodings = request.header("Accept-Encoding");
+    const bool compress = options_.compress && reply.compressible && !reply.stream &&
+                          reply.body.size() >= kSmallestCompressed && encodings &&
+                          encodings->find("gzip") != std::string_view::npos;
+    if (compress) {
+      reply.body = gzip(reply.body);
+      reply.headers.emplace_back("Content-Encoding", "gzip");
+    }
+    fill(response, std::move(reply));
+  }
+
+  static void fill(httplib::Response& response, Reply reply) {
+    response.status = reply.status;
+    for (const auto& [name, value] : reply.headers) response.set_header(name, value);
+    if (reply.stream) {
+      setStreamedBody(response, std::move(reply.stream), reply.contentType);
+    } else if (reply.cutAfterBytes && *reply.cutAfterBytes < reply.body.size()) {
+      setCutBody(response, std::move(reply.body), *reply.cutAfterBytes, reply.contentType);
+    } else {
+      if (!reply.body.empty()) response.set_header("Content-Type", reply.contentType);
+      response.body = std::move(reply.body);
+    }
+  }
+
+  Listener::Options options_;
+  const ServerClock& clock_;
+  Listener::Handler handler_;
+  int stopEvent_;
+  int port_ = -1;
+  std::thread thread_;
+  std::atomic<bool> ended_{false};
+  std::atomic<std::size_t> open_{0};
+};
+
+Listener::Listener(Options options, const ServerClock& clock, Handler handler)
+    : server_(std::make_unique<Server>(options, clock, std::move(handler))) {}
+
+Listener::~Listener() = default;
+
+void Listener::start() { server_->start(); }
+void Listener::stop() { server_->stopServing(); }
+int Listener::port() const { return server_->port(); }
+
+}  // namespace orvane::sandbox

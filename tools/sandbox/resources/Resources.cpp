@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "resources/Resources.h"
+
+namespace orvane::sandbox {
+
+void addResources(Router& router) { addUsers(router); }
+
+}  // namespace orvane::sandbox

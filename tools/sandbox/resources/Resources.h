@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The backend's resources, each in a file of its own.
+#pragma once
+
+#include "Router.h"
+
+#include <string_view>
+
+namespace orvane::sandbox {
+
+/// Adds every resource below the API root.
+void addResources(Router& router);
+
+void addUsers(Router& router);
+
+inline constexpr std::string_view kDownloads = "/downloads/";
+
+/// Firmware packages; they stand outside the API and need no token.
+[[nodiscard]] Reply answerDownload(Backend& backend, const Request& request);
+
+}  // namespace orvane::sandbox

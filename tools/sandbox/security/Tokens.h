@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Bearer tokens: JSON Web Tokens signed with HMAC-SHA256 (RFC 7515, RFC 7519), which clients make
+// themselves from the shared key.
+#pragma once
+
+#include "Time.h"
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace orvane::sandbox {
+
+class SigningKey {
+ public:
+  /// Reads the key from the file, 64 hexadecimal digits; makes the file when there is none.
+  explicit SigningKey(const std::filesystem::path& file);
+
+  [[nodiscard]] const std::string& hex() const { return hex_; }
+  [[nodiscard]] std::string sign(const std::map<std::string, std::string>& texts,
+                                 const std::map<std::string, std::int64_t>& numbers) const;
+
+  /// The token's subject. Throws a 401 when the token is not well formed, not signed with this key,
+  /// issued in the future or too long ago, or expired; clocks may differ by `kLeewaySeconds`.
+  [[nodiscard]] std::string verify(std::string_view token, Milliseconds now) const;
+
+  static constexpr std::int64_t kLeewaySeconds = 60;
+  static constexpr std::int64_t kLongestAgeSeconds = 180;
+
+ private:
+  [[nodiscard]] std::string signature(std::string_view text) const;
+
+  std::string hex_;
+  std::string bytes_;
+};
+
+[[nodiscard]] std::string randomHex(std::size_t bytes);
+[[nodiscard]] bool equalInConstantTime(std::string_view left, std::string_view right);
+
+}  // namespace orvane::sandbox
