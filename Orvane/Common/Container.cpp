@@ -36,6 +36,18 @@ void Container::add(std::type_index type, Factory factory) {
   factories_[type].swap(shared);
 }
 
+Container::Registrations Container::registrations() const {
+  Registrations registrations;
+  const std::scoped_lock lock(mutex_);
+  registrations.factories_ = factories_;
+  return registrations;
+}
+
+void Container::restore(Registrations registrations) {
+  const std::scoped_lock lock(mutex_);
+  factories_.swap(registrations.factories_);
+}
+
 std::shared_ptr<const Container::Factory> Container::factoryOf(std::type_index type) const {
   {
     const std::scoped_lock lock(mutex_);

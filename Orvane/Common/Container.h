@@ -40,6 +40,9 @@ class ORVANE_EXPORT Container {
   /// The shared container: the host registers its implementations here.
   [[nodiscard]] static const std::shared_ptr<Container>& common();
 
+  /// The registrations of a container at one moment.
+  class Registrations;
+
   explicit Container(std::shared_ptr<Container> parent = nullptr);
   Container(const Container&) = delete;
   Container& operator=(const Container&) = delete;
@@ -97,8 +100,14 @@ class ORVANE_EXPORT Container {
     return std::static_pointer_cast<Interface>(make(typeid(Interface), arguments));
   }
 
+  /// What is registered here, the parent's not counted, to be put back by `restore`: for tests.
+  [[nodiscard]] Registrations registrations() const;
+  /// Replaces everything that is registered here.
+  void restore(Registrations registrations);
+
  private:
   using Factory = std::function<std::shared_ptr<void>(Container&, const Arguments&)>;
+  using Factories = std::unordered_map<std::type_index, std::shared_ptr<const Factory>>;
 
   void add(std::type_index type, Factory factory);
   [[nodiscard]] std::shared_ptr<const Factory> factoryOf(std::type_index type) const;
@@ -106,7 +115,12 @@ class ORVANE_EXPORT Container {
 
   const std::shared_ptr<Container> parent_;
   mutable std::mutex mutex_;
-  std::unordered_map<std::type_index, std::shared_ptr<const Factory>> factories_;
+  Factories factories_;
+};
+
+class Container::Registrations {
+  friend class Container;
+  Factories factories_;
 };
 
 }  // namespace orvane

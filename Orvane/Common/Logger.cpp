@@ -46,11 +46,12 @@ void write(Level level, std::string_view message, const SourceLocation& place) {
 
 Logger::~Logger() = default;
 
-void Logger::setShared(std::shared_ptr<Logger> logger) {
+std::shared_ptr<Logger> Logger::setShared(std::shared_ptr<Logger> logger) {
   if (!logger) logger = std::make_shared<StandardErrorLogger>();
   State& shared = state();
   const std::scoped_lock lock(shared.mutex);
   shared.logger.swap(logger);
+  return logger;
 }
 
 void SharedLog::e(std::string_view message, const SourceLocation& place) const {

@@ -32,9 +32,10 @@ class ORVANE_EXPORT Logger {
 
   virtual void write(const Entry& entry) = 0;
 
-  /// Replaces the logger behind `log`; null restores the one that the process starts with, which
-  /// writes errors and warnings to standard error. Any thread.
-  static void setShared(std::shared_ptr<Logger> logger);
+  /// Replaces the logger behind `log` and answers the former one, so that it can be put back; null
+  /// stands for the one that the process starts with, which writes errors and warnings to standard
+  /// error. Any thread.
+  static std::shared_ptr<Logger> setShared(std::shared_ptr<Logger> logger);
 };
 
 /// The type of `log`.

@@ -24,8 +24,8 @@ Date DeviceClock::now() noexcept {
   return std::chrono::system_clock::now();
 }
 
-void DeviceClock::setSource(Source source) noexcept {
-  clockSource.store(source, std::memory_order_release);
+DeviceClock::Source DeviceClock::setSource(Source source) noexcept {
+  return clockSource.exchange(source, std::memory_order_acq_rel);
 }
 
 }  // namespace orvane

@@ -43,8 +43,9 @@ class ORVANE_EXPORT DeviceClock {
   /// What the device's clock shows now. Any thread.
   [[nodiscard]] static Date now() noexcept;
 
-  /// Replaces the clock, for tests and simulations; null restores the system's. Any thread.
-  static void setSource(Source source) noexcept;
+  /// Replaces the clock, for tests and simulations, and answers the former one; null stands for the
+  /// system's. Any thread.
+  static Source setSource(Source source) noexcept;
 };
 
 }  // namespace orvane
