@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: Apache-2.0
+// The transport of the Runtime, on libcurl.
+#pragma once
+
+#include <Orvane/Common/RequestManager.h>
+#include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/Result.h>
+#include <Orvane/Runtime/Exchange.h>
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace orvane {
+
+/// How requests travel. Everything has a default.
+struct ORVANE_EXPORT TransportOptions {
+  /// The longest time to look up, reach and trust the server. Zero: libcurl's own, 5 minutes.
+  std::chrono::milliseconds connectTimeout{std::chrono::seconds(15)};
+  /// The longest time in which not a byte moves. Zero: no limit.
+  std::chrono::seconds idleTimeout{30};
+  /// The longest time from the start of a request to the end of its answer, the wait for a free
+  /// connection included. Zero: no limit.
+  std::chrono::milliseconds totalTimeout{std::chrono::minutes(2)};
+
+  /// The largest answer taken, in bytes, decompressed.
+  std::size_t maximumAnswerSize{std::size_t{64} << 20U};
+  /// Connections to one host; further requests wait for one of them. Over HTTP/2 one carries up to
+  /// a hundred requests at once. Zero: no limit.
+  std::uint32_t maximumConnectionsPerHost{8};
+
+  /// A file with the certificates (PEM) of the authorities to trust, instead of the system's.
+  std::string caFile{};
+  /// The same as a text; at most one of the two.
+  std::string caPEM{};
+  /// Allows http to hosts other than this machine: tokens then travel in the clear.
+  bool allowsPlainHTTP{false};
+  /// A proxy's URL. Empty: as the environment says (https_proxy, no_proxy, …). Requests to this
+  /// machine never use one.
+  std::string proxy{};
+  /// The value of "User-Agent"; empty: none is sent.
+  std::string userAgent{};
+
+  /// Watches the exchanges.
+  ExchangeObserver observer{};
+  /// Shows the observer tokens, query values and bodies as they are. For debugging only.
+  bool observerSeesSecrets{false};
+};
+
+/// Sends requests over HTTP/2 or HTTP/1.1.
+///
+/// A thread of its own does all transfers: it starts with the first request, keeps connections and
+/// shares them, and calls the handlers, which should be quick. Given headers are sent unchanged;
+/// besides them it sends only what HTTP demands, and "Accept-Encoding". Redirects are not followed:
+/// any status outside 200 to 299 is `NetworkError::invalidStatusCode`, with the server's clock from
+/// the "Date" header. Everything else that goes wrong is a `TransportError`, or
+/// `NetworkError::malformedRequest` for a request that must not be sent: a header's name or value
+/// that HTTP does not allow (RFC 9110, section 5) or that is not UTF-8, a "Content-Length" that is
+/// not the body's, a URL without host or with a password.
+///
+/// A handler may cancel, start requests, and let go of the manager. An idempotent or not yet
+/// answered request may be sent once more when a kept connection turns out to have been closed by
+/// the server before a byte of the answer came.
+class ORVANE_EXPORT CurlRequestManager final : public RequestManager {
+ public:
+  /// A manager, or the `ConfigurationError` that tells which option can't work. Starts no thread.
+  [[nodiscard]] static Result<std::shared_ptr<CurlRequestManager>> make(
+      TransportOptions options = {});
+  /// As `shutdown()`.
+  ~CurlRequestManager() override;
+
+  RequestHandle send(Verb verb, URL url, std::string body, Headers headers,
+                     Completion<std::string> then) override;
+
+  /// Ends the transfers and the thread. Requests under way, and any started from now on, are
+  /// answered with `TransportError::Kind::cancelled`. Waits for the thread up to `timeout`; false
+  /// when it was still busy with a handler by then, as it is when a handler calls this: it then
+  /// ends by itself afterwards. Any thread, more than once.
+  bool shutdown(std::chrono::milliseconds timeout = std::chrono::seconds(5));
+
+ private:
+  class Loop;
+  class Transfer;
+
+  explicit CurlRequestManager(std::shared_ptr<Loop> loop);
+
+  const std::shared_ptr<Loop> loop_;
+};
+
+}  // namespace orvane

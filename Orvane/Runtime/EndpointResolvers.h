@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+// Where the backend is: one address for all, one for each API key, or a rule of the application's.
+#pragma once
+
+#include <Orvane/Common/Resolvers.h>
+#include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/Result.h>
+#include <Orvane/Platform/URL.h>
+
+#include <concepts>
+#include <map>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+namespace orvane {
+
+/// The application has no backend for an API key.
+struct ORVANE_EXPORT UnknownAPIKey {
+  [[nodiscard]] std::string message() const;
+  friend constexpr bool operator==(const UnknownAPIKey&, const UnknownAPIKey&) = default;
+};
+
+/// Answers one base URL whatever the API key. Answers inside the call.
+class ORVANE_EXPORT FixedEndpointResolver final : public EndpointResolver {
+ public:
+  explicit FixedEndpointResolver(URL baseURL) : baseURL_(std::move(baseURL)) {}
+
+  RequestHandle resolveOrvaneURL(const std::string& apiKey, Completion<URL> then) override;
+
+ private:
+  const URL baseURL_;
+};
+
+/// Asks a function of the application's, which any thread may call, several at once too. Answers
+/// inside the call.
+class ORVANE_EXPORT FunctionEndpointResolver final : public EndpointResolver {
+ public:
+  using Function = UniqueFunction<Result<URL>(const std::string& apiKey)>;
+
+  /// An empty function is a programming fault.
+  explicit FunctionEndpointResolver(Function function);
+
+  RequestHandle resolveOrvaneURL(const std::string& apiKey, Completion<URL> then) override;
+
+ private:
+  Function function_;
+};
+
+/// What `RuntimeOptions::baseURL` can be given; each of these turns into it by itself.
+class ORVANE_EXPORT EndpointSource {
+ public:
+  /// Nothing: not enough to install the Runtime.
+  EndpointSource() = default;
+
+  /// One base URL for all, for example "https://telematics.example"; a path is kept.
+  template <std::convertible_to<std::string> Text>
+  EndpointSource(Text&& baseURL)  // NOLINT(google-explicit-constructor)
+      : EndpointSource(fixed(std::forward<Text>(baseURL))) {}
+  EndpointSource(const URL& baseURL)  // NOLINT(google-explicit-constructor)
+      : EndpointSource(fixed(baseURL.absoluteString())) {}
+
+  /// A base URL for each API key; any other key fails with `UnknownAPIKey`.
+  EndpointSource(
+      std::map<std::string, std::string> byAPIKey)  // NOLINT(google-explicit-constructor)
+      : EndpointSource(mapped(std::move(byAPIKey))) {}
+
+  /// The application's rule: see `FunctionEndpointResolver`.
+  template <class Function>
+    requires(std::is_invocable_r_v<Result<URL>, std::decay_t<Function>&, const std::string&>)
+  EndpointSource(Function&& function)  // NOLINT(google-explicit-constructor)
+      : EndpointSource(
+            std::make_shared<FunctionEndpointResolver>(std::forward<Function>(function))) {}
+
+  /// A resolver of the application's.
+  template <std::derived_from<EndpointResolver> Resolver>
+  EndpointSource(std::shared_ptr<Resolver> resolver)  // NOLINT(google-explicit-constructor)
+      : resolver_(std::shared_ptr<EndpointResolver>(std::move(resolver))) {}
+
+  /// The resolver, or the `ConfigurationError` that tells why there is none.
+  [[nodiscard]] Result<std::shared_ptr<EndpointResolver>> resolver() const;
+
+ private:
+  explicit EndpointSource(Result<std::shared_ptr<EndpointResolver>> resolver)
+      : resolver_(std::move(resolver)) {}
+
+  static EndpointSource fixed(std::string baseURL);
+  static EndpointSource mapped(std::map<std::string, std::string> byAPIKey);
+
+  Result<std::shared_ptr<EndpointResolver>> resolver_;
+};
+
+}  // namespace orvane

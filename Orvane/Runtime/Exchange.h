@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+// What an application sees that watches the requests and their answers.
+#pragma once
+
+#include <Orvane/Common/RequestManager.h>
+#include <Orvane/Platform/Date.h>
+#include <Orvane/Platform/Error.h>
+#include <Orvane/Platform/Export.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orvane {
+
+/// A request that went out and what came of it. Unless the application asks for secrets, the values
+/// of the query, of "Authorization" and of cookies read "…", and the bodies are empty.
+struct ORVANE_EXPORT Exchange {
+  Verb verb = Verb::get;
+  std::string url;
+  Headers requestHeaders;
+  std::string requestBody;
+  /// Bytes of the request's body.
+  std::size_t requestSize = 0;
+  /// The HTTP status; absent when no answer came.
+  std::optional<std::int64_t> statusCode;
+  /// As received, in order.
+  std::vector<std::pair<std::string, std::string>> responseHeaders;
+  /// Of a success; bodies of refusals are not kept.
+  std::string responseBody;
+  /// Bytes of the answer's body, decompressed.
+  std::size_t responseSize = 0;
+  /// What the caller is told instead of a body.
+  std::optional<Error> error;
+  /// From the moment the request was handed to the network to the end of its answer.
+  Seconds duration{0};
+};
+
+/// Sees every exchange when it has ended, on the transport's thread, right before the handler is
+/// called; cancelled ones too. Must be quick and must not throw.
+using ExchangeObserver = std::function<void(const Exchange&)>;
+
+}  // namespace orvane

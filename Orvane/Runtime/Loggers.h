@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+// Where log lines can go.
+#pragma once
+
+#include <Orvane/Common/Logger.h>
+#include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/UniqueFunction.h>
+
+namespace orvane {
+
+/// Writes lines to standard error with time, level and place. Any thread.
+class ORVANE_EXPORT StandardErrorLogger final : public Logger {
+ public:
+  /// Lines less severe than `least` are dropped: an information is less severe than a warning, and
+  /// a warning than an error.
+  explicit StandardErrorLogger(Level least = Level::information) : least_(least) {}
+
+  void write(const Entry& entry) override;
+
+ private:
+  const Level least_;
+};
+
+/// Hands lines to a function of the application's, which any thread may call, several at once too.
+class ORVANE_EXPORT FunctionLogger final : public Logger {
+ public:
+  using Function = UniqueFunction<void(const Entry&)>;
+
+  explicit FunctionLogger(Function function) : function_(std::move(function)) {}
+
+  void write(const Entry& entry) override { function_(entry); }
+
+ private:
+  Function function_;
+};
+
+}  // namespace orvane

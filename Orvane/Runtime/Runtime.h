@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+// Installs a complete default for what a host supplies.
+#pragma once
+
+#include <Orvane/Common/Identity.h>
+#include <Orvane/Common/Logger.h>
+#include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/Result.h>
+#include <Orvane/Runtime/CurlRequestManager.h>
+#include <Orvane/Runtime/EndpointResolvers.h>
+#include <Orvane/Runtime/TokenResolvers.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+namespace orvane {
+
+/// What the Runtime is made of. Only `baseURL` and `tokens` are needed.
+struct ORVANE_EXPORT RuntimeOptions {
+  /// Where the backend is: a URL, a map from API keys to URLs, or a function.
+  EndpointSource baseURL{};
+  /// Where bearer tokens come from: a token, a function, or a resolver.
+  TokenSource tokens{};
+  /// How requests travel.
+  TransportOptions transport{};
+  /// How long the user's identifier is kept before the backend is asked again. That of the first
+  /// installation in a process holds: its store is made once.
+  std::chrono::milliseconds userIDLifetime{std::chrono::hours(1)};
+  /// The file that keeps the device's identifier. Empty: "orvane-device-id" in the documents folder
+  /// of `DeviceSettings`.
+  std::string deviceIdentifierFile{};
+  /// Replaces the logger behind `log`; null leaves it.
+  std::shared_ptr<Logger> logger{};
+  /// Drains the main queue on a thread of the Runtime's: for processes without a loop of their own.
+  bool drainsMainQueue{false};
+};
+
+/// The installed Runtime. A handle: copies stand for the same one, and letting go of them changes
+/// nothing.
+class ORVANE_EXPORT Runtime {
+ public:
+  /// Registers transport, resolvers, stores and the device identifier in `Container::common()`, so
+  /// that services can be made; replaces what was registered before. Options that can't work are
+  /// answered with a `ConfigurationError`, which is logged too; nothing is registered then. To be
+  /// called before the first service is made. Any thread.
+  static Result<Runtime> install(RuntimeOptions options);
+
+  /// Forgets the user's identifier, the clock's offset and the token kept for `identity`, so that
+  /// whoever signs in next does not inherit them. Requests under way in that name should be
+  /// cancelled before: one that is just looking up the identifier would store it again. Any thread.
+  void signOut(const Identity& identity) const;
+
+  /// Ends the threads, answering requests under way with `TransportError::Kind::cancelled`, and
+  /// waits for them up to `timeout`. False when one was still busy by then, or is the calling one:
+  /// it ends by itself. To be called before the process ends, if threads are to have ended by then.
+  /// Any thread, more than once.
+  bool shutdown(std::chrono::milliseconds timeout = std::chrono::seconds(5)) const;
+
+ private:
+  struct State;
+
+  explicit Runtime(std::shared_ptr<State> state);
+
+  std::shared_ptr<State> state_;
+};
+
+}  // namespace orvane

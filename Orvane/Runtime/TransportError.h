@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+// What can go wrong on the way to the backend and back.
+#pragma once
+
+#include <Orvane/Platform/Export.h>
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+namespace orvane {
+
+/// A request got no answer. Refused requests are no transport errors: see `NetworkError`.
+class ORVANE_EXPORT TransportError {
+ public:
+  enum class Kind : std::uint8_t {
+    nameLookup,  ///< The host's name is not known, or could not be looked up.
+    connection,  ///< The host or the proxy can't be reached.
+    tls,        ///< The server proved no identity to be trusted, or no common encryption was found.
+    timeOut,    ///< One of the time-outs of `TransportOptions` ran out.
+    cutOff,     ///< The connection ended before the answer was complete.
+    tooLarge,   ///< The answer is larger than `TransportOptions::maximumAnswerSize`.
+    cancelled,  ///< The transport has been shut down.
+    insecure,   ///< The URL's scheme is not https, and not http to where that is allowed.
+    protocol,   ///< What answered does not speak HTTP, or compresses in no known way.
+    other,      ///< Anything else: see `message()`.
+  };
+
+  explicit TransportError(Kind kind, std::string message = {})
+      : kind_(kind), message_(std::move(message)) {}
+
+  [[nodiscard]] Kind kind() const noexcept { return kind_; }
+  /// The kind and the details known, in one line; never with a query, a header or a body.
+  [[nodiscard]] std::string message() const;
+  friend bool operator==(const TransportError&, const TransportError&) = default;
+
+ private:
+  Kind kind_;
+  std::string message_;
+};
+
+}  // namespace orvane
