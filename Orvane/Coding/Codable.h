@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Private header: not installed.
-// The two public templates of Coding.h, defined for the records' own files to instantiate.
+// The templates of Coding.h, defined for the records' own files to instantiate:
+// `template struct RecordCoding<User>;` and the same for a list of them.
 #pragma once
 
 #include <Orvane/Coding/Coding.h>
@@ -26,8 +27,16 @@ Result<T> decodeInPlace(std::string& text) {
   return std::move(decoder).takeError();
 }
 
+/// Writes a `T`, faults of the program being treated as `writer` was told.
 template <class T>
-Result<T> decode(std::string_view json) {
+Result<std::string> encodeWith(json::Writer writer, const T& value) {
+  encodeValue(value, writer);
+  if (!writer.failure().empty()) return EncodingError{writer.failure()};
+  return std::move(writer).take();
+}
+
+template <class T>
+Result<T> RecordCoding<T>::decode(std::string_view json) {
   std::string text;
   text.reserve(json.size() + json::Document::padding);
   text = json;
@@ -35,11 +44,21 @@ Result<T> decode(std::string_view json) {
 }
 
 template <class T>
-Result<std::string> encode(const T& value) {
-  json::Writer writer;
-  encodeValue(value, writer);
-  if (!writer.failure().empty()) return EncodingError{std::string(writer.failure())};
-  return std::move(writer).take();
+Result<std::string> RecordCoding<T>::encode(const T& value) {
+  return encodeWith(json::Writer(json::Writer::Faults::stopTheProcess), value);
+}
+
+template <class T>
+Result<std::string> RecordCoding<T>::encodeChecked(const T& value) {
+  return encodeWith(json::Writer(json::Writer::Faults::areFailures), value);
 }
 
 }  // namespace orvane
+
+/// Instantiates the two for a record and for lists of it: one line per record, in the record's own
+/// file.
+#define ORVANE_INSTANTIATE_CODING(T)                        \
+  template Result<T> decode(std::string_view);              \
+  template Result<std::vector<T>> decode(std::string_view); \
+  template Result<std::string> encode(const T&);            \
+  template Result<std::string> encode(const std::vector<T>&);

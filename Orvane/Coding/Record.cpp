@@ -16,16 +16,6 @@ std::size_t findRow(std::span<const KeyRow> rows, std::string_view key, std::siz
   return rows.size();
 }
 
-// Whether the member at `position` appears once more: then the later one counts, and a failure of
-// this one does not matter.
-bool appearsAgain(const json::Object& object, json::Object::iterator position) {
-  const std::string_view key = position.key();
-  for (++position; position != object.end(); ++position) {
-    if (position.key() == key) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 bool decodeObject(json::Element element, void* record, std::span<const KeyRow> rows,

@@ -6,7 +6,6 @@
 
 #include <Orvane/Coding/Values.h>
 #include <Orvane/Platform/Date.h>
-#include <Orvane/Platform/Fatal.h>
 
 #include <array>
 #include <cstdint>
@@ -82,7 +81,9 @@ concept Conversion = requires {
 struct Milliseconds {
   using Wire = std::int64_t;
   static Date fromWire(Wire milliseconds) { return dateFromMilliseconds(milliseconds); }
-  static Wire toWire(Date date) { return millisecondsSince1970(date); }
+  static std::optional<Wire> toWire(Date date) { return millisecondsSince1970(date); }
+  static constexpr std::string_view fault =
+      "a point in time does not fit in 64 bits of milliseconds";
 };
 
 namespace detail {
@@ -139,7 +140,10 @@ void encodeKeyed(const Value& value, std::string_view key, json::Writer& writer)
   if constexpr (Conversion<C>) {
     const auto wire = C::toWire(value);
     if constexpr (isOptionalLike<std::remove_const_t<decltype(wire)>>) {
-      if (!wire) return;
+      if (!wire) {
+        if constexpr (requires { C::fault; }) writer.fault(C::fault);
+        return;
+      }
       writer.key(key);
       encodeValue(*wire, writer);
     } else {
@@ -165,7 +169,7 @@ void encodeMember(const void* record, std::string_view key, json::Writer& writer
       writer.null();
     }
     if constexpr (whenAbsent == WhenAbsent::stopsTheProcess) {
-      fatal("a record without \"" + std::string(key) + "\" can't be encoded");
+      writer.fault("a record without \"" + std::string(key) + "\" can't be encoded");
     }
   } else {
     encodeKeyed<C>(source, key, writer);
@@ -178,18 +182,14 @@ void encodeMember(const void* record, std::string_view key, json::Writer& writer
 template <auto member, class C = AsIs>
 constexpr KeyRow key(std::string_view name) {
   static_assert(detail::isOptionalLike<typename detail::MemberTraits<member>::Member>);
-  return {name,
-          false,
-          detail::decodeMember<member, C>,
+  return {name, false, detail::decodeMember<member, C>,
           detail::encodeMember<member, C, detail::WhenAbsent::isLeftOut>};
 }
 
 /// A member that must be there when decoding and is always written, as null when it is absent.
 template <auto member, class C = AsIs>
 constexpr KeyRow required(std::string_view name) {
-  return {name,
-          true,
-          detail::decodeRequired<member, C>,
+  return {name, true, detail::decodeRequired<member, C>,
           detail::encodeMember<member, C, detail::WhenAbsent::isNull>};
 }
 
@@ -197,9 +197,7 @@ constexpr KeyRow required(std::string_view name) {
 /// fault that stops the process.
 template <auto member, class C = AsIs>
 constexpr KeyRow indispensable(std::string_view name) {
-  return {name,
-          true,
-          detail::decodeRequired<member, C>,
+  return {name, true, detail::decodeRequired<member, C>,
           detail::encodeMember<member, C, detail::WhenAbsent::stopsTheProcess>};
 }
 

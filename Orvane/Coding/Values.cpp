@@ -32,4 +32,12 @@ bool decodeValue(json::Element element, std::string& value, Decoder& decoder) {
   return true;
 }
 
+bool appearsAgain(const json::Object& object, json::Object::iterator position) {
+  const std::string_view key = position.key();
+  for (++position; position != object.end(); ++position) {
+    if (position.key() == key) return true;
+  }
+  return false;
+}
+
 }  // namespace orvane

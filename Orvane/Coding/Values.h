@@ -5,11 +5,13 @@
 #pragma once
 
 #include <Orvane/Coding/Decoder.h>
+#include <Orvane/Platform/ClosedRange.h>
 #include <Orvane/Platform/Enumeration.h>
 #include <Orvane/Platform/Indirect.h>
 #include <Orvane/Platform/JSON.h>
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,6 +36,10 @@ inline void encodeValue(std::string_view value, json::Writer& writer) { writer.v
 inline void encodeValue(const std::string& value, json::Writer& writer) {
   writer.value(std::string_view(value));
 }
+
+/// Whether the key at `position` appears once more behind it: then the later one counts, and a
+/// failure of this one does not matter.
+[[nodiscard]] bool appearsAgain(const json::Object& object, json::Object::iterator position);
 
 /// An enumeration is a text of its table. What happens with another text the table says too: a
 /// member `fallback` is taken instead, a member `reportedName` names the type in the error.
@@ -80,6 +86,51 @@ void encodeValue(const std::vector<T>& values, json::Writer& writer) {
   writer.beginArray();
   for (const T& value : values) encodeValue(value, writer);
   writer.endArray();
+}
+
+/// A closed range is the array of its two bounds, the lower one first.
+template <class T>
+bool decodeValue(json::Element element, ClosedRange<T>& range, Decoder& decoder) {
+  std::vector<T> bounds;
+  if (!decodeValue(element, bounds, decoder)) return false;
+  if (bounds.size() != 2) return decoder.dataCorrupted("a range has two bounds");
+  const auto ordered = ClosedRange<T>::make(bounds[0], bounds[1]);
+  if (!ordered) return decoder.dataCorrupted("the lower bound exceeds the upper bound");
+  range = *ordered;
+  return true;
+}
+
+template <class T>
+void encodeValue(const ClosedRange<T>& range, json::Writer& writer) {
+  writer.beginArray();
+  encodeValue(range.lowerBound(), writer);
+  encodeValue(range.upperBound(), writer);
+  writer.endArray();
+}
+
+/// Calls `visit` with the key and the value of every entry of an object, whatever its keys; it reads
+/// the value and answers false where that fails. Of duplicate keys the last one counts.
+template <class Visit>
+bool decodeEntries(json::Element element, Decoder& decoder, Visit visit) {
+  json::Object object;
+  if (element.get(object) != simdjson::SUCCESS) return decoder.typeMismatch("an object", element);
+  for (auto entry = object.begin(); entry != object.end(); ++entry) {
+    if (!visit(entry.key(), entry.value()) && !appearsAgain(object, entry)) {
+      return decoder.failedAt(entry.key());
+    }
+  }
+  return true;
+}
+
+/// An object whose keys are texts of any kind.
+template <class T>
+void encodeValue(const std::map<std::string_view, T>& entries, json::Writer& writer) {
+  writer.beginObject();
+  for (const auto& [key, value] : entries) {
+    writer.key(key);
+    encodeValue(value, writer);
+  }
+  writer.endObject();
 }
 
 /// Null leaves an optional absent; everything else is the value's own business.

@@ -97,25 +97,15 @@ KeyTables keysOf(RecordTag<User::SharedInformation>) { return sharedInformationK
 KeyTables keysOf(RecordTag<User>) { return userKeys; }
 KeyTables keysOf(RecordTag<UsersByRole>) { return usersByRoleKeys; }
 
-template Result<Account> decode(std::string_view);
-template Result<std::vector<Account>> decode(std::string_view);
-template Result<std::string> encode(const Account&);
-template Result<std::string> encode(const std::vector<Account>&);
-template Result<UserRole> decode(std::string_view);
-template Result<std::vector<UserRole>> decode(std::string_view);
-template Result<std::string> encode(const UserRole&);
-template Result<std::string> encode(const std::vector<UserRole>&);
-template Result<User::SharedInformation> decode(std::string_view);
-template Result<std::vector<User::SharedInformation>> decode(std::string_view);
-template Result<std::string> encode(const User::SharedInformation&);
-template Result<std::string> encode(const std::vector<User::SharedInformation>&);
-template Result<User> decode(std::string_view);
-template Result<std::vector<User>> decode(std::string_view);
-template Result<std::string> encode(const User&);
-template Result<std::string> encode(const std::vector<User>&);
-template Result<UsersByRole> decode(std::string_view);
-template Result<std::vector<UsersByRole>> decode(std::string_view);
-template Result<std::string> encode(const UsersByRole&);
-template Result<std::string> encode(const std::vector<UsersByRole>&);
+template struct RecordCoding<Account>;
+template struct RecordCoding<std::vector<Account>>;
+template struct RecordCoding<UserRole>;
+template struct RecordCoding<std::vector<UserRole>>;
+template struct RecordCoding<User::SharedInformation>;
+template struct RecordCoding<std::vector<User::SharedInformation>>;
+template struct RecordCoding<User>;
+template struct RecordCoding<std::vector<User>>;
+template struct RecordCoding<UsersByRole>;
+template struct RecordCoding<std::vector<UsersByRole>>;
 
 }  // namespace orvane

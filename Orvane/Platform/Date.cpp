@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Platform/Date.h>
-#include <Orvane/Platform/Fatal.h>
 
 #include <atomic>
 #include <cmath>
@@ -12,10 +11,10 @@ constinit std::atomic<DeviceClock::Source> clockSource{nullptr};
 
 }  // namespace
 
-std::int64_t millisecondsSince1970(Date date) {
+std::optional<std::int64_t> millisecondsSince1970(Date date) noexcept {
   const double milliseconds = std::round(secondsSince1970(date) * 1000.0);
-  precondition(milliseconds >= -0x1p63 && milliseconds < 0x1p63,
-               "a point in time does not fit in 64 bits of milliseconds");
+  // Written so that a NaN does not pass.
+  if (!(milliseconds >= -0x1p63 && milliseconds < 0x1p63)) return std::nullopt;
   return static_cast<std::int64_t>(milliseconds);
 }
 

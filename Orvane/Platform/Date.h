@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 
 namespace orvane {
 
@@ -30,9 +31,9 @@ using Date = std::chrono::time_point<std::chrono::system_clock, Seconds>;
   return dateFromSeconds(static_cast<double>(milliseconds) / 1000.0);
 }
 
-/// Milliseconds from 1970-01-01 UTC to `date`, halves rounded away from zero. A date that is not
-/// finite or does not fit in 64 bits of milliseconds is a programming fault that stops the process.
-[[nodiscard]] ORVANE_EXPORT std::int64_t millisecondsSince1970(Date date);
+/// Milliseconds from 1970-01-01 UTC to `date`, halves rounded away from zero. Absent for a date
+/// that is not finite or does not fit in 64 bits of milliseconds.
+[[nodiscard]] ORVANE_EXPORT std::optional<std::int64_t> millisecondsSince1970(Date date) noexcept;
 
 /// The clock of the device, right or wrong.
 class ORVANE_EXPORT DeviceClock {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Platform/Fatal.h>
 #include <Orvane/Platform/JSON.h>
 #include <Orvane/Platform/Text.h>
 
@@ -76,6 +77,11 @@ Document::Document(std::string& text) : parser_(takeParser()) {
 
 Document::~Document() {
   if (parser_->capacity() <= largestKeptCapacity) stock() = std::move(parser_);
+}
+
+void Writer::fault(std::string_view message) {
+  if (faults_ == Faults::stopTheProcess) fatal(message);
+  failure_ = message;
 }
 
 void Writer::separate() {

@@ -51,6 +51,11 @@ class Document {
 /// Writes one JSON text, members in the order of the calls.
 class Writer {
  public:
+  /// What happens with a value that only a programming fault can have put there.
+  enum class Faults : std::uint8_t { stopTheProcess, areFailures };
+
+  explicit Writer(Faults faults = Faults::stopTheProcess) : faults_(faults) {}
+
   void beginObject() { open('{'); }
   void endObject() { text_ += '}'; }
   void beginArray() { open('['); }
@@ -62,9 +67,12 @@ class Writer {
   void value(bool truth);
   void null();
 
+  /// Says that a value can't be written, and that the program is to blame for it.
+  void fault(std::string_view message);
+
   /// Why the text can't be written (a number that is not finite, a text that is not UTF-8); empty
   /// when it can.
-  [[nodiscard]] std::string_view failure() const noexcept { return failure_; }
+  [[nodiscard]] const std::string& failure() const noexcept { return failure_; }
   [[nodiscard]] std::string take() && { return std::move(text_); }
 
  private:
@@ -72,8 +80,9 @@ class Writer {
   void open(char bracket);
   void quoted(std::string_view text);
 
+  Faults faults_;
   std::string text_;
-  std::string_view failure_;
+  std::string failure_;
 };
 
 }  // namespace orvane::json
