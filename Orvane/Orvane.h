@@ -19,7 +19,13 @@
 #include <Orvane/Core/OrvaneDetails.h>
 #include <Orvane/Core/Resolvers.h>
 #include <Orvane/Core/UserIdentifier.h>
+#include <Orvane/Models/Device.h>
+#include <Orvane/Models/Discount.h>
+#include <Orvane/Models/Leaderboard.h>
+#include <Orvane/Models/RewardToken.h>
+#include <Orvane/Models/Scoring.h>
 #include <Orvane/Models/User.h>
+#include <Orvane/Models/Vehicle.h>
 #include <Orvane/Platform/DeviceSettings.h>
 #include <Orvane/Platform/TimeZone.h>
 #include <Orvane/Services/User/UserService.h>

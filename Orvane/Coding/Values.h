@@ -108,8 +108,8 @@ void encodeValue(const ClosedRange<T>& range, json::Writer& writer) {
   writer.endArray();
 }
 
-/// Calls `visit` with the key and the value of every entry of an object, whatever its keys; it reads
-/// the value and answers false where that fails. Of duplicate keys the last one counts.
+/// Calls `visit` with the key and the value of every entry of an object, whatever its keys; it
+/// reads the value and answers false where that fails. Of duplicate keys the last one counts.
 template <class Visit>
 bool decodeEntries(json::Element element, Decoder& decoder, Visit visit) {
   json::Object object;

@@ -6,7 +6,13 @@
 #pragma once
 
 #include <Orvane/Coding/Record.h>
+#include <Orvane/Models/Device.h>
+#include <Orvane/Models/Discount.h>
+#include <Orvane/Models/Leaderboard.h>
+#include <Orvane/Models/RewardToken.h>
+#include <Orvane/Models/Scoring.h>
 #include <Orvane/Models/User.h>
+#include <Orvane/Models/Vehicle.h>
 
 namespace orvane {
 
@@ -15,5 +21,31 @@ KeyTables keysOf(RecordTag<UserRole>);
 KeyTables keysOf(RecordTag<User>);
 KeyTables keysOf(RecordTag<User::SharedInformation>);
 KeyTables keysOf(RecordTag<UsersByRole>);
+
+KeyTables keysOf(RecordTag<Device>);
+KeyTables keysOf(RecordTag<Vehicle>);
+
+bool decodeValue(json::Element element, TripScores& scores, Decoder& decoder);
+void encodeValue(const TripScores& scores, json::Writer& writer);
+KeyTables keysOf(RecordTag<IndividualComponentScores>);
+KeyTables keysOf(RecordTag<TripScoring>);
+KeyTables keysOf(RecordTag<ScoreComponent>);
+KeyTables keysOf(RecordTag<ScoringComponents>);
+KeyTables keysOf(RecordTag<DailyAggregate>);
+KeyTables keysOf(RecordTag<ScoringAggregate>);
+KeyTables keysOf(RecordTag<TripScoringComponents>);
+KeyTables keysOf(RecordTag<TripScoringAverage>);
+KeyTables keysOf(RecordTag<ScoringAverage>);
+
+KeyTables keysOf(RecordTag<Leaderboard>);
+KeyTables keysOf(RecordTag<LeaderboardEntry>);
+
+KeyTables keysOf(RecordTag<Discount>);
+KeyTables keysOf(RecordTag<DiscountMetadata>);
+KeyTables keysOf(RecordTag<DiscountMetadata::DiscountRange>);
+KeyTables keysOf(RecordTag<DiscountMetadata::DiscountScore>);
+
+bool decodeValue(json::Element element, RewardToken& reward, Decoder& decoder);
+void encodeValue(const RewardToken& reward, json::Writer& writer);
 
 }  // namespace orvane

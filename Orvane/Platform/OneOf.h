@@ -6,6 +6,8 @@
 
 #include <compare>
 #include <cstddef>
+#include <functional>
+#include <type_traits>
 #include <utility>
 #include <variant>
 
@@ -17,14 +19,15 @@ struct Overloaded : Functions... {
   using Functions::operator()...;
 };
 
-/// Holds exactly one of `Cases`, small structs that carry a case's data. Equality, order and hash
+/// Holds exactly one of `Cases`, small structs that carry a case's data, or an enumeration of the
+/// cases without data. Equality, order and hash
 /// look at the case and its data. Enumerations derive from it and add a factory per case.
 template <class... Cases>
 class OneOf {
  public:
   template <class Case>
-  requires(std::same_as<Case, Cases> || ...) OneOf(Case value)
-      : value_(std::move(value)) {}  // NOLINT(google-explicit-constructor)
+    requires(std::same_as<Case, Cases> || ...)
+  OneOf(Case value) : value_(std::move(value)) {}  // NOLINT(google-explicit-constructor)
 
   /// True when it is a `Case`.
   template <class Case>
@@ -58,8 +61,10 @@ class OneOf {
   static std::size_t hashOfCase(const Case& data) {
     if constexpr (HashesItself<Case>) {
       return data.hashValue();
-    } else {
+    } else if constexpr (std::is_empty_v<Case>) {
       return 0;
+    } else {
+      return std::hash<Case>{}(data);
     }
   }
 

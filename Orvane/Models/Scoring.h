@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: Apache-2.0
+// Driving scores: of one trip, per day of a period, and averaged over a period. All of them are the
+// numbers that the backend sends, neither scaled nor clamped, and so are the dates.
+#pragma once
+
+#include <Orvane/Platform/Enumeration.h>
+#include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/Indirect.h>
+#include <Orvane/Platform/OneOf.h>
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace orvane {
+
+/// The scores of one trip.
+///
+/// They are not written in the form in which they are read: read from the object under "scores",
+/// written as such an object alone, without the sub-scores that have no value; as null without
+/// `subScores`.
+struct ORVANE_EXPORT TripScores {
+  enum class KnownSubScore : std::uint8_t {
+    acceleration,
+    braking,
+    cornering,
+    speeding,
+    postedSpeedLimit,
+    abcSubscore,
+    usageSubscore,
+    speedSubscore,
+    distractedDriving,
+  };
+  struct OtherSubScore {
+    std::string key;
+    [[nodiscard]] std::size_t hashValue() const { return hashOf(key); }
+    auto operator<=>(const OtherSubScore&) const = default;
+  };
+
+  /// What a sub-score rates: one of the known components, or any other that the backend names.
+  class SubScore : public OneOf<KnownSubScore, OtherSubScore> {
+   public:
+    using OneOf::OneOf;
+    [[nodiscard]] static SubScore acceleration() { return KnownSubScore::acceleration; }
+    [[nodiscard]] static SubScore braking() { return KnownSubScore::braking; }
+    [[nodiscard]] static SubScore cornering() { return KnownSubScore::cornering; }
+    [[nodiscard]] static SubScore speeding() { return KnownSubScore::speeding; }
+    [[nodiscard]] static SubScore postedSpeedLimit() { return KnownSubScore::postedSpeedLimit; }
+    [[nodiscard]] static SubScore abcSubscore() { return KnownSubScore::abcSubscore; }
+    [[nodiscard]] static SubScore usageSubscore() { return KnownSubScore::usageSubscore; }
+    [[nodiscard]] static SubScore speedSubscore() { return KnownSubScore::speedSubscore; }
+    [[nodiscard]] static SubScore distractedDriving() { return KnownSubScore::distractedDriving; }
+    [[nodiscard]] static SubScore other(std::string key) { return OtherSubScore{std::move(key)}; }
+
+    /// The case that a wire text stands for, compared exactly; any unlisted text is another one.
+    [[nodiscard]] ORVANE_EXPORT static SubScore fromWireText(std::string_view text);
+    [[nodiscard]] ORVANE_EXPORT std::string_view wireText() const noexcept;
+  };
+
+  using SubScores = std::map<SubScore, std::optional<double>>;
+
+  /// The score of the trip as a whole.
+  std::optional<double> overall;
+  /// The other scores; one that the backend names without a value is there without one.
+  std::optional<SubScores> subScores;
+
+  friend bool operator==(const TripScores&, const TripScores&) = default;
+};
+
+template <>
+struct EnumerationTable<TripScores::KnownSubScore> {
+  using enum TripScores::KnownSubScore;
+  static constexpr EnumerationCase<TripScores::KnownSubScore> cases[] = {
+      {acceleration, "harsh.acceleration"},
+      {braking, "harsh.braking"},
+      {cornering, "harsh.cornering"},
+      {speeding, "speeding"},
+      {postedSpeedLimit, "over.speeding"},
+      {abcSubscore, "abc_subscore"},
+      {usageSubscore, "usage_subscore"},
+      {speedSubscore, "speed_subscore"},
+      {distractedDriving, "distracted_driving"},
+  };
+};
+
+/// One component of a trip's score.
+struct ORVANE_EXPORT IndividualComponentScores {
+  std::optional<std::string> component;  ///< Its name, as the backend gives it.
+  std::optional<double> componentScore;
+
+  friend bool operator==(const IndividualComponentScores&,
+                         const IndividualComponentScores&) = default;
+};
+
+/// The scores of one trip as a named algorithm computed them.
+struct ORVANE_EXPORT TripScoring {
+  std::optional<std::string> scoreAlgorithmProvider;
+  std::optional<std::string> scoreUnit;
+  std::optional<double> overallScore;
+  std::optional<std::vector<IndividualComponentScores>> individualComponentScores;
+
+  friend bool operator==(const TripScoring&, const TripScoring&) = default;
+};
+
+/// One component of a day's score.
+struct ORVANE_EXPORT ScoreComponent {
+  std::optional<double> score;
+  std::optional<double> averageScore;
+  std::optional<std::string> trackingType;
+
+  friend bool operator==(const ScoreComponent&, const ScoreComponent&) = default;
+};
+
+/// The components of a day's score. The members are named as on the wire.
+struct ORVANE_EXPORT ScoringComponents {
+  std::optional<ScoreComponent> harshAcceleration;
+  std::optional<ScoreComponent> harshBraking;
+  std::optional<ScoreComponent> harshCornering;
+  std::optional<ScoreComponent> overSpeeding;
+  std::optional<ScoreComponent> speeding;
+  std::optional<ScoreComponent> distractedDriving;
+  std::optional<ScoreComponent> mileage;
+  std::optional<ScoreComponent> payd;
+  std::optional<ScoreComponent> abc_subscore;
+  std::optional<ScoreComponent> speed_subscore;
+  std::optional<ScoreComponent> usage_subscore;
+  std::optional<ScoreComponent> distracted_driving;
+
+  friend bool operator==(const ScoringComponents&, const ScoringComponents&) = default;
+};
+
+/// The scores of one day.
+struct ORVANE_EXPORT DailyAggregate {
+  std::optional<double> score;
+  std::optional<double> averageScore;
+  std::optional<double> date;  ///< The day, as the backend's number.
+  std::optional<std::string> trackingType;
+  std::optional<double> secondsOfDriving;
+  Indirect<ScoringComponents> componentScores;
+  std::optional<std::int64_t> scoreType;
+
+  friend bool operator==(const DailyAggregate&, const DailyAggregate&) = default;
+};
+
+/// The scores of a period, day by day.
+struct ORVANE_EXPORT ScoringAggregate {
+  std::optional<double> highestScore;
+  std::optional<double> averageScore;
+  std::optional<std::vector<DailyAggregate>> tripScoringDailyAggregate;
+
+  friend bool operator==(const ScoringAggregate&, const ScoringAggregate&) = default;
+};
+
+/// The components of an average score. The members are named as in `ScoringComponents`, but stand
+/// under other names on the wire.
+struct ORVANE_EXPORT TripScoringComponents {
+  std::optional<double> harshAcceleration;
+  std::optional<double> harshBraking;
+  std::optional<double> harshCornering;
+  std::optional<double> overSpeeding;
+  std::optional<double> speeding;
+  std::optional<double> distractedDriving;
+  std::optional<double> mileage;
+  std::optional<double> payd;
+  std::optional<double> abc_subscore;
+  std::optional<double> speed_subscore;
+  std::optional<double> usage_subscore;
+  std::optional<double> distracted_driving;
+
+  friend bool operator==(const TripScoringComponents&, const TripScoringComponents&) = default;
+};
+
+/// The average scores of a period. Every member is there.
+struct ORVANE_EXPORT TripScoringAverage {
+  double date = 0;  ///< The backend's number.
+  std::string trackingType;
+  TripScoringComponents componentScores;
+
+  friend bool operator==(const TripScoringAverage&, const TripScoringAverage&) = default;
+};
+
+/// The average scores of a reporting period, and the period.
+struct ORVANE_EXPORT ScoringAverage {
+  std::optional<double> highestScore;
+  std::optional<double> lowestScore;
+  std::optional<double> periodStartDate;  ///< The backend's number.
+  std::optional<double> periodEndDate;    ///< The backend's number.
+  std::optional<double> averageScore;
+  std::optional<TripScoringAverage> tripScoringAverage;
+
+  friend bool operator==(const ScoringAverage&, const ScoringAverage&) = default;
+};
+
+}  // namespace orvane
