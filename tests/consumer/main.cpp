@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// An application as a stranger writes it: one include, and what it reaches must compile, link and run.
+// An application as a stranger writes it: one include, and what it reaches must compile, link and
+// run.
 #include <Orvane/Orvane.h>
 
 #include <cstdio>
