@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+// What safe driving takes off the premium: the user's discount, and the scheme behind it.
+#pragma once
+
+#include <Orvane/Platform/ClosedRange.h>
+#include <Orvane/Platform/Export.h>
+
+#include <optional>
+#include <vector>
+
+namespace orvane {
+
+/// The current user's discount, in the backend's scale (percent, for example).
+struct ORVANE_EXPORT Discount {
+  std::optional<double> currentDiscount;
+  std::optional<double> projectedDiscount;
+  std::optional<double> discountRangeMin;
+  std::optional<double> discountRangeMax;
+  std::optional<double> projectedDiscountMinimum;
+  std::optional<double> projectedDiscountMaximum;
+
+  friend bool operator==(const Discount&, const Discount&) = default;
+};
+
+/// The programme's discount scheme: which score earns what. Scores and discounts are in the
+/// backend's scale.
+struct ORVANE_EXPORT DiscountMetadata {
+  /// A step of the scheme.
+  struct ORVANE_EXPORT DiscountScore {
+    double minimumScoreRequired = 0;
+    /// What is earned from that score up. (The backend's own name, not "projectedDiscount".)
+    double projectDiscount = 0;
+
+    friend bool operator==(const DiscountScore&, const DiscountScore&) = default;
+  };
+
+  /// The scores that earn a discount, both bounds included.
+  struct ORVANE_EXPORT DiscountRange {
+    ClosedRange<double> scoreRange{0, 0};
+    double associatedDiscount = 0;
+
+    friend bool operator==(const DiscountRange&, const DiscountRange&) = default;
+  };
+
+  std::optional<std::vector<DiscountScore>> discountsForScores;
+  /// How much must be driven before a discount applies, in kilometres.
+  std::optional<double> minimumKmRequired;
+
+  /// The scheme as ranges of scores, worked out anew by each call: the largest discount first, up
+  /// to the largest finite double. Absent or empty where `discountsForScores` is.
+  ///
+  /// Neighbours share the score between them: the first match in the list's order, and with it the
+  /// larger discount, is the one that counts. A step that asks for a higher score than one with a
+  /// larger discount earns nothing and is left out, and so is one whose score is not a number.
+  [[nodiscard]] std::optional<std::vector<DiscountRange>> scoreDiscountMap() const;
+
+  friend bool operator==(const DiscountMetadata&, const DiscountMetadata&) = default;
+};
+
+}  // namespace orvane

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+// The key to the programme's rewards.
+#pragma once
+
+#include <Orvane/Platform/Export.h>
+
+#include <optional>
+#include <string>
+
+namespace orvane {
+
+/// A JSON Web Token (RFC 7519) that opens the rewards for the current user. It is handed on as it
+/// came; nothing here looks inside. As JSON the record is one text, the token, and no object.
+struct ORVANE_EXPORT RewardToken {
+  std::optional<std::string> token;
+
+  friend bool operator==(const RewardToken&, const RewardToken&) = default;
+};
+
+}  // namespace orvane
