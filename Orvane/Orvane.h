@@ -28,4 +28,10 @@
 #include <Orvane/Models/Vehicle.h>
 #include <Orvane/Platform/DeviceSettings.h>
 #include <Orvane/Platform/TimeZone.h>
+#include <Orvane/Services/Discount/DiscountMetadataService.h>
+#include <Orvane/Services/Discount/DiscountService.h>
+#include <Orvane/Services/Leaderboard/LeaderboardService.h>
+#include <Orvane/Services/Rewards/RewardsService.h>
+#include <Orvane/Services/Scoring/ScoringAggregateService.h>
+#include <Orvane/Services/Scoring/ScoringService.h>
 #include <Orvane/Services/User/UserService.h>

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+// The application's entry to the ranking of drivers.
+#pragma once
+
+#include <Orvane/Core/SerializableService.h>
+#include <Orvane/Models/Leaderboard.h>
+#include <Orvane/Platform/ClosedRange.h>
+#include <Orvane/Platform/DateComponents.h>
+#include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/OneOf.h>
+
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace orvane {
+
+/// Fetches leaderboards, and decides whether the current user appears on them.
+class ORVANE_EXPORT LeaderboardService : public SerializableService {
+ public:
+  struct GenderFilter {
+    User::Gender gender;
+  };
+  struct AgeFilter {
+    ClosedRange<std::int64_t> years;
+  };
+  struct PostalCodeFilter {
+    std::string postalCode;
+  };
+
+  /// Which drivers a leaderboard ranks.
+  ///
+  /// Filters are equal, ordered and hashed by their kind alone, never by what they carry: any two
+  /// `gender` filters are equal. A set thus holds at most one filter of each kind, and inserting a
+  /// second one leaves the first in place. To look at what a filter carries, use `as` or `match`.
+  class Filter : public OneOf<GenderFilter, AgeFilter, PostalCodeFilter> {
+   public:
+    using OneOf::OneOf;
+    [[nodiscard]] static Filter gender(User::Gender gender) {
+      return GenderFilter{std::move(gender)};
+    }
+    /// Years, both bounds included.
+    [[nodiscard]] static Filter age(ClosedRange<std::int64_t> years) { return AgeFilter{years}; }
+    /// Compared by the backend; sent as it is.
+    [[nodiscard]] static Filter postalCode(std::string postalCode) {
+      return PostalCodeFilter{std::move(postalCode)};
+    }
+
+    /// "gender", "age" or "postalCode": all that comparisons look at.
+    [[nodiscard]] ORVANE_EXPORT std::string_view kind() const noexcept;
+
+    [[nodiscard]] std::size_t hashValue() const { return hashOf(kind()); }
+    friend bool operator==(const Filter& left, const Filter& right) noexcept {
+      return left.kind() == right.kind();
+    }
+    friend std::strong_ordering operator<=>(const Filter& left, const Filter& right) noexcept {
+      return left.kind() <=> right.kind();
+    }
+  };
+
+  /// A service for the person who is signed in. A missing registration stops the process.
+  explicit LeaderboardService(Identity identity) : SerializableService(std::move(identity)) {}
+
+  /// Fetches the leaderboard of a day in the device's calendar, narrowed by the filters. A day that
+  /// the calendar can't form sends a request without any query, filters included: what it answers
+  /// is up to the backend.
+  RequestHandle fetch(DateComponents dateComponents, std::set<Filter> filters,
+                      Completion<Leaderboard> then) const;
+
+  /// Lets the current user appear on leaderboards.
+  RequestHandle optIn(Completion<Unit> then) const;
+
+  /// Takes the current user off leaderboards.
+  RequestHandle optOut(Completion<Unit> then) const;
+};
+
+}  // namespace orvane
