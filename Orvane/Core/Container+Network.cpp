@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Core/Container+Network.h>
-#include <Orvane/Platform/Fatal.h>
 
 namespace orvane {
 namespace {
@@ -30,14 +29,10 @@ Container& networkContainer() {
   return container;
 }
 
-void stopForMissingRegistration(const char* what) noexcept { fatal(what, "Container+Network", 30); }
-
 ResolverCollaborators injectCollaborators(Container& container) {
   // Members of a braced list are evaluated in order.
-  return {injectOrStop<TokenResolver>(container),
-          injectOrStop<EndpointResolver>(container),
-          injectOrStop<UserIdentifier>(container),
-          injectOrStop<TimeOffsetStore>(container)};
+  return {injectOrStop<TokenResolver>(container), injectOrStop<EndpointResolver>(container),
+          injectOrStop<UserIdentifier>(container), injectOrStop<TimeOffsetStore>(container)};
 }
 
 }  // namespace orvane

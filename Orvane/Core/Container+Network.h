@@ -5,24 +5,31 @@
 
 #include <Orvane/Common/Container.h>
 #include <Orvane/Core/Resolvers.h>
+#include <Orvane/Platform/Fatal.h>
 
+#include <cstdint>
 #include <memory>
+#include <string_view>
 
 namespace orvane {
 
 /// The system's container, a child of `Container::common()`: made once per process, on first use.
 [[nodiscard]] Container& networkContainer();
 
-/// Stops the process: something that must be registered is not.
-[[noreturn]] void stopForMissingRegistration(const char* what) noexcept;
+/// Against what a missing registration is reported.
+struct RegistrationFault {
+  std::string_view source = "Container+Network";
+  std::uint_least32_t line = 30;
+};
 
 /// What is registered for `Interface`; nothing registered stops the process.
 template <class Interface>
-[[nodiscard]] std::shared_ptr<Interface> injectOrStop(Container& container) {
+[[nodiscard]] std::shared_ptr<Interface> injectOrStop(Container& container,
+                                                      RegistrationFault fault = {}) {
   try {
     return container.inject<Interface>();
   } catch (const std::exception& error) {
-    stopForMissingRegistration(error.what());
+    fatal(error.what(), fault.source, fault.line);
   }
 }
 

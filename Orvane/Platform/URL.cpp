@@ -41,6 +41,13 @@ std::optional<URL> URL::parse(std::string_view text) {
   return URL(std::string(text));
 }
 
+std::optional<URL> URL::fromFilePath(std::string_view path) {
+  if (!path.starts_with('/') || !isUTF8(path)) return std::nullopt;
+  std::string text = "file://";
+  appendEncoded(text, path, pathCharacters);
+  return parse(text);
+}
+
 std::string URL::scheme() const {
   std::string scheme(parsed(text_).scheme());
   std::transform(scheme.begin(), scheme.end(), scheme.begin(), [](char c) {
@@ -57,6 +64,12 @@ std::optional<std::string> URL::query() const {
   const urls::url_view url = parsed(text_);
   if (!url.has_query()) return std::nullopt;
   return std::string(url.encoded_query());
+}
+
+std::optional<std::string> URL::filePath() const {
+  const std::string machine = host();
+  if (scheme() != "file" || !(machine.empty() || machine == "localhost")) return std::nullopt;
+  return parsed(text_).path();
 }
 
 std::optional<URL> URL::appendingPathComponent(std::string_view component) const {

@@ -20,6 +20,9 @@ class ORVANE_EXPORT URL {
   /// characters outside ASCII, stray percent signs.
   [[nodiscard]] static std::optional<URL> parse(std::string_view text);
 
+  /// The URL of a file or folder (RFC 8089). Absent when `path` is not absolute or not UTF-8.
+  [[nodiscard]] static std::optional<URL> fromFilePath(std::string_view path);
+
   /// The whole URL.
   [[nodiscard]] const std::string& absoluteString() const noexcept { return text_; }
 
@@ -31,6 +34,9 @@ class ORVANE_EXPORT URL {
   [[nodiscard]] std::string path() const;
   /// The query as it stands, percent-encoded, without the question mark; absent when there is none.
   [[nodiscard]] std::optional<std::string> query() const;
+  /// The path of the file or folder, percent-decoded; absent when it is not the URL of one on this
+  /// machine.
+  [[nodiscard]] std::optional<std::string> filePath() const;
 
   /// This URL with `component` below its path. Exactly one slash stands between the two; slashes
   /// inside the component separate segments, a trailing one is kept, dot segments stay as they are,

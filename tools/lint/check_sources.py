@@ -39,7 +39,11 @@ LIBRARY_HOMES = {
 }
 
 # The files of the library that may write to the standard streams.
-WRITERS = {"Orvane/Platform/Fatal.cpp", "Orvane/Common/Logger.cpp"}
+WRITERS = {
+    "Orvane/Platform/Fatal.cpp",
+    "Orvane/Common/Logger.cpp",
+    "Orvane/Services/WedgeFirmware/WedgeFirmwareService.cpp",
+}
 
 PRIVATE_MARK = "// Private header: not installed."
 SPDX = "SPDX-License-Identifier: Apache-2.0"

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Common/FirmwareHost.h>
+#include <Orvane/Common/Logger.h>
+#include <Orvane/Common/NetworkError.h>
+#include <Orvane/Common/RequestManager.h>
+#include <Orvane/Common/Version.h>
+#include <Orvane/Core/Container+Network.h>
+#include <Orvane/Platform/Fatal.h>
+#include <Orvane/Platform/Files.h>
+#include <Orvane/Platform/Regex.h>
+#include <Orvane/Platform/Text.h>
+#include <Orvane/Services/WedgeFirmware/WedgeFirmwareService.h>
+
+#include <cstdio>
+
+namespace orvane {
+namespace {
+
+constexpr std::string_view sourceFile = "Services/Wedge Firmware/WedgeFirmwareService";
+
+constexpr std::string_view packageName = "DFU_4417_Release___2_2_2.zip";
+constexpr std::string_view versionPresent = R"(\.*?DFU_4417.*___(\d+)_(\d+)_(\d+).*)";
+constexpr std::string_view versionGroups =
+    R"(\.*?DFU_4417.*___(?<major>\d+)_(?<minor>\d+)_(?<patch>\d+).*)";
+
+// A download that can't start.
+struct NoDownload {
+  std::string reason;
+  [[nodiscard]] std::string message() const { return reason; }
+  friend bool operator==(const NoDownload&, const NoDownload&) = default;
+};
+
+URL packageURL() {
+  const auto registered = networkContainer().find<FirmwareHost>();
+  const auto host = URL::parse(registered ? registered->url : FirmwareHost().url);
+  precondition(host.has_value(), "the firmware host is no URL");
+  // A text of plain characters can always be appended.
+  return *host->appendingPathComponent(concatenated({"downloads/", packageName}));
+}
+
+std::optional<std::string> versionIn(std::string_view url) {
+  if (!isFound(versionPresent, url)) return std::nullopt;
+  const auto numbers = findGroups(versionGroups, url, {"major", "minor", "patch"});
+  if (!numbers) return std::nullopt;
+  return concatenated({(*numbers)[0], ".", (*numbers)[1], ".", (*numbers)[2]});
+}
+
+void printFolderFailure(std::error_code failure) {
+  std::printf("error creating /Documents/firmware directory: %s\n", failure.message().c_str());
+}
+
+std::optional<URL> makeFirmwareFolder() {
+  const auto path = documentsFolder("firmware");
+  if (!path) {
+    printFolderFailure(std::make_error_code(std::errc::no_such_file_or_directory));
+    return std::nullopt;
+  }
+  if (const std::error_code failure = createFolder(*path)) printFolderFailure(failure);
+  return URL::fromFilePath(*path);
+}
+
+// The form in which the version stands in the log.
+std::string description(const std::optional<std::string>& text) {
+  return text ? concatenated({"Optional(\"", *text, "\")"}) : "nil";
+}
+
+void logUpdate() {
+  log.i("Wedge firmware update available.", sourceFile,
+        "checkUpdateAvailability(userFirmwareVersion:_:)", __LINE__);
+}
+
+void logDownload(const std::optional<std::string>& version) {
+  log.i(concatenated({"Downloaded new firmware. (version: ", description(version), ")"}),
+        sourceFile, "downloadFirmware(_:)", __LINE__);
+}
+
+void logFailure(const std::optional<std::string>& version, const Error& error) {
+  log.e(concatenated(
+            {"Error downloading firmware version ", description(version), ": ", error.message()}),
+        sourceFile, "downloadFirmware(_:)", __LINE__);
+}
+
+}  // namespace
+
+std::string FirmwareVersionMissing::message() const {
+  return "the device's firmware version is not known";
+}
+
+WedgeFirmwareService::WedgeFirmwareService()
+    : remoteURL_(packageURL()),
+      requestManager_(
+          injectOrStop<RequestManager>(networkContainer(), {"WedgeFirmwareService", 33})),
+      downloader_(networkContainer().find<Downloader>()) {
+  firmwareLocation = makeFirmwareFolder();
+  availableFirmwareVersion = versionIn(remoteURL_.absoluteString());
+}
+
+void WedgeFirmwareService::checkUpdateAvailability(std::optional<std::string> userFirmwareVersion,
+                                                   UniqueFunction<void(bool)> then) const {
+  precondition(userFirmwareVersion.has_value(),
+               "checkUpdateAvailability needs the device's firmware version");
+  then(*updateAvailability(userFirmwareVersion).value());
+}
+
+Result<bool> WedgeFirmwareService::updateAvailability(
+    const std::optional<std::string>& userFirmwareVersion) const {
+  if (!userFirmwareVersion) return FirmwareVersionMissing{};
+  const bool isNewer =
+      availableFirmwareVersion && isVersion(*availableFirmwareVersion, *userFirmwareVersion);
+  if (isNewer) logUpdate();
+  return isNewer;
+}
+
+RequestHandle WedgeFirmwareService::downloadFirmware(DownloadHandler then) const {
+  return downloadFirmware({}, std::move(then));
+}
+
+RequestHandle WedgeFirmwareService::downloadFirmware(DownloadProgressHandler progress,
+                                                     DownloadHandler then) const {
+  Completion<Unit> finish = [version = availableFirmwareVersion,
+                             then = std::move(then)](Result<Unit> result) mutable {
+    if (!result.value()) {
+      logFailure(version, result.errorOr(NetworkError::unknown));
+      return then(std::nullopt);
+    }
+    logDownload(version);
+    then(std::move(version));
+  };
+  const auto folder = firmwareLocation ? firmwareLocation->filePath() : std::nullopt;
+  if (!downloader_ || !folder) {
+    finish(NoDownload{downloader_ ? "there is no folder for it" : "no downloader is registered"});
+    return std::make_shared<EmptyRequest>();
+  }
+  return downloader_->download(remoteURL_, concatenated({*folder, "/", packageName}),
+                               std::move(progress), std::move(finish));
+}
+
+}  // namespace orvane

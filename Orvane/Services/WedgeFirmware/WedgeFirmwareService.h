@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+// Firmware for the in-car device: whether there is a newer one, and how to get it.
+#pragma once
+
+#include <Orvane/Common/Downloader.h>
+#include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/Result.h>
+#include <Orvane/Platform/URL.h>
+#include <Orvane/Platform/UniqueFunction.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace orvane {
+
+class RequestManager;
+
+/// It is not known what firmware the device has.
+struct ORVANE_EXPORT FirmwareVersionMissing {
+  [[nodiscard]] std::string message() const;
+  friend constexpr bool operator==(const FirmwareVersionMissing&,
+                                   const FirmwareVersionMissing&) = default;
+};
+
+/// Compares the device's firmware with the published one and downloads that, for the application to
+/// transfer. The published version is read from the name of the package. Any thread may call;
+/// `firmwareLocation` and `availableFirmwareVersion` must not be written meanwhile.
+class ORVANE_EXPORT WedgeFirmwareService {
+ public:
+  /// Receives the version that has been downloaded, or nothing when that failed.
+  using DownloadHandler = UniqueFunction<void(std::optional<std::string>)>;
+
+  /// Creates the folder "firmware" among the user's documents (`DeviceSettings`) where it does not
+  /// exist; a failure is printed to standard output, and the service can be used all the same. A
+  /// missing `RequestManager`, and a `FirmwareHost` that forms no URL, stop the process.
+  WedgeFirmwareService();
+
+  [[nodiscard]] const std::shared_ptr<RequestManager>& requestManager() const noexcept {
+    return requestManager_;
+  }
+  /// Where the published package is.
+  [[nodiscard]] const URL& remoteURL() const noexcept { return remoteURL_; }
+
+  /// Calls `then`, before it returns, with whether the published firmware is newer than the
+  /// device's: false for an equal version, and when none is known to be published. An absent
+  /// version is a programming fault that stops the process.
+  void checkUpdateAvailability(std::optional<std::string> userFirmwareVersion,
+                               UniqueFunction<void(bool)> then) const;
+
+  /// The same as a value; an absent version is answered with `FirmwareVersionMissing`.
+  [[nodiscard]] Result<bool> updateAvailability(
+      const std::optional<std::string>& userFirmwareVersion) const;
+
+  /// Downloads the published package into `firmwareLocation`, under its own name, where it replaces
+  /// a former one, and calls `then` with its version. `then` runs on a thread of the `Downloader`'s
+  /// choice; where none is registered, or there is no folder, it is called with nothing before this
+  /// returns. What went wrong is logged.
+  RequestHandle downloadFirmware(DownloadHandler then) const;
+
+  /// The same, telling the progress.
+  RequestHandle downloadFirmware(DownloadProgressHandler progress, DownloadHandler then) const;
+
+  /// The folder for downloads, as a file's URL; absent where there is no documents folder.
+  std::optional<URL> firmwareLocation;
+  /// The published version: major, minor and patch separated by ".".
+  std::optional<std::string> availableFirmwareVersion;
+
+ private:
+  URL remoteURL_;
+  std::shared_ptr<RequestManager> requestManager_;
+  std::shared_ptr<Downloader> downloader_;  // null where none is registered
+};
+
+}  // namespace orvane
