@@ -6,11 +6,16 @@
 #pragma once
 
 #include <Orvane/Coding/Record.h>
+#include <Orvane/Models/Content.h>
 #include <Orvane/Models/Device.h>
 #include <Orvane/Models/Discount.h>
+#include <Orvane/Models/EULAStatus.h>
+#include <Orvane/Models/Invitation.h>
 #include <Orvane/Models/Leaderboard.h>
+#include <Orvane/Models/NamedDriver.h>
 #include <Orvane/Models/RewardToken.h>
 #include <Orvane/Models/Scoring.h>
+#include <Orvane/Models/Subscription.h>
 #include <Orvane/Models/User.h>
 #include <Orvane/Models/Vehicle.h>
 
@@ -47,5 +52,12 @@ KeyTables keysOf(RecordTag<DiscountMetadata::DiscountScore>);
 
 bool decodeValue(json::Element element, RewardToken& reward, Decoder& decoder);
 void encodeValue(const RewardToken& reward, json::Writer& writer);
+
+KeyTables keysOf(RecordTag<Invitation>);
+KeyTables keysOf(RecordTag<Invitation::InvitationUser>);
+KeyTables keysOf(RecordTag<EULAStatus>);
+KeyTables keysOf(RecordTag<Subscription>);
+KeyTables keysOf(RecordTag<NamedDriver>);
+KeyTables keysOf(RecordTag<Content>);
 
 }  // namespace orvane

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+// Texts that the backend keeps for the application to show.
+#pragma once
+
+#include <Orvane/Platform/Export.h>
+
+#include <optional>
+#include <string>
+
+namespace orvane {
+
+/// One localised text.
+struct ORVANE_EXPORT Content {
+  std::optional<std::string> body;
+
+  friend bool operator==(const Content&, const Content&) = default;
+};
+
+}  // namespace orvane

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Coding/Codable.h>
+#include <Orvane/Models/Coders.h>
+#include <Orvane/Models/EULAStatus.h>
+
+namespace orvane {
+namespace {
+
+constexpr auto eulaStatusKeys = keyTable(key<&EULAStatus::acceptedTerms>("acceptedTerms"));
+
+}  // namespace
+
+KeyTables keysOf(RecordTag<EULAStatus>) { return eulaStatusKeys; }
+
+template struct RecordCoding<EULAStatus>;
+template struct RecordCoding<std::vector<EULAStatus>>;
+
+}  // namespace orvane

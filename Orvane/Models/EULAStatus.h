@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+// Whether a user accepted the programme's terms.
+#pragma once
+
+#include <Orvane/Platform/Export.h>
+
+#include <optional>
+
+namespace orvane {
+
+/// What the backend knows of a user's acceptance of the programme's terms.
+struct ORVANE_EXPORT EULAStatus {
+  std::optional<bool> acceptedTerms;
+
+  friend bool operator==(const EULAStatus&, const EULAStatus&) = default;
+};
+
+}  // namespace orvane

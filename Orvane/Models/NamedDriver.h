@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+// The further drivers that an insurance policy names.
+#pragma once
+
+#include <Orvane/Platform/Export.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace orvane {
+
+/// A driver named on the policy besides its holder. The members that are not optional must be there
+/// when decoding; one driver without them fails a whole list.
+struct ORVANE_EXPORT NamedDriver {
+  std::string firstName;
+  std::string lastName;
+  std::optional<std::string> email;
+  std::optional<std::string> phone;
+  bool activated = false;
+  std::optional<double> activatedDate;  ///< Milliseconds since 1970-01-01 UTC.
+  std::string userProfileId;
+  std::int64_t userId = 0;
+
+  friend bool operator==(const NamedDriver&, const NamedDriver&) = default;
+};
+
+}  // namespace orvane

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Common/Resolvers.h>
+#include <Orvane/Core/Call.h>
+#include <Orvane/Services/Activation/ActivationComposer.h>
+#include <Orvane/Services/Activation/ActivationService.h>
+
+namespace orvane {
+
+RequestHandle ActivationService::activate(std::string activationId, std::string activationCode,
+                                          std::string emailAddress, Completion<Unit> then) const {
+  return post(*this,
+              ActivationComposer({.activationID = std::move(activationId),
+                                  .activationCode = std::move(activationCode),
+                                  .email = emailAddress,
+                                  .accountID = identity().externalReferenceID,
+                                  .displayName = emailAddress,
+                                  .deviceID = deviceIdentifier()->current()}),
+              std::move(then));
+}
+
+}  // namespace orvane

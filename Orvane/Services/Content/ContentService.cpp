@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Core/Call.h>
+#include <Orvane/Models/Coders.h>
+#include <Orvane/Services/Content/ContentComposer.h>
+#include <Orvane/Services/Content/ContentService.h>
+
+namespace orvane {
+
+RequestHandle ContentService::fetch(Key withKey, std::optional<std::string> languageTags,
+                                    Completion<Content> then) const {
+  return get(*this, ContentComposer(std::move(languageTags), withKey), std::move(then));
+}
+
+}  // namespace orvane

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Common/Resolvers.h>
+#include <Orvane/Core/Call.h>
+#include <Orvane/Models/Coders.h>
+#include <Orvane/Services/PushNotification/PushNotificationComposer.h>
+#include <Orvane/Services/PushNotification/PushNotificationService.h>
+
+namespace orvane {
+namespace {
+
+// The application as the backend's push gateway knows it: there is one.
+constexpr std::int64_t pushAppID = 1;
+
+}  // namespace
+
+RequestHandle PushNotificationService::setToken(std::string deviceToken,
+                                                Completion<Device> then) const {
+  return post(
+      *this,
+      PushNotificationComposer(std::move(deviceToken), deviceIdentifier()->current(), pushAppID),
+      std::move(then));
+}
+
+}  // namespace orvane
