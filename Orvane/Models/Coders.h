@@ -9,13 +9,17 @@
 #include <Orvane/Models/Content.h>
 #include <Orvane/Models/Device.h>
 #include <Orvane/Models/Discount.h>
+#include <Orvane/Models/DrivingSummary.h>
 #include <Orvane/Models/EULAStatus.h>
 #include <Orvane/Models/Invitation.h>
 #include <Orvane/Models/Leaderboard.h>
+#include <Orvane/Models/Location.h>
+#include <Orvane/Models/LogbookWrapper.h>
 #include <Orvane/Models/NamedDriver.h>
 #include <Orvane/Models/RewardToken.h>
 #include <Orvane/Models/Scoring.h>
 #include <Orvane/Models/Subscription.h>
+#include <Orvane/Models/Trip.h>
 #include <Orvane/Models/User.h>
 #include <Orvane/Models/Vehicle.h>
 
@@ -41,6 +45,23 @@ KeyTables keysOf(RecordTag<ScoringAggregate>);
 KeyTables keysOf(RecordTag<TripScoringComponents>);
 KeyTables keysOf(RecordTag<TripScoringAverage>);
 KeyTables keysOf(RecordTag<ScoringAverage>);
+
+KeyTables keysOf(RecordTag<Event>);
+bool decodeValue(json::Element element, Event::Severity& severity, Decoder& decoder);
+void encodeValue(Event::Severity severity, json::Writer& writer);
+bool decodeValue(json::Element element, Event::EventType& type, Decoder& decoder);
+void encodeValue(const Event::EventType& type, json::Writer& writer);
+KeyTables keysOf(RecordTag<Trip>);
+bool decodeValue(json::Element element, Trip::Events& events, Decoder& decoder);
+void encodeValue(const Trip::Events& events, json::Writer& writer);
+KeyTables keysOf(RecordTag<LogbookWrapper>);
+KeyTables keysOf(RecordTag<LogbookWrapper::TripWrapper>);
+
+KeyTables keysOf(RecordTag<Location>);
+
+KeyTables keysOf(RecordTag<DriverDetection>);
+KeyTables keysOf(RecordTag<DrivingSummary>);
+KeyTables keysOf(RecordTag<DrivingSummaryResult>);
 
 KeyTables keysOf(RecordTag<Leaderboard>);
 KeyTables keysOf(RecordTag<LeaderboardEntry>);

@@ -11,15 +11,15 @@ namespace orvane {
 
 /// A phone that a user has signed in on. Every member is absent where the backend did not tell it.
 struct ORVANE_EXPORT Device {
-  std::optional<std::string> deviceType;
-  std::optional<std::string> enrollmentDeviceId;
-  std::optional<std::string> identifier;
-  std::optional<std::string> serialNumber;
-  std::optional<std::string> pushNotificationToken;
+  std::optional<std::string> deviceType{};
+  std::optional<std::string> enrollmentDeviceId{};
+  std::optional<std::string> identifier{};
+  std::optional<std::string> serialNumber{};
+  std::optional<std::string> pushNotificationToken{};
   /// Whether push notifications reach the phone.
-  std::optional<bool> pushNotificationsAreEnabled;
+  std::optional<bool> pushNotificationsAreEnabled{};
   /// Whether it is the phone that records the driving.
-  std::optional<bool> dataCollectionIsActive;
+  std::optional<bool> dataCollectionIsActive{};
 
   friend bool operator==(const Device&, const Device&) = default;
 };

@@ -36,7 +36,7 @@ struct ORVANE_EXPORT TripScores {
     distractedDriving,
   };
   struct OtherSubScore {
-    std::string key;
+    std::string key{};
     [[nodiscard]] std::size_t hashValue() const { return hashOf(key); }
     auto operator<=>(const OtherSubScore&) const = default;
   };
@@ -64,9 +64,9 @@ struct ORVANE_EXPORT TripScores {
   using SubScores = std::map<SubScore, std::optional<double>>;
 
   /// The score of the trip as a whole.
-  std::optional<double> overall;
+  std::optional<double> overall{};
   /// The other scores; one that the backend names without a value is there without one.
-  std::optional<SubScores> subScores;
+  std::optional<SubScores> subScores{};
 
   friend bool operator==(const TripScores&, const TripScores&) = default;
 };
@@ -89,8 +89,8 @@ struct EnumerationTable<TripScores::KnownSubScore> {
 
 /// One component of a trip's score.
 struct ORVANE_EXPORT IndividualComponentScores {
-  std::optional<std::string> component;  ///< Its name, as the backend gives it.
-  std::optional<double> componentScore;
+  std::optional<std::string> component{};  ///< Its name, as the backend gives it.
+  std::optional<double> componentScore{};
 
   friend bool operator==(const IndividualComponentScores&,
                          const IndividualComponentScores&) = default;
@@ -98,59 +98,59 @@ struct ORVANE_EXPORT IndividualComponentScores {
 
 /// The scores of one trip as a named algorithm computed them.
 struct ORVANE_EXPORT TripScoring {
-  std::optional<std::string> scoreAlgorithmProvider;
-  std::optional<std::string> scoreUnit;
-  std::optional<double> overallScore;
-  std::optional<std::vector<IndividualComponentScores>> individualComponentScores;
+  std::optional<std::string> scoreAlgorithmProvider{};
+  std::optional<std::string> scoreUnit{};
+  std::optional<double> overallScore{};
+  std::optional<std::vector<IndividualComponentScores>> individualComponentScores{};
 
   friend bool operator==(const TripScoring&, const TripScoring&) = default;
 };
 
 /// One component of a day's score.
 struct ORVANE_EXPORT ScoreComponent {
-  std::optional<double> score;
-  std::optional<double> averageScore;
-  std::optional<std::string> trackingType;
+  std::optional<double> score{};
+  std::optional<double> averageScore{};
+  std::optional<std::string> trackingType{};
 
   friend bool operator==(const ScoreComponent&, const ScoreComponent&) = default;
 };
 
 /// The components of a day's score. The members are named as on the wire.
 struct ORVANE_EXPORT ScoringComponents {
-  std::optional<ScoreComponent> harshAcceleration;
-  std::optional<ScoreComponent> harshBraking;
-  std::optional<ScoreComponent> harshCornering;
-  std::optional<ScoreComponent> overSpeeding;
-  std::optional<ScoreComponent> speeding;
-  std::optional<ScoreComponent> distractedDriving;
-  std::optional<ScoreComponent> mileage;
-  std::optional<ScoreComponent> payd;
-  std::optional<ScoreComponent> abc_subscore;
-  std::optional<ScoreComponent> speed_subscore;
-  std::optional<ScoreComponent> usage_subscore;
-  std::optional<ScoreComponent> distracted_driving;
+  std::optional<ScoreComponent> harshAcceleration{};
+  std::optional<ScoreComponent> harshBraking{};
+  std::optional<ScoreComponent> harshCornering{};
+  std::optional<ScoreComponent> overSpeeding{};
+  std::optional<ScoreComponent> speeding{};
+  std::optional<ScoreComponent> distractedDriving{};
+  std::optional<ScoreComponent> mileage{};
+  std::optional<ScoreComponent> payd{};
+  std::optional<ScoreComponent> abc_subscore{};
+  std::optional<ScoreComponent> speed_subscore{};
+  std::optional<ScoreComponent> usage_subscore{};
+  std::optional<ScoreComponent> distracted_driving{};
 
   friend bool operator==(const ScoringComponents&, const ScoringComponents&) = default;
 };
 
 /// The scores of one day.
 struct ORVANE_EXPORT DailyAggregate {
-  std::optional<double> score;
-  std::optional<double> averageScore;
-  std::optional<double> date;  ///< The day, as the backend's number.
-  std::optional<std::string> trackingType;
-  std::optional<double> secondsOfDriving;
-  Indirect<ScoringComponents> componentScores;
-  std::optional<std::int64_t> scoreType;
+  std::optional<double> score{};
+  std::optional<double> averageScore{};
+  std::optional<double> date{};  ///< The day, as the backend's number.
+  std::optional<std::string> trackingType{};
+  std::optional<double> secondsOfDriving{};
+  Indirect<ScoringComponents> componentScores{};
+  std::optional<std::int64_t> scoreType{};
 
   friend bool operator==(const DailyAggregate&, const DailyAggregate&) = default;
 };
 
 /// The scores of a period, day by day.
 struct ORVANE_EXPORT ScoringAggregate {
-  std::optional<double> highestScore;
-  std::optional<double> averageScore;
-  std::optional<std::vector<DailyAggregate>> tripScoringDailyAggregate;
+  std::optional<double> highestScore{};
+  std::optional<double> averageScore{};
+  std::optional<std::vector<DailyAggregate>> tripScoringDailyAggregate{};
 
   friend bool operator==(const ScoringAggregate&, const ScoringAggregate&) = default;
 };
@@ -158,18 +158,18 @@ struct ORVANE_EXPORT ScoringAggregate {
 /// The components of an average score. The members are named as in `ScoringComponents`, but stand
 /// under other names on the wire.
 struct ORVANE_EXPORT TripScoringComponents {
-  std::optional<double> harshAcceleration;
-  std::optional<double> harshBraking;
-  std::optional<double> harshCornering;
-  std::optional<double> overSpeeding;
-  std::optional<double> speeding;
-  std::optional<double> distractedDriving;
-  std::optional<double> mileage;
-  std::optional<double> payd;
-  std::optional<double> abc_subscore;
-  std::optional<double> speed_subscore;
-  std::optional<double> usage_subscore;
-  std::optional<double> distracted_driving;
+  std::optional<double> harshAcceleration{};
+  std::optional<double> harshBraking{};
+  std::optional<double> harshCornering{};
+  std::optional<double> overSpeeding{};
+  std::optional<double> speeding{};
+  std::optional<double> distractedDriving{};
+  std::optional<double> mileage{};
+  std::optional<double> payd{};
+  std::optional<double> abc_subscore{};
+  std::optional<double> speed_subscore{};
+  std::optional<double> usage_subscore{};
+  std::optional<double> distracted_driving{};
 
   friend bool operator==(const TripScoringComponents&, const TripScoringComponents&) = default;
 };
@@ -177,20 +177,20 @@ struct ORVANE_EXPORT TripScoringComponents {
 /// The average scores of a period. Every member is there.
 struct ORVANE_EXPORT TripScoringAverage {
   double date = 0;  ///< The backend's number.
-  std::string trackingType;
-  TripScoringComponents componentScores;
+  std::string trackingType{};
+  TripScoringComponents componentScores{};
 
   friend bool operator==(const TripScoringAverage&, const TripScoringAverage&) = default;
 };
 
 /// The average scores of a reporting period, and the period.
 struct ORVANE_EXPORT ScoringAverage {
-  std::optional<double> highestScore;
-  std::optional<double> lowestScore;
-  std::optional<double> periodStartDate;  ///< The backend's number.
-  std::optional<double> periodEndDate;    ///< The backend's number.
-  std::optional<double> averageScore;
-  std::optional<TripScoringAverage> tripScoringAverage;
+  std::optional<double> highestScore{};
+  std::optional<double> lowestScore{};
+  std::optional<double> periodStartDate{};  ///< The backend's number.
+  std::optional<double> periodEndDate{};    ///< The backend's number.
+  std::optional<double> averageScore{};
+  std::optional<TripScoringAverage> tripScoringAverage{};
 
   friend bool operator==(const ScoringAverage&, const ScoringAverage&) = default;
 };

@@ -15,22 +15,22 @@ namespace orvane {
 
 /// A vehicle that is enrolled. Every member is absent where the backend did not tell it.
 struct ORVANE_EXPORT Vehicle {
-  std::optional<std::string> vehicleId;
-  std::optional<std::string> make;
-  std::optional<std::string> model;
-  std::optional<std::string> nickName;
-  std::optional<std::int64_t> year;
-  std::optional<std::string> vin;  ///< Vehicle identification number (ISO 3779).
-  std::optional<std::string> plate;
-  std::optional<std::string> timeZoneName;
-  std::optional<std::string> timeZoneOffset;  ///< A text, as the backend words it.
-  std::optional<double> enrollmentDate;       ///< The number that the backend sends.
+  std::optional<std::string> vehicleId{};
+  std::optional<std::string> make{};
+  std::optional<std::string> model{};
+  std::optional<std::string> nickName{};
+  std::optional<std::int64_t> year{};
+  std::optional<std::string> vin{};  ///< Vehicle identification number (ISO 3779).
+  std::optional<std::string> plate{};
+  std::optional<std::string> timeZoneName{};
+  std::optional<std::string> timeZoneOffset{};  ///< A text, as the backend words it.
+  std::optional<double> enrollmentDate{};       ///< The number that the backend sends.
   /// There when a request asked for it.
-  std::optional<UsersByRole> usersByRole;
-  std::optional<bool> backgroundImageEnabled;
+  std::optional<UsersByRole> usersByRole{};
+  std::optional<bool> backgroundImageEnabled{};
   /// There when a request asked for them.
-  std::optional<std::vector<Device>> devices;
-  std::optional<bool> requireOdometerSnapshot;
+  std::optional<std::vector<Device>> devices{};
+  std::optional<bool> requireOdometerSnapshot{};
 
   /// True when all members are equal, not `vehicleId` alone.
   [[nodiscard]] bool isIdentical(const Vehicle& other) const;

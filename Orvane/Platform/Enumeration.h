@@ -5,6 +5,7 @@
 
 #include <concepts>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <type_traits>
@@ -53,9 +54,24 @@ template <Enumeration E>
   return std::nullopt;
 }
 
+/// The number of a case.
+template <Enumeration E>
+[[nodiscard]] constexpr std::int64_t rawValue(E value) noexcept {
+  return static_cast<std::int64_t>(value);
+}
+
+/// The case that has the given number; absent for any other.
+template <Enumeration E>
+[[nodiscard]] constexpr std::optional<E> fromRawValue(std::int64_t raw) noexcept {
+  for (const auto& row : EnumerationTable<E>::cases) {
+    if (rawValue(row.value) == raw) return row.value;
+  }
+  return std::nullopt;
+}
+
 /// Prints the wire text.
 template <class Stream, Enumeration E>
-requires requires(Stream& stream, std::string_view text) { stream.write(text.data(), 0); }
+  requires requires(Stream& stream, std::string_view text) { stream.write(text.data(), 0); }
 Stream& operator<<(Stream& stream, E value) {
   stream << wireText(value);
   return stream;

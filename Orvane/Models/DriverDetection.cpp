@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Coding/Codable.h>
+#include <Orvane/Models/Coders.h>
+#include <Orvane/Models/DriverDetection.h>
+
+namespace orvane {
+namespace {
+
+constexpr auto driverDetectionKeys =
+    keyTable(key<&DriverDetection::status>("status"),
+             key<&DriverDetection::numberOfDriverTrips>("numberOfDriverTrips"),
+             key<&DriverDetection::minimumNumberOfDriverTrips>("minimumNumberOfDriverTrips"));
+
+}  // namespace
+
+KeyTables keysOf(RecordTag<DriverDetection>) { return driverDetectionKeys; }
+
+template struct RecordCoding<DriverDetection>;
+template struct RecordCoding<std::vector<DriverDetection>>;
+
+}  // namespace orvane

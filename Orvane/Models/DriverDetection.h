@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+// How far the backend has learnt to tell a user's driving from being driven.
+#pragma once
+
+#include <Orvane/Platform/Enumeration.h>
+#include <Orvane/Platform/Export.h>
+
+#include <cstdint>
+#include <optional>
+
+namespace orvane {
+
+/// The training of the model that tells whether a user drove or was a passenger.
+struct ORVANE_EXPORT DriverDetection {
+  enum class Status : std::uint8_t {
+    inTraining,  ///< The model is being trained.
+    trained,     ///< The backend detects who drove.
+  };
+
+  std::optional<Status> status{};
+  std::optional<std::int64_t> numberOfDriverTrips{};
+  std::optional<std::int64_t> minimumNumberOfDriverTrips{};  ///< How many the training needs.
+
+  friend bool operator==(const DriverDetection&, const DriverDetection&) = default;
+};
+
+template <>
+struct EnumerationTable<DriverDetection::Status> {
+  using enum DriverDetection::Status;
+  // The backend names what it does once the training is complete.
+  static constexpr EnumerationCase<DriverDetection::Status> cases[] = {{inTraining, "TRAINING"},
+                                                                       {trained, "DETECTION"}};
+};
+
+}  // namespace orvane

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: Apache-2.0
+// What happened on a trip: harsh driving and speeding, each at a place and time.
+#pragma once
+
+#include <Orvane/Models/Polyline.h>
+#include <Orvane/Models/TransportMode.h>
+#include <Orvane/Platform/CLLocation.h>
+#include <Orvane/Platform/Date.h>
+#include <Orvane/Platform/Enumeration.h>
+#include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/OneOf.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace orvane {
+
+/// One occurrence of harsh driving or speeding.
+struct ORVANE_EXPORT Event {
+  struct OtherEventType {
+    std::string key{};
+    [[nodiscard]] std::size_t hashValue() const { return hashOf(key); }
+    auto operator<=>(const OtherEventType&) const = default;
+  };
+  enum class KnownEventType : std::uint8_t {
+    acceleration,
+    braking,
+    cornering,
+    speeding,
+    postedSpeedLimit,
+  };
+
+  /// What kind of an event it is: one of the known kinds, or any other under the backend's name.
+  ///
+  /// It is not read in the form in which it is written when it stands alone: read from the
+  /// backend's name, written as an object with the case as its key.
+  class EventType : public OneOf<OtherEventType, KnownEventType> {
+   public:
+    using OneOf::OneOf;
+    /// The kind whose name is empty.
+    EventType() : OneOf(OtherEventType{}) {}
+    [[nodiscard]] static EventType other(std::string key) { return OtherEventType{std::move(key)}; }
+    [[nodiscard]] static EventType acceleration() { return KnownEventType::acceleration; }
+    [[nodiscard]] static EventType braking() { return KnownEventType::braking; }
+    [[nodiscard]] static EventType cornering() { return KnownEventType::cornering; }
+    [[nodiscard]] static EventType speeding() { return KnownEventType::speeding; }
+    [[nodiscard]] static EventType postedSpeedLimit() { return KnownEventType::postedSpeedLimit; }
+
+    /// The kind that the backend's name stands for, compared exactly; any unlisted one is another.
+    [[nodiscard]] ORVANE_EXPORT static EventType fromWireText(std::string_view text);
+    /// The backend's name.
+    [[nodiscard]] ORVANE_EXPORT std::string_view wireText() const noexcept;
+  };
+
+  enum class Severity : std::uint8_t { veryLow = 1, low = 2, medium = 3, high = 4, veryHigh = 5 };
+
+  std::optional<double> latitude{};   ///< Degrees.
+  std::optional<double> longitude{};  ///< Degrees.
+  std::optional<Date> date{};
+  std::optional<Severity> severity{};
+  std::optional<double> speed{};         ///< Metres per second.
+  std::optional<double> averageSpeed{};  ///< Metres per second.
+  /// The stretch of road on which it happened.
+  std::optional<Polyline> polyline{};
+  std::optional<double> duration{};    ///< Seconds.
+  std::optional<double> speedLimit{};  ///< Metres per second.
+  std::optional<TransportMode> transportMode{};
+
+  /// The coordinates of `polyline`, decoded anew by each call; absent without one. A polyline that
+  /// is no list of coordinates stops the process (see `Polyline::decodeChecked`).
+  [[nodiscard]] std::optional<std::vector<CLLocationCoordinate2D>> geometry() const;
+
+  friend bool operator==(const Event&, const Event&) = default;
+};
+
+/// With the backend's names.
+template <>
+struct EnumerationTable<Event::KnownEventType> {
+  using enum Event::KnownEventType;
+  static constexpr EnumerationCase<Event::KnownEventType> cases[] = {
+      {acceleration, "MultiLevelAccelerationViolation"}, {braking, "MultiLevelBrakingViolation"},
+      {cornering, "MultiLevelCorneringViolation"},       {speeding, "MultiLevelSpeedViolation"},
+      {postedSpeedLimit, "PostedSpeedLimitViolation"},
+  };
+};
+
+/// A number on the wire.
+template <>
+struct EnumerationTable<Event::Severity> {
+  using enum Event::Severity;
+  static constexpr EnumerationCase<Event::Severity> cases[] = {
+      {veryLow, "1"}, {low, "2"}, {medium, "3"}, {high, "4"}, {veryHigh, "5"}};
+};
+
+}  // namespace orvane

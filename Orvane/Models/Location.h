@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+// Where a phone or vehicle was last.
+#pragma once
+
+#include <Orvane/Platform/CLLocation.h>
+#include <Orvane/Platform/Date.h>
+#include <Orvane/Platform/Export.h>
+
+#include <optional>
+
+namespace orvane {
+
+/// The last known position of a user's phone or vehicle.
+struct ORVANE_EXPORT Location {
+  std::optional<double> latitude{};   ///< Degrees.
+  std::optional<double> longitude{};  ///< Degrees.
+  std::optional<Date> date{};
+
+  /// The position as the platform's record, height and accuracies being 0. A member that is absent
+  /// (none is after decoding) is a programming fault that stops the process.
+  [[nodiscard]] CLLocation location() const;
+
+  friend bool operator==(const Location&, const Location&) = default;
+};
+
+}  // namespace orvane

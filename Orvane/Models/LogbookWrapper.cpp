@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Coding/Codable.h>
+#include <Orvane/Models/Coders.h>
+#include <Orvane/Models/LogbookWrapper.h>
+
+namespace orvane {
+namespace {
+
+constexpr auto tripWrapperKeys = keyTable(key<&LogbookWrapper::TripWrapper::trip>("trip"));
+constexpr auto logbookWrapperKeys = keyTable(key<&LogbookWrapper::tripWrappers>("items"));
+
+}  // namespace
+
+KeyTables keysOf(RecordTag<LogbookWrapper::TripWrapper>) { return tripWrapperKeys; }
+KeyTables keysOf(RecordTag<LogbookWrapper>) { return logbookWrapperKeys; }
+
+template struct RecordCoding<LogbookWrapper::TripWrapper>;
+template struct RecordCoding<std::vector<LogbookWrapper::TripWrapper>>;
+template struct RecordCoding<LogbookWrapper>;
+template struct RecordCoding<std::vector<LogbookWrapper>>;
+
+}  // namespace orvane

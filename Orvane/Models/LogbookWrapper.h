@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+// The page in which a logbook arrives.
+#pragma once
+
+#include <Orvane/Models/Trip.h>
+#include <Orvane/Platform/Export.h>
+
+#include <optional>
+#include <vector>
+
+namespace orvane {
+
+/// A page of a user's logbook.
+struct ORVANE_EXPORT LogbookWrapper {
+  /// An entry of the logbook.
+  struct ORVANE_EXPORT TripWrapper {
+    std::optional<Trip> trip{};
+
+    friend bool operator==(const TripWrapper&, const TripWrapper&) = default;
+  };
+
+  std::optional<std::vector<TripWrapper>> tripWrappers{};
+
+  friend bool operator==(const LogbookWrapper&, const LogbookWrapper&) = default;
+};
+
+}  // namespace orvane

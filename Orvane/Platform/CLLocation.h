@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+// Places on the earth: a pair of coordinates, and a located position.
+#pragma once
+
+#include <Orvane/Platform/Date.h>
+
+namespace orvane {
+
+/// Latitude and longitude in degrees (WGS 84), north and east positive.
+struct CLLocationCoordinate2D {
+  double latitude = 0;
+  double longitude = 0;
+
+  friend constexpr bool operator==(const CLLocationCoordinate2D&,
+                                   const CLLocationCoordinate2D&) = default;
+};
+
+/// A position at a time.
+struct CLLocation {
+  CLLocationCoordinate2D coordinate{};
+  double altitude = 0;            ///< Metres above sea level.
+  double horizontalAccuracy = 0;  ///< Metres.
+  double verticalAccuracy = 0;    ///< Metres.
+  Date timestamp{};
+
+  friend constexpr bool operator==(const CLLocation&, const CLLocation&) = default;
+};
+
+}  // namespace orvane
