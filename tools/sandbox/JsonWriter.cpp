@@ -57,7 +57,7 @@ JsonWriter& JsonWriter::value(std::string_view text) {
   return *this;
 }
 
-JsonWriter& JsonWriter::value(std::int64_t number) {
+JsonWriter& JsonWriter::integer(std::int64_t number) {
   std::array<char, 24> text{};
   const auto result = std::to_chars(text.data(), text.data() + text.size(), number);
   return raw({text.data(), static_cast<std::size_t>(result.ptr - text.data())});

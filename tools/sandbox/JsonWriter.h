@@ -26,10 +26,12 @@ class JsonWriter {
 
   JsonWriter& value(std::string_view text);
   JsonWriter& value(const char* text) { return value(std::string_view{text}); }
-  JsonWriter& value(std::int64_t number);
-  JsonWriter& value(int number) { return value(static_cast<std::int64_t>(number)); }
+  template <std::integral Number>
+  JsonWriter& value(Number number) {
+    return integer(static_cast<std::int64_t>(number));
+  }
   JsonWriter& value(double number);  ///< the shortest text that reads back; NaN is written as null
-  JsonWriter& value(std::same_as<bool> auto truth) { return raw(truth ? "true" : "false"); }
+  JsonWriter& value(bool truth) { return raw(truth ? "true" : "false"); }
   JsonWriter& null() { return raw("null"); }
   JsonWriter& raw(std::string_view json);  ///< a value that is JSON already
 
@@ -47,6 +49,7 @@ class JsonWriter {
   }
 
  private:
+  JsonWriter& integer(std::int64_t number);
   JsonWriter& open(char bracket);
   JsonWriter& close(char bracket);
   void separate();

@@ -2,14 +2,18 @@
 #include "data/Seed.h"
 
 #include "data/People.h"
+#include "data/Trips.h"
+#include "data/Vehicles.h"
 #include "store/Schema.h"
 
 namespace orvane::sandbox {
 
-void layData(DatabaseConnection& database, Milliseconds now, int /*weeks*/) {
+void layData(DatabaseConnection& database, Milliseconds now, int weeks) {
   Transaction transaction{database};
   clearTables(database);
   layPeople(database, now);
+  layVehicles(database, now);
+  layTrips(database, now, weeks);
   transaction.commit();
 }
 

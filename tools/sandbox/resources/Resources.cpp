@@ -3,6 +3,12 @@
 
 namespace orvane::sandbox {
 
-void addResources(Router& router) { addUsers(router); }
+void addResources(Router& router) {
+  addUsers(router);
+  addVehicles(router);
+  addTrips(router);
+  addDriving(router);
+  addAlertSettings(router);
+}
 
 }  // namespace orvane::sandbox

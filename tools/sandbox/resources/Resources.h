@@ -12,7 +12,11 @@ namespace orvane::sandbox {
 /// Adds every resource below the API root.
 void addResources(Router& router);
 
+void addAlertSettings(Router& router);
+void addDriving(Router& router);
+void addTrips(Router& router);
 void addUsers(Router& router);
+void addVehicles(Router& router);
 
 inline constexpr std::string_view kDownloads = "/downloads/";
 

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "store/Schema.h"
 
+#include <zlib.h>
+
 #include <string>
 
 namespace orvane::sandbox {
 
 namespace {
-
-// Raised whenever the tables or the data change, so that an older file is laid anew.
-constexpr std::int64_t kVersion = 1;
 
 // Columns are called as on the wire, in snake case; times are milliseconds since 1970.
 constexpr const char* kTables = R"sql(
@@ -55,6 +54,80 @@ CREATE TABLE users (
   opted_in INTEGER NOT NULL
 ) WITHOUT ROWID;
 CREATE INDEX users_by_account ON users (account_id);
+
+CREATE TABLE vehicles (
+  vehicle_id TEXT PRIMARY KEY,
+  make TEXT NOT NULL,
+  model TEXT NOT NULL,
+  nick_name TEXT,
+  year INTEGER NOT NULL,
+  vin TEXT NOT NULL,
+  plate TEXT NOT NULL,
+  time_zone_name TEXT NOT NULL,
+  time_zone_offset TEXT NOT NULL,
+  enrollment_ms INTEGER NOT NULL,
+  background_image_enabled INTEGER NOT NULL,
+  require_odometer_snapshot INTEGER NOT NULL,
+  health TEXT NOT NULL,   -- JSON
+  devices TEXT NOT NULL   -- JSON
+) WITHOUT ROWID;
+
+CREATE TABLE vehicle_users (
+  vehicle_id TEXT NOT NULL REFERENCES vehicles,
+  user_id TEXT NOT NULL REFERENCES users,
+  role TEXT NOT NULL,     -- OWNER or OPERATOR
+  PRIMARY KEY (vehicle_id, user_id)
+) WITHOUT ROWID;
+CREATE INDEX vehicles_by_user ON vehicle_users (user_id);
+
+CREATE TABLE trips (
+  trip_id TEXT PRIMARY KEY,
+  user_id TEXT NOT NULL REFERENCES users,
+  vehicle_id TEXT REFERENCES vehicles,
+  start_ms INTEGER NOT NULL,
+  end_ms INTEGER,
+  processed_ms INTEGER,
+  time_zone_offset_ms INTEGER NOT NULL,
+  day TEXT NOT NULL,      -- where the trip began, yyyy-MM-dd
+  kilometers REAL NOT NULL,
+  average_kmh REAL NOT NULL,
+  maximum_kmh REAL NOT NULL,
+  seconds REAL NOT NULL,
+  idle_seconds REAL NOT NULL,
+  litres REAL NOT NULL,
+  status TEXT NOT NULL,
+  transport_mode TEXT NOT NULL,
+  purpose TEXT NOT NULL,
+  -- scores are absent until the trip has been processed
+  overall REAL,
+  acceleration REAL,
+  braking REAL,
+  cornering REAL,
+  speeding REAL,
+  over_speeding REAL,
+  distraction REAL,
+  usage REAL,
+  last_latitude REAL NOT NULL,
+  last_longitude REAL NOT NULL
+) WITHOUT ROWID;
+CREATE INDEX trips_by_user ON trips (user_id, day);
+CREATE INDEX trips_by_vehicle ON trips (vehicle_id, day);
+
+-- What only expansions ask for, apart so that lists stay quick.
+CREATE TABLE trip_details (
+  trip_id TEXT PRIMARY KEY REFERENCES trips,
+  geometry TEXT NOT NULL,
+  reconstructed_start_geometry TEXT,
+  events TEXT NOT NULL,   -- JSON
+  pois TEXT NOT NULL      -- JSON
+);
+
+CREATE TABLE alert_settings (
+  user_id TEXT NOT NULL REFERENCES users,
+  name TEXT NOT NULL,
+  value TEXT NOT NULL,
+  PRIMARY KEY (user_id, name)
+) WITHOUT ROWID;
 )sql";
 
 std::vector<std::string> tableNames(DatabaseConnection& database) {
@@ -65,6 +138,13 @@ std::vector<std::string> tableNames(DatabaseConnection& database) {
   return names;
 }
 
+/// A file with other tables than these is laid anew.
+std::int64_t expectedVersion() {
+  const std::string_view text{kTables};
+  return static_cast<std::int64_t>(
+      crc32(0, reinterpret_cast<const Bytef*>(text.data()), static_cast<uInt>(text.size())) >> 1U);
+}
+
 std::int64_t version(DatabaseConnection& database) {
   Rows rows = database.query("PRAGMA user_version");
   return rows.next() ? rows.integer(0) : 0;
@@ -73,14 +153,14 @@ std::int64_t version(DatabaseConnection& database) {
 }  // namespace
 
 bool createSchema(DatabaseConnection& database) {
-  if (version(database) == kVersion) return false;
+  if (version(database) == expectedVersion()) return false;
   database.executeScript("PRAGMA foreign_keys = OFF");
   for (const std::string& name : tableNames(database)) {
     database.executeScript(("DROP TABLE " + name).c_str());
   }
   database.executeScript("PRAGMA foreign_keys = ON");
   database.executeScript(kTables);
-  database.executeScript(("PRAGMA user_version = " + std::to_string(kVersion)).c_str());
+  database.executeScript(("PRAGMA user_version = " + std::to_string(expectedVersion())).c_str());
   return true;
 }
 

@@ -1,0 +1,343 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Trips and what they add up to: paging, dates, expansions, believable routes, corrections.
+#include "Fixture.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+namespace orvane::sandbox::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsSupersetOf;
+using testing::UnorderedElementsAre;
+
+struct Degrees {
+  double latitude;
+  double longitude;
+};
+
+/// The published decoding algorithm with six decimal places.
+std::vector<Degrees> decode(const std::string& text) {
+  std::vector<Degrees> line;
+  std::size_t position = 0;
+  const auto next = [&] {
+    std::int64_t bits = 0;
+    for (int shift = 0;; shift += 5) {
+      const int chunk = text.at(position++) - 63;
+      bits |= std::int64_t{chunk & 0x1F} << shift;
+      if (chunk < 0x20) break;
+    }
+    return (bits & 1) != 0 ? ~(bits >> 1) : bits >> 1;
+  };
+  std::int64_t latitude = 0;
+  std::int64_t longitude = 0;
+  while (position < text.size()) {
+    latitude += next();
+    longitude += next();
+    line.push_back({static_cast<double>(latitude) * 1e-6, static_cast<double>(longitude) * 1e-6});
+  }
+  return line;
+}
+
+double metres(const Degrees& a, const Degrees& b) {
+  constexpr double kPerDegree = 111'195;
+  return kPerDegree * std::hypot(a.latitude - b.latitude,
+                                 (a.longitude - b.longitude) * std::cos(a.latitude * 0.0174532925));
+}
+
+std::vector<std::string> idsOf(const json& trips) {
+  std::vector<std::string> ids;
+  for (const json& trip : trips) ids.push_back(trip["tripId"]);
+  return ids;
+}
+
+class Trips : public SandboxTest {
+ protected:
+  std::string finishedDrive() {
+    const json trips = read("users/1001/trips");
+    const auto found = std::ranges::find_if(trips, [](const json& trip) {
+      return trip["tripStatus"] == "FINISHED" && trip["transportMode"] == "DRIVER";
+    });
+    return "trips/" + found->at("tripId").get<std::string>();
+  }
+};
+
+TEST_F(Trips, PagesPutTogetherAreTheWholeList) {
+  const auto all = idsOf(read("users/1001/trips"));
+  ASSERT_GT(all.size(), 20U);
+  std::vector<std::string> pages;
+  for (std::size_t offset = 0; offset <= all.size(); offset += 7) {
+    const auto page = idsOf(read("users/1001/trips?limit=7&offset=" + std::to_string(offset)));
+    pages.insert(pages.end(), page.begin(), page.end());
+  }
+  EXPECT_EQ(pages, all);
+
+  json fromLogbook = json::array();
+  const json logbook = read("users/1001/logbook/trips");
+  for (const json& item : logbook["items"]) {
+    fromLogbook.push_back(item["trip"]);
+  }
+  EXPECT_EQ(fromLogbook, read("users/1001/trips"));
+}
+
+TEST_F(Trips, ADateRangeIncludesBothOfItsDaysWhereTheTripBegan) {
+  const auto dayOfTrip = [](const json& trip) {
+    return formatDay(dayOf(trip["tripStartTimestampUtc"].get<std::int64_t>() +
+                           trip["timeZoneOffsetMillis"].get<std::int64_t>()));
+  };
+  json expected = json::array();
+  for (const json& trip : read("users/1001/trips")) {
+    if (dayOfTrip(trip) >= "2025-06-09" && dayOfTrip(trip) <= "2025-06-11")
+      expected.push_back(trip);
+  }
+  ASSERT_FALSE(expected.empty());
+  EXPECT_EQ(read("users/1001/trips?startDate=2025-06-09&endDate=2025-06-11"), expected);
+  EXPECT_EQ(read("users/1001/trips?startDate=2567-06-09&endDate=2567-06-11"), json::array());
+}
+
+TEST_F(Trips, ExpansionsAddTheirMembersAndNoOthers) {
+  const std::string path = finishedDrive();
+  const json plain = read(path);
+  const std::pair<const char*, std::vector<const char*>> rows[] = {
+      {"events", {"events"}},
+      {"scores", {"tripScore", "tripScores", "scoring"}},
+      {"points", {"geometry"}},
+      {"geometry", {"geometry"}},
+      {"points&expand=points", {"geometry"}},
+      {"user", {"user"}},
+      {"pois", {"pois"}},
+      {"vehicles", {"vehicle"}},
+      {"alerts", {"alerts"}},
+      {"events,geometry", {"events", "geometry"}},
+  };
+  for (const auto& [expansion, members] : rows) {
+    json expanded = read(path + "?expand=" + expansion);
+    for (const char* member : members) EXPECT_EQ(expanded.erase(member), 1U) << expansion;
+    expanded.erase("reconstructedStartGeometry");
+    EXPECT_EQ(expanded, plain) << expansion;
+  }
+}
+
+TEST_F(Trips, RoutesAreAsLongAsTheySayAndEventsLieOnThem) {
+  std::set<std::string> types;
+  std::set<int> levels;
+  for (const char* user : {"1001", "1002"}) {
+    for (const json& trip :
+         read(std::string{"users/"} + user + "/trips?expand=points&expand=events")) {
+      std::vector<Degrees> line;
+      if (trip.contains("reconstructedStartGeometry")) {
+        line = decode(trip["reconstructedStartGeometry"]);
+      }
+      const auto rest = decode(trip["geometry"]);
+      line.insert(line.end(), rest.begin(), rest.end());
+      double length = 0;
+      for (std::size_t i = 0; i + 1 < line.size(); ++i) {
+        const double step = metres(line[i], line[i + 1]);
+        EXPECT_LT(step, 120) << trip["tripId"];
+        length += step;
+      }
+      EXPECT_GT(line.size(), 50U);
+      EXPECT_NEAR(length / 1000, trip["kilometers"].get<double>(),
+                  0.05 * trip["kilometers"].get<double>() + 0.3)
+          << trip["tripId"];
+      for (const auto& [type, events] : trip["events"].items()) {
+        types.insert(type);
+        for (const json& event : events) {
+          levels.insert(event.value("level", 0));
+          const Degrees at{event["latitude"], event["longitude"]};
+          EXPECT_TRUE(std::ranges::any_of(line, [&](const Degrees& point) {
+            return metres(point, at) < 60;
+          })) << trip["tripId"];
+          EXPECT_GE(event["timeStamp"], trip["tripStartTimestampUtc"]);
+        }
+      }
+    }
+  }
+  EXPECT_THAT(types,
+              UnorderedElementsAre("MultiLevelAccelerationViolation", "MultiLevelBrakingViolation",
+                                   "MultiLevelCorneringViolation", "MultiLevelSpeedViolation",
+                                   "PostedSpeedLimitViolation", "PhoneHandlingViolation"));
+  EXPECT_THAT(levels, IsSupersetOf({1, 2, 3, 4, 5}));
+}
+
+TEST_F(Trips, TheDataShowsEveryModeAHalfHourZoneAndATripUnderWay) {
+  std::set<std::string> modes;
+  std::set<std::string> states;
+  std::set<std::int64_t> offsets;
+  const auto collect = [&](const char* caller, const char* user) {
+    actAs(caller);
+    for (const json& trip : read(std::string{"users/"} + user + "/trips")) {
+      modes.insert(trip["transportMode"]);
+      states.insert(trip["tripStatus"]);
+      offsets.insert(trip["timeZoneOffsetMillis"].get<std::int64_t>());
+    }
+  };
+  collect("1001", "1002");
+  collect("1003", "1003");
+  collect("1004", "1005");
+  EXPECT_THAT(modes, IsSupersetOf({"DRIVER", "CAR_PASSENGER", "TRAIN", "BUS", "AIRPLANE", "TAXI",
+                                   "MOTORCYCLE", "BOAT", "WALK", "BICYCLE", "PUBLIC_TRANSPORTATION",
+                                   "OTHER"}));
+  EXPECT_THAT(states, UnorderedElementsAre("FINISHED", "STARTED"));
+  EXPECT_THAT(offsets, IsSupersetOf({7'200'000, 19'800'000}));
+}
+
+TEST_F(Trips, ACorrectionIsKeptAndOnlyTheDriverMayMakeIt) {
+  const std::string mine = finishedDrive();
+  EXPECT_EQ(post(mine + "?purpose=BUSINESS").parsed()["purpose"], "BUSINESS");
+  EXPECT_EQ(post(mine + "?transportMode=BUS&purpose=PERSONAL").status, 200);
+  EXPECT_EQ(read(mine)["transportMode"], "BUS");
+  EXPECT_EQ(read(mine)["purpose"], "PERSONAL");
+  EXPECT_FALSE(read(mine + "?expand=scores").contains("tripScore")) << "no longer a drive";
+  EXPECT_EQ(post(mine + "?transportMode=").parsed()["transportMode"], "");
+
+  EXPECT_EQ(post(mine).status, 400);
+  EXPECT_EQ(post(mine + "?transportMode=UNKNOWN").status, 400);
+  EXPECT_EQ(post(mine + "?purpose=personal").status, 400);
+  EXPECT_EQ(post(mine + "?purpose=PERSONAL", "x", "text/plain").status, 400);
+  EXPECT_EQ(post("trips/1?purpose=PERSONAL").status, 404);
+  actAs("1002");
+  EXPECT_EQ(get(mine).status, 200);
+  EXPECT_EQ(post(mine + "?purpose=PERSONAL").status, 403);
+  actAs("1004");
+  EXPECT_EQ(get(mine).status, 403);
+}
+
+TEST_F(Trips, MalformedQueriesAreRefused) {
+  for (const char* query :
+       {"limit=ten", "limit=0", "limit=-1", "limit=5.0", "limit=", "limit=5&limit=6", "offset=-1",
+        "offset=99999999999999999999", "startDate=2025-6-9", "startDate=2025-02-29",
+        "endDate=09.06.2025", "endDate=%D9%A2%D9%A0%D9%A2%D9%A5-06-09",
+        "startDate=2025-06-10T00:00", "startDate=2025-06-11&endDate=2025-06-10", "aggregateBy=DAY",
+        "expand=everything"}) {
+    EXPECT_EQ(get(std::string{"users/1001/trips?"} + query).status, 400) << query;
+  }
+}
+
+TEST_F(Trips, AVehiclesTripsAreFilteredByRoleAndUser) {
+  const std::string path = "vehicles/3001/trips?startDate=2025-06-01&endDate=2025-06-30&limit=500";
+  const auto all = read(path + "&user=");
+  EXPECT_EQ(read(path + "&role=OWNER&user="), read(path + "&user=1001"));
+  EXPECT_EQ(read(path + "&role=OWNER&user=").size() + read(path + "&role=OPERATOR&user=").size(),
+            all.size());
+  EXPECT_EQ(get("vehicles/3003/trips?user=").status, 403);
+  EXPECT_EQ(get("vehicles/9/trips?user=").status, 404);
+  EXPECT_EQ(get(path + "&role=DRIVER&user=").status, 400);
+}
+
+TEST_F(Trips, ANewcomersLogbookIsAnEmptyAnswer) {
+  actAs("1007");
+  const Answer logbook = get("users/1007/logbook/trips");
+  EXPECT_EQ(logbook.status, 200);
+  EXPECT_EQ(logbook.body, "");
+  EXPECT_EQ(read("users/1007/trips"), json::array());
+  EXPECT_EQ(get("users/1007/lastKnownLocation").status, 404);
+}
+
+class Driving : public SandboxTest {};
+
+TEST_F(Driving, SummariesAreTheSumsOfTheTrips) {
+  double kilometres = 0;
+  int count = 0;
+  for (const json& trip :
+       read("users/1001/trips?expand=scores&startDate=2025-06-05&endDate=2025-06-17")) {
+    if (!trip.contains("tripScore")) continue;
+    kilometres += trip["kilometers"].get<double>();
+    ++count;
+  }
+  const json summary = read("users/1001/drivingSummary?startDate=2025-06-05&endDate=2025-06-17");
+  EXPECT_NEAR(summary["kmOfDriving"].get<double>(), kilometres, 0.01);
+  EXPECT_EQ(summary["numberOfTrips"], count);
+  EXPECT_FALSE(summary.contains("driverPassengerDetectionStatus"));
+
+  const std::pair<const char*, std::size_t> rows[] = {{"DAY", 13}, {"WEEK", 3}, {"MONTH", 1}};
+  for (const auto& [aggregateBy, periods] : rows) {
+    const json list =
+        read(std::string{"users/1001/drivingSummaryList?startDate=2025-06-05&endDate=2025-06-17"
+                         "&aggregateBy="} +
+             aggregateBy);
+    EXPECT_EQ(list.size(), periods) << aggregateBy;
+    int trips = 0;
+    for (const json& period : list) trips += period["numberOfTrips"].get<int>();
+    EXPECT_EQ(trips, count) << aggregateBy;
+  }
+  EXPECT_EQ(get("users/1001/drivingSummaryList?aggregateBy=day").status, 400);
+}
+
+TEST_F(Driving, DetectionIsTrainedByEnoughDrives) {
+  const auto status = [this](const std::string& path) {
+    return read(path + "?expand=userTrainingStatus")["driverPassengerDetectionStatus"]["status"];
+  };
+  actAs("1005");
+  EXPECT_EQ(status("users/1005/drivingSummary"), "DETECTION");
+  actAs("1006");
+  EXPECT_EQ(status("users/1006/drivingSummary"), "TRAINING");
+}
+
+TEST_F(Driving, AlertSettingsAreKeptAndRaiseAlerts) {
+  const auto set = [this](const std::string& query) {
+    return post("users/1001/settings?" + query).status;
+  };
+  EXPECT_EQ(read("users/1002/trips?expand=alerts&limit=1")[0]["alerts"], json::array());
+  EXPECT_EQ(set("targetId=1002&targetType=USER&eventAlertBraking=1"), 200);
+  EXPECT_EQ(set("targetId=1002&targetType=USER&enableLateNightDrivingAlert=true"
+                "&lateNightDrivingAlertStart=2230&lateNightDrivingAlertEnd=605"),
+            200);
+  EXPECT_EQ(read("users/1002/settings"), json({{"targetId", "1002"},
+                                               {"targetType", "USER"},
+                                               {"eventAlertBraking", "1"},
+                                               {"enableLateNightDrivingAlert", "true"},
+                                               {"lateNightDrivingAlertStart", "2230"},
+                                               {"lateNightDrivingAlertEnd", "605"}}));
+  std::size_t alerts = 0;
+  std::size_t strong = 0;
+  for (const json& trip : read("users/1002/trips?expand=alerts&expand=events")) {
+    alerts += trip["alerts"].size();
+    const json harsh = trip["events"].value("MultiLevelBrakingViolation", json::array());
+    for (const json& event : harsh) {
+      if (event["level"] > 1) ++strong;
+    }
+  }
+  EXPECT_GT(alerts, 0U);
+  EXPECT_EQ(alerts, strong);
+
+  for (const char* query :
+       {"", "targetId=&targetType=USER&eventAlertBraking=1",
+        "targetId=1002&targetType=CAR&eventAlertBraking=1",
+        "targetId=1002&targetType=USER&eventAlertBraking=4",
+        "targetId=1002&targetType=USER&eventAlertBraking=1&eventAlertAcceleration=1",
+        "targetId=1002&targetType=USER&thresholdAlertSpeeding=",
+        "targetId=1002&targetType=USER&thresholdAlertSpeeding=fast",
+        "targetId=1002&targetType=USER&enableLateNightDrivingAlert=true"
+        "&lateNightDrivingAlertStart=2260&lateNightDrivingAlertEnd=605",
+        "targetId=1002&targetType=USER&enableLateNightDrivingAlert=true"
+        "&lateNightDrivingAlertStart=2230"}) {
+    EXPECT_EQ(set(query), 400) << query;
+  }
+  EXPECT_EQ(set("targetId=1004&targetType=USER&eventAlertBraking=1"), 403);
+  EXPECT_EQ(set("targetId=7&targetType=USER&eventAlertBraking=1"), 404);
+}
+
+class Vehicles : public SandboxTest {};
+
+TEST_F(Vehicles, ListAndRecordAgreeAndExpandInOneItem) {
+  const json list = read("users/1001/vehicles/?expand=usersByRole,health,devices");
+  ASSERT_EQ(list.size(), 2U);
+  const json one = read("users/1001/vehicles/3001?expand=usersByRole,health,devices");
+  EXPECT_EQ(one, list[0]);
+  EXPECT_EQ(one["usersByRole"]["OWNER"][0]["userId"], "1001");
+  EXPECT_EQ(one["usersByRole"]["OPERATOR"].size(), 2U);
+  EXPECT_FALSE(read("users/1001/vehicles/3001").contains("devices"));
+  EXPECT_EQ(read("users/1001/vehicles/3001?plate=BS%2030461")["plate"], "BS 30461");
+  EXPECT_EQ(get("users/1001/vehicles/3001?plate=X").status, 404);
+  EXPECT_EQ(get("users/1001/vehicles").status, 404) << "the list's slash is part of its name";
+  EXPECT_EQ(get("users/1001/vehicles/3003").status, 404);
+}
+
+}  // namespace
+}  // namespace orvane::sandbox::test

@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// "users/{id}/settings": which driving behaviour raises an alert. One setting arrives at a time.
+#include "resources/AlertSettings.h"
+
+#include "resources/People.h"
+#include "resources/Resources.h"
+
+#include <nlohmann/json.hpp>
+
+#include <array>
+#include <set>
+
+namespace orvane::sandbox {
+
+namespace {
+
+constexpr const char* kAcceleration = "eventAlertAcceleration";
+constexpr const char* kBraking = "eventAlertBraking";
+constexpr const char* kSpeeding = "thresholdAlertSpeeding";
+constexpr const char* kLateNight = "enableLateNightDrivingAlert";
+constexpr const char* kNightStart = "lateNightDrivingAlertStart";
+constexpr const char* kNightEnd = "lateNightDrivingAlertEnd";
+
+/// Hours without a leading zero and two digits of minutes, as in 605 and 2230.
+bool isTimeOfDay(std::string_view text) {
+  const auto number = parseInteger(text);
+  return number && *number >= 0 && text.size() >= 3 && text.size() <= 4 && *number / 100 < 24 &&
+         *number % 100 < 60;
+}
+
+bool isThreshold(std::string_view text) {
+  const auto number = nlohmann::json::parse(text, nullptr, false);
+  return number.is_number() && number.get<double>() >= 0;
+}
+
+using Values = std::vector<std::pair<const char*, std::string>>;
+
+Values valuesOf(const Query& query) {
+  Values values;
+  for (const char* name : {kAcceleration, kBraking}) {
+    if (const auto severity = query.integer(name, 0, 3)) {
+      values.emplace_back(name, std::to_string(*severity));
+    }
+  }
+  if (const auto threshold = query.text(kSpeeding)) {
+    if (!isThreshold(*threshold)) throw badRequest("the speeding threshold is not a number");
+    values.emplace_back(kSpeeding, *threshold);
+  }
+  if (const auto enabled = query.boolean(kLateNight)) {
+    values.emplace_back(kLateNight, *enabled ? "true" : "false");
+  }
+  if (values.size() != 1) throw badRequest("exactly one alert must be set");
+
+  const auto start = query.text(kNightStart);
+  const auto end = query.text(kNightEnd);
+  if (!start && !end) return values;
+  if (!start || !end || values.front().first != std::string_view{kLateNight} ||
+      !isTimeOfDay(*start) || !isTimeOfDay(*end)) {
+    throw badRequest("the night's start and end are not a pair of times");
+  }
+  values.emplace_back(kNightStart, *start);
+  values.emplace_back(kNightEnd, *end);
+  return values;
+}
+
+Reply writeSettings(Call& call, const std::string& userId) {
+  JsonWriter json;
+  json.beginObject().member("targetId", userId).member("targetType", "USER");
+  Rows settings = call.database.query(
+      "SELECT name, value FROM alert_settings WHERE user_id = ? ORDER BY name", userId);
+  while (settings.next()) json.member(settings.text(0), settings.text(1));
+  return jsonReply(json.endObject().take());
+}
+
+Reply readSettings(Call& call) { return writeSettings(call, readableUser(call, call.capture(0))); }
+
+/// A driver's own setting, or one made on behalf of a driver of the same account.
+Reply changeSetting(Call& call) {
+  ownUser(call, call.capture(0));
+  const std::string target = call.query.requiredText("targetId");
+  if (call.query.requiredText("targetType") != "USER") {
+    throw badRequest("\"targetType\" is not USER");
+  }
+  readableUser(call, target);
+  const Values values = valuesOf(call.query);
+  Transaction transaction{call.database};
+  for (const auto& [name, value] : values) {
+    call.database.execute("INSERT OR REPLACE INTO alert_settings VALUES (?, ?, ?)", target, name,
+                          value);
+  }
+  transaction.commit();
+  return jsonReply("");
+}
+
+/// Which setting watches over an event type; null for none.
+const char* settingFor(std::string_view eventType) {
+  if (eventType == "MultiLevelAccelerationViolation") return kAcceleration;
+  if (eventType == "MultiLevelBrakingViolation") return kBraking;
+  if (eventType == "MultiLevelSpeedViolation") return kSpeeding;
+  return nullptr;
+}
+
+bool raisesAlert(std::string_view setting, std::string_view value, const nlohmann::json& event) {
+  if (setting == kSpeeding) {
+    const double over = event.value("averageKmPerHour", 0.0) - event.value("kmSpeedLimit", 0.0);
+    return over > nlohmann::json::parse(value).get<double>();
+  }
+  const std::int64_t severity = parseInteger(value).value_or(0);  // low, medium, high: 1, 2, 3
+  return severity > 0 && event.value("level", 0) > severity;
+}
+
+}  // namespace
+
+void writeAlerts(JsonWriter& json, DatabaseConnection& database, std::string_view userId,
+                 std::string_view events) {
+  json.beginArray();
+  const auto parsed = nlohmann::json::parse(events);
+  Rows settings =
+      database.query("SELECT name, value FROM alert_settings WHERE user_id = ?", userId);
+  while (settings.next()) {
+    for (const auto& [type, list] : parsed.items()) {
+      const char* watching = settingFor(type);
+      if (watching == nullptr || settings.text(0) != watching) continue;
+      for (const auto& event : list) {
+        if (!raisesAlert(watching, settings.text(1), event)) continue;
+        json.beginObject()
+            .member("type", watching)
+            .member("timeStamp", event["timeStamp"].get<std::int64_t>())
+            .member("latitude", event["latitude"].get<double>())
+            .member("longitude", event["longitude"].get<double>())
+            .endObject();
+      }
+    }
+  }
+  json.endArray();
+}
+
+void addAlertSettings(Router& router) {
+  router.add({.method = "GET", .path = "users/{user}/settings", .handle = readSettings});
+  router.add({.method = "POST",
+              .path = "users/{user}/settings",
+              .handle = changeSetting,
+              .query = {"targetId", "targetType", kAcceleration, kBraking, kSpeeding, kLateNight,
+                        kNightStart, kNightEnd}});
+}
+
+}  // namespace orvane::sandbox
