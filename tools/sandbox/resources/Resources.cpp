@@ -9,6 +9,9 @@ void addResources(Router& router) {
   addTrips(router);
   addDriving(router);
   addAlertSettings(router);
+  addScores(router);
+  addLeaderboards(router);
+  addRewards(router);
 }
 
 }  // namespace orvane::sandbox

@@ -14,6 +14,9 @@ void addResources(Router& router);
 
 void addAlertSettings(Router& router);
 void addDriving(Router& router);
+void addLeaderboards(Router& router);
+void addRewards(Router& router);
+void addScores(Router& router);
 void addTrips(Router& router);
 void addUsers(Router& router);
 void addVehicles(Router& router);
