@@ -85,4 +85,32 @@ class TimeMonitoringStore : public Interface {
   mutable std::unordered_map<Key, Entry> entries_;
 };
 
+/// A store in memory, of `Value`s by identity, that forgets nothing by itself. `Interface` is what
+/// it implements: a class with `get` and `set` as below.
+template <class Interface, class Value>
+class MemoryStore final : public Interface {
+ public:
+  [[nodiscard]] std::optional<Value> get(const Identity& identity) const override {
+    const std::scoped_lock lock(mutex_);
+    const auto found = values_.find(identity);
+    return found == values_.end() ? std::nullopt : std::optional<Value>(found->second);
+  }
+
+  void set(const Identity& identity, std::optional<Value> value) override {
+    const std::scoped_lock lock(mutex_);
+    if (value) {
+      values_.insert_or_assign(identity, *std::move(value));
+    } else {
+      values_.erase(identity);
+    }
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  std::unordered_map<Identity, Value> values_;
+};
+
+/// Keeps clock offsets in memory, so that a device with a wrong clock pays once per process.
+using MemoryTimeOffsetStore = MemoryStore<TimeOffsetStore, double>;
+
 }  // namespace orvane

@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <Orvane/Platform/Fatal.h>
 #include <Orvane/Platform/JSON.h>
-#include <Orvane/Platform/Text.h>
 
-#include <array>
-#include <charconv>
-#include <cmath>
 #include <utility>
 
 namespace orvane::json {
@@ -77,92 +72,6 @@ Document::Document(std::string& text) : parser_(takeParser()) {
 
 Document::~Document() {
   if (parser_->capacity() <= largestKeptCapacity) stock() = std::move(parser_);
-}
-
-void Writer::fault(std::string_view message) {
-  if (faults_ == Faults::stopTheProcess) fatal(message);
-  failure_ = message;
-}
-
-void Writer::separate() {
-  if (!text_.empty() && text_.back() != '{' && text_.back() != '[' && text_.back() != ':') {
-    text_ += ',';
-  }
-}
-
-void Writer::open(char bracket) {
-  separate();
-  text_ += bracket;
-}
-
-void Writer::key(std::string_view name) {
-  separate();
-  quoted(name);
-  text_ += ':';
-}
-
-void Writer::value(std::string_view text) {
-  separate();
-  if (!isUTF8(text)) failure_ = "a text is not UTF-8";
-  quoted(text);
-}
-
-void Writer::value(double number) {
-  separate();
-  if (!std::isfinite(number)) {
-    failure_ = "a number is not finite";
-    number = 0;
-  }
-  std::array<char, 32> digits{};
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-  text_.append(digits.data(), end);
-}
-
-void Writer::value(std::int64_t number) {
-  separate();
-  text_ += std::to_string(number);
-}
-
-void Writer::value(bool truth) {
-  separate();
-  text_ += truth ? "true" : "false";
-}
-
-void Writer::null() {
-  separate();
-  text_ += "null";
-}
-
-void Writer::quoted(std::string_view text) {
-  static constexpr std::string_view hexadecimal = "0123456789abcdef";
-  text_ += '"';
-  for (const char c : text) {
-    switch (c) {
-      case '"':
-      case '\\':
-        text_ += '\\';
-        text_ += c;
-        break;
-      case '\n':
-        text_ += "\\n";
-        break;
-      case '\r':
-        text_ += "\\r";
-        break;
-      case '\t':
-        text_ += "\\t";
-        break;
-      default:
-        if (const auto code = static_cast<unsigned char>(c); code < 0x20) {
-          text_ += "\\u00";
-          text_ += hexadecimal[code >> 4U];
-          text_ += hexadecimal[code & 0xFU];
-        } else {
-          text_ += c;
-        }
-    }
-  }
-  text_ += '"';
 }
 
 }  // namespace orvane::json

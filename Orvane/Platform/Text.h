@@ -3,6 +3,8 @@
 // What the library asks of texts beside their bytes.
 #pragma once
 
+#include <Orvane/Platform/Export.h>
+
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -11,7 +13,7 @@
 namespace orvane {
 
 /// True when `text` is well-formed UTF-8 (RFC 3629).
-[[nodiscard]] bool isUTF8(std::string_view text) noexcept;
+[[nodiscard]] ORVANE_EXPORT bool isUTF8(std::string_view text) noexcept;
 
 /// The pieces as one text.
 [[nodiscard]] std::string concatenated(std::initializer_list<std::string_view> pieces);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The small stores of a host, kept in memory, and the clock by which a test lets entries expire.
+// The store of user identifiers, kept in memory, and the clock by which a test lets entries expire.
 #pragma once
 
 #include <Orvane/Common/Stores.h>
@@ -9,40 +9,12 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
-#include <mutex>
-#include <optional>
 #include <string>
-#include <unordered_map>
-#include <utility>
 
 namespace orvane {
 
-/// A store in memory, of `Value`s by identity, that never forgets. Any thread.
-template <class Interface, class Value>
-class MemoryStore final : public Interface {
- public:
-  [[nodiscard]] std::optional<Value> get(const Identity& identity) const override {
-    const std::scoped_lock lock(mutex_);
-    const auto found = values_.find(identity);
-    return found == values_.end() ? std::nullopt : std::optional<Value>(found->second);
-  }
-
-  void set(const Identity& identity, std::optional<Value> value) override {
-    const std::scoped_lock lock(mutex_);
-    if (value) {
-      values_.insert_or_assign(identity, *std::move(value));
-    } else {
-      values_.erase(identity);
-    }
-  }
-
- private:
-  mutable std::mutex mutex_;
-  std::unordered_map<Identity, Value> values_;
-};
-
+/// Keeps user identifiers in memory.
 using MemoryUserIDStore = MemoryStore<UserIDStore, std::string>;
-using MemoryTimeOffsetStore = MemoryStore<TimeOffsetStore, double>;
 
 /// Expires entries by a clock that only the test moves. Any thread.
 class ORVANE_EXPORT MovableTimeMonitor final : public TimeMonitor {
