@@ -7,8 +7,8 @@
 #include <Orvane/Runtime/EndpointResolvers.h>
 #include <Orvane/Runtime/Exchange.h>
 #include <Orvane/Runtime/FileDeviceIdentifier.h>
+#include <Orvane/Runtime/IntervalTimeMonitor.h>
 #include <Orvane/Runtime/Loggers.h>
-#include <Orvane/Runtime/MemoryStores.h>
 #include <Orvane/Runtime/Runtime.h>
 #include <Orvane/Runtime/SelfSignedTokenResolver.h>
 #include <Orvane/Runtime/TokenResolvers.h>

@@ -15,6 +15,8 @@
 
 namespace orvane {
 
+class TransferLoop;
+
 /// How requests travel. Everything has a default.
 struct ORVANE_EXPORT TransportOptions {
   /// The longest time to look up, reach and trust the server. Zero: libcurl's own, 5 minutes.
@@ -81,12 +83,9 @@ class ORVANE_EXPORT CurlRequestManager final : public RequestManager {
   bool shutdown(std::chrono::milliseconds timeout = std::chrono::seconds(5));
 
  private:
-  class Loop;
-  class Transfer;
+  explicit CurlRequestManager(std::shared_ptr<TransferLoop> loop);
 
-  explicit CurlRequestManager(std::shared_ptr<Loop> loop);
-
-  const std::shared_ptr<Loop> loop_;
+  const std::shared_ptr<TransferLoop> loop_;
 };
 
 }  // namespace orvane

@@ -22,17 +22,6 @@ struct ORVANE_EXPORT UnknownAPIKey {
   friend constexpr bool operator==(const UnknownAPIKey&, const UnknownAPIKey&) = default;
 };
 
-/// Answers one base URL whatever the API key. Answers inside the call.
-class ORVANE_EXPORT FixedEndpointResolver final : public EndpointResolver {
- public:
-  explicit FixedEndpointResolver(URL baseURL) : baseURL_(std::move(baseURL)) {}
-
-  RequestHandle resolveOrvaneURL(const std::string& apiKey, Completion<URL> then) override;
-
- private:
-  const URL baseURL_;
-};
-
 /// Asks a function of the application's, which any thread may call, several at once too. Answers
 /// inside the call.
 class ORVANE_EXPORT FunctionEndpointResolver final : public EndpointResolver {
@@ -57,14 +46,14 @@ class ORVANE_EXPORT EndpointSource {
   /// One base URL for all, for example "https://telematics.example"; a path is kept.
   template <std::convertible_to<std::string> Text>
   EndpointSource(Text&& baseURL)  // NOLINT(google-explicit-constructor)
-      : EndpointSource(fixed(std::forward<Text>(baseURL))) {}
+      : EndpointSource(fixed(std::string(std::forward<Text>(baseURL)))) {}
   EndpointSource(const URL& baseURL)  // NOLINT(google-explicit-constructor)
       : EndpointSource(fixed(baseURL.absoluteString())) {}
 
   /// A base URL for each API key; any other key fails with `UnknownAPIKey`.
   EndpointSource(
-      std::map<std::string, std::string> byAPIKey)  // NOLINT(google-explicit-constructor)
-      : EndpointSource(mapped(std::move(byAPIKey))) {}
+      const std::map<std::string, std::string>& byAPIKey)  // NOLINT(google-explicit-constructor)
+      : EndpointSource(mapped(byAPIKey)) {}
 
   /// The application's rule: see `FunctionEndpointResolver`.
   template <class Function>
@@ -82,13 +71,14 @@ class ORVANE_EXPORT EndpointSource {
   [[nodiscard]] Result<std::shared_ptr<EndpointResolver>> resolver() const;
 
  private:
-  explicit EndpointSource(Result<std::shared_ptr<EndpointResolver>> resolver)
-      : resolver_(std::move(resolver)) {}
+  using Made = Result<std::shared_ptr<EndpointResolver>>;
 
-  static EndpointSource fixed(std::string baseURL);
-  static EndpointSource mapped(std::map<std::string, std::string> byAPIKey);
+  explicit EndpointSource(Made resolver) : resolver_(std::move(resolver)) {}
 
-  Result<std::shared_ptr<EndpointResolver>> resolver_;
+  static EndpointSource fixed(const std::string& baseURL);
+  static EndpointSource mapped(const std::map<std::string, std::string>& byAPIKey);
+
+  Made resolver_;
 };
 
 }  // namespace orvane

@@ -51,6 +51,7 @@ class ORVANE_EXPORT SelfSignedTokenResolver final : public KeepingTokenResolver 
 
   explicit SelfSignedTokenResolver(SelfSignedTokenOptions options);
   [[nodiscard]] Result<std::string> token(const Identity& identity, std::optional<double> offset);
+  [[nodiscard]] Result<std::string> signedToken(const Identity& identity, Date issued) const;
 
   const SelfSignedTokenOptions options_;
   std::mutex mutex_;

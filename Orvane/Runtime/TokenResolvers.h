@@ -44,10 +44,11 @@ class ORVANE_EXPORT KeepingTokenResolver : public TokenResolver {
   virtual void forget(const Identity& identity) = 0;
 };
 
-/// Answers one token that the application has got by itself. Answers inside the call.
-class ORVANE_EXPORT FixedTokenResolver final : public KeepingTokenResolver {
+/// Answers one token that the application has got by itself, and replaces when there is a new one.
+/// Answers inside the call.
+class ORVANE_EXPORT ReplaceableTokenResolver final : public KeepingTokenResolver {
  public:
-  explicit FixedTokenResolver(std::string token) : token_(std::move(token)) {}
+  explicit ReplaceableTokenResolver(std::string token) : token_(std::move(token)) {}
 
   RequestHandle resolve(const Identity& identity, std::optional<double> offset,
                         Completion<std::string> resultHandler) override;
@@ -91,10 +92,10 @@ class ORVANE_EXPORT TokenSource {
   /// Nothing: not enough to install the Runtime.
   TokenSource() = default;
 
-  /// One token, see `FixedTokenResolver`.
+  /// One token, see `ReplaceableTokenResolver`.
   template <std::convertible_to<std::string> Text>
   TokenSource(Text&& token)  // NOLINT(google-explicit-constructor)
-      : TokenSource(std::make_shared<FixedTokenResolver>(std::forward<Text>(token))) {}
+      : TokenSource(std::make_shared<ReplaceableTokenResolver>(std::forward<Text>(token))) {}
 
   /// The application's function, see `FunctionTokenResolver`.
   template <class Function>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The stores that last as long as the process.
+// How long user identifiers are kept.
 #pragma once
 
 #include <Orvane/Common/Stores.h>
@@ -7,22 +7,8 @@
 
 #include <chrono>
 #include <functional>
-#include <mutex>
-#include <optional>
-#include <unordered_map>
 
 namespace orvane {
-
-/// Keeps clock offsets in memory. Any thread.
-class ORVANE_EXPORT MemoryTimeOffsetStore final : public TimeOffsetStore {
- public:
-  [[nodiscard]] std::optional<double> get(const Identity& identity) const override;
-  void set(const Identity& identity, std::optional<double> offset) override;
-
- private:
-  mutable std::mutex mutex_;
-  std::unordered_map<Identity, double> offsets_;
-};
 
 /// Expires what is older than an interval, by a clock that nobody sets. Any thread.
 class ORVANE_EXPORT IntervalTimeMonitor final : public TimeMonitor {

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+// Private header: not installed.
+// libcurl's error codes as this library's errors.
+#pragma once
+
+#include <Orvane/Platform/Error.h>
+
+#include <curl/curl.h>
+
+#include <string>
+
+namespace orvane {
+
+/// The error that `code` stands for. `details` are libcurl's words on it, where it has any.
+[[nodiscard]] Error errorOf(CURLcode code, std::string details);
+
+}  // namespace orvane

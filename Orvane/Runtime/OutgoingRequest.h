@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+// Private header: not installed.
+// What is to be sent, and the rules that it must keep to be sent.
+#pragma once
+
+#include <Orvane/Common/RequestManager.h>
+#include <Orvane/Platform/Error.h>
+
+#include <optional>
+#include <string>
+
+namespace orvane {
+
+/// A request as the caller gave it.
+struct OutgoingRequest {
+  Verb verb;
+  URL url;
+  std::string body;
+  Headers headers;
+};
+
+/// True when the URL's host is this machine: "localhost", a name below it (RFC 6761), 127.0.0.0/8
+/// or ::1.
+[[nodiscard]] bool isOnThisMachine(const URL& url);
+
+/// Why a URL must not be sent to; absent when it may.
+[[nodiscard]] std::optional<Error> refusal(const URL& url, bool allowsPlainHTTP);
+
+/// Why a request must not be sent; absent when it may.
+[[nodiscard]] std::optional<Error> refusal(const OutgoingRequest& request, bool allowsPlainHTTP);
+
+/// True when the header `name` is `expected` (in lower case): names have no case (RFC 9110).
+[[nodiscard]] bool isHeader(const std::string& name, std::string_view expected);
+
+}  // namespace orvane

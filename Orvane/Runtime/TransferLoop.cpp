@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Common/MainQueue.h>
+#include <Orvane/Runtime/CurlErrors.h>
+#include <Orvane/Runtime/TransferLoop.h>
+#include <Orvane/Runtime/TransportError.h>
+
+#include <openssl/crypto.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <limits>
+#include <thread>
+#include <utility>
+
+namespace orvane {
+namespace {
+
+// Handles that wait for their next request. Each holds a few buffers.
+constexpr std::size_t mostIdleHandles = 32;
+
+// Connections kept open, to all hosts together.
+constexpr long mostConnections = 64;
+
+TransportError shutDown() { return TransportError(TransportError::Kind::cancelled); }
+
+void prepareProcess() {
+  static const bool isDone = [] {
+    // Without OpenSSL's cleanup on exit, which would pull the ground from under a thread that is
+    // still transferring when `main` returns.
+    OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
+    return curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
+  }();
+  static_cast<void>(isDone);
+}
+
+CURLM* makeMulti(const TransportOptions& options) {
+  prepareProcess();
+  CURLM* multi = curl_multi_init();
+  if (multi == nullptr) return nullptr;
+  const long perHost = static_cast<long>(options.maximumConnectionsPerHost);
+  curl_multi_setopt(multi, CURLMOPT_PIPELINING, CURLPIPE_MULTIPLEX);
+  curl_multi_setopt(multi, CURLMOPT_MAX_HOST_CONNECTIONS, perHost);
+  curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, std::max(mostConnections, perHost));
+  return multi;
+}
+
+// Signals belong to the application's threads; a broken pipe is an error of the transfer. What a
+// thread brings on itself stays, for the sake of crash handlers and profilers.
+void blockSignals() {
+  sigset_t signals;
+  sigfillset(&signals);
+  for (const int own : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS, SIGPROF}) {
+    sigdelset(&signals, own);
+  }
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
+
+}  // namespace
+
+TransferLoop::TransferLoop(TransportOptions options)
+    : options_(std::move(options)), multi_(makeMulti(options_)) {}
+
+TransferLoop::~TransferLoop() {
+  if (multi_ != nullptr) curl_multi_cleanup(multi_);
+}
+
+bool TransferLoop::start(const std::shared_ptr<Transfer>& transfer) {
+  std::unique_lock lock(mutex_);
+  if (inbox_.isStopping) return false;
+  if (!hasStarted_) {
+    hasStarted_ = thread_.start([self = shared_from_this()] { self->run(); });
+    if (!hasStarted_) return false;
+  }
+  hand(transfer, &Inbox::started, std::move(lock));
+  return true;
+}
+
+void TransferLoop::drop(const std::shared_ptr<Transfer>& transfer) {
+  std::unique_lock lock(mutex_);
+  if (!inbox_.isStopping) hand(transfer, &Inbox::dropped, std::move(lock));
+}
+
+void TransferLoop::hand(const std::shared_ptr<Transfer>& transfer, Transfers Inbox::*to,
+                        std::unique_lock<std::mutex> lock) {
+  const bool wasEmpty = inbox_.isEmpty();
+  (inbox_.*to).push_back(transfer);
+  if (wasEmpty) wake(std::move(lock));
+}
+
+void TransferLoop::wake(std::unique_lock<std::mutex> lock) {
+  hasMail_.store(true, std::memory_order_release);
+  if (thread_.isCurrent()) return;  // it looks before it waits
+  // Outside the lock, for which the thread would have to wait as soon as it is awake; counted,
+  // because nobody may wake a thread that has closed its handle.
+  wakers_.fetch_add(1, std::memory_order_relaxed);
+  lock.unlock();
+  curl_multi_wakeup(multi_);
+  wakers_.fetch_sub(1, std::memory_order_release);
+}
+
+bool TransferLoop::shutdown(std::chrono::milliseconds timeout) {
+  {
+    std::unique_lock lock(mutex_);
+    const bool wasEmpty = inbox_.isEmpty();
+    inbox_.isStopping = true;
+    if (wasEmpty && hasStarted_) wake(std::move(lock));
+  }
+  return thread_.join(timeout);
+}
+
+void TransferLoop::run() {
+  blockSignals();
+  for (Inbox inbox = takeInbox(); !inbox.isStopping; inbox = takeInbox()) {
+    for (const auto& transfer : inbox.dropped) abandon(*transfer);
+    for (const auto& transfer : inbox.started) begin(transfer);
+    inbox = {};  // lets go of what is not needed any more before it waits
+    int count = 0;
+    curl_multi_perform(multi_, &count);
+    finishEnded();
+    wait();
+  }
+  close();
+}
+
+TransferLoop::Inbox TransferLoop::takeInbox() {
+  const std::scoped_lock lock(mutex_);
+  hasMail_.store(false, std::memory_order_relaxed);
+  Inbox taken;
+  std::swap(taken.started, inbox_.started);
+  std::swap(taken.dropped, inbox_.dropped);
+  taken.isStopping = inbox_.isStopping;
+  return taken;
+}
+
+std::unique_ptr<CurlEasy> TransferLoop::takeEasy() {
+  if (idle_.empty()) return std::make_unique<CurlEasy>(options_);
+  std::unique_ptr<CurlEasy> easy = std::move(idle_.back());
+  idle_.pop_back();
+  return easy;
+}
+
+void TransferLoop::begin(const std::shared_ptr<Transfer>& transfer) {
+  if (!transfer->isPending()) return;
+  if (!transfer->prepare(takeEasy()) ||
+      curl_multi_add_handle(multi_, transfer->easy()->get()) != CURLM_OK) {
+    transfer->release().reset();
+    transfer->complete(errorOf(CURLE_FAILED_INIT, {}));
+    return;
+  }
+  transfer->index = running_.size();
+  running_.push_back(transfer);
+}
+
+void TransferLoop::abandon(Transfer& transfer) {
+  if (transfer.easy() != nullptr) end(transfer, shutDown());
+}
+
+void TransferLoop::finishEnded() {
+  int left = 0;
+  while (const CURLMsg* message = curl_multi_info_read(multi_, &left)) {
+    if (message->msg != CURLMSG_DONE) continue;
+    char* transfer = nullptr;
+    curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
+    finish(*static_cast<Transfer*>(static_cast<void*>(transfer)), message->data.result);
+  }
+}
+
+void TransferLoop::finish(Transfer& transfer, CURLcode code) {
+  end(transfer, transfer.outcome(code));
+}
+
+void TransferLoop::end(Transfer& transfer, Result<std::string> outcome) {
+  running_.back()->index = transfer.index;
+  std::swap(running_[transfer.index], running_.back());
+  const std::shared_ptr<Transfer> ending = std::move(running_.back());
+  running_.pop_back();
+  curl_multi_remove_handle(multi_, ending->easy()->get());
+  if (options_.observer) {
+    options_.observer(ending->exchange(outcome, options_.observerSeesSecrets));
+  }
+  std::unique_ptr<CurlEasy> easy = ending->release();
+  if (idle_.size() < mostIdleHandles) idle_.push_back(std::move(easy));
+  ending->complete(std::move(outcome));
+}
+
+void TransferLoop::wait() {
+  if (hasMail_.load(std::memory_order_acquire)) return;
+  // As long as it takes, unless there is a stalled main queue to be reported.
+  int timeout = std::numeric_limits<int>::max();
+  if (const auto pause = MainQueue::main().warnWhenStalled(); pause.count() > 0) {
+    timeout = static_cast<int>(pause.count());
+  }
+  curl_multi_poll(multi_, nullptr, 0, timeout, nullptr);
+}
+
+void TransferLoop::close() {
+  while (!running_.empty()) end(*running_.back(), shutDown());
+  for (const auto& transfer : takeInbox().started) transfer->complete(shutDown());
+  while (wakers_.load(std::memory_order_acquire) != 0) std::this_thread::yield();
+  idle_.clear();
+  curl_multi_cleanup(std::exchange(multi_, nullptr));
+}
+
+}  // namespace orvane
