@@ -20,8 +20,8 @@ namespace orvane {
 
 /// The account that users share.
 struct ORVANE_EXPORT Account {
-  std::optional<std::string> accountId;
-  std::optional<std::string> identifier;
+  std::optional<std::string> accountId{};
+  std::optional<std::string> identifier{};
 
   friend bool operator==(const Account&, const Account&) = default;
 };
@@ -42,9 +42,9 @@ struct ORVANE_EXPORT UserRole {
     roleFleetAdmin,
   };
 
-  std::optional<std::vector<RoleName>> roleNames;
+  std::optional<std::vector<RoleName>> roleNames{};
   /// Whether support staff may act for the user, as the backend words it.
-  std::optional<std::string> supportAccessGranted;
+  std::optional<std::string> supportAccessGranted{};
 
   friend bool operator==(const UserRole&, const UserRole&) = default;
 };
@@ -104,67 +104,67 @@ struct ORVANE_EXPORT User {
 
   /// What a user shares with others.
   struct ORVANE_EXPORT SharedInformation {
-    std::optional<std::string> facebookInfo;
-    std::optional<std::string> selfDescription;
-    std::optional<double> totalDistanceDriven;
-    std::optional<std::string> city;
-    std::optional<std::string> subdivision;
-    std::optional<std::int64_t> age;  ///< Years.
-    std::optional<Gender> gender;
-    std::optional<double> utcActivationDateInMillis;  ///< Milliseconds since 1970-01-01 UTC.
-    std::optional<double> averageDrivingSpeedPerHour;
-    std::optional<double> overallScore;
-    std::optional<DriverType> driverType;
+    std::optional<std::string> facebookInfo{};
+    std::optional<std::string> selfDescription{};
+    std::optional<double> totalDistanceDriven{};
+    std::optional<std::string> city{};
+    std::optional<std::string> subdivision{};
+    std::optional<std::int64_t> age{};  ///< Years.
+    std::optional<Gender> gender{};
+    std::optional<double> utcActivationDateInMillis{};  ///< Milliseconds since 1970-01-01 UTC.
+    std::optional<double> averageDrivingSpeedPerHour{};
+    std::optional<double> overallScore{};
+    std::optional<DriverType> driverType{};
 
     friend bool operator==(const SharedInformation&, const SharedInformation&) = default;
   };
 
-  std::optional<std::string> id;
-  std::optional<std::string> externalReferenceID;
-  std::optional<std::string> userProfileId;
-  std::optional<bool> activated;
-  std::optional<URL> avatar;
-  std::optional<std::string> firstName;
-  std::optional<std::string> lastName;
+  std::optional<std::string> id{};
+  std::optional<std::string> externalReferenceID{};
+  std::optional<std::string> userProfileId{};
+  std::optional<bool> activated{};
+  std::optional<URL> avatar{};
+  std::optional<std::string> firstName{};
+  std::optional<std::string> lastName{};
   /// Other users of the account; there when a request asked for them.
-  std::optional<std::vector<User>> associatedUsers;
-  std::optional<Gender> gender;
-  std::optional<std::string> displayName;
-  std::optional<std::string> city;
-  std::optional<std::string> subdivision;  ///< Name of the state, province or region.
-  std::optional<std::string> subdivisionCode;
-  std::optional<std::string> postalCode;
-  std::optional<std::string> country;
-  std::optional<std::string> countryCode;
-  std::optional<std::string> formattedAddress;
+  std::optional<std::vector<User>> associatedUsers{};
+  std::optional<Gender> gender{};
+  std::optional<std::string> displayName{};
+  std::optional<std::string> city{};
+  std::optional<std::string> subdivision{};  ///< Name of the state, province or region.
+  std::optional<std::string> subdivisionCode{};
+  std::optional<std::string> postalCode{};
+  std::optional<std::string> country{};
+  std::optional<std::string> countryCode{};
+  std::optional<std::string> formattedAddress{};
   /// In the device's calendar. Present with nothing set when the backend sent a text that is no
   /// day.
-  std::optional<DateComponents> dateOfBirth;
-  std::optional<std::string> email;
-  std::optional<std::string> phone;
-  std::optional<bool> acceptedTerms;  ///< Whether the user accepted the programme's terms.
-  std::optional<Date> acceptedTermsDate;
-  std::optional<std::string> selfDescription;
-  std::optional<bool> shareUserProfile;
-  std::optional<DriverType> driverType;
-  std::optional<DataCollectionType> dataCollectionType;
-  std::optional<ScoringType> scoringType;
-  std::optional<EnrollmentModelType> enrollmentModelType;
-  std::optional<AccountRole> accountRole;
+  std::optional<DateComponents> dateOfBirth{};
+  std::optional<std::string> email{};
+  std::optional<std::string> phone{};
+  std::optional<bool> acceptedTerms{};  ///< Whether the user accepted the programme's terms.
+  std::optional<Date> acceptedTermsDate{};
+  std::optional<std::string> selfDescription{};
+  std::optional<bool> shareUserProfile{};
+  std::optional<DriverType> driverType{};
+  std::optional<DataCollectionType> dataCollectionType{};
+  std::optional<ScoringType> scoringType{};
+  std::optional<EnrollmentModelType> enrollmentModelType{};
+  std::optional<AccountRole> accountRole{};
   /// There when a request asked for the role.
-  Indirect<UserRole> userRole;
+  Indirect<UserRole> userRole{};
   /// There when a request asked for it.
-  Indirect<SharedInformation> sharedInformation;
+  Indirect<SharedInformation> sharedInformation{};
   /// There when a request asked for the associated account.
-  Indirect<Account> account;
+  Indirect<Account> account{};
 
   friend bool operator==(const User&, const User&) = default;
 };
 
 /// The users of an account or vehicle by what they are to it. The members are named as on the wire.
 struct ORVANE_EXPORT UsersByRole {
-  std::optional<std::vector<User>> OPERATOR;
-  std::optional<std::vector<User>> OWNER;
+  std::optional<std::vector<User>> OPERATOR{};
+  std::optional<std::vector<User>> OWNER{};
 
   friend bool operator==(const UsersByRole&, const UsersByRole&) = default;
 };

@@ -14,13 +14,13 @@ namespace orvane {
 /// system when it is needed.
 struct ORVANE_EXPORT DeviceSettings {
   /// A locale identifier (CLDR), for example "en_US" or "de_DE".
-  std::string locale;
+  std::string locale{};
   /// A time zone of the IANA database, for example "Europe/Zurich".
-  std::string timeZone;
+  std::string timeZone{};
   /// A calendar type (CLDR), for example "gregorian" or "buddhist"; empty: the locale's own.
-  std::string calendar;
+  std::string calendar{};
   /// The folder for the user's documents.
-  std::string documentsDirectory;
+  std::string documentsDirectory{};
 
   friend bool operator==(const DeviceSettings&, const DeviceSettings&) = default;
 
