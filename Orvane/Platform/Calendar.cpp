@@ -5,6 +5,7 @@
 #include <unicode/calendar.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
+#include <unicode/uchar.h>
 
 #include <array>
 #include <chrono>
@@ -156,6 +157,20 @@ bool fits(std::int64_t number) noexcept {
          number <= std::numeric_limits<std::int32_t>::max();
 }
 
+// True when the texts differ in nothing but the script of their digits: a backend writes Latin ones
+// whatever the device's locale shows.
+bool isSameText(std::string_view left, std::string_view right) {
+  const auto inLatinDigits = [](icu::UnicodeString text) {
+    for (std::int32_t i = 0; i < text.length(); ++i) {
+      if (const std::int32_t digit = u_charDigitValue(text[i]); digit >= 0) {
+        text.setCharAt(i, static_cast<char16_t>(u'0' + digit));
+      }
+    }
+    return text;
+  };
+  return left == right || inLatinDigits(unicode(left)) == inLatinDigits(unicode(right));
+}
+
 std::optional<Date> timeOf(const icu::Calendar& calendar) {
   UErrorCode status = U_ZERO_ERROR;
   const UDate milliseconds = calendar.getTime(status);
@@ -176,11 +191,8 @@ std::optional<Date> dateOf(const DateComponents& components) {
     return std::nullopt;
   icu::Calendar* calendar = formats().cleared();
   if (calendar == nullptr) return std::nullopt;
-  calendar->set(static_cast<std::int32_t>(*components.year),
-                static_cast<std::int32_t>(month - 1),
-                static_cast<std::int32_t>(day),
-                noon,
-                0);
+  calendar->set(static_cast<std::int32_t>(*components.year), static_cast<std::int32_t>(month - 1),
+                static_cast<std::int32_t>(day), noon, 0);
   return timeOf(*calendar);
 }
 
@@ -217,7 +229,7 @@ std::optional<DateComponents> parseDay(std::string_view text) {
   calendar->set(UCAL_HOUR_OF_DAY, noon);
   const std::optional<Date> date = timeOf(*calendar);
   // ICU takes "20-01-05", leading blanks and trailing text even when it is strict.
-  if (!date || formats.format(*date, dayPattern) != text) return std::nullopt;
+  if (!date || !isSameText(formats.format(*date, dayPattern), text)) return std::nullopt;
 
   UErrorCode status = U_ZERO_ERROR;
   const DateComponents components{calendar->get(UCAL_YEAR, status),
