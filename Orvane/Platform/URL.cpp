@@ -29,6 +29,13 @@ std::size_t pathEnd(std::string_view text) {
   return std::min(text.find_first_of("?#"), text.size());
 }
 
+// RFC 3986, section 3.3: a path behind an authority is empty or begins with a slash. Boost 1.81
+// reads "//host:port/" as a host, an empty port and the path "port/".
+bool beginsPathWithSlash(const urls::url_view& url) {
+  const urls::string_view path = url.encoded_path();
+  return !url.has_authority() || path.empty() || path.front() == '/';
+}
+
 template <class Characters>
 void appendEncoded(std::string& text, std::string_view raw, const Characters& allowed) {
   text += urls::encode(view(raw), allowed);
@@ -37,7 +44,9 @@ void appendEncoded(std::string& text, std::string_view raw, const Characters& al
 }  // namespace
 
 std::optional<URL> URL::parse(std::string_view text) {
-  if (text.empty() || urls::parse_uri_reference(view(text)).has_error()) return std::nullopt;
+  if (text.empty()) return std::nullopt;
+  const auto url = urls::parse_uri_reference(view(text));
+  if (url.has_error() || !beginsPathWithSlash(*url)) return std::nullopt;
   return URL(std::string(text));
 }
 
