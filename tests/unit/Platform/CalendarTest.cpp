@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Platform/Calendar.h>
+#include <Orvane/Testing/Device.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+
+namespace orvane {
+namespace {
+
+// What the calendar itself writes, without the short cut for plain years.
+std::optional<std::string> writtenByTheCalendar(const DateComponents& day) {
+  const auto date = dateOf(day);
+  if (!date) return std::nullopt;
+  return formatDate(*date, dayPattern);
+}
+
+TEST(CalendarTest, theShortCutAgreesWithTheCalendarOnEveryDay) {
+  // On some days of some of these zones there is no midnight.
+  for (const char* zone : {"UTC", "Europe/Zurich", "America/Sao_Paulo", "Asia/Beirut",
+                           "Pacific/Kiritimati", "America/Los_Angeles"}) {
+    const ScopedDeviceSettings settings({.locale = "en_US", .timeZone = zone});
+    using std::chrono::sys_days, std::chrono::days, std::chrono::year;
+    for (const int start : {1583, 1899, 1970, 2011, 2016, 2024, 9998}) {
+      for (auto day = sys_days(year(start) / 1 / 1); day < sys_days(year(start + 2) / 1 / 1);
+           day += days(1)) {
+        const std::chrono::year_month_day plain(day);
+        const DateComponents components{int(plain.year()), unsigned(plain.month()),
+                                        unsigned(plain.day())};
+        const auto text = dayText(components);
+        ASSERT_TRUE(text);
+        ASSERT_EQ(text, writtenByTheCalendar(components)) << zone;
+        ASSERT_EQ(parseDay(*text), components) << zone << ' ' << *text;
+      }
+    }
+  }
+}
+
+TEST(CalendarTest, theShortCutRefusesTheDaysThatTheCalendarRefuses) {
+  const ScopedDeviceSettings settings({.locale = "en_US", .timeZone = "Europe/Zurich"});
+  for (const std::int64_t year : {1900, 2000, 2023, 2024}) {
+    for (std::int64_t month = -1; month <= 14; ++month) {
+      for (std::int64_t day = -1; day <= 33; ++day) {
+        const DateComponents components{year, month, day};
+        EXPECT_EQ(dayText(components), writtenByTheCalendar(components))
+            << year << '-' << month << '-' << day;
+      }
+    }
+  }
+}
+
+TEST(CalendarTest, formsADayOfItsComponents) {
+  const ScopedDeviceSettings settings({.locale = "de_DE", .timeZone = "America/Sao_Paulo"});
+  struct Row {
+    DateComponents components;
+    std::optional<std::string> text;
+  };
+  constexpr auto far = std::numeric_limits<std::int64_t>::max();
+  const Row rows[] = {
+      {{2024, 2, 29}, "2024-02-29"},  {{2023, 2, 29}, std::nullopt},
+      {{2024, 13, 1}, std::nullopt},  {{2024, {}, {}}, "2024-01-01"},
+      {{2024, 7, {}}, "2024-07-01"},  {{2024, {}, 5}, "2024-01-05"},
+      {{{}, 7, 5}, std::nullopt},     {{}, std::nullopt},
+      {{2017, 10, 15}, "2017-10-15"}, {{1500, 2, 29}, "1500-02-29"},
+      {{12345, 1, 2}, "12345-01-02"}, {{far, 1, 1}, std::nullopt},
+      {{2024, far, 1}, std::nullopt}, {{2024, 1, -far}, std::nullopt},
+  };
+  for (const Row& row : rows)
+    EXPECT_EQ(dayText(row.components), row.text) << row.text.value_or("-");
+}
+
+TEST(CalendarTest, readsOnlyTextsThatAreExactlyADay) {
+  const ScopedDeviceSettings settings({.locale = "en_US", .timeZone = "America/Sao_Paulo"});
+  for (const std::string_view refused :
+       {"", "20-01-05", " 2024-01-05", "2024-01-05 ", "2024-01-05T00:00:00Z", "05/01/2024",
+        "05-01-2024", "2024-1-5", "2023-02-29", "2024-13-01", "2024-00-10", "2024-01-00",
+        "2024/01/05", "+024-01-05", "-024-01-05", "2024-01-0a", "2024--1-05", "0000-01-01",
+        "\xFF\xFF\xFF\xFF-01-05"}) {
+    EXPECT_EQ(parseDay(refused), std::nullopt) << refused;
+  }
+  const DateComponents day{2017, 10, 15};  // has no midnight there
+  EXPECT_EQ(parseDay("2017-10-15"), day);
+  EXPECT_EQ(parseDay("1500-02-29"), (DateComponents{1500, 2, 29}));
+}
+
+TEST(CalendarTest, followsTheDevicesCalendarAndDigits) {
+  const Date noon = dateFromSeconds(1'704'456'000);  // 2024-01-05T12:00:00Z
+  struct Row {
+    DeviceSettings settings;
+    DateComponents day;
+    std::string_view text;
+  };
+  const Row rows[] = {
+      {{.locale = "en_US", .timeZone = "UTC"}, {2024, 1, 5}, "2024-01-05"},
+      {{.locale = "th_TH", .timeZone = "UTC"}, {2567, 1, 5}, "2567-01-05"},
+      {{.locale = "th_TH", .timeZone = "UTC", .calendar = "gregorian"}, {2024, 1, 5}, "2024-01-05"},
+      {{.locale = "en_US", .timeZone = "UTC", .calendar = "buddhist"}, {2567, 1, 5}, "2567-01-05"},
+      {{.locale = "ar_EG", .timeZone = "UTC"}, {2024, 1, 5}, "٢٠٢٤-٠١-٠٥"},
+  };
+  for (const Row& row : rows) {
+    const ScopedDeviceSettings settings(row.settings);
+    EXPECT_EQ(formatDate(noon, dayPattern), row.text);
+    EXPECT_EQ(dayText(row.day), row.text);
+    EXPECT_EQ(parseDay(row.text), row.day) << row.text;
+  }
+  // A backend writes Latin digits whatever the device shows.
+  const ScopedDeviceSettings egypt({.locale = "ar_EG", .timeZone = "UTC"});
+  EXPECT_EQ(parseDay("2024-01-05"), (DateComponents{2024, 1, 5}));
+  EXPECT_EQ(parseDay("20-01-05"), std::nullopt);
+}
+
+TEST(CalendarTest, writesPatternsAsTheLocaleCountsWeeks) {
+  const Date date = dateFromSeconds(1'735'473'900);  // 2024-12-29T12:05:00Z, a Sunday
+  struct Row {
+    std::string_view locale, zone, pattern, text;
+  };
+  const Row rows[] = {{"en_US", "UTC", "YYYY-MM-dd", "2025-12-29"},
+                      {"de_DE", "UTC", "YYYY-MM-dd", "2024-12-29"},
+                      {"en_US", "UTC", "yyyy-MM-dd", "2024-12-29"},
+                      {"en_US", "UTC", "Hmm", "1205"},
+                      {"en_US", "America/Los_Angeles", "Hmm", "405"},
+                      {"en_US", "Pacific/Auckland", "Hmm", "105"},
+                      {"en_US", "Pacific/Auckland", "yyyy-MM-dd", "2024-12-30"}};
+  for (const Row& row : rows) {
+    const ScopedDeviceSettings settings(
+        {.locale = std::string(row.locale), .timeZone = std::string(row.zone)});
+    EXPECT_EQ(formatDate(date, row.pattern), row.text) << row.locale << ' ' << row.zone;
+  }
+}
+
+TEST(CalendarTest, movesByCalendarDaysAcrossDaylightSaving) {
+  const ScopedDeviceSettings settings({.locale = "en_US", .timeZone = "Europe/Zurich"});
+  constexpr double hour = 3600;
+  struct Row {
+    double from;
+    std::int64_t days;
+    double hours;
+  };
+  const Row rows[] = {{1'711'792'800, 1, 23},  // 2024-03-30, ten in the morning
+                      {1'711'875'600, -1, -23},
+                      {1'729'929'600, 1, 25},  // 2024-10-26, ten in the morning
+                      {1'729'929'600, 0, 0},
+                      {1'704'456'000.25, 366, 366 * 24},
+                      {1'704'456'000, -36500, -36500 * 24}};
+  for (const Row& row : rows) {
+    EXPECT_EQ(addingDays(dateFromSeconds(row.from), row.days),
+              dateFromSeconds(row.from + row.hours * hour))
+        << row.from;
+  }
+  EXPECT_EQ(addingDays(dateFromSeconds(0), std::int64_t{1} << 31), std::nullopt);
+  EXPECT_EQ(addingDays(dateFromSeconds(0), std::numeric_limits<std::int64_t>::min()), std::nullopt);
+}
+
+TEST(CalendarTest, everyThreadFollowsANewSetting) {
+  const Date date = dateFromSeconds(1'704'456'000);
+  const ScopedDeviceSettings first({.locale = "en_US", .timeZone = "UTC"});
+  EXPECT_EQ(formatDate(date, "H"), "12");
+  std::thread([&] {
+    EXPECT_EQ(formatDate(date, "H"), "12");
+    const ScopedDeviceSettings second({.locale = "en_US", .timeZone = "Asia/Tokyo"});
+    EXPECT_EQ(formatDate(date, "H"), "21");
+  }).join();
+  EXPECT_EQ(formatDate(date, "H"), "12");
+}
+
+}  // namespace
+}  // namespace orvane
