@@ -3,6 +3,7 @@
 
 #include "Admin.h"
 #include "data/Seed.h"
+#include "resources/Firmware.h"
 #include "resources/Resources.h"
 #include "store/Schema.h"
 
@@ -29,6 +30,7 @@ Backend::Backend(BackendOptions options)
       adminKey_(randomHex(16)),
       database_(options_.folder / "sandbox.sqlite"),
       misbehaviours_(options_.faults) {
+  makeFirmware(folder());
   layDataIfNeeded();
   addResources(router_);
 }
@@ -72,7 +74,7 @@ Reply Backend::route(const Request& request) {
   if (path.starts_with(kApiRoot)) {
     return router_.dispatch(*this, request, path.substr(kApiRoot.size()));
   }
-  if (path.starts_with(kDownloads)) return answerDownload(*this, request);
+  if (path.starts_with(kDownloads)) return answerDownload(folder(), request);
   throw notFound("the API root is " + std::string{kApiRoot});
 }
 

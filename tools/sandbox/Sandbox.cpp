@@ -4,7 +4,7 @@
 #include "Admin.h"
 #include "JsonWriter.h"
 #include "data/People.h"
-#include "resources/Resources.h"
+#include "resources/Firmware.h"
 
 #include <unistd.h>
 
@@ -72,7 +72,7 @@ std::string Sandbox::description() const {
       .member("pid", static_cast<std::int64_t>(::getpid()))
       .member("baseURL", baseUrl())
       .member("apiURL", baseUrl() + std::string{kApiRoot.substr(0, kApiRoot.size() - 1)})
-      .member("firmwareURL", baseUrl() + std::string{kDownloads} + "DFU_4417_Release___2_2_2.zip")
+      .member("firmwareURL", baseUrl() + std::string{kDownloads} + std::string{kFirmwarePackage})
       .member("data", options_.backend.folder.string());
   if (!options_.plainHttp) json.member("certificateAuthority", certificateAuthority().string());
   json.member("signingKeyFile", (options_.backend.folder / "signing.key").string())

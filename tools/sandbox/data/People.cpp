@@ -18,12 +18,11 @@ struct Account {
   const char* identifier;
 };
 
-constexpr std::array<Account, 5> kAccounts{{
+constexpr std::array<Account, 4> kAccounts{{
     {"2001", "Keller household"},
     {"2002", "Rheinbogen Kurier AG"},
     {"2003", "Sam Taylor"},
     {"2004", "Nora Frei"},
-    {"2005", "Drivers of the region"},
 }};
 
 constexpr std::array<Person, 20> kPeople{{
@@ -197,7 +196,7 @@ constexpr std::array<Person, 20> kPeople{{
      false},
     {"1101",
      "u1101",
-     "2005",
+     "2101",
      "Beat",
      "Huber",
      "male",
@@ -221,7 +220,7 @@ constexpr std::array<Person, 20> kPeople{{
      true},
     {"1102",
      "u1102",
-     "2005",
+     "2102",
      "Chiara",
      "Bianchi",
      "female",
@@ -245,7 +244,7 @@ constexpr std::array<Person, 20> kPeople{{
      true},
     {"1103",
      "u1103",
-     "2005",
+     "2103",
      "David",
      "Schmid",
      "male",
@@ -269,7 +268,7 @@ constexpr std::array<Person, 20> kPeople{{
      true},
     {"1104",
      "u1104",
-     "2005",
+     "2104",
      "Élodie",
      "Martin",
      "female",
@@ -293,7 +292,7 @@ constexpr std::array<Person, 20> kPeople{{
      true},
     {"1105",
      "u1105",
-     "2005",
+     "2105",
      "Felix",
      "Wagner",
      "male",
@@ -317,7 +316,7 @@ constexpr std::array<Person, 20> kPeople{{
      true},
     {"1106",
      "u1106",
-     "2005",
+     "2106",
      "Greta",
      "Vogel",
      "female",
@@ -341,7 +340,7 @@ constexpr std::array<Person, 20> kPeople{{
      true},
     {"1107",
      "u1107",
-     "2005",
+     "2107",
      "Hassan",
      "Demir",
      "male",
@@ -365,7 +364,7 @@ constexpr std::array<Person, 20> kPeople{{
      true},
     {"1108",
      "u1108",
-     "2005",
+     "2108",
      "Ines",
      "Costa",
      "female",
@@ -389,7 +388,7 @@ constexpr std::array<Person, 20> kPeople{{
      true},
     {"1109",
      "u1109",
-     "2005",
+     "2109",
      "Jonas",
      "Baumann",
      "male",
@@ -413,7 +412,7 @@ constexpr std::array<Person, 20> kPeople{{
      true},
     {"1110",
      "u1110",
-     "2005",
+     "2110",
      "Kim",
      "Nguyen",
      "female",
@@ -437,7 +436,7 @@ constexpr std::array<Person, 20> kPeople{{
      true},
     {"1111",
      "u1111",
-     "2005",
+     "2111",
      "Lukas",
      "Gerber",
      "male",
@@ -461,7 +460,7 @@ constexpr std::array<Person, 20> kPeople{{
      true},
     {"1112",
      "u1112",
-     "2005",
+     "2112",
      "Mira",
      "Popović",
      "female",
@@ -485,7 +484,7 @@ constexpr std::array<Person, 20> kPeople{{
      true},
     {"1113",
      "u1113",
-     "2005",
+     "2113",
      "Nico",
      "Steiner",
      "male",
@@ -567,7 +566,11 @@ void layPeople(DatabaseConnection& database, Milliseconds now) {
                      account.accountId, account.identifier);
   }
   int index = 0;
-  for (const Person& person : kPeople) layPerson(database, person, now, index++);
+  for (const Person& person : kPeople) {
+    database.execute("INSERT OR IGNORE INTO accounts (account_id, identifier) VALUES (?, ?)",
+                     person.accountId, std::string{person.firstName} + " " + person.lastName);
+    layPerson(database, person, now, index++);
+  }
 }
 
 }  // namespace orvane::sandbox

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "data/Seed.h"
 
+#include "data/Papers.h"
 #include "data/People.h"
 #include "data/Trips.h"
 #include "data/Vehicles.h"
@@ -13,6 +14,7 @@ void layData(DatabaseConnection& database, Milliseconds now, int weeks) {
   clearTables(database);
   layPeople(database, now);
   layVehicles(database, now);
+  layPapers(database, now);
   layTrips(database, now, weeks);
   transaction.commit();
 }

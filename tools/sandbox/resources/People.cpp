@@ -106,8 +106,11 @@ bool userExists(DatabaseConnection& database, std::string_view userId) {
 bool shareAccount(DatabaseConnection& database, std::string_view userId, std::string_view otherId) {
   return database
       .query(
-          "SELECT 1 FROM users AS a JOIN users AS b USING (account_id)"
-          " WHERE a.user_id = ? AND b.user_id = ?",
+          "SELECT account_id FROM users WHERE user_id = ?1"
+          " UNION SELECT account_id FROM account_guests WHERE user_id = ?1"
+          " INTERSECT SELECT account_id FROM ("
+          "SELECT account_id FROM users WHERE user_id = ?2"
+          " UNION SELECT account_id FROM account_guests WHERE user_id = ?2)",
           userId, otherId)
       .next();
 }

@@ -12,6 +12,11 @@ void addResources(Router& router) {
   addScores(router);
   addLeaderboards(router);
   addRewards(router);
+  addInvitations(router);
+  addEnrolment(router);
+  addDevices(router);
+  addPolicy(router);
+  addContent(router);
 }
 
 }  // namespace orvane::sandbox

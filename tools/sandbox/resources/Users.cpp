@@ -24,11 +24,13 @@ Reply readIdentity(Call& call) {
 
 void writeAssociatedUsers(JsonWriter& json, Call& call, const std::string& userId) {
   json.key("associatedUsers").beginArray();
-  Rows others =
-      call.database.query("SELECT " + kUserColumns +
-                              " FROM users WHERE user_id <> ?1 AND account_id ="
-                              " (SELECT account_id FROM users WHERE user_id = ?1) ORDER BY user_id",
-                          userId);
+  Rows others = call.database.query(
+      "WITH mine AS (SELECT account_id FROM users WHERE user_id = ?1"
+      " UNION SELECT account_id FROM account_guests WHERE user_id = ?1) SELECT " +
+          kUserColumns +
+          " FROM users WHERE user_id <> ?1 AND (account_id IN mine OR user_id IN"
+          " (SELECT user_id FROM account_guests WHERE account_id IN mine)) ORDER BY user_id",
+      userId);
   while (others.next()) {
     json.beginObject();
     writeUserMembers(json, others);

@@ -54,6 +54,7 @@ CREATE TABLE users (
   opted_in INTEGER NOT NULL
 ) WITHOUT ROWID;
 CREATE INDEX users_by_account ON users (account_id);
+CREATE INDEX users_by_email ON users (email COLLATE NOCASE);
 
 CREATE TABLE vehicles (
   vehicle_id TEXT PRIMARY KEY,
@@ -121,6 +122,74 @@ CREATE TABLE trip_details (
   events TEXT NOT NULL,   -- JSON
   pois TEXT NOT NULL      -- JSON
 );
+
+-- Users who drive for an account that is not their own.
+CREATE TABLE account_guests (
+  account_id TEXT NOT NULL REFERENCES accounts,
+  user_id TEXT NOT NULL REFERENCES users,
+  PRIMARY KEY (account_id, user_id)
+) WITHOUT ROWID;
+CREATE INDEX guests_by_user ON account_guests (user_id);
+
+CREATE TABLE invitations (
+  invitation_id INTEGER PRIMARY KEY,
+  type TEXT NOT NULL,     -- VEHICLE, ACCOUNT or LEADERBOARD
+  created_ms INTEGER NOT NULL,
+  updated_ms INTEGER NOT NULL,
+  status TEXT NOT NULL,
+  from_user_id TEXT NOT NULL REFERENCES users,
+  to_user_id TEXT REFERENCES users,  -- absent while nobody has the e-mail address or phone
+  to_first_name TEXT NOT NULL,
+  to_last_name TEXT NOT NULL,
+  to_email TEXT,
+  to_phone TEXT,
+  vehicle_id TEXT REFERENCES vehicles,
+  account_id TEXT REFERENCES accounts
+);
+CREATE INDEX invitations_from ON invitations (from_user_id);
+CREATE INDEX invitations_to ON invitations (to_user_id);
+
+CREATE TABLE activations (
+  activation_id TEXT PRIMARY KEY,
+  code TEXT NOT NULL,
+  user_id TEXT REFERENCES users,     -- absent: anybody's
+  used_ms INTEGER
+) WITHOUT ROWID;
+
+CREATE TABLE devices (
+  user_id TEXT NOT NULL REFERENCES users,
+  identifier TEXT NOT NULL,
+  device_type TEXT NOT NULL,
+  enrollment_device_id TEXT NOT NULL,
+  serial_number TEXT,
+  push_token TEXT,
+  app_id INTEGER,
+  active INTEGER NOT NULL,
+  PRIMARY KEY (user_id, identifier)
+) WITHOUT ROWID;
+
+CREATE TABLE subscriptions (
+  user_id TEXT NOT NULL REFERENCES users,
+  enrollment_id INTEGER NOT NULL,
+  type TEXT NOT NULL,
+  start_ms INTEGER NOT NULL,
+  length_ms INTEGER NOT NULL,
+  trial_ms INTEGER,
+  PRIMARY KEY (user_id, enrollment_id)
+) WITHOUT ROWID;
+
+CREATE TABLE named_drivers (
+  policy_holder_id TEXT NOT NULL REFERENCES users,
+  user_id INTEGER NOT NULL,
+  user_profile_id TEXT NOT NULL,
+  first_name TEXT NOT NULL,
+  last_name TEXT NOT NULL,
+  email TEXT,
+  phone TEXT,
+  activated INTEGER NOT NULL,
+  activated_ms INTEGER,
+  PRIMARY KEY (policy_holder_id, user_id)
+) WITHOUT ROWID;
 
 CREATE TABLE alert_settings (
   user_id TEXT NOT NULL REFERENCES users,
