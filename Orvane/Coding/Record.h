@@ -125,6 +125,8 @@ bool decodeMember(json::Element element, void* record, Decoder& decoder) {
   if constexpr (Conversion<C>) {
     return decodeConverted<C>(element, target, decoder);
   } else {
+    // An earlier duplicate may have filled it.
+    if constexpr (Record<typename Traits::Member>) target = {};
     return decodeValue(element, target, decoder);
   }
 }
