@@ -25,8 +25,16 @@ std::unique_ptr<simdjson::dom::parser> takeParser() {
   return std::make_unique<simdjson::dom::parser>();
 }
 
-// Enough of a text to recognise it by.
-std::string_view beginning(std::string_view text) { return text.substr(0, 40); }
+// Enough of a text to recognise it by: forty bytes, less where they would cut a character.
+std::string_view beginning(std::string_view text) {
+  const auto continuesCharacter = [](char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+  };
+  std::size_t end = 40;
+  if (text.size() <= end) return text;
+  while (continuesCharacter(text[end])) --end;
+  return text.substr(0, end);
+}
 
 }  // namespace
 
