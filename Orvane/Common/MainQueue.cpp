@@ -4,6 +4,7 @@
 #include <Orvane/Common/Request.h>
 #include <Orvane/Platform/Fatal.h>
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <deque>
@@ -14,13 +15,23 @@
 namespace orvane {
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using TimePoint = std::chrono::steady_clock::time_point;
 
 constexpr std::chrono::milliseconds patience{5000};
+
+// The moment at which a time limit runs out; a limit beyond what the clock can tell never does.
+TimePoint endOf(std::chrono::milliseconds limit) {
+  const TimePoint now = std::chrono::steady_clock::now();
+  const auto rest = std::chrono::floor<std::chrono::milliseconds>(TimePoint::max() - now);
+  return limit < rest ? now + std::max(limit, limit.zero()) : TimePoint::max();
+}
 
 }  // namespace
 
 struct MainQueue::State {
+  explicit State(MainQueue::Clock clock) : now(clock) {}
+
+  const MainQueue::Clock now;
   std::mutex mutex;
   std::condition_variable changed;   // for who drains: a job has come, or a request has finished
   std::condition_variable finished;  // for who only waits: a request has finished
@@ -30,7 +41,7 @@ struct MainQueue::State {
   bool isStopped = false;
   bool hasWarned = false;
   std::optional<std::thread::id> drainer;
-  Clock::time_point waitingSince;
+  TimePoint waitingSince;
   std::atomic<int> waiters{0};
 
   // Called by a thread that is about to run jobs.
@@ -42,7 +53,7 @@ struct MainQueue::State {
   Job next() {
     Job job = std::move(jobs.front());
     jobs.pop_front();
-    waitingSince = Clock::now();
+    waitingSince = now();
     hasWarned = false;
     return job;
   }
@@ -53,7 +64,7 @@ MainQueue& MainQueue::main() {
   return queue;
 }
 
-MainQueue::MainQueue() : state_(std::make_unique<State>()) {}
+MainQueue::MainQueue(Clock clock) : state_(std::make_unique<State>(clock)) {}
 MainQueue::~MainQueue() = default;
 
 void MainQueue::async(Job job) {
@@ -66,7 +77,7 @@ void MainQueue::async(Job job) {
       return;
     }
     isJammed = !state_->jobs.empty();
-    if (!isJammed) state_->waitingSince = Clock::now();
+    if (!isJammed) state_->waitingSince = state_->now();
     state_->jobs.push_back(std::move(job));
   }
   state_->changed.notify_all();
@@ -102,7 +113,7 @@ void MainQueue::runUntil(const std::shared_ptr<Request>& request) {
 
 bool MainQueue::runUntil(const std::shared_ptr<Request>& request, std::chrono::milliseconds limit) {
   if (!request) return true;
-  const Clock::time_point end = Clock::now() + limit;
+  const TimePoint end = endOf(limit);
   state_->waiters.fetch_add(1, std::memory_order_seq_cst);
   std::unique_lock lock(state_->mutex);
   state_->becomeDrainer();
@@ -116,7 +127,7 @@ bool MainQueue::runUntil(const std::shared_ptr<Request>& request, std::chrono::m
     lock.unlock();
     job();
     job = nullptr;
-    isInTime = Clock::now() < end;
+    isInTime = std::chrono::steady_clock::now() < end;
     lock.lock();
   }
   lock.unlock();
@@ -171,8 +182,8 @@ std::chrono::milliseconds MainQueue::warnWhenStalled() {
   {
     const std::scoped_lock lock(state_->mutex);
     if (state_->jobs.empty() || state_->hasWarned) return std::chrono::milliseconds::zero();
-    const auto left = state_->waitingSince + patience - Clock::now();
-    if (left > Clock::duration::zero()) return std::chrono::ceil<std::chrono::milliseconds>(left);
+    const auto left = state_->waitingSince + patience - state_->now();
+    if (left > left.zero()) return std::chrono::ceil<std::chrono::milliseconds>(left);
     state_->hasWarned = true;
   }
   log.w(

@@ -27,7 +27,11 @@ class ORVANE_EXPORT MainQueue {
   /// The main queue of the process, made on first use and never destroyed.
   [[nodiscard]] static MainQueue& main();
 
-  MainQueue();
+  /// Reads the time by which a job has waited for long.
+  using Clock = std::chrono::steady_clock::time_point (*)();
+
+  /// A queue of one's own.
+  explicit MainQueue(Clock clock = &std::chrono::steady_clock::now);
   MainQueue(const MainQueue&) = delete;
   MainQueue& operator=(const MainQueue&) = delete;
   ~MainQueue();
