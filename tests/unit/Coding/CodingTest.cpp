@@ -1,0 +1,315 @@
+// SPDX-License-Identifier: Apache-2.0
+// What every record's coding has in common, shown on a record that has one member of each kind.
+#include "tests/support/Printing.h"
+#include "tests/unit/DeathTest.h"
+#include <Orvane/Coding/Codable.h>
+#include <Orvane/Coding/Record.h>
+#include <Orvane/Platform/Text.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane {
+
+enum class TestLevel : std::uint8_t { low, high, unknown };
+template <>
+struct EnumerationTable<TestLevel> {
+  static constexpr EnumerationCase<TestLevel> cases[] = {
+      {TestLevel::low, "LOW"}, {TestLevel::high, "HIGH"}, {TestLevel::unknown, "UNKNOWN"}};
+  static constexpr TestLevel fallback = TestLevel::unknown;
+};
+
+enum class TestState : std::uint8_t { on, off };
+template <>
+struct EnumerationTable<TestState> {
+  static constexpr EnumerationCase<TestState> cases[] = {{TestState::on, "ON"},
+                                                         {TestState::off, "OFF"}};
+};
+
+struct TestInner {
+  std::optional<std::int64_t> a{};
+  std::optional<std::string> b{};
+  friend bool operator==(const TestInner&, const TestInner&) = default;
+};
+
+struct TestSample {
+  std::optional<bool> flag{};
+  std::optional<double> number{};
+  std::optional<std::int64_t> integer{};
+  std::optional<std::string> text{};
+  std::optional<std::vector<TestInner>> list{};
+  Indirect<TestInner> inner{};
+  std::optional<Date> time{};
+  std::optional<TestLevel> level{};
+  std::optional<TestState> state{};
+  friend bool operator==(const TestSample&, const TestSample&) = default;
+};
+
+struct TestStrict {
+  std::int64_t must = 0;
+  TestInner record{};
+  std::optional<std::string> nullable{};
+  std::optional<std::string> indispensable{};
+  friend bool operator==(const TestStrict&, const TestStrict&) = default;
+};
+
+namespace {
+
+constexpr auto innerKeys = keyTable(key<&TestInner::a>("a"), key<&TestInner::b>("b"));
+constexpr auto sampleKeys =
+    keyTable(key<&TestSample::flag>("flag"), key<&TestSample::number>("number"),
+             key<&TestSample::integer>("integer"), key<&TestSample::text>("text"),
+             key<&TestSample::list>("list"), key<&TestSample::inner>("inner"),
+             key<&TestSample::time, Milliseconds>("time"), key<&TestSample::level>("level"),
+             key<&TestSample::state>("state"));
+constexpr auto strictKeys =
+    keyTable(required<&TestStrict::must>("must"), required<&TestStrict::record>("record"),
+             required<&TestStrict::nullable>("nullable"),
+             indispensable<&TestStrict::indispensable>("indispensable"));
+
+}  // namespace
+
+inline KeyTables keysOf(RecordTag<TestInner>) { return innerKeys; }
+inline KeyTables keysOf(RecordTag<TestSample>) { return sampleKeys; }
+inline KeyTables keysOf(RecordTag<TestStrict>) { return strictKeys; }
+
+namespace {
+
+using CodingDeathTest = DeathTest;
+
+constexpr std::string_view wholeText =
+    R"({"flag":false,"number":-0.5,"integer":-9223372036854775808,"text":"\"ü\"","list":[{"a":1},{}],)"
+    R"("inner":{"a":2,"b":""},"time":1500000000001,"level":"HIGH","state":"OFF"})";
+
+TestSample wholeSample() {
+  return {.flag = false,
+          .number = -0.5,
+          .integer = INT64_MIN,
+          .text = "\"ü\"",
+          .list = std::vector<TestInner>{{.a = 1}, {}},
+          .inner = TestInner{.a = 2, .b = ""},
+          .time = dateFromMilliseconds(1'500'000'000'001),
+          .level = TestLevel::high,
+          .state = TestState::off};
+}
+
+TEST(CodingTest, mirrorsARecord) {
+  EXPECT_EQ(decode<TestSample>(wholeText), Result<TestSample>(wholeSample()));
+  EXPECT_EQ(encode(wholeSample()), Result<std::string>(std::string(wholeText)));
+  EXPECT_EQ(encode(TestSample{}), Result<std::string>("{}"));
+  EXPECT_EQ(encode(std::vector<TestInner>{{.a = 1}, {}}), Result<std::string>(R"([{"a":1},{}])"));
+}
+
+TEST(CodingTest, readsMembersWhereverTheyStand) {
+  struct Row {
+    std::string_view json;
+    TestSample expected;
+  };
+  const Row rows[] = {
+      {"{}", {}},
+      {"\xEF\xBB\xBF { } \n", {}},
+      {R"({"Flag":true,"flag ":true,"unread":{"flag":true},"":1})", {}},
+      {R"({"state":null,"level":null,"time":null,"inner":null,"list":null,"flag":null})", {}},
+      {R"({"state":"ON","x":[1,{}],"integer":3,"flag":true})",
+       {.flag = true, .integer = 3, .state = TestState::on}},
+      {R"({"\u0066lag":true})", {.flag = true}},
+      {R"({"level":"LOUD"})", {.level = TestLevel::unknown}},
+      {R"({"list":[]})", {.list = std::vector<TestInner>{}}},
+      // Of duplicates the last one counts, alone.
+      {R"({"integer":1,"integer":2})", {.integer = 2}},
+      {R"({"integer":1,"integer":null})", {}},
+      {R"({"integer":"bad","integer":2})", {.integer = 2}},
+      {R"({"integer":null,"flag":true,"integer":2})", {.flag = true, .integer = 2}},
+      {R"({"list":[{"a":1},{"a":true}],"list":[{"b":"x"}]})",
+       {.list = std::vector<TestInner>{{.b = "x"}}}},
+      {R"({"inner":{"a":1,"b":"x"},"inner":{"b":"y"}})", {.inner = TestInner{.b = "y"}}},
+      {R"({"inner":{"a":1,"a":null}})", {.inner = TestInner{}}},
+      {R"({"time":1,"time":null})", {}},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(decode<TestSample>(row.json), Result<TestSample>(row.expected)) << row.json;
+  }
+}
+
+TEST(CodingTest, anIntegerIsAnyNumberWithThatValue) {
+  struct Row {
+    std::string_view json;
+    std::optional<std::int64_t> expected;
+  };
+  const Row rows[] = {{"3", 3},
+                      {"3.0", 3},
+                      {"3e2", 300},
+                      {"-0.0", 0},
+                      {"9223372036854775807", INT64_MAX},
+                      {"-9223372036854775808", INT64_MIN},
+                      {"-9.223372036854775808e18", INT64_MIN},
+                      {"3.5", {}},
+                      {"9223372036854775808", {}},
+                      {"18446744073709551615", {}},
+                      {"9.223372036854775808e18", {}},
+                      {"1e300", {}},
+                      {"-1e300", {}},
+                      {"5e-324", {}},
+                      {"true", {}},
+                      {"\"3\"", {}},
+                      {"[3]", {}},
+                      {"{}", {}}};
+  for (const auto& [json, expected] : rows) {
+    EXPECT_EQ(decode<std::int64_t>(json).value(), expected) << json;
+  }
+  EXPECT_EQ(decode<double>("18446744073709551615").value(), 0x1p64);
+  EXPECT_EQ(decode<double>("true").value(), std::nullopt);
+  EXPECT_EQ(decode<bool>("1").value(), std::nullopt);
+  EXPECT_EQ(decode<bool>("\"true\"").value(), std::nullopt);
+  EXPECT_EQ(decode<std::string>("1").value(), std::nullopt);
+  EXPECT_EQ(decode<std::string>(" \"bare\" ").value(), "bare");
+}
+
+TEST(CodingTest, aRequiredMemberMustBeThere) {
+  const TestStrict whole{.must = 1, .record = {.a = 1}, .nullable = "n", .indispensable = "i"};
+  constexpr std::string_view text =
+      R"({"must":1,"record":{"a":1},"nullable":"n","indispensable":"i"})";
+  EXPECT_EQ(decode<TestStrict>(text), Result<TestStrict>(whole));
+  EXPECT_EQ(encode(whole), Result<std::string>(std::string(text)));
+
+  // A record that takes the place of an earlier duplicate has none of its members.
+  EXPECT_EQ(
+      decode<TestStrict>(
+          R"({"record":{"a":1,"b":"x"},"must":1,"nullable":"n","indispensable":"i","record":{}})")
+          .value()
+          ->record,
+      TestInner{});
+
+  TestStrict incomplete = whole;
+  incomplete.nullable.reset();
+  EXPECT_EQ(
+      encode(incomplete),
+      Result<std::string>(R"({"must":1,"record":{"a":1},"nullable":null,"indispensable":"i"})"));
+  incomplete.indispensable.reset();
+  EXPECT_EQ(encodeChecked(incomplete).error(),
+            Error(EncodingError{"a record without \"indispensable\" can't be encoded"}));
+}
+
+TEST_F(CodingDeathTest, writingWhatOnlyAFaultCanHaveMadeStopsTheProcess) {
+  EXPECT_DEATH((void)encode(TestStrict{}),
+               "Fatal error: a record without \"indispensable\" can't be enc");
+  const TestSample timeless{.time = dateFromSeconds(std::numeric_limits<double>::quiet_NaN())};
+  EXPECT_DEATH((void)encode(timeless), "Fatal error: a point in time does not fit in 64 bits");
+  EXPECT_TRUE(encodeChecked(timeless).error());
+}
+
+using Kind = DecodingError::Kind;
+
+struct FailureRow {
+  std::string_view json;
+  Kind kind;
+  std::string_view location;
+  std::vector<std::string> path;
+  std::string_view description;
+};
+
+template <class T>
+void expectFailures(const std::vector<FailureRow>& rows) {
+  for (const FailureRow& row : rows) {
+    const Result<T> result = decode<T>(row.json);
+    ASSERT_TRUE(result.error()) << row.json;
+    const auto* error = result.error()->template as<DecodingError>();
+    ASSERT_NE(error, nullptr);
+    EXPECT_EQ(error->kind, row.kind) << row.json;
+    EXPECT_EQ(error->location, row.location) << row.json;
+    EXPECT_EQ(error->codingPath, row.path) << row.json;
+    EXPECT_EQ(error->description, row.description) << row.json;
+    const std::string place = row.location.empty() ? "" : std::string(row.location) + ": ";
+    EXPECT_EQ(result.error()->message(), place + error->description);
+  }
+}
+
+TEST(DecodingErrorTest, saysWhatWasExpectedWhere) {
+  expectFailures<std::vector<TestSample>>({
+      {R"({})", Kind::typeMismatch, "", {}, "expected an array, found an object"},
+      {R"([null])", Kind::valueNotFound, "[0]", {"[0]"}, "expected an object, found null"},
+      {R"([{},{"flag":1}])",
+       Kind::typeMismatch,
+       "[1].flag",
+       {"[1]", "flag"},
+       "expected true or false, found the number 1"},
+      {R"([{"flag":"yes","integer":1.5}])",
+       Kind::typeMismatch,
+       "[0].flag",
+       {"[0]", "flag"},
+       "expected true or false, found the text \"yes\""},
+      {R"([{"list":[{"a":1},{"a":1.5}]}])",
+       Kind::typeMismatch,
+       "[0].list[1].a",
+       {"[0]", "list", "[1]", "a"},
+       "expected an integer, found the number 1.5"},
+      {R"([{"list":[null]}])",
+       Kind::valueNotFound,
+       "[0].list[0]",
+       {"[0]", "list", "[0]"},
+       "expected an object, found null"},
+      {R"([{"inner":{"b":[]}}])",
+       Kind::typeMismatch,
+       "[0].inner.b",
+       {"[0]", "inner", "b"},
+       "expected a text, found an array"},
+      {R"([{"time":true}])",
+       Kind::typeMismatch,
+       "[0].time",
+       {"[0]", "time"},
+       "expected an integer, found true"},
+      {R"([{"state":"on"}])",
+       Kind::dataCorrupted,
+       "[0].state",
+       {"[0]", "state"},
+       "no case has the wire text \"on\""},
+      {R"([{"integer":1,"integer":"late"}])",
+       Kind::typeMismatch,
+       "[0].integer",
+       {"[0]", "integer"},
+       "expected an integer, found the text \"late\""},
+      {R"([{"number":"0123456789012345678901234567890123456789x"}])",
+       Kind::typeMismatch,
+       "[0].number",
+       {"[0]", "number"},
+       "expected a number, found the text \"0123456789012345678901234567890123456789…\""},
+  });
+  expectFailures<TestStrict>({
+      {R"({"record":{},"nullable":"","indispensable":""})",
+       Kind::keyNotFound,
+       "must",
+       {"must"},
+       "a required member is missing"},
+      {R"({"must":null})", Kind::valueNotFound, "must", {"must"}, "expected a value, found null"},
+  });
+}
+
+// Texts are not cut in the middle of a character: the description would be no UTF-8.
+TEST(DecodingErrorTest, quotesWholeCharacters) {
+  std::string text = "\"" + std::string(39, 'x') + "üüü\"";
+  const auto result = decode<bool>(text);
+  EXPECT_TRUE(isUTF8(result.error()->message())) << result.error()->message();
+}
+
+TEST(DecodingErrorTest, malformedTextsFailWhetherReadOrNot) {
+  for (const std::string_view json :
+       {"", "nul", R"({"unread":1e999})", R"({"unread":18446744073709551616})",
+        R"({"unread":[1,]})", R"({"unread":"\ud800"})", "{\"unread\":\"\xFF\"}",
+        R"({"unread":tru})", R"({"flag":true} x)", R"({"flag":true}{})"}) {
+    const auto result = decode<TestSample>(json);
+    ASSERT_TRUE(result.error()) << json;
+    const auto& error = *result.error()->as<DecodingError>();
+    EXPECT_EQ(error.kind, Kind::malformedText) << json;
+    EXPECT_TRUE(error.location.empty() && error.codingPath.empty() && !error.description.empty());
+  }
+}
+
+}  // namespace
+}  // namespace orvane

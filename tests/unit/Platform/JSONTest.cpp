@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: Apache-2.0
+// What counts as a JSON text, and how one is written.
+#include "tests/support/Printing.h"
+#include <Orvane/Coding/Codable.h>
+#include <Orvane/Platform/JSON.h>
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <random>
+#include <string>
+#include <string_view>
+
+namespace orvane {
+namespace {
+
+bool isValid(std::string text) { return json::Document(text).isValid(); }
+
+TEST(DocumentTest, checksTheWholeText) {
+  for (const std::string_view valid :
+       {"{}", "[]", "\"text\"", "1", "null", "true", " \t\r\n{\"a\":1} \n", "\xEF\xBB\xBF{}",
+        "18446744073709551615", "-9223372036854775808", "1e308", "1e-999", "0.1e1",
+        "\"\\ud83d\\ude00\"", "{\"a\":1,\"a\":2}", "\"\\u0000\"", "\"\xF0\x9F\x98\x80\"",
+        "\"\x7F\""}) {
+    EXPECT_TRUE(isValid(std::string(valid))) << valid;
+  }
+  for (const std::string_view malformed : {"",
+                                           " ",
+                                           "\xEF\xBB\xBF",
+                                           "{",
+                                           "}",
+                                           "[1,]",
+                                           "{\"a\":1,}",
+                                           "{a:1}",
+                                           "{'a':1}",
+                                           "{\"a\" 1}",
+                                           "{\"a\":}",
+                                           "{\"a\"}",
+                                           "nul",
+                                           "True",
+                                           "01",
+                                           "1.",
+                                           ".5",
+                                           "+1",
+                                           "0x1",
+                                           "NaN",
+                                           "1e",
+                                           "-",
+                                           "{} {}",
+                                           "{}x",
+                                           "1 2",
+                                           "\"a",
+                                           "\"\\x\"",
+                                           "\"\\u12\"",
+                                           "\"\\ud800\"",
+                                           "\"\\udc00\"",
+                                           "\"\\ud800\\u0041\"",
+                                           "\"a\nb\"",
+                                           "\"\xFF\"",
+                                           "\"\xC0\xAF\"",
+                                           "\"\xED\xA0\x80\"",
+                                           "1e400",
+                                           "18446744073709551616",
+                                           "-9223372036854775809",
+                                           "[1e999]",
+                                           "// a\n{}",
+                                           "{}\xEF\xBB\xBF",
+                                           "\xEF\xBB\xBF\xEF\xBB\xBF{}"}) {
+    EXPECT_FALSE(isValid(std::string(malformed))) << malformed;
+  }
+  EXPECT_FALSE(isValid(std::string("\"a\0b\"", 5)));
+  EXPECT_FALSE(isValid(std::string("{}\0", 3)));
+}
+
+TEST(DocumentTest, limitsTheDepth) {
+  const auto nested = [](std::size_t depth) {
+    return std::string(depth, '[') + std::string(depth, ']');
+  };
+  EXPECT_TRUE(isValid(nested(100)));
+  EXPECT_FALSE(isValid(nested(200)));
+  EXPECT_FALSE(isValid(std::string(1'000'000, '[')));
+}
+
+TEST(DocumentTest, keepsNothingOfTheTextBefore) {
+  EXPECT_FALSE(isValid("[[[["));
+  EXPECT_TRUE(isValid("[1]"));
+  EXPECT_TRUE(isValid('[' + std::string(6'000'000, ' ') + ']'));
+  std::string outerText = R"(["outer"])";
+  const json::Document outer(outerText);
+  EXPECT_TRUE(isValid("[\"inner\", " + std::string(1000, ' ') + "2]"));
+  EXPECT_EQ(outer.root().at(0).get_string().value(), "outer");
+}
+
+TEST(WriterTest, writesMembersInOrderAndEscapesTexts) {
+  json::Writer writer;
+  writer.beginObject();
+  writer.key("a\"b");
+  writer.value(std::string_view("\"\\/\b\f\n\r\t\x01\x1F\x7F\xC3\xBC", 13));
+  writer.key("list");
+  writer.beginArray();
+  for (const double number : {1.0, -0.0, 0.1, 1e21, 5e-324, 1e300}) writer.value(number);
+  writer.value(std::numeric_limits<std::int64_t>::min());
+  writer.value(true);
+  writer.null();
+  writer.value("");
+  writer.beginArray();
+  writer.endArray();
+  writer.beginObject();
+  writer.endObject();
+  writer.endArray();
+  writer.key("");
+  writer.value(false);
+  writer.endObject();
+  EXPECT_EQ(writer.failure(), "");
+  EXPECT_EQ(std::move(writer).take(),
+            "{\"a\\\"b\":\"\\\"\\\\/\\u0008\\u000c\\n\\r\\t\\u0001\\u001f\x7F\xC3\xBC\","
+            "\"list\":[1,-0.0,0.1,1e+21,5e-324,1e+300,-9223372036854775808,true,null,\"\",[],{}],"
+            "\"\":false}");
+}
+
+TEST(WriterTest, refusesWhatJSONCannotHold) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  for (const double number : {infinity, -infinity, std::numeric_limits<double>::quiet_NaN()}) {
+    EXPECT_EQ(encode(number).error(), Error(EncodingError{"a number is not finite"}));
+  }
+  for (const char* text : {"\xFF", "a\xC3", "\xED\xA0\x80"}) {
+    EXPECT_EQ(encode(std::string(text)).error(), Error(EncodingError{"a text is not UTF-8"}));
+  }
+}
+
+void expectReadBack(double number) {
+  const auto text = encode(number);
+  ASSERT_TRUE(text.value()) << number;
+  const auto readBack = decode<double>(*text.value());
+  ASSERT_TRUE(readBack.value()) << *text.value();
+  EXPECT_EQ(std::bit_cast<std::uint64_t>(*readBack.value()), std::bit_cast<std::uint64_t>(number))
+      << *text.value();
+}
+
+TEST(WriterTest, writesDoublesThatReadBackTheSame) {
+  using Limits = std::numeric_limits<double>;
+  for (const double edge : {0.0,
+                            Limits::min(),
+                            Limits::max(),
+                            Limits::denorm_min(),
+                            Limits::epsilon(),
+                            0x1.fffffffffffffp-1022,
+                            0x1p53,
+                            0x1p53 + 2,
+                            0x1p63,
+                            0x1p64,
+                            1e21,
+                            1e22,
+                            1e23,
+                            0.1,
+                            0.3,
+                            1.0 / 3,
+                            123456789.125,
+                            2.2250738585072011e-308,
+                            9007199254740993.0,
+                            1.7976931348623157e308}) {
+    for (const double number : {edge, std::nextafter(edge, 0), std::nextafter(edge, 1e308)}) {
+      expectReadBack(number);
+      expectReadBack(-number);
+    }
+  }
+  std::mt19937_64 random(42);
+  for (int i = 0; i < 20'000; ++i) {
+    if (const auto number = std::bit_cast<double>(random()); std::isfinite(number)) {
+      expectReadBack(number);
+    }
+  }
+}
+
+TEST(WriterTest, writesTextsThatReadBackTheSame) {
+  std::string all;
+  for (char c = 0; c < 127; ++c) all += c;
+  all += "\x7F\xC2\x80\xE2\x80\xA8\xF0\x9F\x98\x80";
+  EXPECT_EQ(decode<std::string>(*encode(all).value()), Result<std::string>(all));
+}
+
+}  // namespace
+}  // namespace orvane
