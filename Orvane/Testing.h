@@ -8,4 +8,5 @@
 #include <Orvane/Testing/RecordingLogger.h>
 #include <Orvane/Testing/ScopedFoundation.h>
 #include <Orvane/Testing/Script.h>
+#include <Orvane/Testing/ScriptedDownloader.h>
 #include <Orvane/Testing/ScriptedRequestManager.h>

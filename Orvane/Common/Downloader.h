@@ -19,7 +19,7 @@ struct ORVANE_EXPORT DownloadProgress {
   /// Bytes of the file that are there, those of an earlier attempt included.
   std::int64_t received = 0;
   /// Bytes of the whole file; absent where the server does not tell.
-  std::optional<std::int64_t> total;
+  std::optional<std::int64_t> total{};
 
   friend bool operator==(const DownloadProgress&, const DownloadProgress&) = default;
 };

@@ -11,7 +11,7 @@ namespace orvane {
 
 /// One localised text.
 struct ORVANE_EXPORT Content {
-  std::optional<std::string> body;
+  std::optional<std::string> body{};
 
   friend bool operator==(const Content&, const Content&) = default;
 };

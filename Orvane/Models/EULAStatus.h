@@ -10,7 +10,7 @@ namespace orvane {
 
 /// What the backend knows of a user's acceptance of the programme's terms.
 struct ORVANE_EXPORT EULAStatus {
-  std::optional<bool> acceptedTerms;
+  std::optional<bool> acceptedTerms{};
 
   friend bool operator==(const EULAStatus&, const EULAStatus&) = default;
 };

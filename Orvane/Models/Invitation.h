@@ -19,10 +19,10 @@ namespace orvane {
 struct ORVANE_EXPORT Invitation {
   /// One of the two parties.
   struct ORVANE_EXPORT InvitationUser {
-    std::optional<std::string> userId;
-    std::optional<std::string> firstName;
-    std::optional<std::string> lastName;
-    std::optional<std::string> publicDisplayName;
+    std::optional<std::string> userId{};
+    std::optional<std::string> firstName{};
+    std::optional<std::string> lastName{};
+    std::optional<std::string> publicDisplayName{};
 
     friend bool operator==(const InvitationUser&, const InvitationUser&) = default;
   };
@@ -41,16 +41,16 @@ struct ORVANE_EXPORT Invitation {
   /// What a party can reply.
   enum class Response : std::uint8_t { accept, decline, ackAccept, ackDecline };
 
-  std::optional<std::string> invitationId;
-  std::optional<double> creationTimestamp;     ///< Milliseconds since 1970-01-01 UTC.
-  std::optional<double> lastUpdatedTimestamp;  ///< Milliseconds since 1970-01-01 UTC.
-  std::optional<Status> status;
-  std::optional<InvitationUser> fromUser;
-  std::optional<InvitationUser> toUser;
+  std::optional<std::string> invitationId{};
+  std::optional<double> creationTimestamp{};     ///< Milliseconds since 1970-01-01 UTC.
+  std::optional<double> lastUpdatedTimestamp{};  ///< Milliseconds since 1970-01-01 UTC.
+  std::optional<Status> status{};
+  std::optional<InvitationUser> fromUser{};
+  std::optional<InvitationUser> toUser{};
   /// What the other person is invited to drive.
-  Indirect<Vehicle> vehicle;
+  Indirect<Vehicle> vehicle{};
   /// What the other person is invited to join.
-  Indirect<Account> account;
+  Indirect<Account> account{};
 
   /// Vehicles are compared as vehicles are: by their identifiers.
   friend bool operator==(const Invitation&, const Invitation&) = default;

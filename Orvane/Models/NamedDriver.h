@@ -15,10 +15,10 @@ namespace orvane {
 struct ORVANE_EXPORT NamedDriver {
   std::string firstName;
   std::string lastName;
-  std::optional<std::string> email;
-  std::optional<std::string> phone;
+  std::optional<std::string> email{};
+  std::optional<std::string> phone{};
   bool activated = false;
-  std::optional<double> activatedDate;  ///< Milliseconds since 1970-01-01 UTC.
+  std::optional<double> activatedDate{};  ///< Milliseconds since 1970-01-01 UTC.
   std::string userProfileId;
   std::int64_t userId = 0;
 

@@ -22,15 +22,15 @@ struct ORVANE_EXPORT Subscription {
     aFNOL,
   };
 
-  std::optional<double> startTimestamp;  ///< Milliseconds since 1970-01-01 UTC.
-  std::optional<double> endTimestamp;    ///< Milliseconds since 1970-01-01 UTC.
+  std::optional<double> startTimestamp{};  ///< Milliseconds since 1970-01-01 UTC.
+  std::optional<double> endTimestamp{};    ///< Milliseconds since 1970-01-01 UTC.
   /// The enrolment that the contract belongs to.
-  std::optional<std::int64_t> telematicSubscriptionEnrollmentId;
-  std::optional<SubscriptionType> telematicSubscriptionType;
-  std::optional<double> subscriptionLengthMillis;  ///< Milliseconds.
-  std::optional<double> trialLengthMillis;         ///< Length of the trial period in milliseconds.
+  std::optional<std::int64_t> telematicSubscriptionEnrollmentId{};
+  std::optional<SubscriptionType> telematicSubscriptionType{};
+  std::optional<double> subscriptionLengthMillis{};  ///< Milliseconds.
+  std::optional<double> trialLengthMillis{};  ///< Length of the trial period in milliseconds.
   /// End of the trial period: milliseconds since 1970-01-01 UTC.
-  std::optional<double> trialEndTimestamp;
+  std::optional<double> trialEndTimestamp{};
 
   friend bool operator==(const Subscription&, const Subscription&) = default;
 };

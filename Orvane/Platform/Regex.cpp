@@ -24,7 +24,7 @@ class Search {
 
   [[nodiscard]] std::string group(std::string_view name) {
     const std::int32_t number = matcher_.pattern().groupNumberFromName(unicode(name), status_);
-    check("a regular expression has no group of a name");
+    check("a regular expression has no group of that name");
     std::string captured;
     matcher_.group(number, status_).toUTF8String(captured);
     return captured;

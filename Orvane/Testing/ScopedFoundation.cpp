@@ -13,6 +13,7 @@ ScopedFoundation::ScopedFoundation(Resolution resolution)
       endpointResolver(std::make_shared<FixedEndpointResolver>()),
       offsetStore(std::make_shared<MemoryTimeOffsetStore>()),
       deviceIdentifier(std::make_shared<FixedDeviceIdentifier>()),
+      downloader(std::make_shared<ScriptedDownloader>()),
       timeMonitor(MovableTimeMonitor::shared()),
       former_(Container::common()->registrations()) {
   Container& common = *Container::common();
@@ -21,6 +22,7 @@ ScopedFoundation::ScopedFoundation(Resolution resolution)
   common.register_<EndpointResolver>(endpointResolver);
   common.register_<TimeOffsetStore>(offsetStore);
   common.register_<DeviceIdentifier>(deviceIdentifier);
+  common.register_<Downloader>(downloader);
   common.register_<TimeMonitor>(timeMonitor);
   if (resolution == Resolution::fixed) {
     common.register_<OrvaneDetailsResolver>(detailsResolver);

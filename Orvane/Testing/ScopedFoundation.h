@@ -6,6 +6,7 @@
 #include <Orvane/Platform/Export.h>
 #include <Orvane/Testing/FixedResolvers.h>
 #include <Orvane/Testing/MemoryStores.h>
+#include <Orvane/Testing/ScriptedDownloader.h>
 #include <Orvane/Testing/ScriptedRequestManager.h>
 
 #include <cstdint>
@@ -44,6 +45,7 @@ class ORVANE_EXPORT ScopedFoundation {
   const std::shared_ptr<FixedEndpointResolver> endpointResolver;
   const std::shared_ptr<MemoryTimeOffsetStore> offsetStore;
   const std::shared_ptr<FixedDeviceIdentifier> deviceIdentifier;
+  const std::shared_ptr<ScriptedDownloader> downloader;
   /// `MovableTimeMonitor::shared()`.
   const std::shared_ptr<MovableTimeMonitor> timeMonitor;
 

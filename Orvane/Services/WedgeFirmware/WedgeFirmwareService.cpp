@@ -45,18 +45,15 @@ std::optional<std::string> versionIn(std::string_view url) {
   return concatenated({(*numbers)[0], ".", (*numbers)[1], ".", (*numbers)[2]});
 }
 
-void printFolderFailure(std::error_code failure) {
-  std::printf("error creating /Documents/firmware directory: %s\n", failure.message().c_str());
-}
-
 std::optional<URL> makeFirmwareFolder() {
   const auto path = documentsFolder("firmware");
-  if (!path) {
-    printFolderFailure(std::make_error_code(std::errc::no_such_file_or_directory));
-    return std::nullopt;
+  std::optional<URL> folder = path ? URL::fromFilePath(*path) : std::nullopt;
+  const std::error_code failure =
+      folder ? createFolder(*path) : std::make_error_code(std::errc::no_such_file_or_directory);
+  if (failure) {
+    std::printf("error creating /Documents/firmware directory: %s\n", failure.message().c_str());
   }
-  if (const std::error_code failure = createFolder(*path)) printFolderFailure(failure);
-  return URL::fromFilePath(*path);
+  return folder;
 }
 
 // The form in which the version stands in the log.

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: Apache-2.0
+// Activation, terms, devices and push tokens: what happens when a person starts with the programme.
+#include "tests/support/Outcome.h"
+#include "tests/support/RequestRows.h"
+#include "tests/unit/DeathTest.h"
+#include <Orvane/Common/NetworkError.h>
+#include <Orvane/Services/Activation/ActivationService.h>
+#include <Orvane/Services/Device/DeviceComposer.h>
+#include <Orvane/Services/Device/DeviceService.h>
+#include <Orvane/Services/EULA/EULAService.h>
+#include <Orvane/Services/PushNotification/PushNotificationComposer.h>
+#include <Orvane/Services/PushNotification/PushNotificationService.h>
+#include <Orvane/Testing/ScopedFoundation.h>
+
+#include <gtest/gtest.h>
+
+namespace orvane {
+namespace {
+
+TEST(EnrolmentTest, sendsTheseRequests) {
+  const auto activate = [](const Identity& identity) {
+    ActivationService(identity).activate("A-1", "C/2+3", "ann b@example.com", nullptr);
+  };
+  expectRequests({
+      {"an activation sends the address as the name, too", activate,
+       "POST activation?activationId=A-1&activationCode=C/2+3&email=ann%20b@example.com"
+       "&accountId=reference&displayName=ann%20b@example.com&phoneIdentifier=device-1"},
+      {"an activation without a reference", activate,
+       "POST activation?activationId=A-1&activationCode=C/2+3&email=ann%20b@example.com"
+       "&displayName=ann%20b@example.com&phoneIdentifier=device-1",
+       std::nullopt},
+      {"accepting the terms",
+       [](const Identity& identity) { EULAService(identity).acceptTerms(nullptr); },
+       "POST users/42/eula\n"
+       "Content-Length: right\n"
+       "Content-Type: multipart/form-data; boundary=BOUNDARY\n\n"
+       "--BOUNDARY\\r\n"
+       "Content-Disposition: form-data; name=\"acceptedTerms\"\\r\n"
+       "\\r\n"
+       "accept\\r\n"
+       "--BOUNDARY--"},
+      {"activating the device",
+       [](const Identity& identity) { DeviceService(identity).activate(nullptr); },
+       "POST users/42/devices/device-1?action=activateLimitOne"},
+      {"deactivating the device",
+       [](const Identity& identity) { DeviceService(identity).deactivate(nullptr); },
+       "POST users/42/devices/device-1?action=deactivate"},
+      {"fetching the device",
+       [](const Identity& identity) { DeviceService(identity).fetch(nullptr); },
+       "GET users/42/devices/device-1"},
+      {"a push token goes through as it is",
+       [](const Identity& identity) {
+         PushNotificationService(identity).setToken("a&b c", nullptr);
+       },
+       "POST users/42/devices/device-1?deviceToken=a&b%20c&appId=1"},
+      {"an empty push token",
+       [](const Identity& identity) { PushNotificationService(identity).setToken("", nullptr); },
+       "POST users/42/devices/device-1?deviceToken=&appId=1"},
+  });
+}
+
+TEST(EnrolmentTest, takesAnySuccessForTheOperationsWithoutAValue) {
+  const ScopedFoundation foundation;
+  for (const char* body : {"", "no JSON"}) {
+    SCOPED_TRACE(body);
+    foundation.requestManager->answer(std::string(body));
+    const Outcome<Unit> activated;
+    ActivationService(freshIdentity()).activate("A-1", "C-2", "ann", activated.handler());
+    EXPECT_EQ(activated.result(), Unit{});
+    const Outcome<Unit> accepted;
+    EULAService(freshIdentity()).acceptTerms(accepted.handler());
+    EXPECT_EQ(accepted.result(), Unit{});
+  }
+}
+
+TEST(EnrolmentTest, decodesDevices) {
+  const ScopedFoundation foundation;
+  const DeviceService devices(freshIdentity());
+  const Device expected{.identifier = "device-1", .pushNotificationsAreEnabled = true};
+  // Keys named like the members mean nothing.
+  foundation.requestManager->answer(
+      R"({"identifier":"device-1","enablePushNotifications":true,"dataCollectionIsActive":true})");
+  const Outcome<Device> outcomes[4];
+  devices.activate(outcomes[0].handler());
+  devices.deactivate(outcomes[1].handler());
+  devices.fetch(outcomes[2].handler());
+  PushNotificationService(freshIdentity()).setToken("abc", outcomes[3].handler());
+  for (const auto& outcome : outcomes) EXPECT_EQ(outcome.result(), expected);
+
+  foundation.requestManager->answer(std::string());
+  const Outcome<Device> empty;
+  devices.activate(empty.handler());
+  EXPECT_EQ(empty.result(), NetworkError::noData);
+}
+
+// A new name for every question.
+class ChangingDeviceIdentifier final : public DeviceIdentifier {
+ public:
+  [[nodiscard]] std::string current() const override {
+    return "device-" + std::to_string(++asked_);
+  }
+
+ private:
+  mutable int asked_ = 0;
+};
+
+TEST(EnrolmentTest, asksForTheDeviceIdentifierAtEveryCall) {
+  const ScopedFoundation foundation;
+  Container::common()->register_<DeviceIdentifier>(
+      std::shared_ptr<DeviceIdentifier>(std::make_shared<ChangingDeviceIdentifier>()));
+  const DeviceService devices(freshIdentity());
+  devices.activate(nullptr);
+  devices.activate(nullptr);
+  const auto requests = foundation.requestManager->questions();
+  ASSERT_EQ(requests.size(), 2U);
+  EXPECT_TRUE(requests[0].url.path().ends_with("/devices/device-1"));
+  EXPECT_TRUE(requests[1].url.path().ends_with("/devices/device-2"));
+}
+
+TEST(DeviceComposerTest, formsTheCollection) {
+  const DeviceComposer collection(DeviceComposer::Collection{});
+  EXPECT_EQ(collection.path("42"), "users/42/devices");
+  EXPECT_EQ(collection.query(), std::nullopt);
+}
+
+TEST(PushNotificationComposerTest, tellsTheApplication) {
+  const PushNotificationComposer composer("abc", "D1", 7);
+  EXPECT_EQ(composer.path("42"), "users/42/devices/D1");
+  EXPECT_EQ(composer.query(), "deviceToken=abc&appId=7");
+}
+
+class EnrolmentDeathTest : public DeathTest {};
+
+TEST_F(EnrolmentDeathTest, stopsWithoutADeviceIdentifier) {
+  const auto without = [](auto make) {
+    const ScopedFoundation foundation;
+    Container::common()->register_<DeviceIdentifier>(std::shared_ptr<DeviceIdentifier>());
+    make(freshIdentity());
+  };
+  constexpr const char* report =
+      "nothing is registered for orvane::DeviceIdentifier: file Container.Network, line 30";
+  EXPECT_DEATH(without([](const Identity& identity) { ActivationService{identity}; }), report);
+  EXPECT_DEATH(without([](const Identity& identity) { DeviceService{identity}; }), report);
+  EXPECT_DEATH(without([](const Identity& identity) { PushNotificationService{identity}; }),
+               report);
+}
+
+}  // namespace
+}  // namespace orvane
