@@ -12,12 +12,12 @@ namespace orvane {
 
 /// The current user's discount, in the backend's scale (percent, for example).
 struct ORVANE_EXPORT Discount {
-  std::optional<double> currentDiscount;
-  std::optional<double> projectedDiscount;
-  std::optional<double> discountRangeMin;
-  std::optional<double> discountRangeMax;
-  std::optional<double> projectedDiscountMinimum;
-  std::optional<double> projectedDiscountMaximum;
+  std::optional<double> currentDiscount{};
+  std::optional<double> projectedDiscount{};
+  std::optional<double> discountRangeMin{};
+  std::optional<double> discountRangeMax{};
+  std::optional<double> projectedDiscountMinimum{};
+  std::optional<double> projectedDiscountMaximum{};
 
   friend bool operator==(const Discount&, const Discount&) = default;
 };
@@ -42,9 +42,9 @@ struct ORVANE_EXPORT DiscountMetadata {
     friend bool operator==(const DiscountRange&, const DiscountRange&) = default;
   };
 
-  std::optional<std::vector<DiscountScore>> discountsForScores;
+  std::optional<std::vector<DiscountScore>> discountsForScores{};
   /// How much must be driven before a discount applies, in kilometres.
-  std::optional<double> minimumKmRequired;
+  std::optional<double> minimumKmRequired{};
 
   /// The scheme as ranges of scores, worked out anew by each call: the largest discount first, up
   /// to the largest finite double. Absent or empty where `discountsForScores` is.

@@ -16,12 +16,12 @@ namespace orvane {
 /// A driver's place on a leaderboard.
 struct ORVANE_EXPORT LeaderboardEntry {
   /// Always there in an entry that the backend sent.
-  std::optional<std::string> id;
+  std::optional<std::string> id{};
   /// Absent, too, when the backend sent a text that is no integer of 64 bits; likewise the points.
-  std::optional<std::int64_t> position;
-  std::optional<std::int64_t> points;
+  std::optional<std::int64_t> position{};
+  std::optional<std::int64_t> points{};
   /// The public profile of the driver.
-  Indirect<User> user;
+  Indirect<User> user{};
 
   friend bool operator==(const LeaderboardEntry&, const LeaderboardEntry&) = default;
 };
@@ -29,11 +29,11 @@ struct ORVANE_EXPORT LeaderboardEntry {
 /// The ranking of a day, and how the current user stands to it.
 struct ORVANE_EXPORT Leaderboard {
   /// Whether the current user agreed to appear on leaderboards.
-  std::optional<bool> isOptedIn;
-  std::optional<bool> isInLeaderboard;
+  std::optional<bool> isOptedIn{};
+  std::optional<bool> isInLeaderboard{};
   /// Whether the current user is among the best, as the backend counts them.
-  std::optional<bool> isInTop;
-  std::optional<std::vector<LeaderboardEntry>> entries;
+  std::optional<bool> isInTop{};
+  std::optional<std::vector<LeaderboardEntry>> entries{};
 
   friend bool operator==(const Leaderboard&, const Leaderboard&) = default;
 };

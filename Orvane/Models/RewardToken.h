@@ -12,7 +12,7 @@ namespace orvane {
 /// A JSON Web Token (RFC 7519) that opens the rewards for the current user. It is handed on as it
 /// came; nothing here looks inside. As JSON the record is one text, the token, and no object.
 struct ORVANE_EXPORT RewardToken {
-  std::optional<std::string> token;
+  std::optional<std::string> token{};
 
   friend bool operator==(const RewardToken&, const RewardToken&) = default;
 };

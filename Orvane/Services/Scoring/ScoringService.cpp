@@ -35,8 +35,10 @@ Result<ClosedRange<Date>> ScoringService::lastDays(std::uint64_t days) {
   }
   const Date now = currentDate();
   const std::optional<Date> from = addingDays(now, -static_cast<std::int64_t>(days));
-  if (!from) return LastDaysError{LastDaysError::Case::notInCalendar};
-  return ClosedRange(*from, now);
+  // A clock that shows no number makes no range, either.
+  const auto dates = from ? ClosedRange<Date>::make(*from, now) : std::nullopt;
+  if (!dates) return LastDaysError{LastDaysError::Case::notInCalendar};
+  return *dates;
 }
 
 RequestHandle ScoringService::dateRange(Date from, Date to,
