@@ -92,7 +92,7 @@ void Transfer::complete(Result<std::string> outcome) {
   MainQueue::main().wakeWaiters();
 }
 
-bool Transfer::prepare(std::unique_ptr<CurlEasy> easy) {
+std::optional<Error> Transfer::prepare(std::unique_ptr<CurlEasy> easy) {
   easy_ = std::move(easy);
   lines_ = headerLines();
   easy_->clearErrorText();
@@ -102,13 +102,15 @@ bool Transfer::prepare(std::unique_ptr<CurlEasy> easy) {
   easy_->set(CURLOPT_URL, request_.url.absoluteString().c_str());
   easy_->set(CURLOPT_HTTPHEADER, lines_.get());
   const std::string& proxy = loop_->options().proxy;
-  if (isOnThisMachine(request_.url)) {
+  if (request_.isForThisMachine) {
     easy_->set(CURLOPT_PROXY, "");
   } else {
     easy_->set(CURLOPT_PROXY, proxy.empty() ? nullptr : proxy.c_str());
   }
   setVerb();
-  return easy_->failure() == CURLE_OK;
+  const CURLcode code = easy_->failure();
+  if (code != CURLE_OK) return errorOf(code, {});
+  return std::nullopt;
 }
 
 Transfer::HeaderLines Transfer::headerLines() const {
@@ -151,11 +153,13 @@ bool Transfer::keep(const char* bytes, std::size_t count) {
   const bool isFirst = received_ == 0;
   received_ += count;
   if (isFirst) isRefused_ = !isSuccess(easy_->info<long>(CURLINFO_RESPONSE_CODE));
-  if (isRefused_) return received_ <= longestRefusal;
+  return isRefused_ ? received_ <= longestRefusal : take(bytes, count);
+}
 
+bool Transfer::take(const char* bytes, std::size_t count) {
   const std::size_t limit = loop_->options().maximumAnswerSize;
   const auto announced =
-      isFirst ? easy_->info<curl_off_t>(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T) : curl_off_t{0};
+      answer_.empty() ? easy_->info<curl_off_t>(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T) : curl_off_t{0};
   const std::size_t expected = announced > 0 ? static_cast<std::size_t>(announced) : 0;
   isTooLarge_ = received_ > limit || expected > limit;
   if (isTooLarge_) return false;
@@ -169,16 +173,21 @@ void Transfer::reserve(std::size_t count) {
   answer_.reserve(std::max(count + padding, 2 * answer_.capacity()));
 }
 
+std::optional<Error> Transfer::problem() const {
+  if (!isTooLarge_) return std::nullopt;
+  return TransportError(
+      TransportError::Kind::tooLarge,
+      "more than " + std::to_string(loop_->options().maximumAnswerSize) + " bytes");
+}
+
+Result<std::string> Transfer::taken() { return std::move(answer_); }
+
 Result<std::string> Transfer::outcome(CURLcode code) {
-  if (isTooLarge_) {
-    return TransportError(
-        TransportError::Kind::tooLarge,
-        "more than " + std::to_string(loop_->options().maximumAnswerSize) + " bytes");
-  }
+  if (auto error = problem()) return *std::move(error);
   if (code != CURLE_OK && !isRefused_) return errorOf(code, easy_->errorText());
   const auto status = easy_->info<long>(CURLINFO_RESPONSE_CODE);
   if (!isSuccess(status)) return NetworkError::invalidStatusCode(status, dateOf(easy_->get()));
-  return std::move(answer_);
+  return taken();
 }
 
 Exchange Transfer::exchange(const Result<std::string>& outcome, bool withSecrets) const {

@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -23,7 +24,8 @@ class TransferLoop;
 
 /// A request on its way, and its handle. Who calls or drops the handler is decided by one atomic
 /// transition, from pending to claimed or cancelled; everything else belongs to the loop's thread.
-class Transfer final : public Request, public std::enable_shared_from_this<Transfer> {
+/// The answer becomes a text, unless it is derived for another purpose.
+class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
  public:
   Transfer(std::shared_ptr<TransferLoop> loop, OutgoingRequest request,
            Completion<std::string> then)
@@ -39,8 +41,8 @@ class Transfer final : public Request, public std::enable_shared_from_this<Trans
     return state_.load(std::memory_order_acquire) == State::pending;
   }
 
-  /// Takes a handle and tells it what to send. False when it won't take it.
-  [[nodiscard]] bool prepare(std::unique_ptr<CurlEasy> easy);
+  /// Takes a handle and tells it what to send, or answers why that can't be.
+  [[nodiscard]] virtual std::optional<Error> prepare(std::unique_ptr<CurlEasy> easy);
 
   /// The handle, while it has one.
   [[nodiscard]] CurlEasy* easy() const noexcept { return easy_.get(); }
@@ -52,10 +54,21 @@ class Transfer final : public Request, public std::enable_shared_from_this<Trans
   [[nodiscard]] Exchange exchange(const Result<std::string>& outcome, bool withSecrets) const;
 
   /// Gives the handle back, and lets go of what was sent.
-  [[nodiscard]] std::unique_ptr<CurlEasy> release();
+  [[nodiscard]] virtual std::unique_ptr<CurlEasy> release();
 
   /// Its place among the loop's transfers.
   std::size_t index = 0;
+
+ protected:
+  /// What is sent; it may be changed until it is prepared.
+  [[nodiscard]] OutgoingRequest& request() noexcept { return request_; }
+
+  /// Takes the next bytes of a successful answer. False ends the transfer: see `problem`.
+  [[nodiscard]] virtual bool take(const char* bytes, std::size_t count);
+  /// Why `take` has answered false; absent when it has not.
+  [[nodiscard]] virtual std::optional<Error> problem() const;
+  /// What has been taken, the answer being complete.
+  [[nodiscard]] virtual Result<std::string> taken();
 
  private:
   enum class State : std::uint8_t { pending, claimed, finished, cancelled };

@@ -3,6 +3,7 @@
 #include <Orvane/Runtime/CurlErrors.h>
 #include <Orvane/Runtime/TransferLoop.h>
 #include <Orvane/Runtime/TransportError.h>
+#include <Orvane/Runtime/TransportProblems.h>
 
 #include <openssl/crypto.h>
 #include <signal.h>
@@ -56,6 +57,13 @@ void blockSignals() {
 }
 
 }  // namespace
+
+Result<std::shared_ptr<TransferLoop>> TransferLoop::make(TransportOptions options) {
+  if (auto problem = problemWith(options)) return *std::move(problem);
+  auto loop = std::make_shared<TransferLoop>(std::move(options));
+  if (loop->multi_ == nullptr) return ConfigurationError("libcurl can't be initialised");
+  return loop;
+}
 
 TransferLoop::TransferLoop(TransportOptions options)
     : options_(std::move(options)), multi_(makeMulti(options_)) {}
@@ -141,10 +149,13 @@ std::unique_ptr<CurlEasy> TransferLoop::takeEasy() {
 
 void TransferLoop::begin(const std::shared_ptr<Transfer>& transfer) {
   if (!transfer->isPending()) return;
-  if (!transfer->prepare(takeEasy()) ||
-      curl_multi_add_handle(multi_, transfer->easy()->get()) != CURLM_OK) {
+  std::optional<Error> error = transfer->prepare(takeEasy());
+  if (!error && curl_multi_add_handle(multi_, transfer->easy()->get()) != CURLM_OK) {
+    error = errorOf(CURLE_FAILED_INIT, {});
+  }
+  if (error) {
     transfer->release().reset();
-    transfer->complete(errorOf(CURLE_FAILED_INIT, {}));
+    transfer->complete(*std::move(error));
     return;
   }
   transfer->index = running_.size();

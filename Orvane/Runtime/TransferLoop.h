@@ -3,6 +3,7 @@
 // The thread that does all transfers of a request manager.
 #pragma once
 
+#include <Orvane/Platform/Result.h>
 #include <Orvane/Runtime/BoundedThread.h>
 #include <Orvane/Runtime/CurlRequestManager.h>
 #include <Orvane/Runtime/Transfer.h>
@@ -21,14 +22,15 @@ namespace orvane {
 /// and every request that refers to it, whatever becomes of the manager.
 class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
  public:
+  /// A loop, or the `ConfigurationError` that tells which option can't work. Starts no thread.
+  [[nodiscard]] static Result<std::shared_ptr<TransferLoop>> make(TransportOptions options);
+
   explicit TransferLoop(TransportOptions options);
   TransferLoop(const TransferLoop&) = delete;
   TransferLoop& operator=(const TransferLoop&) = delete;
   ~TransferLoop();
 
   [[nodiscard]] const TransportOptions& options() const noexcept { return options_; }
-  /// False when libcurl has no memory for it.
-  [[nodiscard]] bool isUsable() const noexcept { return multi_ != nullptr; }
 
   /// Takes a transfer over, starting the thread where it is not running. False once it has been
   /// shut down. Any thread.
