@@ -27,7 +27,7 @@ bool hasMediaType(const Request& request, std::string_view type) {
   return header && equalIgnoringCase(header->substr(0, header->find(';')), type);
 }
 
-void checkBody(const Route& route, const Request& request) {
+void checkBody(const Endpoint& route, const Request& request) {
   if (route.body == Body::none && !request.body.empty()) {
     throw badRequest("this resource takes no body");
   }
@@ -45,7 +45,7 @@ void checkBody(const Route& route, const Request& request) {
 
 }  // namespace
 
-void Router::add(Route route) {
+void Router::add(Endpoint route) {
   auto segments = split(route.path, '/');
   entries_.push_back({std::move(route), std::move(segments)});
 }

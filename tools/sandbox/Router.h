@@ -35,7 +35,7 @@ struct Call {
   [[nodiscard]] const std::string& capture(std::size_t index) const { return captures.at(index); }
 };
 
-struct Route {
+struct Endpoint {
   std::string_view method;
   std::string_view path;  // below the API root; {name} stands for one segment that is not empty
   std::function<Reply(Call&)> handle;
@@ -46,7 +46,7 @@ struct Route {
 
 class Router {
  public:
-  void add(Route route);
+  void add(Endpoint route);
 
   /// Answers a request whose path below the API root is given. Throws a `Problem` to refuse.
   [[nodiscard]] Reply dispatch(Backend& backend, const Request& request,
@@ -54,7 +54,7 @@ class Router {
 
  private:
   struct Entry {
-    Route route;
+    Endpoint route;
     std::vector<std::string_view> segments;
   };
   [[nodiscard]] const Entry* find(const Request& request, std::string_view path,
