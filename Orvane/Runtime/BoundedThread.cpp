@@ -42,6 +42,7 @@ bool BoundedThread::start(UniqueFunction<void()> body) {
       state->id = std::this_thread::get_id();
       body();
       body = nullptr;
+      state->id = std::thread::id();  // the next thread may get this one's
       state->setRunning(false);
     });
   } catch (const std::system_error&) {

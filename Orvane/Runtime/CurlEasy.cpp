@@ -29,7 +29,6 @@ CurlEasy::CurlEasy(const TransportOptions& options) : handle_(curl_easy_init()) 
   set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
   set(CURLOPT_ACCEPT_ENCODING, "");  // all that this libcurl can decompress
   set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
-  set(CURLOPT_PIPEWAIT, 1L);
   if (!options.userAgent.empty()) set(CURLOPT_USERAGENT, options.userAgent.c_str());
   setLimits(options);
   setTrust(options);

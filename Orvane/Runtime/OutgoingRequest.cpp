@@ -5,9 +5,11 @@
 #include <Orvane/Runtime/TransportError.h>
 
 #include <arpa/inet.h>
+#include <curl/curl.h>
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <string_view>
 
 namespace orvane {
@@ -45,16 +47,40 @@ bool isWellFormed(const Headers& headers, std::size_t bodySize) {
   });
 }
 
-bool hasUserInformation(const URL& url) {
-  std::string_view text = url.absoluteString();
-  const std::size_t start = text.find("//");
-  if (start == std::string_view::npos) return false;
-  text = text.substr(start + 2);
-  return text.substr(0, text.find_first_of("/?#")).find('@') != std::string_view::npos;
+// Where a URL leads. Read by libcurl itself, so that what is checked is what will be connected to.
+struct Destination {
+  std::string scheme;
+  std::string host;
+};
+
+std::string part(CURLU* url, CURLUPart which) {
+  char* text = nullptr;
+  if (curl_url_get(url, which, &text, 0) != CURLUE_OK) return {};
+  std::string copy(text);
+  curl_free(text);
+  return copy;
 }
 
-bool endsWith(std::string_view text, std::string_view end) {
-  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+// Absent for a URL that is relative, has no host, or holds a user's name.
+std::optional<Destination> destinationOf(const URL& url) {
+  if (url.host().empty()) return std::nullopt;  // libcurl would take one from the path
+  struct Cleanup {
+    void operator()(CURLU* handle) const noexcept { curl_url_cleanup(handle); }
+  };
+  constexpr unsigned flags = CURLU_NON_SUPPORT_SCHEME | CURLU_DISALLOW_USER | CURLU_PATH_AS_IS;
+  const std::unique_ptr<CURLU, Cleanup> handle(curl_url());
+  if (curl_url_set(handle.get(), CURLUPART_URL, url.absoluteString().c_str(), flags) != CURLUE_OK) {
+    return std::nullopt;
+  }
+  return Destination{part(handle.get(), CURLUPART_SCHEME), part(handle.get(), CURLUPART_HOST)};
+}
+
+bool isThisMachine(std::string host) {
+  std::transform(host.begin(), host.end(), host.begin(), lowerCase);
+  if (host == "localhost" || host.ends_with(".localhost")) return true;
+  std::array<unsigned char, sizeof(in6_addr)> address{};
+  if (inet_pton(AF_INET, host.c_str(), address.data()) == 1) return address[0] == 127;
+  return host == "[::1]";
 }
 
 }  // namespace
@@ -64,33 +90,20 @@ bool isHeader(const std::string& name, std::string_view expected) {
                     [](char given, char lower) { return lowerCase(given) == lower; });
 }
 
-bool isOnThisMachine(const URL& url) {
-  std::string host = url.host();
-  std::transform(host.begin(), host.end(), host.begin(), lowerCase);
-  if (host == "localhost" || endsWith(host, ".localhost")) return true;
-  std::array<unsigned char, sizeof(in6_addr)> address{};
-  if (inet_pton(AF_INET, host.c_str(), address.data()) == 1) return address[0] == 127;
-  if (inet_pton(AF_INET6, host.c_str(), address.data()) != 1) return false;
-  return address.back() == 1 && std::count(address.begin(), address.end(), 0) == 15;
-}
-
-std::optional<Error> refusal(const URL& url, bool allowsPlainHTTP) {
-  const std::string scheme = url.scheme();
-  if (scheme == "http") {
-    if (!allowsPlainHTTP && !isOnThisMachine(url)) {
-      return TransportError(TransportError::Kind::insecure,
-                            "http is for this machine only, unless the options allow it");
-    }
-  } else if (scheme != "https") {
+std::optional<Error> check(OutgoingRequest& request, bool allowsPlainHTTP) {
+  const auto destination = destinationOf(request.url);
+  if (!destination || !isWellFormed(request.headers, request.body.size())) {
+    return NetworkError::malformedRequest;
+  }
+  request.isForThisMachine = isThisMachine(destination->host);
+  request.isEncrypted = destination->scheme == "https";
+  if (request.isEncrypted) return std::nullopt;
+  if (destination->scheme != "http") {
     return TransportError(TransportError::Kind::insecure, "it must be https");
   }
-  if (url.host().empty() || hasUserInformation(url)) return NetworkError::malformedRequest;
-  return std::nullopt;
-}
-
-std::optional<Error> refusal(const OutgoingRequest& request, bool allowsPlainHTTP) {
-  if (!isWellFormed(request.headers, request.body.size())) return NetworkError::malformedRequest;
-  return refusal(request.url, allowsPlainHTTP);
+  if (allowsPlainHTTP || request.isForThisMachine) return std::nullopt;
+  return TransportError(TransportError::Kind::insecure,
+                        "http is for this machine only, unless the options allow it");
 }
 
 }  // namespace orvane

@@ -17,17 +17,16 @@ struct OutgoingRequest {
   URL url;
   std::string body;
   Headers headers;
+
+  // Known once the request has been checked:
+  /// The URL's scheme is https.
+  bool isEncrypted = false;
+  /// The URL's host is this machine: "localhost", a name below it (RFC 6761), 127.0.0.0/8 or ::1.
+  bool isForThisMachine = false;
 };
 
-/// True when the URL's host is this machine: "localhost", a name below it (RFC 6761), 127.0.0.0/8
-/// or ::1.
-[[nodiscard]] bool isOnThisMachine(const URL& url);
-
-/// Why a URL must not be sent to; absent when it may.
-[[nodiscard]] std::optional<Error> refusal(const URL& url, bool allowsPlainHTTP);
-
-/// Why a request must not be sent; absent when it may.
-[[nodiscard]] std::optional<Error> refusal(const OutgoingRequest& request, bool allowsPlainHTTP);
+/// Checks a request. Answers why it must not be sent; absent when it may.
+[[nodiscard]] std::optional<Error> check(OutgoingRequest& request, bool allowsPlainHTTP);
 
 /// True when the header `name` is `expected` (in lower case): names have no case (RFC 9110).
 [[nodiscard]] bool isHeader(const std::string& name, std::string_view expected);

@@ -101,6 +101,9 @@ std::optional<Error> Transfer::prepare(std::unique_ptr<CurlEasy> easy) {
   easy_->set(CURLOPT_WRITEFUNCTION, &Transfer::receive);
   easy_->set(CURLOPT_URL, request_.url.absoluteString().c_str());
   easy_->set(CURLOPT_HTTPHEADER, lines_.get());
+  // Whether a connection can carry several requests is known after the handshake. Without one it
+  // is known after the first answer, and waiting for that would be waiting for its server.
+  easy_->set(CURLOPT_PIPEWAIT, request_.isEncrypted ? 1L : 0L);
   const std::string& proxy = loop_->options().proxy;
   if (request_.isForThisMachine) {
     easy_->set(CURLOPT_PROXY, "");

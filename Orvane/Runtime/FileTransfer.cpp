@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Runtime/CurlErrors.h>
+#include <Orvane/Runtime/FileTransfer.h>
+#include <Orvane/Runtime/TransportError.h>
+
+#include <charconv>
+#include <string_view>
+#include <utility>
+
+namespace orvane {
+namespace {
+
+constexpr long ok = 200;
+constexpr long partialContent = 206;
+constexpr long rangeNotSatisfiable = 416;
+
+TransportError protocolError(const char* details) {
+  return TransportError(TransportError::Kind::protocol, details);
+}
+
+std::string headerOf(const CurlEasy& easy, const char* name) {
+  curl_header* header = nullptr;
+  const CURLHcode code = curl_easy_header(easy.get(), name, 0, CURLH_HEADER, -1, &header);
+  return code == CURLHE_OK ? header->value : std::string();
+}
+
+// RFC 9110, section 8.8.2.2: a time is a strong validator once nothing can have changed within it.
+bool isStrong(const std::string& lastModified, const std::string& date) {
+  constexpr std::time_t safety = 60;
+  const std::time_t modified = curl_getdate(lastModified.c_str(), nullptr);
+  const std::time_t sent = curl_getdate(date.c_str(), nullptr);
+  return modified != -1 && sent != -1 && sent - modified >= safety;
+}
+
+// What tells this state of the file from others, for "If-Range" (RFC 9110, section 13.1.5); empty
+// where the server tells nothing that will do.
+std::string validatorIn(const CurlEasy& easy) {
+  if (std::string tag = headerOf(easy, "ETag"); !tag.empty()) {
+    return tag.starts_with('"') ? tag : std::string();
+  }
+  std::string modified = headerOf(easy, "Last-Modified");
+  return isStrong(modified, headerOf(easy, "Date")) ? modified : std::string();
+}
+
+// RFC 9110, section 14.4: "bytes 500-999/1234", or "*" for an unknown length.
+struct ContentRange {
+  std::int64_t first;
+  std::int64_t last;
+  std::optional<std::int64_t> total;
+};
+
+std::optional<std::int64_t> takeNumber(std::string_view& text) {
+  std::int64_t number = 0;
+  const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (failure != std::errc() || number < 0) return std::nullopt;
+  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+  return number;
+}
+
+bool takeText(std::string_view& text, std::string_view expected) {
+  if (!text.starts_with(expected)) return false;
+  text.remove_prefix(expected.size());
+  return true;
+}
+
+std::optional<ContentRange> contentRange(std::string_view text) {
+  if (!takeText(text, "bytes ")) return std::nullopt;
+  const auto first = takeNumber(text);
+  if (!first || !takeText(text, "-")) return std::nullopt;
+  const auto last = takeNumber(text);
+  if (!last || !takeText(text, "/")) return std::nullopt;
+  if (text == "*") return ContentRange{*first, *last, std::nullopt};
+  const auto total = takeNumber(text);
+  if (!total || !text.empty()) return std::nullopt;
+  return ContentRange{*first, *last, total};
+}
+
+Completion<std::string> withoutText(Completion<Unit> then) {
+  return [then = std::move(then)](Result<std::string> outcome) mutable {
+    if (outcome.value()) return then(Unit{});
+    then(*std::move(outcome).error());
+  };
+}
+
+}  // namespace
+
+FileTransfer::FileTransfer(std::shared_ptr<TransferLoop> loop, URL url, std::string path,
+                           DownloadProgressHandler progress, Completion<Unit> then)
+    : Transfer(std::move(loop), {Verb::get, std::move(url), {}, {}}, withoutText(std::move(then))),
+      path_(std::move(path)),
+      progress_(std::move(progress)) {}
+
+std::optional<Error> FileTransfer::prepare(std::unique_ptr<CurlEasy> easy) {
+  auto file = PartialFile::open(path_, request().url);
+  if (!file.value()) return file.error();
+  file_ = *std::move(file).value();
+  // Ranges count the bytes of the file; compressed ones would be others.
+  request().headers = {{"Accept-Encoding", "identity"}};
+  easy->set(CURLOPT_ACCEPT_ENCODING, nullptr);
+  if (file_->size() > 0 && !file_->validator().empty()) {
+    request().headers.emplace("Range", "bytes=" + std::to_string(file_->size()) + "-");
+    request().headers.emplace("If-Range", file_->validator());
+  }
+  return Transfer::prepare(std::move(easy));
+}
+
+std::optional<Error> FileTransfer::begin() {
+  hasBegun_ = true;
+  const std::string encoding = headerOf(*easy(), "Content-Encoding");
+  if (!encoding.empty() && encoding != "identity") {
+    return protocolError("the file comes compressed, unasked");
+  }
+  switch (easy()->info<long>(CURLINFO_RESPONSE_CODE)) {
+    case ok:
+      return beginWhole();
+    case partialContent:
+      return beginRest();
+    default:
+      return protocolError("the answer is no file");
+  }
+}
+
+std::optional<Error> FileTransfer::beginWhole() {
+  const auto length = easy()->info<curl_off_t>(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
+  if (length >= 0) total_ = length;
+  return file_->restart(validatorIn(*easy()));
+}
+
+std::optional<Error> FileTransfer::beginRest() {
+  const auto range = contentRange(headerOf(*easy(), "Content-Range"));
+  if (!range || range->first != file_->size() || !request().headers.contains("Range")) {
+    return protocolError("the answer is not the part that was asked for");
+  }
+  total_ = range->total;
+  return std::nullopt;
+}
+
+bool FileTransfer::take(const char* bytes, std::size_t count) {
+  if (!hasBegun_) problem_ = begin();
+  if (!problem_) problem_ = file_->append({bytes, count});
+  if (problem_) return false;
+  if (isPending()) progress_({.received = file_->size(), .total = total_});
+  return true;
+}
+
+Result<std::string> FileTransfer::taken() {
+  if (!hasBegun_) problem_ = begin();
+  if (!problem_) problem_ = finish();
+  if (problem_) return *problem_;
+  return std::string();
+}
+
+std::optional<Error> FileTransfer::finish() {
+  if (total_ && *total_ != file_->size()) {
+    return TransportError(TransportError::Kind::cutOff, "a part of the file is missing");
+  }
+  // A cancelled download leaves the former file in its place; what is here serves the next one.
+  if (!isPending()) return std::nullopt;
+  return file_->complete();
+}
+
+std::unique_ptr<CurlEasy> FileTransfer::release() {
+  if (file_) {
+    const bool isOf = easy() != nullptr;
+    const long status = isOf ? easy()->info<long>(CURLINFO_RESPONSE_CODE) : 0;
+    if (file_->validator().empty() || status == rangeNotSatisfiable) file_->discard();
+    file_.reset();
+  }
+  progress_ = nullptr;
+  return Transfer::release();
+}
+
+}  // namespace orvane

@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: Apache-2.0
+// The end of a transport: asked for, forced, and from inside.
+#include "tests/runtime/support/Calls.h"
+#include "tests/runtime/support/TestServer.h"
+#include "tests/support/Outcome.h"
+#include <Orvane/Runtime/TransportError.h>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+namespace orvane {
+namespace {
+
+using std::chrono_literals::operator""ms;
+using std::chrono_literals::operator""s;
+
+const Error shutDown = TransportError(TransportError::Kind::cancelled);
+
+// Tells when so many requests have arrived, and answers none of them.
+class SilentServer {
+ public:
+  explicit SilentServer(int expected) : missing_(expected) {}
+
+  void waitForRequests() { all_.get_future().wait(); }
+  [[nodiscard]] std::string url() const { return server_.url(); }
+
+ private:
+  std::atomic<int> missing_;
+  std::promise<void> all_;
+  const TestServer server_{[this](ServerConnection& connection, const ReceivedRequest&) {
+    if (--missing_ == 0) all_.set_value();
+    connection.waitUntilClosed();
+  }};
+};
+
+std::string echo(const ReceivedRequest& request) { return request.target(); }
+
+TestServer::Handler echoing() {
+  return [](ServerConnection& connection, const ReceivedRequest& request) {
+    connection.answer(200, echo(request));
+  };
+}
+
+TEST(ShutdownTest, AnswersWhatIsPending) {
+  SilentServer server(2);
+  const auto manager = managerWith({.maximumConnectionsPerHost = 2});
+  std::vector<std::future<Result<std::string>>> results;
+  // The last ones wait for a connection.
+  for (int i = 0; i < 5; ++i) results.push_back(start(*manager, Verb::post, server.url(), "x"));
+  server.waitForRequests();
+  EXPECT_TRUE(manager->shutdown(30s));
+  for (auto& result : results) {
+    ASSERT_EQ(result.wait_for(0s), std::future_status::ready);
+    EXPECT_EQ(result.get(), shutDown);
+  }
+  EXPECT_EQ(get(*manager, server.url()), shutDown) << "requests that come later";
+  EXPECT_TRUE(manager->shutdown(0ms)) << "once more changes nothing";
+}
+
+TEST(ShutdownTest, NeedsNoRequestBefore) { EXPECT_TRUE(managerWith({})->shutdown(0ms)); }
+
+TEST(ShutdownTest, WaitsNoLongerThanItIsTold) {
+  const TestServer server(echoing());
+  const auto manager = managerWith({});
+  std::promise<void> entered;
+  std::promise<void> gate;
+  const RequestHandle request =
+      manager->get(*URL::parse(server.url()), {}, [&](Result<std::string>) {
+        entered.set_value();
+        gate.get_future().wait();
+      });
+  entered.get_future().wait();
+  EXPECT_FALSE(manager->shutdown(10ms));
+  gate.set_value();
+  EXPECT_TRUE(manager->shutdown(30s));
+  EXPECT_TRUE(request->isFinished());
+}
+
+TEST(ShutdownTest, WorksFromAHandlerAndFromSeveralThreadsAtOnce) {
+  const TestServer server(echoing());
+  const auto manager = managerWith({});
+  std::promise<bool> inside;
+  manager->get(*URL::parse(server.url()), {},
+               [&](Result<std::string>) { inside.set_value(manager->shutdown(30s)); });
+  EXPECT_FALSE(inside.get_future().get()) << "the thread cannot wait for itself";
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) threads.emplace_back([&] { EXPECT_TRUE(manager->shutdown(30s)); });
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST(ShutdownTest, LetsAHandlerDropTheManager) {
+  const TestServer server(echoing());
+  for (int i = 0; i < 20; ++i) {
+    auto manager = managerWith({});
+    CurlRequestManager& reference = *manager;
+    std::promise<void> dropped;
+    // Another request is pending when the manager goes.
+    SilentServer silent(1);
+    auto pending = start(reference, Verb::get, silent.url());
+    silent.waitForRequests();
+    reference.get(*URL::parse(server.url()), {},
+                  [&dropped, last = std::move(manager)](Result<std::string> result) mutable {
+                    EXPECT_EQ(result, std::string("/"));
+                    last.reset();
+                    dropped.set_value();
+                  });
+    dropped.get_future().wait();
+    EXPECT_EQ(pending.get(), shutDown);
+  }
+}
+
+TEST(ShutdownTest, LetsCancellationDropTheManager) {
+  SilentServer server(1);
+  auto manager = managerWith({});
+  CurlRequestManager& reference = *manager;
+  const RequestHandle request = reference.get(*URL::parse(server.url()), {},
+                                              [last = std::move(manager)](Result<std::string>) {});
+  server.waitForRequests();
+  EXPECT_TRUE(request->cancel());
+}
+
+TEST(ShutdownTest, HandlesOutliveTheManager) {
+  SilentServer server(1);
+  const Outcome<std::string> outcome;
+  auto manager = managerWith({});
+  const RequestHandle request = manager->get(*URL::parse(server.url()), {}, outcome.handler());
+  server.waitForRequests();
+  manager.reset();
+  EXPECT_EQ(outcome.result(), shutDown);
+  EXPECT_TRUE(request->isFinished());
+  EXPECT_FALSE(request->cancel());
+}
+
+// Threads that come and go with their managers, while requests are started and cancelled.
+TEST(ShutdownTest, MayComeAtAnyMoment) {
+  const TestServer server(echoing());
+  for (int round = 0; round < 50; ++round) {
+    auto manager = managerWith({});
+    std::vector<std::future<Result<std::string>>> results;
+    std::thread starting([&] {
+      for (int i = 0; i < 20; ++i) results.push_back(start(*manager, Verb::get, server.url()));
+    });
+    EXPECT_TRUE(manager->shutdown(30s));
+    starting.join();
+    for (auto& result : results) {
+      const auto outcome = result.get();
+      EXPECT_TRUE(outcome == shutDown || outcome == std::string("/")) << outcome.error()->message();
+    }
+  }
+}
+
+}  // namespace
+}  // namespace orvane

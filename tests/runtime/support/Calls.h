@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+// What tests of the transport have in common.
+#pragma once
+
+#include "tests/support/Printing.h"
+#include <Orvane/Common/RequestManager.h>
+#include <Orvane/Runtime/CurlRequestManager.h>
+
+#include <chrono>
+#include <future>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace orvane {
+
+/// A manager that must be possible.
+[[nodiscard]] inline std::shared_ptr<CurlRequestManager> managerWith(TransportOptions options) {
+  return CurlRequestManager::make(std::move(options)).value().value();
+}
+
+/// The outcome of a request, when it is there.
+[[nodiscard]] inline std::future<Result<std::string>> start(RequestManager& manager, Verb verb,
+                                                            const std::string& url,
+                                                            std::string body = {},
+                                                            Headers headers = {}) {
+  std::promise<Result<std::string>> promise;
+  auto future = promise.get_future();
+  manager.send(verb, *URL::parse(url), std::move(body), std::move(headers),
+               [promise = std::move(promise)](Result<std::string> result) mutable {
+                 promise.set_value(std::move(result));
+               });
+  return future;
+}
+
+/// Sends a request and waits for what comes of it.
+[[nodiscard]] inline Result<std::string> await(RequestManager& manager, Verb verb,
+                                               const std::string& url, std::string body = {},
+                                               Headers headers = {}) {
+  return start(manager, verb, url, std::move(body), std::move(headers)).get();
+}
+
+[[nodiscard]] inline Result<std::string> get(RequestManager& manager, const std::string& url) {
+  return await(manager, Verb::get, url);
+}
+
+}  // namespace orvane

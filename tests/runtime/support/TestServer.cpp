@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/runtime/support/TestServer.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <openssl/ssl.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <sstream>
+#include <stdexcept>
+
+namespace orvane {
+namespace {
+
+std::shared_ptr<SSL_CTX> contextWith(const Credentials& credentials) {
+  std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), &SSL_CTX_free);
+  SSL_CTX_use_certificate(context.get(), credentials.certificate.get());
+  SSL_CTX_use_PrivateKey(context.get(), credentials.key.get());
+  return context;
+}
+
+// Writing to a connection that the client has closed is no reason to die.
+void ignoreBrokenPipes() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGPIPE);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
+
+std::size_t announcedLength(std::string head) {
+  std::transform(head.begin(), head.end(), head.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  constexpr std::string_view name = "\r\ncontent-length:";
+  const std::size_t place = head.find(name);
+  return place == std::string::npos ? 0 : std::stoul(head.substr(place + name.size()));
+}
+
+}  // namespace
+
+std::string ReceivedRequest::word(int place) const {
+  std::istringstream line(head);
+  std::string word;
+  for (int i = 0; i <= place; ++i) line >> word;
+  return word;
+}
+
+ServerConnection::ServerConnection(int socket, SSL_CTX* context)
+    : socket_(socket), tls_(context != nullptr ? SSL_new(context) : nullptr, &SSL_free) {
+  const int on = 1;
+  ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+  if (tls_) {
+    SSL_set_fd(tls_.get(), socket);
+    SSL_set_accept_state(tls_.get());
+  }
+}
+
+ServerConnection::~ServerConnection() { ::close(socket_); }
+
+bool ServerConnection::fill() {
+  std::array<char, 16384> bytes;  // NOLINT(cppcoreguidelines-pro-type-member-init)
+  const auto count = tls_ ? SSL_read(tls_.get(), bytes.data(), static_cast<int>(bytes.size()))
+                          : ::recv(socket_, bytes.data(), bytes.size(), 0);
+  if (count <= 0) {
+    isOpen_ = false;
+    return false;
+  }
+  buffer_.append(bytes.data(), static_cast<std::size_t>(count));
+  return true;
+}
+
+std::optional<ReceivedRequest> ServerConnection::receive() {
+  std::size_t end = 0;
+  while ((end = buffer_.find("\r\n\r\n")) == std::string::npos) {
+    if (!isOpen_ || !fill()) return std::nullopt;
+  }
+  ReceivedRequest request;
+  request.head = buffer_.substr(0, end);
+  const std::size_t length = announcedLength(request.head);
+  while (buffer_.size() < end + 4 + length) {
+    if (!fill()) return std::nullopt;
+  }
+  request.body = buffer_.substr(end + 4, length);
+  buffer_.erase(0, end + 4 + length);
+  return request;
+}
+
+bool ServerConnection::send(std::string_view bytes) {
+  while (isOpen_ && !bytes.empty()) {
+    const auto count = tls_ ? SSL_write(tls_.get(), bytes.data(), static_cast<int>(bytes.size()))
+                            : ::send(socket_, bytes.data(), bytes.size(), 0);
+    if (count <= 0) isOpen_ = false;
+    bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
+  }
+  return isOpen_;
+}
+
+void ServerConnection::answer(int status, std::string_view body, std::string_view headers) {
+  std::string text = "HTTP/1.1 " + std::to_string(status) +
+                     " Status\r\nContent-Length: " + std::to_string(body.size()) + "\r\n";
+  text.append(headers).append("\r\n").append(body);
+  send(text);
+}
+
+void ServerConnection::waitUntilClosed() {
+  while (isOpen_ && fill()) buffer_.clear();
+}
+
+void ServerConnection::cut() {
+  isOpen_ = false;
+  interrupt();
+}
+
+void ServerConnection::interrupt() const { ::shutdown(socket_, SHUT_RDWR); }
+
+TestServer::TestServer(Handler handler, std::optional<Credentials> credentials)
+    : handler_(std::move(handler)),
+      context_(credentials ? contextWith(*credentials) : nullptr),
+      listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  auto* generic = reinterpret_cast<sockaddr*>(&address);
+  socklen_t size = sizeof address;
+  if (::bind(listener_, generic, size) != 0 || ::listen(listener_, 128) != 0 ||
+      ::getsockname(listener_, generic, &size) != 0) {
+    throw std::runtime_error("no loopback interface");
+  }
+  port_ = ntohs(address.sin_port);
+  acceptor_ = std::thread([this] { accept(); });
+}
+
+TestServer::~TestServer() {
+  {
+    const std::scoped_lock lock(mutex_);
+    isStopping_ = true;
+    for (const auto& connection : connections_) connection->interrupt();
+  }
+  ::shutdown(listener_, SHUT_RDWR);
+  acceptor_.join();
+  for (std::thread& thread : threads_) thread.join();
+  ::close(listener_);
+}
+
+std::string TestServer::url(std::string_view target) const {
+  return (context_ ? "https://127.0.0.1:" : "http://127.0.0.1:") + std::to_string(port_) +
+         std::string(target);
+}
+
+std::size_t TestServer::connectionCount() const {
+  const std::scoped_lock lock(mutex_);
+  return connections_.size();
+}
+
+void TestServer::accept() {
+  while (true) {
+    const int socket = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+    const std::scoped_lock lock(mutex_);
+    if (isStopping_ || socket < 0) {
+      if (socket >= 0) ::close(socket);
+      return;
+    }
+    const std::size_t number = connections_.size();
+    auto connection = std::make_shared<ServerConnection>(socket, context_.get());
+    connections_.push_back(connection);
+    threads_.emplace_back([this, connection, number] { serve(*connection, number); });
+  }
+}
+
+void TestServer::serve(ServerConnection& connection, std::size_t number) {
+  ignoreBrokenPipes();
+  while (auto request = connection.receive()) {
+    request->connection = number;
+    handler_(connection, *request);
+  }
+  connection.cut();
+}
+
+}  // namespace orvane

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+// A server on the loopback interface that answers, or misbehaves, byte by byte as a test wants it.
+#pragma once
+
+#include "tests/runtime/support/Certificates.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
+#include <vector>
+
+using SSL = struct ssl_st;
+using SSL_CTX = struct ssl_ctx_st;
+
+namespace orvane {
+
+/// A request as it came in.
+struct ReceivedRequest {
+  /// The request line and the headers, as received but for the empty line.
+  std::string head;
+  std::string body;
+  /// The place among the connections of the server, from 0.
+  std::size_t connection = 0;
+
+  [[nodiscard]] std::string method() const { return word(0); }
+  [[nodiscard]] std::string target() const { return word(1); }
+
+ private:
+  [[nodiscard]] std::string word(int place) const;
+};
+
+/// The server's end of a connection.
+class ServerConnection {
+ public:
+  ServerConnection(int socket, SSL_CTX* context);
+  ~ServerConnection();
+  ServerConnection(const ServerConnection&) = delete;
+  ServerConnection& operator=(const ServerConnection&) = delete;
+
+  /// The next request; absent when the client has closed the connection.
+  [[nodiscard]] std::optional<ReceivedRequest> receive();
+  /// Sends bytes as they are. False when nobody takes them any more.
+  bool send(std::string_view bytes);
+  /// A whole answer, its length included.
+  void answer(int status, std::string_view body, std::string_view headers = {});
+  /// Reads until the client closes the connection.
+  void waitUntilClosed();
+  /// Closes without a farewell.
+  void cut();
+  /// Makes whatever waits for the client return.
+  void interrupt() const;
+
+ private:
+  /// Reads more into the buffer; false at the end.
+  bool fill();
+
+  const int socket_;
+  std::unique_ptr<SSL, void (*)(SSL*)> tls_;
+  std::string buffer_;
+  bool isOpen_ = true;
+};
+
+/// Accepts connections and serves each on a thread of its own.
+class TestServer {
+ public:
+  /// Answers one request. Called on the threads of the connections.
+  using Handler = std::function<void(ServerConnection&, const ReceivedRequest&)>;
+
+  /// Without credentials it speaks plain HTTP.
+  explicit TestServer(Handler handler, std::optional<Credentials> credentials = {});
+  /// Cuts all connections and waits for their threads.
+  ~TestServer();
+  TestServer(const TestServer&) = delete;
+  TestServer& operator=(const TestServer&) = delete;
+
+  /// The address of a resource: "/path?query" on this server.
+  [[nodiscard]] std::string url(std::string_view target = "/") const;
+  [[nodiscard]] std::uint16_t port() const noexcept { return port_; }
+  [[nodiscard]] std::size_t connectionCount() const;
+
+ private:
+  void accept();
+  void serve(ServerConnection& connection, std::size_t number);
+
+  const Handler handler_;
+  std::shared_ptr<SSL_CTX> context_;
+  int listener_ = -1;
+  std::uint16_t port_ = 0;
+  mutable std::mutex mutex_;
+  bool isStopping_ = false;
+  std::vector<std::shared_ptr<ServerConnection>> connections_;
+  std::vector<std::thread> threads_;
+  std::thread acceptor_;
+};
+
+}  // namespace orvane
