@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Platform/Calendar.h>
-#include <Orvane/Platform/OneOf.h>
 #include <Orvane/Platform/Text.h>
 #include <Orvane/Services/Scoring/ScoringComposer.h>
 
@@ -78,20 +77,17 @@ std::optional<std::string> ScoringAverageComposer::query() const {
 }
 
 std::string ScoringVehicleComposer::path(std::string_view userID) const {
-  const auto path = Overloaded{
-      [&](const Trip& trip) {
-        // Without the expansion an empty item stays between the two ampersands.
-        return concatenated({"vehicles/", trip.vehicleId,
-                             "/trips?limit=", std::to_string(trip.vehicleTripsLimit), "&",
-                             trip.shouldExpandScores ? "expand=scores" : "", "&user=", userID});
-      },
-      [](const AverageScoring& scoring) {
-        return concatenated({"vehicles/", scoring.vehicleId, "/averageScores"});
-      },
-      [](const AggregateScoring& scoring) {
-        return concatenated({"vehicles/", scoring.vehicleId, "/statisticScores"});
-      }};
-  return std::visit(path, requestType);
+  if (const auto* trip = std::get_if<Trip>(&requestType)) {
+    // Without the expansion an empty item stays between the two ampersands.
+    return concatenated({"vehicles/", trip->vehicleId,
+                         "/trips?limit=", std::to_string(trip->vehicleTripsLimit), "&",
+                         trip->shouldExpandScores ? "expand=scores" : "", "&user=", userID});
+  }
+  if (const auto* average = std::get_if<AverageScoring>(&requestType)) {
+    return concatenated({"vehicles/", average->vehicleId, "/averageScores"});
+  }
+  const auto& aggregate = std::get<AggregateScoring>(requestType);
+  return concatenated({"vehicles/", aggregate.vehicleId, "/statisticScores"});
 }
 
 std::optional<std::string> ScoringVehicleComposer::query() const {

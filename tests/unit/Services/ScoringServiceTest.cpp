@@ -259,7 +259,7 @@ TEST_F(ScoringServiceTest, tellsWhyThereIsNoSuchPeriod) {
               Result<ClosedRange<Date>>(LastDaysError{row.kind}))
         << row.days;
   }
-  const ScopedCurrentDateOffset broken(Seconds(std::numeric_limits<double>::quiet_NaN()));
+  const ScopedCurrentDateOffset broken{Seconds(std::numeric_limits<double>::quiet_NaN())};
   EXPECT_EQ(ScoringService::lastDays(7), Result<ClosedRange<Date>>(LastDaysError{notInCalendar}));
 }
 
