@@ -14,6 +14,10 @@ constexpr long ok = 200;
 constexpr long partialContent = 206;
 constexpr long rangeNotSatisfiable = 416;
 
+// Where to go on: at the last byte that is there, once more. So there is always something to ask
+// for, even when the whole file is there already.
+std::int64_t continuation(const PartialFile& file) { return file.size() - 1; }
+
 TransportError protocolError(const char* details) {
   return TransportError(TransportError::Kind::protocol, details);
 }
@@ -84,9 +88,10 @@ Completion<std::string> withoutText(Completion<Unit> then) {
 
 }  // namespace
 
-FileTransfer::FileTransfer(std::shared_ptr<TransferLoop> loop, URL url, std::string path,
-                           DownloadProgressHandler progress, Completion<Unit> then)
-    : Transfer(std::move(loop), {Verb::get, std::move(url), {}, {}}, withoutText(std::move(then))),
+FileTransfer::FileTransfer(std::shared_ptr<TransferLoop> loop, OutgoingRequest request,
+                           std::string path, DownloadProgressHandler progress,
+                           Completion<Unit> then)
+    : Transfer(std::move(loop), std::move(request), withoutText(std::move(then))),
       path_(std::move(path)),
       progress_(std::move(progress)) {}
 
@@ -98,7 +103,7 @@ std::optional<Error> FileTransfer::prepare(std::unique_ptr<CurlEasy> easy) {
   request().headers = {{"Accept-Encoding", "identity"}};
   easy->set(CURLOPT_ACCEPT_ENCODING, nullptr);
   if (file_->size() > 0 && !file_->validator().empty()) {
-    request().headers.emplace("Range", "bytes=" + std::to_string(file_->size()) + "-");
+    request().headers.emplace("Range", "bytes=" + std::to_string(continuation(*file_)) + "-");
     request().headers.emplace("If-Range", file_->validator());
   }
   return Transfer::prepare(std::move(easy));
@@ -128,11 +133,12 @@ std::optional<Error> FileTransfer::beginWhole() {
 
 std::optional<Error> FileTransfer::beginRest() {
   const auto range = contentRange(headerOf(*easy(), "Content-Range"));
-  if (!range || range->first != file_->size() || !request().headers.contains("Range")) {
+  if (!range || range->first != continuation(*file_) || !request().headers.contains("Range")) {
+    file_->discard();
     return protocolError("the answer is not the part that was asked for");
   }
   total_ = range->total;
-  return std::nullopt;
+  return file_->shorten(range->first);
 }
 
 bool FileTransfer::take(const char* bytes, std::size_t count) {
@@ -154,15 +160,12 @@ std::optional<Error> FileTransfer::finish() {
   if (total_ && *total_ != file_->size()) {
     return TransportError(TransportError::Kind::cutOff, "a part of the file is missing");
   }
-  // A cancelled download leaves the former file in its place; what is here serves the next one.
-  if (!isPending()) return std::nullopt;
   return file_->complete();
 }
 
 std::unique_ptr<CurlEasy> FileTransfer::release() {
   if (file_) {
-    const bool isOf = easy() != nullptr;
-    const long status = isOf ? easy()->info<long>(CURLINFO_RESPONSE_CODE) : 0;
+    const auto status = easy() != nullptr ? easy()->info<long>(CURLINFO_RESPONSE_CODE) : 0L;
     if (file_->validator().empty() || status == rangeNotSatisfiable) file_->discard();
     file_.reset();
   }

@@ -18,7 +18,7 @@ namespace orvane {
 /// outcome is an empty text.
 class FileTransfer final : public Transfer {
  public:
-  FileTransfer(std::shared_ptr<TransferLoop> loop, URL url, std::string path,
+  FileTransfer(std::shared_ptr<TransferLoop> loop, OutgoingRequest request, std::string path,
                DownloadProgressHandler progress, Completion<Unit> then);
 
   [[nodiscard]] std::optional<Error> prepare(std::unique_ptr<CurlEasy> easy) override;

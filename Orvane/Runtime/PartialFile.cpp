@@ -23,14 +23,14 @@ DownloadError fileError(int code) {
 }
 
 // URLs of stores carry signatures, which do not belong on a disk.
-std::string hashOf(const std::string& text) {
+std::string sha256Of(const std::string& text) {
   std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
   unsigned size = 0;
   EVP_Digest(text.data(), text.size(), digest.data(), &size, EVP_sha256(), nullptr);
   static constexpr std::string_view digits = "0123456789abcdef";
   std::string hash;
-  for (const unsigned char byte : std::string_view(
-           static_cast<const char*>(static_cast<const void*>(digest.data())), size)) {
+  for (unsigned place = 0; place < size; ++place) {
+    const unsigned byte = digest[place];
     hash += digits[byte >> 4U];
     hash += digits[byte & 0xFU];
   }
@@ -54,9 +54,8 @@ void syncFolder(const std::string& target) {
 }  // namespace
 
 std::string DownloadError::message() const {
-  const std::string text = kind_ == Kind::file
-                               ? "the file can't be written"
-                               : "another download to the same file is under way";
+  const std::string text = kind_ == Kind::file ? "the file can't be written"
+                                               : "another download to the same file is under way";
   return message_.empty() ? text : text + ": " + message_;
 }
 
@@ -68,7 +67,7 @@ Result<std::shared_ptr<PartialFile>> PartialFile::open(std::string target, const
 }
 
 PartialFile::PartialFile(std::string target, const URL& source)
-    : target_(std::move(target)), sourceHash_(hashOf(source.absoluteString())) {}
+    : target_(std::move(target)), sourceHash_(sha256Of(source.absoluteString())) {}
 
 PartialFile::~PartialFile() {
   if (descriptor_ >= 0) ::close(descriptor_);
@@ -76,7 +75,8 @@ PartialFile::~PartialFile() {
 
 std::optional<DownloadError> PartialFile::lock() {
   while (true) {
-    descriptor_ = ::open(path().c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW, 0644);
+    descriptor_ =
+        ::open(path().c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW, 0644);
     if (descriptor_ < 0) return fileError(errno);
     if (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
       return DownloadError(DownloadError::Kind::busy);
@@ -116,13 +116,18 @@ bool PartialFile::writeNote() const {
 std::optional<DownloadError> PartialFile::restart(std::string validator) {
   // The former note goes first, so that it is never taken for that of other bytes.
   ::unlink(notePath().c_str());
-  if (::ftruncate(descriptor_, 0) != 0) return fileError(errno);
-  size_ = 0;
+  if (auto error = shorten(0)) return error;
   validator_ = isPrintable(validator) ? std::move(validator) : std::string();
   if (!validator_.empty() && !writeNote()) {
     ::unlink(notePath().c_str());
     validator_.clear();
   }
+  return std::nullopt;
+}
+
+std::optional<DownloadError> PartialFile::shorten(std::int64_t size) {
+  if (::ftruncate(descriptor_, size) != 0) return fileError(errno);
+  size_ = size;
   return std::nullopt;
 }
 
@@ -141,12 +146,14 @@ std::optional<DownloadError> PartialFile::complete() {
   if (::fsync(descriptor_) != 0 || std::rename(path().c_str(), target_.c_str()) != 0) {
     return fileError(errno);
   }
+  isThere_ = false;
   ::unlink(notePath().c_str());
   syncFolder(target_);
   return std::nullopt;
 }
 
-void PartialFile::discard() noexcept {
+void PartialFile::discard() {
+  if (!std::exchange(isThere_, false)) return;
   ::unlink(notePath().c_str());
   ::unlink(path().c_str());
 }

@@ -37,12 +37,14 @@ class PartialFile {
   /// Empties the file, and notes what it will be filled with; with an empty validator, that it
   /// can't be continued.
   [[nodiscard]] std::optional<DownloadError> restart(std::string validator);
+  /// Cuts the file to its first bytes; what they are the beginning of stays.
+  [[nodiscard]] std::optional<DownloadError> shorten(std::int64_t size);
   /// Adds bytes at the end.
   [[nodiscard]] std::optional<DownloadError> append(std::string_view bytes);
   /// Makes sure that the bytes have reached the disk, and puts the file in the target's place.
   [[nodiscard]] std::optional<DownloadError> complete();
-  /// Removes the file and its note.
-  void discard() noexcept;
+  /// Removes the file and its note, unless they are gone.
+  void discard();
 
  private:
   PartialFile(std::string target, const URL& source);
@@ -58,6 +60,7 @@ class PartialFile {
   int descriptor_ = -1;
   std::int64_t size_ = 0;
   std::string validator_;
+  bool isThere_ = true;  // under its temporary name, which is somebody else's afterwards
 };
 
 }  // namespace orvane
