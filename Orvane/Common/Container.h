@@ -63,17 +63,21 @@ class ORVANE_EXPORT Container {
         });
   }
 
-  /// Registers a deferred value: made when it is first injected, the same from then on.
+  /// Registers a deferred value: made when it is first injected, the same from then on; where
+  /// making it throws, or gives null, the next injection tries again.
   template <class Interface, class Deferred>
     requires(std::is_invocable_r_v<std::shared_ptr<Interface>, const Deferred&>)
   void register_(Deferred value) {
+    // Not std::call_once: after an exception it waits for ever on some platforms, and under
+    // ThreadSanitizer on all.
     struct Once {
-      std::once_flag flag;
+      std::mutex mutex;
       std::shared_ptr<Interface> made;
     };
     add(typeid(Interface),
         [once = std::make_shared<Once>(), value = std::move(value)](Container&, const Arguments&) {
-          std::call_once(once->flag, [&] { once->made = value(); });
+          const std::scoped_lock lock(once->mutex);
+          if (!once->made) once->made = value();
           return std::shared_ptr<void>(once->made);
         });
   }
