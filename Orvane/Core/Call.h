@@ -10,6 +10,7 @@
 #include <Orvane/Core/SerializableService.h>
 #include <Orvane/Core/URLComposer.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -43,44 +44,51 @@ template <>
   return Unit{};
 }
 
-/// Decodes before it claims the box, so that a call can be cancelled up to the last moment.
-template <class T>
-[[nodiscard]] AnswerHandler decoding(Completion<T> then) {
-  return [then = std::move(then)](RequestBox& box, Result<std::string> response) mutable {
-    box.complete(then, decodeResponse<T>(std::move(response)));
+/// For an operation whose value is not the record in the answer itself: `make` turns the outcome,
+/// a `Result<Record>`, into the operation's. Decodes before it claims the box, so that a call can
+/// be cancelled up to the last moment.
+template <class Record, class T, class Make>
+[[nodiscard]] AnswerHandler decoding(Completion<T> then, Make make) {
+  return [then = std::move(then), make = std::move(make)](RequestBox& box,
+                                                          Result<std::string> response) mutable {
+    box.complete(then, make(decodeResponse<Record>(std::move(response))));
   };
 }
 
-/// The four verbs, each taking the composer as a value and the handler of the operation.
+/// For an operation whose value is the record in the answer.
+template <class T>
+[[nodiscard]] AnswerHandler decoding(Completion<T> then) {
+  return decoding<T>(std::move(then), std::identity());
+}
+
+/// The four verbs, each taking the composer as a value and the handler of the operation, or what
+/// `decoding` has made of it.
+template <class Composer>
+RequestHandle get(const SerializableService& service, Composer composer, AnswerHandler answer) {
+  return call(service, Verb::get, std::make_unique<const Composer>(std::move(composer)),
+              std::move(answer));
+}
+
 template <class T, class Composer>
 RequestHandle get(const SerializableService& service, Composer composer, Completion<T> then) {
-  return call(service,
-              Verb::get,
-              std::make_unique<const Composer>(std::move(composer)),
-              decoding(std::move(then)));
+  return get(service, std::move(composer), decoding(std::move(then)));
 }
 
 template <class T, class Composer>
 RequestHandle post(const SerializableService& service, Composer composer, Completion<T> then) {
-  return call(service,
-              Verb::post,
-              std::make_unique<const Composer>(std::move(composer)),
+  return call(service, Verb::post, std::make_unique<const Composer>(std::move(composer)),
               decoding(std::move(then)));
 }
 
 template <class T, class Composer>
 RequestHandle put(const SerializableService& service, Composer composer, Completion<T> then) {
-  return call(service,
-              Verb::put,
-              std::make_unique<const Composer>(std::move(composer)),
+  return call(service, Verb::put, std::make_unique<const Composer>(std::move(composer)),
               decoding(std::move(then)));
 }
 
 template <class T, class Composer>
 RequestHandle delete_(const SerializableService& service, Composer composer, Completion<T> then) {
-  return call(service,
-              Verb::delete_,
-              std::make_unique<const Composer>(std::move(composer)),
+  return call(service, Verb::delete_, std::make_unique<const Composer>(std::move(composer)),
               decoding(std::move(then)));
 }
 

@@ -3,6 +3,7 @@
 // What the library asks of texts beside their bytes.
 #pragma once
 
+#include <Orvane/Platform/Enumeration.h>
 #include <Orvane/Platform/Export.h>
 
 #include <initializer_list>
@@ -18,14 +19,19 @@ namespace orvane {
 /// The pieces as one text.
 [[nodiscard]] std::string concatenated(std::initializer_list<std::string_view> pieces);
 
-/// The texts of a list or set, in its order, separated by "," without blanks.
-template <class Texts>
-[[nodiscard]] std::string commaSeparated(const Texts& texts) {
+/// The texts, or the wire texts of the cases, of a list or set, in its order, separated by ","
+/// without blanks.
+template <class Elements>
+[[nodiscard]] std::string commaSeparated(const Elements& elements) {
   std::string joined;
   bool isFirst = true;
-  for (const std::string_view text : texts) {
+  for (const auto& element : elements) {
     if (!std::exchange(isFirst, false)) joined += ',';
-    joined += text;
+    if constexpr (Enumeration<typename Elements::value_type>) {
+      joined += wireText(element);
+    } else {
+      joined += element;
+    }
   }
   return joined;
 }

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Common/Logger.h>
+#include <Orvane/Core/DateRangeItems.h>
+#include <Orvane/Platform/Calendar.h>
+
+namespace orvane {
+namespace {
+
+// "YYYY", the year of the week, and not `dayPattern`'s "yyyy": what the backend goes by.
+constexpr std::string_view weekYearDayPattern = "YYYY-MM-dd";
+
+}  // namespace
+
+void addDateRange(QueryItems& items, const DateRange& range, std::string_view composer,
+                  const SourceLocation& place) {
+  // Written so that a date that is not a number does not pass.
+  if (!(range.start <= range.end)) {
+    log.w("Not filtering by date because start > end.", composer, place.functionName(),
+          place.line());
+    return;
+  }
+  items.add("startDate", formatDate(range.start, weekYearDayPattern))
+      .add("endDate", formatDate(range.end, weekYearDayPattern));
+}
+
+}  // namespace orvane

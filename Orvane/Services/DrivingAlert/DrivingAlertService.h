@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: Apache-2.0
+// The application's entry to which driving raises an alert.
+#pragma once
+
+#include <Orvane/Core/SerializableService.h>
+#include <Orvane/Platform/Date.h>
+#include <Orvane/Platform/Enumeration.h>
+#include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/OneOf.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace orvane {
+
+/// From which severity on harsh driving raises an alert.
+enum class DrivingEventSeverity : std::uint8_t { off = 0, low = 1, medium = 2, high = 3 };
+
+template <>
+struct EnumerationTable<DrivingEventSeverity> {
+  using enum DrivingEventSeverity;
+  static constexpr EnumerationCase<DrivingEventSeverity> cases[] = {
+      {off, "0"}, {low, "1"}, {medium, "2"}, {high, "3"}};
+};
+
+namespace alert {
+struct Acceleration {
+  std::string driverId;
+  DrivingEventSeverity accelerationSeverity;
+  friend bool operator==(const Acceleration&, const Acceleration&) = default;
+};
+struct Braking {
+  std::string driverId;
+  DrivingEventSeverity brakingSeverity;
+  friend bool operator==(const Braking&, const Braking&) = default;
+};
+struct LateNight {
+  std::string driverId;
+  bool enableAlert;
+  std::optional<Date> startTime;
+  std::optional<Date> endTime;
+  friend bool operator==(const LateNight&, const LateNight&) = default;
+};
+struct Speeding {
+  std::string driverId;
+  std::string speedThreshold;
+  friend bool operator==(const Speeding&, const Speeding&) = default;
+};
+}  // namespace alert
+
+/// One setting: which driving of which driver raises an alert. Nothing is checked here.
+class DrivingAlertType
+    : public OneOf<alert::Acceleration, alert::Braking, alert::LateNight, alert::Speeding> {
+ public:
+  using OneOf::OneOf;
+  [[nodiscard]] static DrivingAlertType acceleration(std::string driverId,
+                                                     DrivingEventSeverity severity) {
+    return alert::Acceleration{std::move(driverId), severity};
+  }
+  [[nodiscard]] static DrivingAlertType braking(std::string driverId,
+                                                DrivingEventSeverity severity) {
+    return alert::Braking{std::move(driverId), severity};
+  }
+  /// Of the two times only the time of day counts, in the device's time zone; they are sent when
+  /// both are there.
+  [[nodiscard]] static DrivingAlertType lateNight(std::string driverId, bool enableAlert,
+                                                  std::optional<Date> startTime = {},
+                                                  std::optional<Date> endTime = {}) {
+    return alert::LateNight{std::move(driverId), enableAlert, startTime, endTime};
+  }
+  /// The threshold is sent as it stands.
+  [[nodiscard]] static DrivingAlertType speeding(std::string driverId, std::string speedThreshold) {
+    return alert::Speeding{std::move(driverId), std::move(speedThreshold)};
+  }
+};
+
+/// Chooses which driving raises an alert.
+class ORVANE_EXPORT DrivingAlertService : public SerializableService {
+ public:
+  /// A service for the person who is signed in. A missing registration stops the process.
+  explicit DrivingAlertService(Identity identity) : SerializableService(std::move(identity)) {}
+
+  /// Registers one setting.
+  RequestHandle registerAlertSetting(DrivingAlertType setting, Completion<Unit> then) const;
+};
+
+}  // namespace orvane

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Core/Call.h>
+#include <Orvane/Models/Coders.h>
+#include <Orvane/Services/Location/LocationComposer.h>
+#include <Orvane/Services/Location/LocationService.h>
+
+namespace orvane {
+
+RequestHandle LocationService::fetchLastKnownLocation(Completion<Location> then) const {
+  return get(*this, LocationComposer(), std::move(then));
+}
+
+}  // namespace orvane

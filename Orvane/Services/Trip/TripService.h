@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: Apache-2.0
+// The application's entry to recorded journeys.
+#pragma once
+
+#include <Orvane/Core/SerializableService.h>
+#include <Orvane/Models/Trip.h>
+#include <Orvane/Platform/DateRange.h>
+#include <Orvane/Platform/Enumeration.h>
+#include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/OneOf.h>
+#include <Orvane/Platform/UniqueFunction.h>
+
+#include <compare>
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orvane {
+
+struct TripsByVehicle;
+struct TripPages;
+
+/// Receives the trips of one page, in the backend's order. It must not throw; null is ignored.
+using TripPageHandler = UniqueFunction<void(std::vector<Trip>)>;
+
+/// Fetches trips, and corrects them.
+class ORVANE_EXPORT TripService : public SerializableService {
+ public:
+  /// What the backend is asked to embed in a trip.
+  enum class Expansion : std::uint8_t {
+    events,
+    scores,
+    geometry,  ///< The route. It comes with `points`, and is asked for as these where it can be.
+    user,
+    pois,
+    points,
+    vehicles,
+    alerts,
+  };
+
+  struct CursorFilter {
+    std::int64_t limit;
+    std::int64_t offset;
+    [[nodiscard]] std::size_t hashValue() const { return hashOf(limit, offset); }
+    auto operator<=>(const CursorFilter&) const = default;
+  };
+  using DateFilter = DateRange;
+
+  /// Which trips of a list.
+  class Filter : public OneOf<CursorFilter, DateFilter> {
+   public:
+    using OneOf::OneOf;
+    /// At most `limit` trips (1 to 100; what is beyond is taken as the nearest), from the one at
+    /// `offset` on (0 or more; likewise).
+    [[nodiscard]] static Filter cursor(std::int64_t limit, std::int64_t offset) {
+      return CursorFilter{limit, offset};
+    }
+    /// The days from `start` to `end`, both included, in the device's time zone. A range whose end
+    /// is before its start is left out, with a warning in the log.
+    [[nodiscard]] static Filter date(Date start, Date end) { return DateFilter{start, end}; }
+  };
+
+  /// A service for the person who is signed in. A missing registration stops the process.
+  explicit TripService(Identity identity) : SerializableService(std::move(identity)) {}
+
+  /// Fetches one trip.
+  RequestHandle fetch(std::string id, std::set<Expansion> expansions, Completion<Trip> then) const;
+
+  /// Fetches the trips of a user: of the current one when there is no user, or one without an id.
+  /// An empty answer is `NetworkError::noData`.
+  RequestHandle fetch(const std::optional<User>& user, std::set<Filter> filters,
+                      std::set<Expansion> expansions, Completion<std::vector<Trip>> then) const;
+
+  /// Fetches the current user's logbook. An empty answer is an empty list. An answer without its
+  /// list of entries, or with an entry that has no trip, stops the process: see `fetchAllChecked`.
+  RequestHandle fetchAll(std::set<Filter> filters, std::set<Expansion> expansions,
+                         Completion<std::vector<Trip>> then) const;
+
+  /// The same, with `NetworkError::invalidResponseData` where `fetchAll` stops the process.
+  RequestHandle fetchAllChecked(std::set<Filter> filters, std::set<Expansion> expansions,
+                                Completion<std::vector<Trip>> then) const;
+
+  /// Fetches a list of trips of any length, page by page and one request at a time, until a page
+  /// comes that is not full. `onPage` receives each page on the thread on which its answer arrives;
+  /// then `then` is called, or with the first error. Cancelling the request ends the walk between
+  /// two pages or within one: neither handler is called from then on (one that is running goes on).
+  RequestHandle fetchPages(TripPages pages, TripPageHandler onPage, Completion<Unit> then) const;
+
+  /// The same, with all trips in one list.
+  RequestHandle fetchPages(TripPages pages, Completion<std::vector<Trip>> then) const;
+
+  /// Corrects how somebody travelled on a trip, what for, or both, and answers the corrected trip.
+  /// With neither, the handler is called inside the call with `NetworkError::malformedRequest`, and
+  /// nothing is sent. A trip without an id is a programming fault that stops the process.
+  RequestHandle update(const Trip& trip, std::optional<TransportMode> transportMode,
+                       std::optional<Trip::Purpose> purpose, Completion<Trip> then) const;
+
+  /// The same by the trip's id.
+  RequestHandle update(std::string tripID, std::optional<TransportMode> transportMode,
+                       std::optional<Trip::Purpose> purpose, Completion<Trip> then) const;
+
+  /// Fetches the trips of a vehicle. An empty answer is `NetworkError::noData`.
+  RequestHandle fetchTripsByVehicle(TripsByVehicle trips,
+                                    Completion<std::vector<Trip>> completionHandler) const;
+};
+
+template <>
+struct EnumerationTable<TripService::Expansion> {
+  using enum TripService::Expansion;
+  static constexpr EnumerationCase<TripService::Expansion> cases[] = {
+      {events, "events"}, {scores, "scores"}, {geometry, "geometry"}, {user, "user"},
+      {pois, "pois"},     {points, "points"}, {vehicles, "vehicles"}, {alerts, "alerts"},
+  };
+};
+
+/// Which trips of a vehicle. Everything is sent as it stands.
+struct ORVANE_EXPORT TripsByVehicle {
+  std::string startDate{};  ///< A day in the form that the backend expects.
+  std::string endDate{};    ///< A day in the form that the backend expects.
+  std::string vehicleId{};
+  std::int64_t vehicleTripsLimit = 100;  ///< How many at most; not checked here.
+  std::int64_t offset = 0;               ///< How many to leave out; sent from 1 on.
+  std::string role{};                    ///< Left out when it is empty.
+  std::set<TripService::Expansion> expansions{};
+  std::string userId{};
+};
+
+/// A list of trips to be walked page by page.
+struct ORVANE_EXPORT TripPages {
+  enum class List : std::uint8_t {
+    trips,    ///< The trips of `user`, as by `TripService::fetch`.
+    logbook,  ///< The current user's logbook, as by `TripService::fetchAllChecked`.
+  };
+
+  List list = List::logbook;
+  /// Whose trips; the current user's when there is none. Of no effect on the logbook.
+  std::optional<User> user{};
+  /// Which trips; the range as for `TripService::Filter::date`.
+  std::optional<DateRange> dates{};
+  std::set<TripService::Expansion> expansions{};
+  std::int64_t pageSize = 100;  ///< 1 to 100; what is beyond is taken as the nearest.
+};
+
+}  // namespace orvane
