@@ -3,7 +3,9 @@
 #pragma once
 
 #include <Orvane/Runtime/ConfigurationError.h>
+#include <Orvane/Runtime/CurlDownloader.h>
 #include <Orvane/Runtime/CurlRequestManager.h>
+#include <Orvane/Runtime/DownloadError.h>
 #include <Orvane/Runtime/EndpointResolvers.h>
 #include <Orvane/Runtime/Exchange.h>
 #include <Orvane/Runtime/FileDeviceIdentifier.h>

@@ -40,8 +40,9 @@ struct ORVANE_EXPORT Exchange {
   Seconds duration{0};
 };
 
-/// Sees every exchange when it has ended, on the transport's thread, right before the handler is
-/// called; cancelled ones too. Must be quick and must not throw.
+/// Sees every exchange when it has ended, right before the handler is called; cancelled ones too.
+/// Called on the thread that did the transfer: requests and downloads have one each. Must be quick
+/// and must not throw.
 using ExchangeObserver = std::function<void(const Exchange&)>;
 
 }  // namespace orvane

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Common/Container.h>
+#include <Orvane/Common/FirmwareHost.h>
 #include <Orvane/Common/Stores.h>
 #include <Orvane/Core/Resolvers.h>
 #include <Orvane/Platform/DeviceSettings.h>
+#include <Orvane/Runtime/ConfigurationError.h>
+#include <Orvane/Runtime/CurlDownloader.h>
 #include <Orvane/Runtime/FileDeviceIdentifier.h>
 #include <Orvane/Runtime/IntervalTimeMonitor.h>
 #include <Orvane/Runtime/MainQueueThread.h>
 #include <Orvane/Runtime/Runtime.h>
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -19,11 +23,13 @@ using Clock = std::chrono::steady_clock;
 // What is registered. All of it lasts until something else is registered.
 struct Parts {
   std::shared_ptr<CurlRequestManager> requestManager;
+  std::shared_ptr<CurlDownloader> downloader;
   std::shared_ptr<EndpointResolver> endpointResolver;
   std::shared_ptr<TokenResolver> tokenResolver;
   std::shared_ptr<TimeOffsetStore> offsetStore;
   std::shared_ptr<TimeMonitor> timeMonitor;
   std::shared_ptr<DeviceIdentifier> deviceIdentifier;
+  std::shared_ptr<FirmwareHost> firmwareHost;  // null leaves what is registered
 };
 
 std::string deviceIdentifierFile(const RuntimeOptions& options) {
@@ -32,29 +38,43 @@ std::string deviceIdentifierFile(const RuntimeOptions& options) {
   return documents.empty() ? std::string() : documents + "/orvane-device-id";
 }
 
+Result<std::shared_ptr<FirmwareHost>> firmwareHost(const RuntimeOptions& options) {
+  if (options.firmwareHost.empty()) return std::shared_ptr<FirmwareHost>();
+  if (!URL::parse(options.firmwareHost)) return ConfigurationError("firmwareHost is no URL");
+  return std::make_shared<FirmwareHost>(FirmwareHost{options.firmwareHost});
+}
+
 Result<Parts> makeParts(RuntimeOptions& options) {
   auto endpointResolver = options.baseURL.resolver();
   if (!endpointResolver.value()) return *endpointResolver.error();
   auto tokenResolver = options.tokens.resolver();
   if (!tokenResolver.value()) return *tokenResolver.error();
+  auto host = firmwareHost(options);
+  if (!host.value()) return *host.error();
+  auto downloader = CurlDownloader::make(options.transport);
+  if (!downloader.value()) return *downloader.error();
   auto requestManager = CurlRequestManager::make(std::move(options.transport));
   if (!requestManager.value()) return *requestManager.error();
   return Parts{*std::move(requestManager).value(),
+               *std::move(downloader).value(),
                *std::move(endpointResolver).value(),
                *std::move(tokenResolver).value(),
                std::make_shared<MemoryTimeOffsetStore>(),
                std::make_shared<IntervalTimeMonitor>(options.userIDLifetime),
-               std::make_shared<FileDeviceIdentifier>(deviceIdentifierFile(options))};
+               std::make_shared<FileDeviceIdentifier>(deviceIdentifierFile(options)),
+               *std::move(host).value()};
 }
 
 void registerParts(const Parts& parts) {
   Container& container = *Container::common();
-  container.register_<RequestManager>(std::shared_ptr<RequestManager>(parts.requestManager));
+  container.register_<RequestManager>(parts.requestManager);
+  container.register_<Downloader>(parts.downloader);
   container.register_<EndpointResolver>(parts.endpointResolver);
   container.register_<TokenResolver>(parts.tokenResolver);
   container.register_<TimeOffsetStore>(parts.offsetStore);
   container.register_<TimeMonitor>(parts.timeMonitor);
   container.register_<DeviceIdentifier>(parts.deviceIdentifier);
+  if (parts.firmwareHost) container.register_<FirmwareHost>(parts.firmwareHost);
   // From the container that is asked: the system's own, which knows the shared store of user
   // identifiers.
   container.register_<OrvaneDetailsResolver>([](Container& asked, const Container::Arguments&) {
@@ -96,12 +116,14 @@ void Runtime::signOut(const Identity& identity) const {
 
 bool Runtime::shutdown(std::chrono::milliseconds timeout) const {
   const Clock::time_point end = Clock::now() + timeout;
-  const bool isTransportDown = state_->parts.requestManager->shutdown(timeout);
-  if (!state_->mainQueueThread) return isTransportDown;
-  const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
-  const bool isQueueDown =
-      state_->mainQueueThread->stop(std::max(left, std::chrono::milliseconds::zero()));
-  return isTransportDown && isQueueDown;
+  const auto left = [end] {
+    return std::max(std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()),
+                    std::chrono::milliseconds::zero());
+  };
+  bool isDown = state_->parts.requestManager->shutdown(timeout);
+  isDown = state_->parts.downloader->shutdown(left()) && isDown;
+  if (state_->mainQueueThread) isDown = state_->mainQueueThread->stop(left()) && isDown;
+  return isDown;
 }
 
 }  // namespace orvane

@@ -22,8 +22,11 @@ struct ORVANE_EXPORT RuntimeOptions {
   EndpointSource baseURL{};
   /// Where bearer tokens come from: a token, a function, or a resolver.
   TokenSource tokens{};
-  /// How requests travel.
+  /// How requests and downloads travel.
   TransportOptions transport{};
+  /// Where firmware is published: scheme and host, for example "https://firmware.example". Empty
+  /// leaves what is registered.
+  std::string firmwareHost{};
   /// How long the user's identifier is kept before the backend is asked again. That of the first
   /// installation in a process holds: its store is made once.
   std::chrono::milliseconds userIDLifetime{std::chrono::hours(1)};
@@ -40,10 +43,10 @@ struct ORVANE_EXPORT RuntimeOptions {
 /// nothing.
 class ORVANE_EXPORT Runtime {
  public:
-  /// Registers transport, resolvers, stores and the device identifier in `Container::common()`, so
-  /// that services can be made; replaces what was registered before. Options that can't work are
-  /// answered with a `ConfigurationError`, which is logged too; nothing is registered then. To be
-  /// called before the first service is made. Any thread.
+  /// Registers transport, downloader, resolvers, stores and the device identifier in
+  /// `Container::common()`, so that services can be made; replaces what was registered before.
+  /// Options that can't work are answered with a `ConfigurationError`, which is logged too; nothing
+  /// is registered then. To be called before the first service is made. Any thread.
   static Result<Runtime> install(RuntimeOptions options);
 
   /// Forgets the user's identifier, the clock's offset and the token kept for `identity`, so that
@@ -51,10 +54,10 @@ class ORVANE_EXPORT Runtime {
   /// cancelled before: one that is just looking up the identifier would store it again. Any thread.
   void signOut(const Identity& identity) const;
 
-  /// Ends the threads, answering requests under way with `TransportError::Kind::cancelled`, and
-  /// waits for them up to `timeout`. False when one was still busy by then, or is the calling one:
-  /// it ends by itself. To be called before the process ends, if threads are to have ended by then.
-  /// Any thread, more than once.
+  /// Ends the threads, answering requests and downloads under way with
+  /// `TransportError::Kind::cancelled`, and waits for them up to `timeout`. False when one was
+  /// still busy by then, or is the calling one: it ends by itself. To be called before the process
+  /// ends, if threads are to have ended by then. Any thread, more than once.
   bool shutdown(std::chrono::milliseconds timeout = std::chrono::seconds(5)) const;
 
  private:
