@@ -91,6 +91,7 @@ TEST_F(Foundation, RequestsAreRefusedWithTheStatusThatSaysWhy) {
       {"users/1001?expand=everything", 400},
       {"users/1001?expand=role&&expand=role", 200},
       {"identity?a=b", 400},
+      {"users/1001/vehicles/3001?plate=what?/", 404},
   };
   for (const Row& row : kRows) {
     const Answer answer = get(row.path);
@@ -104,6 +105,7 @@ TEST_F(Foundation, RequestsAreRefusedWithTheStatusThatSaysWhy) {
   EXPECT_EQ(wrongMethod.header("Allow"), "GET, POST");
   EXPECT_EQ(post("users/1001", "{}", "application/json").status, 415);
   EXPECT_EQ(get(std::string(9000, 'x')).status, 414);
+  EXPECT_EQ(post("users/1001", std::string(2'000'000, 'x'), "text/plain").status, 413);
   useToken("");
   EXPECT_EQ(get("nothing").status, 401) << "strangers are not told which resources there are";
 }

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
+#include <stdexcept>
 
 namespace orvane::sandbox {
 
@@ -38,14 +39,30 @@ Backend::Backend(BackendOptions options)
 void Backend::layDataIfNeeded() {
   const auto lease = database_.lease();
   const bool created = createSchema(*lease);
-  if (created || options_.fresh) layData(*lease, now(), options_.weeks);
+  if (created || options_.fresh) return lay(*lease);
+  Rows laid = lease->query("SELECT around_ms, is_today FROM laid");
+  if (!laid.next()) return lay(*lease);
+  laidAround_ = laid.integer(0);
+  const bool isToday = laid.boolean(1);
+  if (options_.now && (!isToday || *options_.now != laidAround_)) {
+    throw std::runtime_error("the data in " + folder().string() +
+                             " was laid around another time (" + httpDate(laidAround_) +
+                             "); --fresh lays it anew");
+  }
+  if (isToday) options_.now = laidAround_;
+}
+
+void Backend::lay(DatabaseConnection& database) {
+  laidAround_ = now();
+  Transaction transaction{database};
+  clearTables(database);
+  layData(database, laidAround_, options_.weeks);
+  database.execute("INSERT INTO laid VALUES (?, ?)", laidAround_, options_.now.has_value());
+  transaction.commit();
 }
 
 void Backend::reset() {
-  {
-    const auto lease = database_.lease();
-    layData(*lease, now(), options_.weeks);
-  }
+  lay(*database_.lease());
   misbehaviours_.reset();
   requests_.clear();
   clock_.setSkew(options_.skewSeconds);

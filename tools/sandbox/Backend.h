@@ -30,7 +30,8 @@ struct BackendOptions {
 
 class Backend {
  public:
-  /// Opens the data in the folder, or lays it on the first start.
+  /// Opens the data in the folder, or lays it on the first start. Throws std::runtime_error when
+  /// there is data that was laid around another time than the one asked for.
   explicit Backend(BackendOptions options);
 
   /// Answers every request, whatever it asks.
@@ -44,9 +45,12 @@ class Backend {
   /// Lays the data anew, forgets misbehaviour and requests, and sets the clock back.
   void reset();
 
-  /// "Today" for whatever is relative: the day the data was laid around when that was given, and
-  /// otherwise the server clock's.
+  /// The time for whatever is relative to today: what the data was laid around when that was asked
+  /// for, and otherwise the server clock's.
   [[nodiscard]] Milliseconds now() const { return options_.now.value_or(clock_.now()); }
+
+  /// The time that the data was laid around.
+  [[nodiscard]] Milliseconds laidAround() const { return laidAround_; }
 
   [[nodiscard]] Database& database() { return database_; }
   [[nodiscard]] ServerClock& clock() { return clock_; }
@@ -60,6 +64,7 @@ class Backend {
   [[nodiscard]] Reply answerFaulty(const Request& request);
   [[nodiscard]] Reply route(const Request& request);
   void layDataIfNeeded();
+  void lay(DatabaseConnection& database);
 
   BackendOptions options_;
   ServerClock clock_;
@@ -69,6 +74,7 @@ class Backend {
   Misbehaviours misbehaviours_;
   RequestLog requests_;
   Router router_;
+  Milliseconds laidAround_ = 0;
 };
 
 inline constexpr std::string_view kApiRoot = "/kavra/api/sdk/";

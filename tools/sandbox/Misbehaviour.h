@@ -6,30 +6,42 @@
 #include "http/Message.h"
 
 #include <nlohmann/json_fwd.hpp>
+#include <regex.h>
 
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <optional>
-#include <regex>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace orvane::sandbox {
 
+/// A POSIX extended regular expression, searched for anywhere in a text.
+class Pattern {
+ public:
+  /// Throws a 400 for an expression that is not well formed.
+  explicit Pattern(const std::string& expression);
+  [[nodiscard]] bool matches(const std::string& text) const;
+
+ private:
+  std::shared_ptr<regex_t> compiled_;
+};
+
 struct Fault {
   std::optional<int> status;
   std::chrono::milliseconds delay{0};
   std::optional<std::size_t> cutAfterBytes;
-  std::string body;                // one of faultBodies(); empty: the true one
-  bool drop = false;               // end the connection without an answer
-  bool date = true;                // false: leave the Date header out
-  std::int64_t times = -1;         // requests still to be spoilt; -1 for all
-  std::string method;              // empty: any
-  std::optional<std::regex> path;  // searched for in the request's path
+  std::string body;             // one of faultBodies(); empty: the true one
+  bool drop = false;            // end the connection without an answer
+  bool date = true;             // false: leave the Date header out
+  std::int64_t times = -1;      // requests still to be spoilt; -1 for all
+  std::string method;           // empty: any
+  std::optional<Pattern> path;  // searched for in the request's path
 
   /// Throws a 400 for an unknown member or value.
   static Fault fromJson(const nlohmann::json& json);

@@ -29,6 +29,8 @@ struct Flags {
   SandboxOptions options;
 };
 
+constexpr Milliseconds kStaleDays = 7;
+
 constexpr const char* kFooter = R"(
 Tokens: a JSON Web Token signed with HS256 and the key whose 64 hexadecimal digits stand in
 DIR/signing.key, with the claims "sub" (a user's external reference id), "iat" and "exp". For
@@ -37,7 +39,7 @@ development the fixed token sandbox-token-<userId> is accepted as well, for exam
 
 Misbehaviour: a JSON object with any of "status", "delayMs", "cutAfterBytes", "drop", "date",
 "body" (garbage, empty, notUtf8, huge, gzipBomb, wrongType, null, emptyObject, deep, html,
-truncated) and, to narrow it, "times", "method" and "path" (a regular expression).)";
+truncated) and, to narrow it, "times", "method" and "path" (an extended regular expression).)";
 
 void declare(CLI::App& app, Flags& flags) {
   app.footer(kFooter);
@@ -126,7 +128,12 @@ void printWelcome(const Sandbox& sandbox, const SandboxOptions& options) {
               << person.externalReferenceId << "  " << person.firstName << ' ' << person.lastName
               << ": " << person.note << '\n';
   }
-  std::cout << "\n  token of a user: sandbox-token-<user>\n" << std::endl;
+  std::cout << "\n  token of a user: sandbox-token-<user>\n";
+  const auto days = (sandbox.backend().now() - sandbox.backend().laidAround()) / kMillisPerDay;
+  if (days > kStaleDays) {
+    std::cout << "  The trips end " << days << " days ago; --fresh brings them up to date.\n";
+  }
+  std::cout << std::endl;
 }
 
 int run(const Flags& flags) {
@@ -139,8 +146,8 @@ int run(const Flags& flags) {
 
   const SandboxOptions options = optionsFrom(flags);
   const Sandbox sandbox{options};
-  printWelcome(sandbox, options);
   if (!flags.readyFile.empty()) writeAtomically(flags.readyFile, sandbox.description());
+  printWelcome(sandbox, options);
   int signal = 0;
   sigwait(&signals, &signal);
   return 0;

@@ -5,18 +5,14 @@
 #include "data/People.h"
 #include "data/Trips.h"
 #include "data/Vehicles.h"
-#include "store/Schema.h"
 
 namespace orvane::sandbox {
 
 void layData(DatabaseConnection& database, Milliseconds now, int weeks) {
-  Transaction transaction{database};
-  clearTables(database);
   layPeople(database, now);
   layVehicles(database, now);
   layPapers(database, now);
   layTrips(database, now, weeks);
-  transaction.commit();
 }
 
 }  // namespace orvane::sandbox

@@ -8,7 +8,7 @@
 
 namespace orvane::sandbox {
 
-/// Replaces whatever is there. The same time and weeks give the same data.
+/// Fills empty tables. The same time and weeks give the same data.
 void layData(DatabaseConnection& database, Milliseconds now, int weeks);
 
 }  // namespace orvane::sandbox

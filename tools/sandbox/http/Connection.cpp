@@ -21,8 +21,12 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kTransferTimeout = 20s;
+constexpr auto kDrainTimeout = 500ms;
+constexpr int kMostDrained = 256;  // input buffers
 constexpr std::size_t kInputBuffer = 16 * 1024;
 constexpr std::size_t kOutputBuffer = 64 * 1024;
+constexpr std::size_t kLongestTarget = 8192;
+constexpr std::size_t kLongestLine = 64 * 1024;
 
 }  // namespace
 
@@ -75,9 +79,34 @@ bool Connection::handshake() {
 
 bool Connection::awaitRequest(std::chrono::milliseconds timeout) {
   if (broken_) return false;
-  if (inPosition_ < in_.size()) return true;
-  if (ssl_ && SSL_pending(ssl_.get()) > 0) return true;
-  return wait(Direction::in, timeout);
+  const bool buffered = inPosition_ < in_.size() || (ssl_ && SSL_pending(ssl_.get()) > 0);
+  if (!buffered && !wait(Direction::in, timeout)) return false;
+  exchange = {};
+  while (in_.find('\n', inPosition_) == std::string::npos) {
+    if (in_.size() - inPosition_ > kLongestLine || !fill()) return false;
+  }
+  takeTarget();
+  return true;
+}
+
+/// Leaves the line alone when it is malformed or too long: then cpp-httplib refuses it.
+void Connection::takeTarget() {
+  const auto end = in_.find('\n', inPosition_);
+  const auto first = in_.find(' ', inPosition_);
+  const auto second = first < end ? in_.find(' ', first + 1) : std::string::npos;
+  if (second >= end || second - first > kLongestTarget) return;
+  exchange.target = in_.substr(first + 1, second - first - 1);
+  in_.replace(first + 1, exchange.target.size(), "/");
+}
+
+/// Adds what has arrived to the buffer.
+bool Connection::fill() {
+  in_.erase(0, inPosition_);
+  inPosition_ = 0;
+  const std::size_t held = in_.size();
+  in_.resize(held + kInputBuffer);
+  in_.resize(held + static_cast<std::size_t>(receive(in_.data() + held, kInputBuffer)));
+  return in_.size() > held;
 }
 
 ssize_t Connection::receive(char* data, size_t size) {
@@ -109,10 +138,7 @@ ssize_t Connection::transmit(const char* data, size_t size) {
 ssize_t Connection::read(char* data, size_t size) {
   if (inPosition_ == in_.size()) {
     if (!flush()) return -1;  // the peer may be waiting for a "100 Continue"
-    in_.resize(kInputBuffer);
-    in_.resize(static_cast<std::size_t>(receive(in_.data(), in_.size())));
-    inPosition_ = 0;
-    if (in_.empty()) return 0;
+    if (!fill()) return 0;
   }
   const std::size_t count = std::min(size, in_.size() - inPosition_);
   std::memcpy(data, in_.data() + inPosition_, count);
@@ -144,6 +170,14 @@ void Connection::drop() {
 
 void Connection::sayGoodbye() {
   if (ssl_ && !broken_) SSL_shutdown(ssl_.get());
+}
+
+void Connection::drain() {
+  ::shutdown(socket_, SHUT_WR);
+  std::array<char, kInputBuffer> waste{};
+  for (int pieces = 0; pieces < kMostDrained && wait(Direction::in, kDrainTimeout); ++pieces) {
+    if (::recv(socket_, waste.data(), waste.size(), 0) <= 0) break;
+  }
 }
 
 // Only the loopback interface is served, and nothing asks.

@@ -24,13 +24,17 @@ class Connection : public httplib::Stream {
   Connection& operator=(const Connection&) = delete;
 
   [[nodiscard]] bool handshake();
-  /// Waits for the first byte of the next request.
+  /// Waits for the next request and takes its target out of the request line: cpp-httplib parses
+  /// targets and takes a second question mark, which a query may well hold, for a mistake.
   [[nodiscard]] bool awaitRequest(std::chrono::milliseconds timeout);
   bool flush();
   /// Discards what is buffered; the peer sees the connection end with nothing more said.
   void drop();
   /// Tells the peer that the connection ends in order.
   void sayGoodbye();
+  /// Swallows what the peer is still sending: closing over unread bytes would make the system reset
+  /// the connection, and the answer might be lost.
+  void drain();
 
   bool is_readable() const override { return !broken_; }
   bool is_writable() const override { return !broken_; }
@@ -40,14 +44,21 @@ class Connection : public httplib::Stream {
   void get_local_ip_and_port(std::string& ip, int& port) const override;
   socket_t socket() const override { return socket_; }
 
-  // What the handler of the request under way needs and cpp-httplib does not carry.
-  HeaderList requestHeaders;
-  bool sendDate = true;
-  bool closeAfterwards = false;
+  /// What the handler of the request under way needs and cpp-httplib does not carry.
+  struct Exchange {
+    std::string target;       // as sent
+    HeaderList headers;       // as sent
+    bool understood = false;  // the request could be read to its end
+    bool sendDate = true;
+    bool closeAfterwards = false;
+  };
+  Exchange exchange;
 
  private:
   enum class Direction { in, out };
   bool wait(Direction direction, std::chrono::milliseconds timeout) const;
+  bool fill();
+  void takeTarget();
   ssize_t receive(char* data, size_t size);
   ssize_t transmit(const char* data, size_t size);
   bool retry(ssize_t result, Direction direction) const;

@@ -2,6 +2,7 @@
 #include "http/Listener.h"
 
 #include "http/Connection.h"
+#include "http/Query.h"
 
 #include <httplib.h>
 #include <sys/eventfd.h>
@@ -23,7 +24,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kIdleTimeout = 60s;
 constexpr int kBacklog = 512;
-constexpr std::size_t kLargestBody = std::size_t{16} << 20U;
+constexpr std::int64_t kLargestBody = 1 << 20;
 constexpr std::size_t kSmallestCompressed = 1024;
 
 // cpp-httplib would parse a form by itself and insist on a line break after the last boundary,
@@ -92,11 +93,16 @@ class Listener::Server : public httplib::Server {
         handler_(std::move(handler)),
         stopEvent_(::eventfd(0, EFD_CLOEXEC)) {
     new_task_queue = [this] { return new httplib::ThreadPool(options_.threads); };
-    set_payload_max_length(kLargestBody);
+    set_payload_max_length(static_cast<std::size_t>(kLargestBody));
     set_keep_alive_timeout(std::chrono::seconds{kIdleTimeout}.count());
     set_keep_alive_max_count(1'000'000);
     set_address_family(AF_INET);
     set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+      if (auto refusal = refuseBody(request)) {
+        currentConnection->exchange.closeAfterwards = true;
+        fill(response, *std::move(refusal));
+        return HandlerResponse::Handled;
+      }
       if (hasBody(request) && request.method != "PATCH") return HandlerResponse::Unhandled;
       answer(request, response);
       return HandlerResponse::Handled;
@@ -109,11 +115,18 @@ class Listener::Server : public httplib::Server {
     Put(kAnyPath, handle);
     Delete(kAnyPath, handle);
     set_error_handler([](const httplib::Request&, httplib::Response& response) {
-      if (!response.body.empty() || response.content_provider_) return;
+      if (currentConnection->exchange.understood || !response.body.empty()) return;
+      // Where the next request begins is anybody's guess.
+      currentConnection->exchange.closeAfterwards = true;
       fill(response, errorReply(response.status, "bad_request", "the request can't be read"));
     });
     set_post_routing_handler([this](const httplib::Request&, httplib::Response& response) {
-      if (currentConnection->sendDate) response.set_header("Date", httpDate(clock_.now()));
+      const Connection::Exchange& exchange = currentConnection->exchange;
+      if (exchange.sendDate) response.set_header("Date", httpDate(clock_.now()));
+      if (!exchange.closeAfterwards) return;
+      response.headers.erase("Keep-Alive");
+      response.headers.erase("Connection");
+      response.set_header("Connection", "close");
     });
   }
 
@@ -164,21 +177,20 @@ class Listener::Server : public httplib::Server {
       // Every thread has a connection: give this one up so that others are served as well.
       const bool last = open_ >= options_.threads;
       bool closed = false;
-      connection.sendDate = true;
-      connection.closeAfterwards = false;
       const bool complete =
           process_request(connection, last, closed,
                           [&](httplib::Request& request) { prepare(request, connection); });
       if (!connection.flush() || !complete) return;  // cut off: no goodbye
-      if (last || closed || connection.closeAfterwards) break;
+      if (last || closed || connection.exchange.closeAfterwards) break;
     }
     connection.sayGoodbye();
+    if (connection.exchange.closeAfterwards) connection.drain();
   }
 
   static void prepare(httplib::Request& request, Connection& connection) {
     constexpr std::array kOwnNames{"REMOTE_ADDR", "REMOTE_PORT", "LOCAL_ADDR", "LOCAL_PORT"};
     for (const char* name : kOwnNames) request.headers.erase(name);
-    connection.requestHeaders.assign(request.headers.begin(), request.headers.end());
+    connection.exchange.headers.assign(request.headers.begin(), request.headers.end());
 
     // Ranges and compression are the replies' own business.
     request.ranges.clear();
@@ -193,20 +205,35 @@ class Listener::Server : public httplib::Server {
       request.headers.emplace("Content-Length", "0");  // otherwise it would read to the end
     }
     // The body of any other method stays unread.
-    connection.closeAfterwards = announcesBody && (!hasBody(request) || request.method == "PATCH");
+    connection.exchange.closeAfterwards =
+        announcesBody && (!hasBody(request) || request.method == "PATCH");
+  }
+
+  /// A body of unclear or excessive length is not read at all.
+  static std::optional<Reply> refuseBody(const httplib::Request& request) {
+    const auto header = request.headers.find("Content-Length");
+    if (header == request.headers.end()) return std::nullopt;
+    const auto length = parseInteger(header->second);
+    if (!length || *length < 0) {
+      return errorReply(400, "bad_request", "the body's length is not a number");
+    }
+    if (*length <= kLargestBody) return std::nullopt;
+    return errorReply(413, "content_too_large", "the body is too large");
   }
 
   void answer(const httplib::Request& source, httplib::Response& response) const {
+    Connection::Exchange& exchange = currentConnection->exchange;
+    exchange.understood = true;
     Request request;
     request.method = source.method;
-    const auto questionMark = source.target.find('?');
-    request.path = source.target.substr(0, questionMark);
-    if (questionMark != std::string::npos) request.query = source.target.substr(questionMark + 1);
-    request.headers = currentConnection->requestHeaders;
+    const auto questionMark = exchange.target.find('?');
+    request.path = exchange.target.substr(0, questionMark);
+    if (questionMark != std::string::npos) request.query = exchange.target.substr(questionMark + 1);
+    request.headers = exchange.headers;
     request.body = source.body;
 
     Reply reply = handler_(request);
-    currentConnection->sendDate = reply.sendDate;
+    exchange.sendDate = reply.sendDate;
     if (reply.drop) {
       currentConnection->drop();
       return;

@@ -11,6 +11,12 @@ namespace {
 
 // Columns are called as on the wire, in snake case; times are milliseconds since 1970.
 constexpr const char* kTables = R"sql(
+-- One row: how the data was laid.
+CREATE TABLE laid (
+  around_ms INTEGER NOT NULL,
+  is_today INTEGER NOT NULL  -- whether that time is today for as long as the data lives
+);
+
 CREATE TABLE accounts (
   account_id TEXT PRIMARY KEY,
   identifier TEXT NOT NULL

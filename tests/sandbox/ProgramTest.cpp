@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The program as a script meets it: ready file, signals, exit codes.
+#include "Fixture.h"
+
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <memory>
+
+namespace orvane::sandbox::test {
+namespace {
+
+using testing::HasSubstr;
+
+/// The program under a shell that is replaced by it; its output can be read.
+class Program {
+ public:
+  explicit Program(const std::string& arguments)
+      : pipe_(::popen(("exec " ORVANE_SANDBOX_EXECUTABLE " " + arguments + " 2>&1").c_str(), "r")) {
+  }
+  ~Program() {
+    if (pipe_ != nullptr) ::pclose(pipe_);
+  }
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+  std::string readLine() {
+    std::array<char, 1024> line{};
+    return std::fgets(line.data(), line.size(), pipe_) != nullptr ? line.data() : "";
+  }
+
+  int exitCode() {
+    while (!readLine().empty()) {
+    }
+    const int status = ::pclose(pipe_);
+    pipe_ = nullptr;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+ private:
+  std::FILE* pipe_;
+};
+
+TEST(Program, TellsHowToReachItAndStopsWhenAsked) {
+  const TemporaryFolder folder;
+  const std::string data = (folder.path() / "data").string();
+  const std::string ready = (folder.path() / "ready.json").string();
+  Program program{"--data " + data + " --weeks 1 --now 2025-06-18 --ready-file " + ready};
+  ASSERT_THAT(program.readLine(), HasSubstr("listening"));
+  const json description = json::parse(std::ifstream{ready});
+
+  httplib::SSLClient client{"localhost", description["port"].get<int>()};
+  client.set_ca_cert_path(description["certificateAuthority"].get<std::string>());
+  client.enable_server_certificate_verification(true);
+  const json first = description["identities"][0];
+  const auto answer =
+      client.Get("/kavra/api/sdk/identity",
+                 {{"Authorization", "Bearer " + first["developmentToken"].get<std::string>()}});
+  ASSERT_TRUE(answer);
+  EXPECT_EQ(json::parse(answer->body)["userId"], first["userId"]);
+
+  // A connection that is still open keeps nothing waiting.
+  ::kill(description["pid"].get<pid_t>(), SIGTERM);
+  EXPECT_EQ(program.exitCode(), 0);
+
+  Program other{"--data " + data + " --now 2025-06-19"};
+  EXPECT_THAT(other.readLine(), HasSubstr("--fresh"));
+  EXPECT_EQ(other.exitCode(), 1);
+}
+
+TEST(Program, RefusesFlagsThatMakeNoSense) {
+  const TemporaryFolder folder;
+  for (const char* flags : {"--port 70000", "--now yesterday", "--misbehave '{\"status\":1}'",
+                            "--misbehave nonsense", "--certificate rusty"}) {
+    EXPECT_NE(Program{"--data " + folder.path().string() + " " + flags}.exitCode(), 0) << flags;
+  }
+}
+
+}  // namespace
+}  // namespace orvane::sandbox::test
