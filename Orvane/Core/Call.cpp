@@ -25,7 +25,8 @@ Result<Outgoing> compose(const URLComposer& composer, OrvaneDetails details) {
   return outgoing;
 }
 
-// A call under way. The closures of its steps own it, and never the service, which may be gone.
+// A call under way. The closures of its steps own it, and never the service, which may be gone. Its
+// box is apart, so that who keeps the handle does not keep the handler.
 struct Call : std::enable_shared_from_this<Call> {
   Call(const std::shared_ptr<RequestManager>& manager, Verb sent,
        std::unique_ptr<const URLComposer> by, AnswerHandler handler)
@@ -35,25 +36,23 @@ struct Call : std::enable_shared_from_this<Call> {
   const Verb verb;
   const std::unique_ptr<const URLComposer> composer;
   AnswerHandler answer;
-  RequestBox box;
+  const std::shared_ptr<RequestBox> box = std::make_shared<RequestBox>();
 
   void detailsArrived(Result<OrvaneDetails> details) {
-    if (box.cancelled()) return;
-    if (!details.value()) return answer(box, details.errorOr(NetworkError::unknown));
+    if (box->cancelled()) return;
+    if (!details.value()) return answer(*box, details.errorOr(NetworkError::unknown));
     Result<Outgoing> outgoing = compose(*composer, *std::move(details).value());
-    if (!outgoing.value()) return answer(box, *outgoing.error());
+    if (!outgoing.value()) return answer(*box, *outgoing.error());
     send(*std::move(outgoing).value());
   }
 
   void send(Outgoing outgoing) {
-    box.step([&] {
-      return requestManager->send(verb,
-                                  std::move(outgoing.url),
-                                  std::move(outgoing.body),
+    box->step([&] {
+      return requestManager->send(verb, std::move(outgoing.url), std::move(outgoing.body),
                                   std::move(outgoing.headers),
                                   [self = shared_from_this()](Result<std::string> response) {
-                                    if (!self->box.cancelled())
-                                      self->answer(self->box, std::move(response));
+                                    if (!self->box->cancelled())
+                                      self->answer(*self->box, std::move(response));
                                   });
     });
   }
@@ -63,14 +62,17 @@ struct Call : std::enable_shared_from_this<Call> {
 
 RequestHandle call(const SerializableService& service, Verb verb,
                    std::unique_ptr<const URLComposer> composer, AnswerHandler answer) {
-  const auto call = std::make_shared<Call>(
-      service.requestManager(), verb, std::move(composer), std::move(answer));
-  call->box.step([&] {
-    return service.orvaneDetailsResolver()->resolve(
-        service.identity(),
-        [call](Result<OrvaneDetails> details) { call->detailsArrived(std::move(details)); });
+  const auto call = std::make_shared<Call>(service.requestManager(), verb, std::move(composer),
+                                           std::move(answer));
+  // Copies: an answer inside the call may be the end of the service.
+  const std::shared_ptr<OrvaneDetailsResolver> resolver = service.orvaneDetailsResolver();
+  const Identity identity = service.identity();
+  call->box->step([&] {
+    return resolver->resolve(identity, [call](Result<OrvaneDetails> details) {
+      call->detailsArrived(std::move(details));
+    });
   });
-  return RequestHandle(call, &call->box);
+  return call->box;
 }
 
 }  // namespace orvane

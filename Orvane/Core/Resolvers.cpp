@@ -137,7 +137,7 @@ RequestHandle UnauthenticatedOrvaneDetailResolver::resolve(const Identity& ident
 
 RequestHandle MockOrvaneResolver::resolve(const Identity&, Completion<OrvaneDetails> then) {
   auto box = std::make_shared<RequestBox>();
-  then(OrvaneDetails{*URL::parse(mockRoot), {}, std::string(mockUserID)});
+  box->complete(then, OrvaneDetails{*URL::parse(mockRoot), {}, std::string(mockUserID)});
   return box;
 }
 
