@@ -173,7 +173,11 @@ TEST(CodingTest, anIntegerIsAnyNumberWithThatValue) {
 }
 
 TEST(CodingTest, aRequiredMemberMustBeThere) {
-  const TestStrict whole{.must = 1, .record = {.a = 1}, .nullable = "n", .indispensable = "i"};
+  TestStrict whole;
+  whole.must = 1;
+  whole.record.a = 1;
+  whole.nullable = "n";
+  whole.indispensable = "i";
   constexpr std::string_view text =
       R"({"must":1,"record":{"a":1},"nullable":"n","indispensable":"i"})";
   EXPECT_EQ(decode<TestStrict>(text), Result<TestStrict>(whole));
