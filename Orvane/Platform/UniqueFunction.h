@@ -29,8 +29,10 @@ class UniqueFunction<R(Arguments...)> {
            std::is_invocable_r_v<R, std::decay_t<Callable>&, Arguments...>)
       UniqueFunction(Callable&& callable) {  // NOLINT(google-explicit-constructor)
     using Stored = std::decay_t<Callable>;
-    if constexpr (requires { callable == nullptr; }) {
-      if (callable == nullptr) return;
+    if constexpr (!std::is_function_v<std::remove_reference_t<Callable>>) {
+      if constexpr (requires { callable == nullptr; }) {
+        if (callable == nullptr) return;
+      }
     }
     if constexpr (fitsInPlace<Stored>) {
       ::new (static_cast<void*>(storage_)) Stored(std::forward<Callable>(callable));
