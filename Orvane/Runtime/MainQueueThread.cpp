@@ -16,7 +16,8 @@ MainQueueThread::MainQueueThread() {
 }
 
 bool MainQueueThread::stop(std::chrono::milliseconds timeout) {
-  MainQueue::main().stop();
+  // Once: a second call would end whoever drains the queue next.
+  if (!isStopped_.exchange(true)) MainQueue::main().stop();
   return thread_.join(timeout);
 }
 

@@ -5,6 +5,7 @@
 
 #include <Orvane/Runtime/BoundedThread.h>
 
+#include <atomic>
 #include <chrono>
 
 namespace orvane {
@@ -22,6 +23,7 @@ class MainQueueThread {
 
  private:
   BoundedThread thread_;
+  std::atomic<bool> isStopped_{false};
 };
 
 }  // namespace orvane
