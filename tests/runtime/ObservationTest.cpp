@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: Apache-2.0
+// What an observer sees of exchanges, and that nothing secret leaks anywhere.
+#include "tests/runtime/support/Calls.h"
+#include "tests/runtime/support/TestServer.h"
+#include <Orvane/Common/NetworkError.h>
+#include <Orvane/Runtime/TransportError.h>
+#include <Orvane/Testing/RecordingLogger.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <vector>
+
+namespace orvane {
+namespace {
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
+using testing::Pair;
+
+// Every part of an exchange as one text.
+std::string textOf(const Exchange& exchange) {
+  std::ostringstream text;
+  text << wireText(exchange.verb) << ' ' << exchange.url << '\n';
+  for (const auto& [name, value] : exchange.requestHeaders) text << name << ": " << value << '\n';
+  text << exchange.requestBody << '\n' << exchange.statusCode.value_or(0) << '\n';
+  for (const auto& [name, value] : exchange.responseHeaders) text << name << ": " << value << '\n';
+  text << exchange.responseBody << '\n';
+  if (exchange.error) text << exchange.error->message() << '\n';
+  return text.str();
+}
+
+// Keeps exchanges. The transport must be shut down before they are read.
+struct Observation {
+  std::vector<Exchange> exchanges;
+
+  [[nodiscard]] ExchangeObserver observer() {
+    return [this](const Exchange& exchange) { exchanges.push_back(exchange); };
+  }
+};
+
+TEST(ObservationTest, ShowsEveryExchangeWithoutSecrets) {
+  const TestServer server([](ServerConnection& connection, const ReceivedRequest&) {
+    connection.answer(200, "{\"userId\":\"42\"}", "X-Trace: 7\r\nSet-Cookie: session=hidden\r\n");
+  });
+  Observation observation;
+  const auto manager = managerWith({.observer = observation.observer()});
+  ASSERT_TRUE(await(*manager, Verb::post,
+                    server.url("/users/42?email=ann@hidden.example&flag&x=1&empty=#end"), "body",
+                    {{"authorization", "Bearer hidden"}, {"X-Kind", "test"}}));
+  manager->shutdown();
+
+  ASSERT_EQ(observation.exchanges.size(), 1U);
+  const Exchange& exchange = observation.exchanges.front();
+  EXPECT_EQ(exchange.verb, Verb::post);
+  EXPECT_EQ(exchange.url, server.url("/users/42?email=…&…&x=…&empty=…"));
+  EXPECT_EQ(exchange.requestHeaders, (Headers{{"authorization", "…"}, {"X-Kind", "test"}}));
+  EXPECT_EQ(exchange.requestBody, "");
+  EXPECT_EQ(exchange.requestSize, 4U);
+  EXPECT_EQ(exchange.statusCode, 200);
+  EXPECT_THAT(exchange.responseHeaders, Contains(Pair("X-Trace", "7")));
+  EXPECT_THAT(exchange.responseHeaders, Contains(Pair("Set-Cookie", "…")));
+  EXPECT_EQ(exchange.responseBody, "");
+  EXPECT_EQ(exchange.responseSize, 15U);
+  EXPECT_FALSE(exchange.error);
+  EXPECT_GT(exchange.duration.count(), 0);
+}
+
+TEST(ObservationTest, ShowsSecretsToWhoAsksForThem) {
+  const TestServer server([](ServerConnection& connection, const ReceivedRequest&) {
+    connection.answer(200, "answer");
+  });
+  Observation observation;
+  const auto manager =
+      managerWith({.observer = observation.observer(), .observerSeesSecrets = true});
+  const std::string url = server.url("/?email=ann@example");
+  ASSERT_TRUE(await(*manager, Verb::put, url, "body", {{"Authorization", "Bearer token"}}));
+  manager->shutdown();
+  const Exchange& exchange = observation.exchanges.at(0);
+  EXPECT_EQ(exchange.url, url);
+  EXPECT_EQ(exchange.requestHeaders, (Headers{{"Authorization", "Bearer token"}}));
+  EXPECT_EQ(exchange.requestBody, "body");
+  EXPECT_EQ(exchange.responseBody, "answer");
+}
+
+TEST(ObservationTest, ShowsFailuresAndCancellations) {
+  std::promise<void> arrived;
+  const TestServer server([&](ServerConnection& connection, const ReceivedRequest& request) {
+    if (request.target() == "/refused") return connection.answer(403, "no");
+    arrived.set_value();
+    connection.waitUntilClosed();
+  });
+  Observation observation;
+  const auto manager = managerWith({.observer = observation.observer()});
+  EXPECT_FALSE(get(*manager, server.url("/refused")));
+  const RequestHandle request = manager->get(*URL::parse(server.url("/silent")), {}, nullptr);
+  arrived.get_future().wait();
+  EXPECT_TRUE(request->cancel());
+  manager->shutdown();
+
+  ASSERT_EQ(observation.exchanges.size(), 2U);
+  EXPECT_EQ(observation.exchanges[0].statusCode, 403);
+  EXPECT_EQ(observation.exchanges[0].error, Error(NetworkError::invalidStatusCode(403)));
+  EXPECT_EQ(observation.exchanges[1].statusCode, std::nullopt);
+  EXPECT_EQ(observation.exchanges[1].error, Error(TransportError(TransportError::Kind::cancelled)));
+}
+
+// Sends secrets through every way of succeeding and failing, and searches all that comes out.
+TEST(ObservationTest, LeaksNoSecretAnywhere) {
+  const std::vector<std::string> secrets = {"s3cr3t-token", "ann@private.example", "push-s3cr3t",
+                                            "body-s3cr3t", "answer-s3cr3t"};
+  const Authority authority;
+  const auto handler = [](ServerConnection& connection, const ReceivedRequest& request) {
+    const std::string target = request.target();
+    const std::string echo = "answer-s3cr3t " + request.head + request.body;
+    if (target.starts_with("/ok")) return connection.answer(200, echo);
+    if (target.starts_with("/refused")) return connection.answer(401, echo);
+    if (target.starts_with("/redirect")) return connection.answer(302, echo, "Location: /ok\r\n");
+    if (target.starts_with("/garbage")) {
+      connection.send(echo);
+    } else {
+      connection.send("HTTP/1.1 200 OK\r\nContent-Length: 9999\r\n\r\n" + echo);
+    }
+    connection.cut();
+  };
+  const TestServer server(handler, authority.issue({}));
+  const TestServer plain(handler);
+  const std::string query = "?email=ann@private.example&token=push-s3cr3t";
+  const std::string port = std::to_string(plain.port());
+  const std::vector<std::string> urls = {
+      server.url("/ok"),
+      server.url("/refused"),
+      server.url("/redirect"),
+      server.url("/garbage"),
+      server.url("/cut"),
+      "https://127.0.0.1:1/",
+      "https://127.0.0.1:" + port + "/",
+      "https://" + std::string(64, 'x') + ".example/",
+      "http://backend.example/",
+      "ftp://backend.example/",
+      "/relative",
+  };
+  const RecordingLogger logger;
+  Observation observation;
+  std::string sinks;
+  for (const std::string& ca : {authority.pem(), Authority().pem()}) {
+    const auto manager = managerWith({.connectTimeout = std::chrono::milliseconds(200),
+                                      .maximumAnswerSize = 100'000,
+                                      .caPEM = ca,
+                                      .observer = observation.observer()});
+    for (const std::string& url : urls) {
+      const auto result = await(*manager, Verb::post, url + query, "body-s3cr3t",
+                                {{"Authorization", "Bearer s3cr3t-token"}});
+      if (result.error()) sinks += result.error()->message() + "\n";
+    }
+  }
+  for (const Exchange& exchange : observation.exchanges) sinks += textOf(exchange);
+  for (const auto& line : logger.lines()) sinks += line.message + "\n";
+  EXPECT_GE(observation.exchanges.size(), 12U);
+  for (const std::string& secret : secrets) EXPECT_THAT(sinks, Not(HasSubstr(secret)));
+}
+
+}  // namespace
+}  // namespace orvane

@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: Apache-2.0
+// The device's identifier in its file, the expiry of user identifiers, and the loggers.
+#include "tests/support/TemporaryFolder.h"
+#include <Orvane/Runtime/FileDeviceIdentifier.h>
+#include <Orvane/Runtime/IntervalTimeMonitor.h>
+#include <Orvane/Runtime/Loggers.h>
+#include <Orvane/Testing/RecordingLogger.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <set>
+#include <thread>
+#include <vector>
+
+namespace orvane {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::SizeIs;
+
+constexpr auto uuid = "[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}";
+
+std::size_t fileCount(const TemporaryFolder& folder) {
+  const std::filesystem::directory_iterator files(folder.path());
+  return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+}
+
+TEST(FileDeviceIdentifierTest, OutlivesTheProcess) {
+  const TemporaryFolder folder;
+  const std::string path = folder / "new/folders/device-id";
+  const FileDeviceIdentifier first(path);
+  EXPECT_FALSE(std::filesystem::exists(path)) << "nobody has asked yet";
+  const std::string identifier = first.current();
+  EXPECT_THAT(identifier, MatchesRegex(uuid));
+  EXPECT_EQ(first.current(), identifier);
+  EXPECT_EQ(FileDeviceIdentifier(path).current(), identifier);
+  EXPECT_EQ(contentsOf(path), identifier + "\n");
+
+  struct stat status {};
+  ASSERT_EQ(::stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777U, 0600U);
+  const std::filesystem::directory_iterator files(std::filesystem::path(path).parent_path());
+  EXPECT_EQ(std::distance(begin(files), end(files)), 1) << "nothing else is to be left behind";
+}
+
+TEST(FileDeviceIdentifierTest, IsTheSameForAllWhoAskAtOnce) {
+  const TemporaryFolder folder;
+  std::vector<std::string> identifiers(8);
+  std::vector<std::thread> threads;
+  for (std::string& identifier : identifiers) {
+    threads.emplace_back(
+        [&] { identifier = FileDeviceIdentifier(folder / "device-id").current(); });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_THAT(std::set<std::string>(identifiers.begin(), identifiers.end()), SizeIs(1));
+  EXPECT_EQ(fileCount(folder), 1U);
+}
+
+TEST(FileDeviceIdentifierTest, TakesAnIdentifierAsItWasWritten) {
+  const TemporaryFolder folder;
+  constexpr auto written = "01234567-89ab-4cde-8f01-23456789abcd";
+  for (const std::string end : {"", "\n"}) {
+    writeFile(folder / "device-id", written + end);
+    EXPECT_EQ(FileDeviceIdentifier(folder / "device-id").current(), written);
+  }
+}
+
+TEST(FileDeviceIdentifierTest, ReplacesWhatIsDamaged) {
+  const TemporaryFolder folder;
+  const std::string path = folder / "device-id";
+  for (const std::string& damaged :
+       {std::string(), std::string("01234567-89ab-4cde-8f01"),
+        std::string("01234567-89AB-4CDE-8F01-23456789ABCDx"), std::string(100'000, 'x')}) {
+    writeFile(path, damaged);
+    const RecordingLogger logger;
+    const std::string identifier = FileDeviceIdentifier(path).current();
+    EXPECT_THAT(identifier, MatchesRegex(uuid));
+    EXPECT_EQ(FileDeviceIdentifier(path).current(), identifier);
+    ASSERT_THAT(logger.lines(), SizeIs(1));
+    EXPECT_EQ(logger.lines()[0].message,
+              "The device identifier's file held none and is replaced: " + path);
+    EXPECT_EQ(fileCount(folder), 1U);
+  }
+}
+
+TEST(FileDeviceIdentifierTest, DoesWithoutAFileItCannotUse) {
+  const TemporaryFolder folder;
+  std::filesystem::create_directory(folder / "a-folder");
+  writeFile(folder / "a-file", "");
+  for (const std::string& path : {folder / "a-folder", folder / "a-file/device-id"}) {
+    const RecordingLogger logger;
+    const FileDeviceIdentifier device(path);
+    const std::string identifier = device.current();
+    EXPECT_THAT(identifier, MatchesRegex(uuid));
+    EXPECT_EQ(device.current(), identifier);
+    ASSERT_THAT(logger.lines(), SizeIs(1)) << path;
+    EXPECT_THAT(logger.lines()[0].message, HasSubstr(path));
+  }
+  const RecordingLogger logger;
+  EXPECT_THAT(FileDeviceIdentifier("").current(), MatchesRegex(uuid));
+  EXPECT_THAT(logger.lines(), IsEmpty());
+}
+
+TEST(IntervalTimeMonitorTest, ExpiresAfterItsInterval) {
+  TimeMonitor::TimePoint now{};
+  const IntervalTimeMonitor monitor(std::chrono::hours(1), [&] { return now; });
+  const TimeMonitor::TimePoint stored = monitor.now();
+  EXPECT_FALSE(monitor.hasExpired(stored));
+  now += std::chrono::minutes(60) - std::chrono::nanoseconds(1);
+  EXPECT_FALSE(monitor.hasExpired(stored));
+  now += std::chrono::nanoseconds(1);
+  EXPECT_TRUE(monitor.hasExpired(stored));
+  EXPECT_FALSE(monitor.hasExpired(monitor.now()));
+}
+
+TEST(LoggersTest, WriteFromTheLeastLevelUp) {
+  using Level = Logger::Level;
+  struct Row {
+    Level least;
+    std::vector<Level> shown;
+  };
+  const std::vector<Row> rows = {
+      {Level::information, {Level::information, Level::warning, Level::error}},
+      {Level::warning, {Level::warning, Level::error}},
+      {Level::error, {Level::error}},
+  };
+  for (const Row& row : rows) {
+    for (const Level level : {Level::information, Level::warning, Level::error}) {
+      testing::internal::CaptureStderr();
+      StandardErrorLogger(row.least).write({level, "what happened", "File.cpp", "function", 7});
+      const bool isShown = !testing::internal::GetCapturedStderr().empty();
+      EXPECT_EQ(isShown, std::count(row.shown.begin(), row.shown.end(), level) == 1);
+    }
+  }
+}
+
+TEST(LoggersTest, SayWhenWhatAndWhere) {
+  testing::internal::CaptureStderr();
+  StandardErrorLogger().write({Logger::Level::warning, "what happened", "File.cpp", "f()", 7});
+  EXPECT_THAT(testing::internal::GetCapturedStderr(),
+              MatchesRegex("20[0-9]{2}-[0-9]{2}-[0-9]{2}T[0-9:]{8}\\.[0-9]{3}Z warning: "
+                           "what happened \\(File\\.cpp:7, f\\(\\)\\)\n"));
+
+  std::vector<std::string> messages;
+  FunctionLogger([&](const Logger::Entry& entry) {
+    messages.emplace_back(entry.message);
+  }).write({Logger::Level::error, "message", "", "", 0});
+  EXPECT_THAT(messages, testing::ElementsAre("message"));
+}
+
+}  // namespace
+}  // namespace orvane
