@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Arguments.h"
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+
+namespace orvane::cli {
+namespace {
+
+constexpr char lowered(char character) {
+  return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
+                                              : character;
+}
+
+template <class Number>
+std::optional<Number> wholeTextAs(std::string_view text) {
+  Number number{};
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (error != std::errc{} || stop != end || text.empty()) return std::nullopt;
+  return number;
+}
+
+std::optional<std::int64_t> digits(std::string_view text) {
+  const auto isDigit = [](char character) { return character >= '0' && character <= '9'; };
+  return std::ranges::all_of(text, isDigit) ? wholeTextAs<std::int64_t>(text) : std::nullopt;
+}
+
+bool exists(std::int64_t year, std::int64_t month, std::int64_t day) {
+  return std::chrono::year_month_day{std::chrono::year(static_cast<int>(year)),
+                                     std::chrono::month(static_cast<unsigned>(month)),
+                                     std::chrono::day(static_cast<unsigned>(day))}
+      .ok();
+}
+
+}  // namespace
+
+std::optional<std::string> Argument<std::string>::parse(std::string_view text) {
+  return std::string(text);
+}
+
+std::optional<std::filesystem::path> Argument<std::filesystem::path>::parse(std::string_view text) {
+  if (text.empty()) return std::nullopt;
+  return std::filesystem::path(text);
+}
+
+std::optional<bool> Argument<bool>::parse(std::string_view text) {
+  if (sameChoice(text, "yes") || sameChoice(text, "true")) return true;
+  if (sameChoice(text, "no") || sameChoice(text, "false")) return false;
+  return std::nullopt;
+}
+
+std::optional<std::int64_t> Argument<std::int64_t>::parse(std::string_view text) {
+  return wholeTextAs<std::int64_t>(text);
+}
+
+std::optional<double> Argument<double>::parse(std::string_view text) {
+  const auto number = wholeTextAs<double>(text);
+  return number && std::isfinite(*number) ? number : std::nullopt;
+}
+
+std::optional<DateComponents> Argument<DateComponents>::parse(std::string_view text) {
+  if (text.size() != 10 || text[4] != '-' || text[7] != '-') return std::nullopt;
+  const auto year = digits(text.substr(0, 4));
+  const auto month = digits(text.substr(5, 2));
+  const auto day = digits(text.substr(8, 2));
+  if (!year || !month || !day || !exists(*year, *month, *day)) return std::nullopt;
+  return DateComponents{year, month, day};
+}
+
+std::optional<User::Gender> Argument<User::Gender>::parse(std::string_view text) {
+  return User::Gender::fromWireText(text);
+}
+
+std::string choiceName(std::string_view wireText) {
+  std::string name(wireText);
+  const auto isSmall = [](char character) { return character >= 'a' && character <= 'z'; };
+  if (std::ranges::any_of(name, isSmall)) return name;
+  std::ranges::transform(name, name.begin(), lowered);
+  std::ranges::replace(name, '_', '-');
+  return name;
+}
+
+std::string joined(const std::vector<std::string>& texts, std::string_view separator) {
+  std::string whole;
+  for (const std::string& text : texts) whole.append(whole.empty() ? "" : separator).append(text);
+  return whole;
+}
+
+bool sameChoice(std::string_view left, std::string_view right) {
+  const auto folded = [](std::string_view text) {
+    std::string kept;
+    for (const char character : text) {
+      if (character != '-' && character != '_') kept.push_back(lowered(character));
+    }
+    return kept;
+  };
+  return folded(left) == folded(right);
+}
+
+}  // namespace orvane::cli

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: Apache-2.0
+// How the texts of the command line become values: one `Argument` per type.
+#pragma once
+
+#include <Orvane/Models/User.h>
+#include <Orvane/Platform/DateComponents.h>
+#include <Orvane/Platform/Enumeration.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane::cli {
+
+/// How a text is read as a `T`: `label` stands for it in the usage, `meaning` ("a day …") in the
+/// message about a text that `parse` refuses, and `choices()`, where the type has it, are offered
+/// by help and shell completion.
+template <class T>
+struct Argument;
+
+template <>
+struct Argument<std::string> {
+  static constexpr std::string_view label = "TEXT";
+  static constexpr std::string_view meaning = "a text";
+  [[nodiscard]] static std::optional<std::string> parse(std::string_view text);
+};
+
+template <>
+struct Argument<std::filesystem::path> {
+  static constexpr std::string_view label = "FILE";
+  static constexpr std::string_view meaning = "a path";
+  [[nodiscard]] static std::optional<std::filesystem::path> parse(std::string_view text);
+};
+
+template <>
+struct Argument<bool> {
+  static constexpr std::string_view label = "yes|no";
+  static constexpr std::string_view meaning = "yes or no";
+  [[nodiscard]] static std::vector<std::string> choices() { return {"yes", "no"}; }
+  [[nodiscard]] static std::optional<bool> parse(std::string_view text);
+};
+
+template <>
+struct Argument<std::int64_t> {
+  static constexpr std::string_view label = "NUMBER";
+  static constexpr std::string_view meaning = "a whole number";
+  [[nodiscard]] static std::optional<std::int64_t> parse(std::string_view text);
+};
+
+template <>
+struct Argument<double> {
+  static constexpr std::string_view label = "NUMBER";
+  static constexpr std::string_view meaning = "a number";
+  [[nodiscard]] static std::optional<double> parse(std::string_view text);
+};
+
+/// A day of the Gregorian calendar that exists.
+template <>
+struct Argument<DateComponents> {
+  static constexpr std::string_view label = "YYYY-MM-DD";
+  static constexpr std::string_view meaning = "a day, as YYYY-MM-DD";
+  [[nodiscard]] static std::optional<DateComponents> parse(std::string_view text);
+};
+
+template <>
+struct Argument<User::Gender> {
+  static constexpr std::string_view label = "male|female|TEXT";
+  static constexpr std::string_view meaning = "a gender";
+  [[nodiscard]] static std::vector<std::string> choices() { return {"male", "female"}; }
+  [[nodiscard]] static std::optional<User::Gender> parse(std::string_view text);
+};
+
+/// How a wire text is written on the command line and on the screen: "WEEKEND_DRIVER" as
+/// "weekend-driver"; one with small letters stays as it is.
+[[nodiscard]] std::string choiceName(std::string_view wireText);
+
+/// The texts one after the other, with `separator` between them.
+[[nodiscard]] std::string joined(const std::vector<std::string>& texts, std::string_view separator);
+
+/// True when both texts are the same but for case, hyphens and underscores.
+[[nodiscard]] bool sameChoice(std::string_view left, std::string_view right);
+
+template <Enumeration E>
+struct Argument<E> {
+  static constexpr std::string_view label = "";
+  static constexpr std::string_view meaning = "one of the choices";
+
+  [[nodiscard]] static std::vector<std::string> choices() {
+    std::vector<std::string> names;
+    for (const auto& row : allCases<E>()) names.push_back(choiceName(row.wireText));
+    return names;
+  }
+
+  [[nodiscard]] static std::optional<E> parse(std::string_view text) {
+    for (const auto& row : allCases<E>()) {
+      if (sameChoice(row.wireText, text)) return row.value;
+    }
+    return std::nullopt;
+  }
+};
+
+}  // namespace orvane::cli

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Session.h"
+
+#include "Trace.h"
+#include <Orvane/Common/MainQueue.h>
+#include <Orvane/Platform/Date.h>
+#include <Orvane/Platform/DeviceSettings.h>
+#include <Orvane/Platform/TimeZone.h>
+#include <Orvane/Runtime/Loggers.h>
+#include <Orvane/Runtime/SelfSignedTokenResolver.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+
+namespace orvane::cli {
+namespace {
+
+// What the device's clock is made to lack. A source is a plain function, so this stands alone.
+std::atomic<double> clockOffset{0};
+
+Date shiftedNow() {
+  return std::chrono::system_clock::now() + Seconds(clockOffset.load(std::memory_order_relaxed));
+}
+
+std::string signingKey(const std::string& path) {
+  std::ifstream file(path);
+  std::string digits;
+  if (!(file >> digits)) {
+    throw Failure(ExitCode::configuration, "the signing key can't be read from " + path + ": " +
+                                               (file.eof() ? "it is empty" : std::strerror(errno)));
+  }
+  auto bytes = bytesFromHexadecimal(digits);
+  if (!bytes) {
+    throw Failure(ExitCode::configuration,
+                  "the signing key in " + path + " is not written in hexadecimal digits");
+  }
+  return *std::move(bytes);
+}
+
+}  // namespace
+
+Session::Session(Settings settings, OutputStyle style, bool isVerbose)
+    : settings_(std::move(settings)), output_(stdout, style), isVerbose_(isVerbose) {
+  const auto& zone = settings_.text(Setting::timeZone);
+  if (zone && !TimeZone::named(*zone)) {
+    throw Failure(ExitCode::configuration, "there is no time zone \"" + *zone + '"');
+  }
+  DeviceSettings device;
+  device.locale = settings_.text(Setting::locale).value_or("");
+  device.timeZone = zone.value_or("");
+  DeviceSettings::set(std::move(device));
+}
+
+Session::~Session() {
+  if (runtime_) runtime_->shutdown();
+}
+
+Identity Session::identity() const {
+  return {settings_.text(Setting::apiKey).value_or(""), settings_.text(Setting::user)};
+}
+
+void Session::connect() {
+  if (const auto offset = settings_.number(Setting::clockOffset)) {
+    clockOffset = *offset;
+    DeviceClock::setSource(shiftedNow);
+  }
+  RuntimeOptions options;
+  options.baseURL = settings_.required(Setting::baseURL);
+  options.tokens = tokens();
+  options.transport = transport();
+  options.deviceIdentifierFile = settings_.text(Setting::deviceFile).value_or("");
+  if (isVerbose_) {
+    options.logger = std::make_shared<StandardErrorLogger>(Logger::Level::information);
+  }
+  Result<Runtime> installed = Runtime::install(std::move(options));
+  if (!installed.value()) throw failureOf(installed.errorOr(NetworkError::unknown));
+  runtime_ = *std::move(installed).value();
+}
+
+bool Session::await(const RequestHandle& request) {
+  interrupt_.watch(request);
+  const bool isInTime = MainQueue::main().runUntil(request, timeout());
+  if (!isInTime) request->cancel();
+  interrupt_.release();
+  return isInTime;
+}
+
+Failure Session::timeIsUp() const {
+  return {ExitCode::timeOut,
+          "no answer within " + decimal(*settings_.number(Setting::timeout), 3) + " s"};
+}
+
+TransportOptions Session::transport() const {
+  TransportOptions transport;
+  transport.caFile = settings_.text(Setting::caFile).value_or("");
+  transport.totalTimeout = timeout();
+  transport.userAgent = "orvane/" ORVANE_CLI_VERSION;
+  if (isVerbose_) transport.observer = traceExchange;
+  return transport;
+}
+
+TokenSource Session::tokens() const {
+  const auto& token = settings_.text(Setting::token);
+  const auto& keyFile = settings_.text(Setting::signingKeyFile);
+  // Both given: the one given closer to the command counts.
+  const bool isKeyCloser =
+      settings_.source(Setting::signingKeyFile) > settings_.source(Setting::token);
+  if (token && !isKeyCloser) return *token;
+  if (keyFile) return SelfSignedTokenResolver::make({.key = signingKey(*keyFile)});
+  throw Failure(ExitCode::configuration,
+                "no token: give --token or --signing-key-file, or set one in the environment or "
+                "the configuration file (see orvane config show)");
+}
+
+std::chrono::milliseconds Session::timeout() const {
+  // Long enough for everything, and small enough for every clock.
+  constexpr double longest = 1e6;
+  const double seconds = settings_.number(Setting::timeout).value_or(longest);
+  if (seconds < 0.001 || seconds > longest) {
+    throw Failure(ExitCode::usage, "the timeout has to be from 0.001 to 1000000 seconds");
+  }
+  return std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000.0));
+}
+
+}  // namespace orvane::cli

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+// Values as people read them: units, times, wire texts, and texts made safe for a terminal.
+#pragma once
+
+#include "Arguments.h"
+#include <Orvane/Models/User.h>
+#include <Orvane/Platform/Date.h>
+#include <Orvane/Platform/DateComponents.h>
+#include <Orvane/Platform/Enumeration.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane::cli {
+
+/// What a table or block shows of a value.
+[[nodiscard]] std::string toText(std::string_view text);
+[[nodiscard]] std::string toText(bool value);
+[[nodiscard]] std::string toText(std::int64_t number);
+[[nodiscard]] std::string toText(double number);
+/// In the device's time zone, with its offset: "2024-05-17 14:03:05 +02:00".
+[[nodiscard]] std::string toText(Date date);
+/// "1990-05-17", as much of it as is set; a hyphen where nothing is.
+[[nodiscard]] std::string toText(const DateComponents& day);
+[[nodiscard]] std::string toText(const URL& url);
+[[nodiscard]] std::string toText(const User::Gender& gender);
+
+[[nodiscard]] inline std::string toText(const std::string& text) {
+  return toText(std::string_view(text));
+}
+// A literal would else become a boolean.
+[[nodiscard]] inline std::string toText(const char* text) { return toText(std::string_view(text)); }
+
+template <Enumeration E>
+[[nodiscard]] std::string toText(E value) {
+  return choiceName(wireText(value));
+}
+
+template <class T>
+[[nodiscard]] std::string toText(const std::vector<T>& values) {
+  std::vector<std::string> texts;
+  for (const T& value : values) texts.push_back(toText(value));
+  return joined(texts, ", ");
+}
+
+/// A number in the C locale with at most `decimals` of them, without trailing zeros.
+[[nodiscard]] std::string decimal(double number, int decimals);
+
+/// Units, of values as the records hold them.
+[[nodiscard]] std::string kilometresOf(double metres);
+[[nodiscard]] std::string kilometresPerHourOf(double metresPerSecond);
+/// "1 h 12 min", "3 min 20 s", "20 s".
+[[nodiscard]] std::string durationOf(double seconds);
+/// A point in time that a record keeps as a number of milliseconds since 1970-01-01 UTC.
+[[nodiscard]] Date dateOfMilliseconds(double milliseconds);
+
+/// `text` with every control character, those that move a terminal's cursor included, written as
+/// an escape ("\n", "\x1b"), and what is not UTF-8 as a replacement character.
+[[nodiscard]] std::string visible(std::string_view text);
+
+/// The columns that `text`, which is free of control characters, takes on a terminal.
+[[nodiscard]] std::size_t columnsOf(std::string_view text);
+
+/// `text` cut to `columns`, the last of them an ellipsis where something is missing.
+[[nodiscard]] std::string cut(std::string_view text, std::size_t columns);
+
+}  // namespace orvane::cli

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Commands.h"
+
+namespace orvane::cli {
+
+Verb::~Verb() = default;
+
+std::vector<Resource> resources() {
+  return {userCommands(), configCommands(), completionCommands()};
+}
+
+}  // namespace orvane::cli

@@ -1,0 +1,189 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+#
+# Starts the local backend and shows the command-line client at work on it, over HTTPS. Everything shown is checked: the script
+# fails when anything is not as it should be. A further scene is a function below and a line at the end.
+#   tools/demo.sh [build folder]
+set -euo pipefail
+
+build=$(cd "${1:-build/release}" && pwd)
+sandbox=$build/tools/sandbox/orvane-sandbox
+orvane=$build/tools/cli/orvane
+
+# --- The backend --------------------------------------------------------------------------------
+
+folder=$(mktemp -d)
+sandbox_pid=
+
+# Whatever ends this script ends what it has started.
+clean_up() {
+  if [[ -n $sandbox_pid ]]; then
+    kill -TERM "$sandbox_pid" 2>/dev/null || true
+    wait "$sandbox_pid" 2>/dev/null || true
+  fi
+  rm -rf "$folder"
+}
+trap clean_up EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+
+# Reads what the backend says of itself when it is ready: its address stands there.
+start_backend() {
+  local line
+  coproc SANDBOX { exec "$sandbox" --data "$folder/data" --port 0 2>"$folder/errors"; }
+  # shellcheck disable=SC2153  # set by coproc
+  sandbox_pid=$SANDBOX_PID
+  while read -r -t 60 -u "${SANDBOX[0]}" line; do
+    if [[ $line =~ (https://[^/]+)/kavra/api/sdk ]]; then
+      base_url=${BASH_REMATCH[1]}
+    fi
+    [[ $line != 'token of a user:'* ]] || return 0
+  done
+  echo "demo: the backend did not start" >&2
+  cat "$folder/errors" >&2
+  exit 1
+}
+
+# --- What scenes are made of --------------------------------------------------------------------
+
+if [[ -t 1 && -z ${NO_COLOR:-} ]]; then
+  bold=$'\e[1m' dim=$'\e[2m' plain=$'\e[0m'
+else
+  bold='' dim='' plain=''
+fi
+
+title() {
+  printf '\n%s%s%s\n' "$bold" "$1" "$plain"
+}
+
+indented() {
+  local line
+  while IFS= read -r line; do printf '    %s\n' "$line"; done <<<"$1"
+}
+
+failed() {
+  printf '\ndemo: %s\n' "$1" >&2
+  printf 'The last command wrote:\n%s\n%s\n' "$output" "$errors" >&2
+  exit 1
+}
+
+# The words as one would type them.
+quoted() {
+  local word
+  for word in "$@"; do
+    if [[ $word =~ ^[A-Za-z0-9_.,:/=@+-]+$ ]]; then
+      printf ' %s' "$word"
+    else
+      printf " '%s'" "${word//\'/\'\\\'\'}"
+    fi
+  done
+}
+
+# run <exit code> <arguments...>: runs a command, shows it with what it prints, and keeps both streams in `output` and `errors`.
+run() {
+  local wanted=$1 code=0
+  shift
+  printf '  %s$ orvane%s%s\n' "$dim" "$(quoted "$@")" "$plain"
+  output=$("$orvane" --format table "$@" 2>"$folder/errors") || code=$?
+  errors=$(<"$folder/errors")
+  ((code == wanted)) || failed "the exit code is $code, and should be $wanted"
+}
+
+show() {
+  [[ -z $1 ]] || indented "$1"
+}
+
+# Each checks what the last command wrote, white space counting as one blank.
+expect() {
+  local text
+  text=$(tr -s ' \n' ' ' <<<"$output")
+  [[ $text == *"$1"* ]] || failed "there should be \"$1\""
+}
+
+# The exchanges of the last command, which was told to be verbose: requests without their query, and statuses.
+exchanges() {
+  sed -nE 's/^> ((GET|POST|PUT|DELETE) [^?]*).*/\1/p; s/^< ([0-9]{3}),.*/  -> \1/p' <<<"$errors" |
+    sed "s#$base_url##"
+}
+
+expect_exchanges() {
+  local wanted
+  wanted=$(printf '%s\n' "$@")
+  [[ $(exchanges) == "$wanted" ]] || failed "there should be these exchanges:"$'\n'"$wanted"
+}
+
+# No key or token may have been written anywhere.
+expect_no_secrets() {
+  local secret
+  secret=$(<"$folder/data/signing.key")
+  [[ $output$errors != *"$secret"* ]] || failed "the signing key was shown"
+  # Every token begins with the same letters: those of {".
+  [[ $output$errors != *eyJ* ]] || failed "a token was shown"
+}
+
+# --- Scenes -------------------------------------------------------------------------------------
+
+scene_user() {
+  title "The person who is signed in, with role, account and the others of the account"
+  run 0 user show --expand role,associatedAccount,associatedUsers
+  show "$output"
+  expect "id 1001"
+  expect "identifier Keller household"
+  expect "names role-owner"
+  expect "associated users"
+  expect "marc.keller@"
+}
+
+scene_update() {
+  title "A change, and a second look that confirms it"
+  run 0 user update --display-name "Anna on tour" --share-user-profile no
+  expect "display name Anna on tour"
+  run 0 user address --city Bern --postal-code 3011
+  run 0 user show
+  expect "display name Anna on tour"
+  expect "profile shared no"
+  expect "city Bern"
+  expect "first name Anna"
+  show "$(grep -E '^(display name|first name|profile shared)|city|postal code' <<<"$output")"
+}
+
+scene_clock() {
+  title "A device whose clock is 300 seconds behind: one refusal tells the right time, one retry succeeds"
+  run 0 --clock-offset -300 --verbose user show
+  show "$(exchanges)"
+  expect "id 1001"
+  expect_exchanges \
+    "GET /kavra/api/sdk/identity" "  -> 401" \
+    "GET /kavra/api/sdk/identity" "  -> 200" \
+    "GET /kavra/api/sdk/users/1001" "  -> 200"
+  expect_no_secrets
+}
+
+scene_errors() {
+  title "What goes wrong says so in one line, with an exit code of its own"
+  run 44 user show 4711
+  show "$errors"
+  run 12 --ca-file /etc/ssl/certs/ca-certificates.crt user show
+  show "$errors"
+}
+
+# --- The show -----------------------------------------------------------------------------------
+
+base_url=
+output=
+errors=
+start_backend
+
+# Nothing of the user's own settings gets in.
+unset "${!ORVANE_@}"
+export XDG_CONFIG_HOME=$folder XDG_STATE_HOME=$folder
+export ORVANE_BASE_URL=$base_url ORVANE_CA_FILE=$folder/data/ca.pem ORVANE_API_KEY=sandbox-api-key
+export ORVANE_USER=anna.keller ORVANE_SIGNING_KEY_FILE=$folder/data/signing.key
+
+printf '%sThe backend listens on %s%s\n' "$bold" "$base_url" "$plain"
+scene_user
+scene_update
+scene_clock
+scene_errors
+
+printf '\n%sEverything was as it should be.%s\n' "$bold" "$plain"
