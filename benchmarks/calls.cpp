@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: Apache-2.0
+// Calls per second to one server over TLS: whole calls through UserService::fetch, with resolution,
+// main queue and decoding, beside a bare libcurl multi loop with the same connection settings that
+// does nothing with the answers.
+#include "tests/runtime/support/TestServer.h"
+#include <Orvane/Orvane.h>
+#include <Orvane/Runtime.h>
+
+#include <benchmark/benchmark.h>
+#include <curl/curl.h>
+
+#include <array>
+#include <memory>
+#include <string>
+
+namespace {
+
+using namespace orvane;
+
+constexpr int callsPerRound = 2000;
+constexpr int callsAtOnce = 32;
+constexpr std::string_view token = "token";
+
+constexpr std::string_view userAnswer =
+    R"({"userId":"42","externalReferenceId":"policy-2024-42","userProfileId":"profile-42",)"
+    R"("activated":true,"avatar":"https://images.example/avatars/42.jpg","firstName":"Ann",)"
+    R"("lastName":"Müller","gender":"female","publicDisplayName":"ann","city":"Zürich",)"
+    R"("subdivision":"Zürich","subdivisionCode":"ZH","postalcode":"8001","country":"Switzerland",)"
+    R"("countryCode":"CH","formattedAddress":"Bahnhofstrasse 1, 8001 Zürich, Switzerland",)"
+    R"("dateOfBirth":"1987-03-15","email":"ann@mail.example","phone":"+41 44 000 00 00",)"
+    R"("acceptedTerms":true,"acceptedTermsDate":1700000000000,"driverType":"COMMUTER",)"
+    R"("dataCollectionType":"MOBILE","scoringType":"IMS","enrollmentModelType":"MOBILE_FLEXIBLE",)"
+    R"("accountRole":"OWNER"})";
+
+struct Backend {
+  Authority authority;
+  TestServer server{[](ServerConnection& connection, const ReceivedRequest& request) {
+                      const bool isLookup = request.target().ends_with("/identity");
+                      connection.answer(200, isLookup ? R"({"userId":"42"})" : userAnswer);
+                    },
+                    authority.issue({})};
+  std::string authorityPEM = authority.pem();
+};
+
+// Both sides talk to the same server.
+Backend& backend() {
+  static Backend& backend = *new Backend;
+  return backend;
+}
+
+void reportCalls(benchmark::State& state) {
+  state.SetItemsProcessed(state.iterations() * callsPerRound);
+}
+
+// Keeps calls under way until a round is done. Handlers run on the transport's thread, one at a
+// time.
+class Round {
+ public:
+  explicit Round(const UserService& users) : users_(users) {}
+
+  bool run() {
+    for (int i = 0; i < callsAtOnce; ++i) startOne();
+    MainQueue::main().run();
+    return failures_ == 0;
+  }
+
+ private:
+  void startOne() {
+    users_.fetch(std::nullopt, {}, [this](Result<User> user) {
+      if (!user) ++failures_;
+      if (++finished_ + callsAtOnce <= callsPerRound) return startOne();
+      if (finished_ == callsPerRound) MainQueue::main().stop();
+    });
+  }
+
+  const UserService& users_;
+  std::atomic<int> failures_ = 0;
+  std::atomic<int> finished_ = 0;
+};
+
+void fetchUsers(benchmark::State& state) {
+  const auto runtime = Runtime::install({.baseURL = backend().server.url(""),
+                                         .tokens = std::string(token),
+                                         .transport = {.caPEM = backend().authorityPEM}});
+  if (!runtime) return state.SkipWithError("not installed");
+  const UserService users(Identity{"key", "ann"});
+  for (auto _ : state) {
+    if (!Round(users).run()) state.SkipWithError("a call failed");
+  }
+  reportCalls(state);
+  runtime.value()->shutdown();
+}
+BENCHMARK(fetchUsers)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+std::size_t keep(char* bytes, std::size_t, std::size_t count, void* text) {
+  static_cast<std::string*>(text)->append(bytes, count);
+  return count;
+}
+
+// What one would write by hand: handles that are used again, connections that are kept.
+class BareLoop {
+ public:
+  BareLoop()
+      : multi_(curl_multi_init()), headers_(curl_slist_append(nullptr, authorization().c_str())) {
+    curl_multi_setopt(multi_, CURLMOPT_MAX_HOST_CONNECTIONS, 8L);
+    const std::string url = backend().server.url("/kavra/api/sdk/users/42");
+    curl_blob trusted{backend().authorityPEM.data(), backend().authorityPEM.size(),
+                      CURL_BLOB_NOCOPY};
+    for (Transfer& transfer : transfers_) {
+      transfer.easy = curl_easy_init();
+      curl_easy_setopt(transfer.easy, CURLOPT_URL, url.c_str());
+      curl_easy_setopt(transfer.easy, CURLOPT_HTTPHEADER, headers_);
+      curl_easy_setopt(transfer.easy, CURLOPT_CAINFO_BLOB, &trusted);
+      curl_easy_setopt(transfer.easy, CURLOPT_ACCEPT_ENCODING, "");
+      curl_easy_setopt(transfer.easy, CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_2TLS});
+      curl_easy_setopt(transfer.easy, CURLOPT_PIPEWAIT, 1L);
+      curl_easy_setopt(transfer.easy, CURLOPT_NOSIGNAL, 1L);
+      curl_easy_setopt(transfer.easy, CURLOPT_WRITEFUNCTION, keep);
+      curl_easy_setopt(transfer.easy, CURLOPT_WRITEDATA, &transfer.answer);
+      curl_easy_setopt(transfer.easy, CURLOPT_PRIVATE, &transfer);
+    }
+  }
+  BareLoop(const BareLoop&) = delete;
+  BareLoop& operator=(const BareLoop&) = delete;
+  ~BareLoop() {
+    for (const Transfer& transfer : transfers_) curl_easy_cleanup(transfer.easy);
+    curl_multi_cleanup(multi_);
+    curl_slist_free_all(headers_);
+  }
+
+  bool run() {
+    int started = 0;
+    int finished = 0;
+    for (Transfer& transfer : transfers_) {
+      curl_multi_add_handle(multi_, transfer.easy);
+      ++started;
+    }
+    while (finished < callsPerRound) {
+      int running = 0;
+      curl_multi_perform(multi_, &running);
+      int left = 0;
+      while (const CURLMsg* message = curl_multi_info_read(multi_, &left)) {
+        Transfer* transfer = nullptr;
+        curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
+        if (message->data.result != CURLE_OK || transfer->answer != userAnswer) return false;
+        ++finished;
+        transfer->answer.clear();
+        curl_multi_remove_handle(multi_, transfer->easy);
+        if (started < callsPerRound) {
+          curl_multi_add_handle(multi_, transfer->easy);
+          ++started;
+        }
+      }
+      if (finished < callsPerRound) curl_multi_poll(multi_, nullptr, 0, 1000, nullptr);
+    }
+    return true;
+  }
+
+ private:
+  struct Transfer {
+    CURL* easy = nullptr;
+    std::string answer;
+  };
+
+  static std::string authorization() { return "Authorization: Bearer " + std::string(token); }
+
+  CURLM* const multi_;
+  curl_slist* const headers_;
+  std::array<Transfer, callsAtOnce> transfers_;
+};
+
+void bareLoop(benchmark::State& state) {
+  BareLoop loop;
+  for (auto _ : state) {
+    if (!loop.run()) state.SkipWithError("a transfer failed");
+  }
+  reportCalls(state);
+}
+BENCHMARK(bareLoop)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+}  // namespace
