@@ -79,46 +79,41 @@ bool TransferLoop::start(const std::shared_ptr<Transfer>& transfer) {
     hasStarted_ = thread_.start([self = shared_from_this()] { self->run(); });
     if (!hasStarted_) return false;
   }
-  hand(transfer, &Inbox::started, std::move(lock));
+  inbox_.started.push_back(transfer);
+  wake(std::move(lock));
   return true;
 }
 
 void TransferLoop::drop(const std::shared_ptr<Transfer>& transfer) {
   std::unique_lock lock(mutex_);
-  if (!inbox_.isStopping) hand(transfer, &Inbox::dropped, std::move(lock));
-}
-
-void TransferLoop::hand(const std::shared_ptr<Transfer>& transfer, Transfers Inbox::*to,
-                        std::unique_lock<std::mutex> lock) {
-  const bool wasEmpty = inbox_.isEmpty();
-  (inbox_.*to).push_back(transfer);
-  if (wasEmpty) wake(std::move(lock));
+  if (inbox_.isStopping || !hasStarted_) return;
+  inbox_.dropped.push_back(transfer);
+  wake(std::move(lock));
 }
 
 void TransferLoop::wake(std::unique_lock<std::mutex> lock) {
-  hasMail_.store(true, std::memory_order_release);
-  if (thread_.isCurrent()) return;  // it looks before it waits
+  if (!isWaiting_.exchange(false)) return;
   // Outside the lock, for which the thread would have to wait as soon as it is awake; counted,
   // because nobody may wake a thread that has closed its handle.
-  wakers_.fetch_add(1, std::memory_order_relaxed);
+  wakers_.fetch_add(1);
   lock.unlock();
   curl_multi_wakeup(multi_);
-  wakers_.fetch_sub(1, std::memory_order_release);
+  wakers_.fetch_sub(1);
 }
 
 bool TransferLoop::shutdown(std::chrono::milliseconds timeout) {
   {
     std::unique_lock lock(mutex_);
-    const bool wasEmpty = inbox_.isEmpty();
     inbox_.isStopping = true;
-    if (wasEmpty && hasStarted_) wake(std::move(lock));
+    wake(std::move(lock));
   }
   return thread_.join(timeout);
 }
 
 void TransferLoop::run() {
   blockSignals();
-  for (Inbox inbox = takeInbox(); !inbox.isStopping; inbox = takeInbox()) {
+  Inbox inbox = takeInbox();
+  for (; !inbox.isStopping; inbox = takeInbox()) {
     for (const auto& transfer : inbox.dropped) abandon(*transfer);
     for (const auto& transfer : inbox.started) begin(transfer);
     inbox = {};  // lets go of what is not needed any more before it waits
@@ -127,12 +122,12 @@ void TransferLoop::run() {
     finishEnded();
     wait();
   }
-  close();
+  // What was handed over just before the end came along with it; nothing comes after it.
+  close(inbox.started);
 }
 
 TransferLoop::Inbox TransferLoop::takeInbox() {
   const std::scoped_lock lock(mutex_);
-  hasMail_.store(false, std::memory_order_relaxed);
   Inbox taken;
   std::swap(taken.started, inbox_.started);
   std::swap(taken.dropped, inbox_.dropped);
@@ -195,19 +190,24 @@ void TransferLoop::end(Transfer& transfer, Result<std::string> outcome) {
 }
 
 void TransferLoop::wait() {
-  if (hasMail_.load(std::memory_order_acquire)) return;
   // As long as it takes, unless there is a stalled main queue to be reported.
   int timeout = std::numeric_limits<int>::max();
   if (const auto pause = MainQueue::main().warnWhenStalled(); pause.count() > 0) {
     timeout = static_cast<int>(pause.count());
   }
+  {
+    const std::scoped_lock lock(mutex_);
+    if (!inbox_.isEmpty()) return;
+    isWaiting_ = true;
+  }
   curl_multi_poll(multi_, nullptr, 0, timeout, nullptr);
+  isWaiting_ = false;
 }
 
-void TransferLoop::close() {
+void TransferLoop::close(const Transfers& late) {
   while (!running_.empty()) end(*running_.back(), shutDown());
-  for (const auto& transfer : takeInbox().started) transfer->complete(shutDown());
-  while (wakers_.load(std::memory_order_acquire) != 0) std::this_thread::yield();
+  for (const auto& transfer : late) transfer->complete(shutDown());
+  while (wakers_.load() != 0) std::this_thread::yield();
   idle_.clear();
   curl_multi_cleanup(std::exchange(multi_, nullptr));
 }

@@ -54,8 +54,7 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
     }
   };
 
-  void hand(const std::shared_ptr<Transfer>& transfer, Transfers Inbox::*to,
-            std::unique_lock<std::mutex> lock);
+  /// Ends the wait of the thread, where it waits; to be called when something is in the inbox.
   void wake(std::unique_lock<std::mutex> lock);
 
   // What follows runs on the loop's thread.
@@ -67,7 +66,7 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   void finish(Transfer& transfer, CURLcode code);
   void end(Transfer& transfer, Result<std::string> outcome);
   void wait();
-  void close();
+  void close(const Transfers& late);
   [[nodiscard]] std::unique_ptr<CurlEasy> takeEasy();
 
   const TransportOptions options_;
@@ -76,7 +75,7 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   std::mutex mutex_;
   Inbox inbox_;
   bool hasStarted_ = false;
-  std::atomic<bool> hasMail_{false};
+  std::atomic<bool> isWaiting_{false};
   std::atomic<int> wakers_{0};
 
   Transfers running_;
