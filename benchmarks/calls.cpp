@@ -97,19 +97,16 @@ std::size_t keep(char* bytes, std::size_t, std::size_t count, void* text) {
   return count;
 }
 
-// What one would write by hand: handles that are used again, connections that are kept.
+// What one would write by hand: handles that are used again, connections that are kept, and for
+// each request its own URL and header.
 class BareLoop {
  public:
-  BareLoop()
-      : multi_(curl_multi_init()), headers_(curl_slist_append(nullptr, authorization().c_str())) {
+  BareLoop() : multi_(curl_multi_init()) {
     curl_multi_setopt(multi_, CURLMOPT_MAX_HOST_CONNECTIONS, 8L);
-    const std::string url = backend().server.url("/kavra/api/sdk/users/42");
     curl_blob trusted{backend().authorityPEM.data(), backend().authorityPEM.size(),
                       CURL_BLOB_NOCOPY};
     for (Transfer& transfer : transfers_) {
       transfer.easy = curl_easy_init();
-      curl_easy_setopt(transfer.easy, CURLOPT_URL, url.c_str());
-      curl_easy_setopt(transfer.easy, CURLOPT_HTTPHEADER, headers_);
       curl_easy_setopt(transfer.easy, CURLOPT_CAINFO_BLOB, &trusted);
       curl_easy_setopt(transfer.easy, CURLOPT_ACCEPT_ENCODING, "");
       curl_easy_setopt(transfer.easy, CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_2TLS});
@@ -123,16 +120,18 @@ class BareLoop {
   BareLoop(const BareLoop&) = delete;
   BareLoop& operator=(const BareLoop&) = delete;
   ~BareLoop() {
-    for (const Transfer& transfer : transfers_) curl_easy_cleanup(transfer.easy);
+    for (const Transfer& transfer : transfers_) {
+      curl_easy_cleanup(transfer.easy);
+      curl_slist_free_all(transfer.headers);
+    }
     curl_multi_cleanup(multi_);
-    curl_slist_free_all(headers_);
   }
 
   bool run() {
     int started = 0;
     int finished = 0;
     for (Transfer& transfer : transfers_) {
-      curl_multi_add_handle(multi_, transfer.easy);
+      start(transfer);
       ++started;
     }
     while (finished < callsPerRound) {
@@ -147,7 +146,7 @@ class BareLoop {
         transfer->answer.clear();
         curl_multi_remove_handle(multi_, transfer->easy);
         if (started < callsPerRound) {
-          curl_multi_add_handle(multi_, transfer->easy);
+          start(*transfer);
           ++started;
         }
       }
@@ -159,13 +158,23 @@ class BareLoop {
  private:
   struct Transfer {
     CURL* easy = nullptr;
+    curl_slist* headers = nullptr;
     std::string answer;
   };
 
-  static std::string authorization() { return "Authorization: Bearer " + std::string(token); }
+  void start(Transfer& transfer) {
+    const std::string url = root_ + "/kavra/api/sdk/users/" + userID_;
+    const std::string authorization = "Authorization: Bearer " + std::string(token);
+    curl_slist_free_all(transfer.headers);
+    transfer.headers = curl_slist_append(nullptr, authorization.c_str());
+    curl_easy_setopt(transfer.easy, CURLOPT_URL, url.c_str());
+    curl_easy_setopt(transfer.easy, CURLOPT_HTTPHEADER, transfer.headers);
+    curl_multi_add_handle(multi_, transfer.easy);
+  }
 
   CURLM* const multi_;
-  curl_slist* const headers_;
+  const std::string root_ = backend().server.url("");
+  const std::string userID_ = "42";
   std::array<Transfer, callsAtOnce> transfers_;
 };
 

@@ -38,7 +38,9 @@ bool beginsPathWithSlash(const urls::url_view& url) {
 
 template <class Characters>
 void appendEncoded(std::string& text, std::string_view raw, const Characters& allowed) {
-  text += urls::encode(view(raw), allowed);
+  const bool isPlain = std::all_of(raw.begin(), raw.end(),
+                                   [&](char c) { return allowed(static_cast<unsigned char>(c)); });
+  isPlain ? text.append(raw) : text.append(urls::encode(view(raw), allowed));
 }
 
 }  // namespace
@@ -95,7 +97,8 @@ std::optional<URL> URL::appendingPathComponent(std::string_view component) const
   text.append(text_, 0, rootEnd).push_back('/');
   appendEncoded(text, component, pathCharacters);
   text.append(text_, end);
-  return parse(text);
+  // Well-formed as this URL is: what was added is one slash and path characters.
+  return URL(std::move(text));
 }
 
 std::optional<URL> URL::settingQuery(std::optional<std::string_view> query) const {
@@ -108,7 +111,8 @@ std::optional<URL> URL::settingQuery(std::optional<std::string_view> query) cons
     appendEncoded(text, *query, queryCharacters);
   }
   text.append(text_, fragment);
-  return parse(text);
+  if (text.empty()) return std::nullopt;
+  return URL(std::move(text));
 }
 
 }  // namespace orvane

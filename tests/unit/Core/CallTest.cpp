@@ -129,15 +129,23 @@ TEST_P(CallTest, goesOnWithoutItsService) {
 TEST_P(CallTest, aHandlerMayCancelItselfAndStartCalls) {
   const UserService users(identity);
   const Outcome<User> inner;
+  std::mutex mutex;  // the answer may come on another thread before the call has returned
   RequestHandle outerRequest;
   RequestHandle innerRequest;
   std::atomic<bool> isStarted{false};
   Completion<User> handler = [&](const Result<User>&) {
-    EXPECT_FALSE(outerRequest && outerRequest->cancel());
+    std::unique_lock lock(mutex);
+    const RequestHandle outer = outerRequest;
+    lock.unlock();
+    EXPECT_FALSE(outer && outer->cancel());
     innerRequest = users.fetch({}, {}, inner.handler());
     isStarted = true;
   };
-  MainQueue::main().async([&] { outerRequest = users.fetch({}, {}, std::move(handler)); });
+  MainQueue::main().async([&] {
+    RequestHandle started = users.fetch({}, {}, std::move(handler));
+    const std::scoped_lock lock(mutex);
+    outerRequest = std::move(started);
+  });
   while (!isStarted) MainQueue::main().drain();
   EXPECT_TRUE(finishes(innerRequest));
   EXPECT_TRUE(inner.result());
