@@ -54,11 +54,3 @@ Result<std::string> RecordCoding<T>::encodeChecked(const T& value) {
 }
 
 }  // namespace orvane
-
-/// Instantiates the two for a record and for lists of it: one line per record, in the record's own
-/// file.
-#define ORVANE_INSTANTIATE_CODING(T)                        \
-  template Result<T> decode(std::string_view);              \
-  template Result<std::vector<T>> decode(std::string_view); \
-  template Result<std::string> encode(const T&);            \
-  template Result<std::string> encode(const std::vector<T>&);

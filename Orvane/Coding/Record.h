@@ -7,7 +7,6 @@
 #include <Orvane/Coding/Values.h>
 #include <Orvane/Platform/Date.h>
 
-#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -38,12 +37,13 @@ struct KeyTables {
   std::span<const KeyRow> encoding;
 
   template <std::size_t count>
-  constexpr KeyTables(const std::array<KeyRow, count>& both)  // NOLINT(google-explicit-constructor)
-      : decoding(both), encoding(both) {}
+  constexpr KeyTables(const KeyRow (&both)[count])  // NOLINT(google-explicit-constructor)
+      : KeyTables(both, both) {}
   template <std::size_t first, std::size_t second>
-  constexpr KeyTables(const std::array<KeyRow, first>& whenDecoding,
-                      const std::array<KeyRow, second>& whenEncoding)
-      : decoding(whenDecoding), encoding(whenEncoding) {}
+  constexpr KeyTables(const KeyRow (&whenDecoding)[first], const KeyRow (&whenEncoding)[second])
+      : decoding(whenDecoding), encoding(whenEncoding) {
+    static_assert(first <= 64, "the walk over an object notes the rows it has met in 64 bits");
+  }
 };
 
 /// Names a record when its tables are asked for: `keysOf(RecordTag<User>{})`.
@@ -201,13 +201,6 @@ template <auto member, class C = AsIs>
 constexpr KeyRow indispensable(std::string_view name) {
   return {name, true, detail::decodeRequired<member, C>,
           detail::encodeMember<member, C, detail::WhenAbsent::stopsTheProcess>};
-}
-
-/// A record's table.
-template <class... Rows>
-constexpr std::array<KeyRow, sizeof...(Rows)> keyTable(const Rows&... rows) {
-  static_assert(sizeof...(Rows) <= 64, "the walk over an object counts its rows in 64 bits");
-  return {rows...};
 }
 
 }  // namespace orvane

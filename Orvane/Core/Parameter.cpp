@@ -29,17 +29,8 @@ class PartWriter {
   bool operator()(const parameter::File& file) {
     if (!isUTF8(file.key) || !isUTF8(file.filename)) return false;
     beginPart(file.key);
-    append(body_,
-           {"; filename=\"",
-            file.filename,
-            "\"",
-            lineEnd,
-            "Content-Type: ",
-            wireText(file.contentType),
-            lineEnd,
-            lineEnd,
-            file.data,
-            lineEnd});
+    append(body_, {"; filename=\"", file.filename, "\"", lineEnd, "Content-Type: ",
+                   wireText(file.contentType), lineEnd, lineEnd, file.data, lineEnd});
     return true;
   }
 

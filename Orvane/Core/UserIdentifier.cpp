@@ -47,8 +47,8 @@ RequestHandle CachedUserIdentifier::userID(const Identity& identity, const URL& 
         [then = std::move(then), known = *std::move(known)]() mutable { then(std::move(known)); });
     return std::make_shared<EmptyRequest>();
   }
-  auto keep = [store = userIDStore_, identity, then = std::move(then)](
-                  Result<std::string> response) mutable {
+  auto keep = [store = userIDStore_, identity,
+               then = std::move(then)](Result<std::string> response) mutable {
     Result<std::string> userID = userIDIn(std::move(response));
     if (userID.value()) store->set(identity, *userID.value());
     MainQueue::main().async([then = std::move(then), userID = std::move(userID)]() mutable {

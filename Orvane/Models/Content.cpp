@@ -6,7 +6,9 @@
 namespace orvane {
 namespace {
 
-constexpr auto contentKeys = keyTable(key<&Content::body>("body"));
+constexpr KeyRow contentKeys[] = {
+    key<&Content::body>("body"),
+};
 
 }  // namespace
 

@@ -6,13 +6,15 @@
 namespace orvane {
 namespace {
 
-constexpr auto deviceKeys =
-    keyTable(key<&Device::identifier>("identifier"), key<&Device::deviceType>("deviceType"),
-             key<&Device::enrollmentDeviceId>("enrollmentDeviceId"),
-             key<&Device::serialNumber>("serialNumber"),
-             key<&Device::pushNotificationToken>("pushNotificationToken"),
-             key<&Device::pushNotificationsAreEnabled>("enablePushNotifications"),
-             key<&Device::dataCollectionIsActive>("activeForDataCollection"));
+constexpr KeyRow deviceKeys[] = {
+    key<&Device::identifier>("identifier"),
+    key<&Device::deviceType>("deviceType"),
+    key<&Device::enrollmentDeviceId>("enrollmentDeviceId"),
+    key<&Device::serialNumber>("serialNumber"),
+    key<&Device::pushNotificationToken>("pushNotificationToken"),
+    key<&Device::pushNotificationsAreEnabled>("enablePushNotifications"),
+    key<&Device::dataCollectionIsActive>("activeForDataCollection"),
+};
 
 }  // namespace
 

@@ -20,25 +20,29 @@ bool earnsMore(const DiscountScore& left, const DiscountScore& right) {
   return left.projectDiscount > right.projectDiscount;
 }
 
-constexpr auto discountKeys =
-    keyTable(key<&Discount::currentDiscount>("currentDiscount"),
-             key<&Discount::projectedDiscount>("projectedDiscount"),
-             key<&Discount::discountRangeMin>("discountRangeMin"),
-             key<&Discount::discountRangeMax>("discountRangeMax"),
-             key<&Discount::projectedDiscountMinimum>("projectedDiscountMinimum"),
-             key<&Discount::projectedDiscountMaximum>("projectedDiscountMaximum"));
+constexpr KeyRow discountKeys[] = {
+    key<&Discount::currentDiscount>("currentDiscount"),
+    key<&Discount::projectedDiscount>("projectedDiscount"),
+    key<&Discount::discountRangeMin>("discountRangeMin"),
+    key<&Discount::discountRangeMax>("discountRangeMax"),
+    key<&Discount::projectedDiscountMinimum>("projectedDiscountMinimum"),
+    key<&Discount::projectedDiscountMaximum>("projectedDiscountMaximum"),
+};
 
-constexpr auto discountMetadataKeys =
-    keyTable(key<&DiscountMetadata::discountsForScores>("discountsForScores"),
-             key<&DiscountMetadata::minimumKmRequired>("minimumKmRequired"));
+constexpr KeyRow discountMetadataKeys[] = {
+    key<&DiscountMetadata::discountsForScores>("discountsForScores"),
+    key<&DiscountMetadata::minimumKmRequired>("minimumKmRequired"),
+};
 
-constexpr auto discountScoreKeys =
-    keyTable(required<&DiscountScore::minimumScoreRequired>("minimumScoreRequired"),
-             required<&DiscountScore::projectDiscount>("projectDiscount"));
+constexpr KeyRow discountScoreKeys[] = {
+    required<&DiscountScore::minimumScoreRequired>("minimumScoreRequired"),
+    required<&DiscountScore::projectDiscount>("projectDiscount"),
+};
 
-constexpr auto discountRangeKeys =
-    keyTable(required<&DiscountRange::scoreRange>("scoreRange"),
-             required<&DiscountRange::associatedDiscount>("associatedDiscount"));
+constexpr KeyRow discountRangeKeys[] = {
+    required<&DiscountRange::scoreRange>("scoreRange"),
+    required<&DiscountRange::associatedDiscount>("associatedDiscount"),
+};
 
 }  // namespace
 

@@ -6,10 +6,11 @@
 namespace orvane {
 namespace {
 
-constexpr auto driverDetectionKeys =
-    keyTable(key<&DriverDetection::status>("status"),
-             key<&DriverDetection::numberOfDriverTrips>("numberOfDriverTrips"),
-             key<&DriverDetection::minimumNumberOfDriverTrips>("minimumNumberOfDriverTrips"));
+constexpr KeyRow driverDetectionKeys[] = {
+    key<&DriverDetection::status>("status"),
+    key<&DriverDetection::numberOfDriverTrips>("numberOfDriverTrips"),
+    key<&DriverDetection::minimumNumberOfDriverTrips>("minimumNumberOfDriverTrips"),
+};
 
 }  // namespace
 

@@ -7,7 +7,7 @@ namespace orvane {
 namespace {
 
 // What is read, and what is written: not the same, on purpose.
-constexpr auto decodingKeys = keyTable(
+constexpr KeyRow decodingKeys[] = {
     indispensable<&DrivingSummary::dateAssessmentStarted, Milliseconds>("assessmentPeriodStartUtc"),
     key<&DrivingSummary::distanceDriven>("kmOfDriving"),
     key<&DrivingSummary::numberOfTrips>("numberOfTrips"),
@@ -18,28 +18,32 @@ constexpr auto decodingKeys = keyTable(
     key<&DrivingSummary::userId>("userId"),
     key<&DrivingSummary::maximumDiscountAvailable>("maximumDiscountAvailable"),
     key<&DrivingSummary::kmOfDeclaredMileage>("kmOfDeclaredMileage"),
-    key<&DrivingSummary::id>("id"));
+    key<&DrivingSummary::id>("id"),
+};
 
-constexpr auto encodingKeys = keyTable(
+constexpr KeyRow encodingKeys[] = {
     indispensable<&DrivingSummary::dateAssessmentStarted, Milliseconds>("assessmentPeriodStartUtc"),
-    key<&DrivingSummary::id>("id"), key<&DrivingSummary::userId>("userId"),
+    key<&DrivingSummary::id>("id"),
+    key<&DrivingSummary::userId>("userId"),
     key<&DrivingSummary::maximumDiscountAvailable>("maximumDiscountAvailable"),
     key<&DrivingSummary::kmOfDeclaredMileage>("kmOfDeclaredMileage"),
     key<&DrivingSummary::distanceDriven>("kmOfDriving"),
     key<&DrivingSummary::numberOfTrips>("numberOfTrips"),
     key<&DrivingSummary::projectedDiscount>("projectedDiscount"),
-    key<&DrivingSummary::overallScore>("overallScore"));
+    key<&DrivingSummary::overallScore>("overallScore"),
+};
 
-constexpr auto resultKeys =
-    keyTable(required<&DrivingSummaryResult::startDate>("startDate"),
-             required<&DrivingSummaryResult::endDate>("endDate"),
-             required<&DrivingSummaryResult::secondsOfDriving>("secondsOfDriving"),
-             required<&DrivingSummaryResult::secondsOfIdling>("secondsOfIdling"),
-             required<&DrivingSummaryResult::kmOfDriving>("kmOfDriving"),
-             required<&DrivingSummaryResult::litresOfFuel>("litresOfFuel"),
-             required<&DrivingSummaryResult::numberOfTrips>("numberOfTrips"),
-             required<&DrivingSummaryResult::avgKmPerHour>("avgKmPerHour"),
-             required<&DrivingSummaryResult::secondsInMotion>("secondsInMotion"));
+constexpr KeyRow resultKeys[] = {
+    required<&DrivingSummaryResult::startDate>("startDate"),
+    required<&DrivingSummaryResult::endDate>("endDate"),
+    required<&DrivingSummaryResult::secondsOfDriving>("secondsOfDriving"),
+    required<&DrivingSummaryResult::secondsOfIdling>("secondsOfIdling"),
+    required<&DrivingSummaryResult::kmOfDriving>("kmOfDriving"),
+    required<&DrivingSummaryResult::litresOfFuel>("litresOfFuel"),
+    required<&DrivingSummaryResult::numberOfTrips>("numberOfTrips"),
+    required<&DrivingSummaryResult::avgKmPerHour>("avgKmPerHour"),
+    required<&DrivingSummaryResult::secondsInMotion>("secondsInMotion"),
+};
 
 }  // namespace
 

@@ -6,7 +6,9 @@
 namespace orvane {
 namespace {
 
-constexpr auto eulaStatusKeys = keyTable(key<&EULAStatus::acceptedTerms>("acceptedTerms"));
+constexpr KeyRow eulaStatusKeys[] = {
+    key<&EULAStatus::acceptedTerms>("acceptedTerms"),
+};
 
 }  // namespace
 

@@ -9,14 +9,18 @@
 namespace orvane {
 namespace {
 
-constexpr auto eventKeys = keyTable(
-    required<&Event::latitude>("latitude"), required<&Event::longitude>("longitude"),
-    indispensable<&Event::date, Milliseconds>("timeStamp"), key<&Event::severity>("level"),
+constexpr KeyRow eventKeys[] = {
+    required<&Event::latitude>("latitude"),
+    required<&Event::longitude>("longitude"),
+    indispensable<&Event::date, Milliseconds>("timeStamp"),
+    key<&Event::severity>("level"),
     key<&Event::speed, KilometresPerHour>("kmPerHour"),
     key<&Event::averageSpeed, KilometresPerHour>("averageKmPerHour"),
-    key<&Event::polyline, EncodedPolyline>("geometry"), key<&Event::duration>("secondsOfDriving"),
+    key<&Event::polyline, EncodedPolyline>("geometry"),
+    key<&Event::duration>("secondsOfDriving"),
     key<&Event::speedLimit, KilometresPerHour>("kmSpeedLimit"),
-    required<&Event::transportMode>("transportMode"));
+    required<&Event::transportMode>("transportMode"),
+};
 
 // The severities by the backend's levels from 0 on.
 constexpr auto levels =

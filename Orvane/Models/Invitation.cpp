@@ -7,18 +7,23 @@ namespace orvane {
 namespace {
 
 using InvitationUser = Invitation::InvitationUser;
-constexpr auto invitationUserKeys =
-    keyTable(key<&InvitationUser::userId>("userId"), key<&InvitationUser::firstName>("firstName"),
-             key<&InvitationUser::lastName>("lastName"),
-             key<&InvitationUser::publicDisplayName>("publicDisplayName"));
+constexpr KeyRow invitationUserKeys[] = {
+    key<&InvitationUser::userId>("userId"),
+    key<&InvitationUser::firstName>("firstName"),
+    key<&InvitationUser::lastName>("lastName"),
+    key<&InvitationUser::publicDisplayName>("publicDisplayName"),
+};
 
-constexpr auto invitationKeys =
-    keyTable(key<&Invitation::invitationId>("invitationId"),
-             key<&Invitation::creationTimestamp>("creationTimestamp"),
-             key<&Invitation::lastUpdatedTimestamp>("lastUpdatedTimestamp"),
-             key<&Invitation::status>("status"), key<&Invitation::fromUser>("fromUser"),
-             key<&Invitation::toUser>("toUser"), key<&Invitation::vehicle>("vehicle"),
-             key<&Invitation::account>("account"));
+constexpr KeyRow invitationKeys[] = {
+    key<&Invitation::invitationId>("invitationId"),
+    key<&Invitation::creationTimestamp>("creationTimestamp"),
+    key<&Invitation::lastUpdatedTimestamp>("lastUpdatedTimestamp"),
+    key<&Invitation::status>("status"),
+    key<&Invitation::fromUser>("fromUser"),
+    key<&Invitation::toUser>("toUser"),
+    key<&Invitation::vehicle>("vehicle"),
+    key<&Invitation::account>("account"),
+};
 
 }  // namespace
 

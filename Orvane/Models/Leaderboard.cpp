@@ -29,14 +29,19 @@ struct DecimalText {
   static std::string toWire(std::int64_t number) { return std::to_string(number); }
 };
 
-constexpr auto entryKeys = keyTable(required<&LeaderboardEntry::id>("leaderboardEntryId"),
-                                    key<&LeaderboardEntry::position, DecimalText>("position"),
-                                    key<&LeaderboardEntry::points, DecimalText>("points"),
-                                    key<&LeaderboardEntry::user>("publicUserResource"));
+constexpr KeyRow entryKeys[] = {
+    required<&LeaderboardEntry::id>("leaderboardEntryId"),
+    key<&LeaderboardEntry::position, DecimalText>("position"),
+    key<&LeaderboardEntry::points, DecimalText>("points"),
+    key<&LeaderboardEntry::user>("publicUserResource"),
+};
 
-constexpr auto leaderboardKeys = keyTable(
-    key<&Leaderboard::isOptedIn>("optedIn"), key<&Leaderboard::isInLeaderboard>("inLeaderboard"),
-    key<&Leaderboard::isInTop>("inTop"), key<&Leaderboard::entries>("leaderboardEntries"));
+constexpr KeyRow leaderboardKeys[] = {
+    key<&Leaderboard::isOptedIn>("optedIn"),
+    key<&Leaderboard::isInLeaderboard>("inLeaderboard"),
+    key<&Leaderboard::isInTop>("inTop"),
+    key<&Leaderboard::entries>("leaderboardEntries"),
+};
 
 }  // namespace
 

@@ -7,9 +7,11 @@
 namespace orvane {
 namespace {
 
-constexpr auto locationKeys =
-    keyTable(required<&Location::latitude>("lat"), required<&Location::longitude>("lng"),
-             indispensable<&Location::date, Milliseconds>("utcDateTime"));
+constexpr KeyRow locationKeys[] = {
+    required<&Location::latitude>("lat"),
+    required<&Location::longitude>("lng"),
+    indispensable<&Location::date, Milliseconds>("utcDateTime"),
+};
 
 }  // namespace
 

@@ -6,8 +6,12 @@
 namespace orvane {
 namespace {
 
-constexpr auto tripWrapperKeys = keyTable(key<&LogbookWrapper::TripWrapper::trip>("trip"));
-constexpr auto logbookWrapperKeys = keyTable(key<&LogbookWrapper::tripWrappers>("items"));
+constexpr KeyRow tripWrapperKeys[] = {
+    key<&LogbookWrapper::TripWrapper::trip>("trip"),
+};
+constexpr KeyRow logbookWrapperKeys[] = {
+    key<&LogbookWrapper::tripWrappers>("items"),
+};
 
 }  // namespace
 

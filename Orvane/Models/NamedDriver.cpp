@@ -6,13 +6,16 @@
 namespace orvane {
 namespace {
 
-constexpr auto namedDriverKeys =
-    keyTable(required<&NamedDriver::firstName>("firstName"),
-             required<&NamedDriver::lastName>("lastName"), key<&NamedDriver::email>("email"),
-             key<&NamedDriver::phone>("phone"), required<&NamedDriver::activated>("activated"),
-             key<&NamedDriver::activatedDate>("activatedDate"),
-             required<&NamedDriver::userProfileId>("userProfileId"),
-             required<&NamedDriver::userId>("userId"));
+constexpr KeyRow namedDriverKeys[] = {
+    required<&NamedDriver::firstName>("firstName"),
+    required<&NamedDriver::lastName>("lastName"),
+    key<&NamedDriver::email>("email"),
+    key<&NamedDriver::phone>("phone"),
+    required<&NamedDriver::activated>("activated"),
+    key<&NamedDriver::activatedDate>("activatedDate"),
+    required<&NamedDriver::userProfileId>("userProfileId"),
+    required<&NamedDriver::userId>("userId"),
+};
 
 }  // namespace
 

@@ -20,72 +20,88 @@ bool decodeScores(json::Element element, void* record, Decoder& decoder) {
   });
 }
 
-constexpr auto tripScoresKeys =
-    keyTable(KeyRow{"scores", /*isRequired=*/true, decodeScores, /*encode=*/nullptr});
+constexpr KeyRow tripScoresKeys[] = {
+    KeyRow{"scores", /*isRequired=*/true, decodeScores, /*encode=*/nullptr},
+};
 
-constexpr auto individualComponentScoresKeys =
-    keyTable(key<&IndividualComponentScores::component>("component"),
-             key<&IndividualComponentScores::componentScore>("componentScore"));
+constexpr KeyRow individualComponentScoresKeys[] = {
+    key<&IndividualComponentScores::component>("component"),
+    key<&IndividualComponentScores::componentScore>("componentScore"),
+};
 
-constexpr auto tripScoringKeys = keyTable(
+constexpr KeyRow tripScoringKeys[] = {
     key<&TripScoring::scoreAlgorithmProvider>("scoreAlgorithmProvider"),
-    key<&TripScoring::scoreUnit>("scoreUnit"), key<&TripScoring::overallScore>("overallScore"),
-    key<&TripScoring::individualComponentScores>("individualComponentScores"));
+    key<&TripScoring::scoreUnit>("scoreUnit"),
+    key<&TripScoring::overallScore>("overallScore"),
+    key<&TripScoring::individualComponentScores>("individualComponentScores"),
+};
 
-constexpr auto scoreComponentKeys = keyTable(key<&ScoreComponent::score>("score"),
-                                             key<&ScoreComponent::averageScore>("averageScore"),
-                                             key<&ScoreComponent::trackingType>("trackingType"));
+constexpr KeyRow scoreComponentKeys[] = {
+    key<&ScoreComponent::score>("score"),
+    key<&ScoreComponent::averageScore>("averageScore"),
+    key<&ScoreComponent::trackingType>("trackingType"),
+};
 
-constexpr auto scoringComponentsKeys =
-    keyTable(key<&ScoringComponents::harshAcceleration>("harshAcceleration"),
-             key<&ScoringComponents::harshBraking>("harshBraking"),
-             key<&ScoringComponents::harshCornering>("harshCornering"),
-             key<&ScoringComponents::overSpeeding>("overSpeeding"),
-             key<&ScoringComponents::speeding>("speeding"),
-             key<&ScoringComponents::distractedDriving>("distractedDriving"),
-             key<&ScoringComponents::mileage>("mileage"), key<&ScoringComponents::payd>("payd"),
-             key<&ScoringComponents::abc_subscore>("abc_subscore"),
-             key<&ScoringComponents::speed_subscore>("speed_subscore"),
-             key<&ScoringComponents::usage_subscore>("usage_subscore"),
-             key<&ScoringComponents::distracted_driving>("distracted_driving"));
+constexpr KeyRow scoringComponentsKeys[] = {
+    key<&ScoringComponents::harshAcceleration>("harshAcceleration"),
+    key<&ScoringComponents::harshBraking>("harshBraking"),
+    key<&ScoringComponents::harshCornering>("harshCornering"),
+    key<&ScoringComponents::overSpeeding>("overSpeeding"),
+    key<&ScoringComponents::speeding>("speeding"),
+    key<&ScoringComponents::distractedDriving>("distractedDriving"),
+    key<&ScoringComponents::mileage>("mileage"),
+    key<&ScoringComponents::payd>("payd"),
+    key<&ScoringComponents::abc_subscore>("abc_subscore"),
+    key<&ScoringComponents::speed_subscore>("speed_subscore"),
+    key<&ScoringComponents::usage_subscore>("usage_subscore"),
+    key<&ScoringComponents::distracted_driving>("distracted_driving"),
+};
 
-constexpr auto dailyAggregateKeys = keyTable(
-    key<&DailyAggregate::score>("score"), key<&DailyAggregate::averageScore>("averageScore"),
-    key<&DailyAggregate::date>("date"), key<&DailyAggregate::trackingType>("trackingType"),
+constexpr KeyRow dailyAggregateKeys[] = {
+    key<&DailyAggregate::score>("score"),
+    key<&DailyAggregate::averageScore>("averageScore"),
+    key<&DailyAggregate::date>("date"),
+    key<&DailyAggregate::trackingType>("trackingType"),
     key<&DailyAggregate::secondsOfDriving>("secondsOfDriving"),
     key<&DailyAggregate::componentScores>("componentScores"),
-    key<&DailyAggregate::scoreType>("scoreType"));
+    key<&DailyAggregate::scoreType>("scoreType"),
+};
 
-constexpr auto scoringAggregateKeys =
-    keyTable(key<&ScoringAggregate::highestScore>("highestScore"),
-             key<&ScoringAggregate::averageScore>("averageScore"),
-             key<&ScoringAggregate::tripScoringDailyAggregate>("tripScoringDailyAggregate"));
+constexpr KeyRow scoringAggregateKeys[] = {
+    key<&ScoringAggregate::highestScore>("highestScore"),
+    key<&ScoringAggregate::averageScore>("averageScore"),
+    key<&ScoringAggregate::tripScoringDailyAggregate>("tripScoringDailyAggregate"),
+};
 
-constexpr auto tripScoringComponentsKeys = keyTable(
+constexpr KeyRow tripScoringComponentsKeys[] = {
     key<&TripScoringComponents::harshAcceleration>("harsh.acceleration"),
     key<&TripScoringComponents::harshBraking>("harsh.braking"),
     key<&TripScoringComponents::harshCornering>("harsh.cornering"),
     key<&TripScoringComponents::overSpeeding>("over.speeding"),
     key<&TripScoringComponents::speeding>("speeding"),
     key<&TripScoringComponents::distractedDriving>("distracted.driving"),
-    key<&TripScoringComponents::mileage>("mileage"), key<&TripScoringComponents::payd>("payd"),
+    key<&TripScoringComponents::mileage>("mileage"),
+    key<&TripScoringComponents::payd>("payd"),
     key<&TripScoringComponents::abc_subscore>("abc_subscore"),
     key<&TripScoringComponents::speed_subscore>("speed_subscore"),
     key<&TripScoringComponents::usage_subscore>("usage_subscore"),
-    key<&TripScoringComponents::distracted_driving>("distracted_driving"));
+    key<&TripScoringComponents::distracted_driving>("distracted_driving"),
+};
 
-constexpr auto tripScoringAverageKeys =
-    keyTable(required<&TripScoringAverage::date>("date"),
-             required<&TripScoringAverage::trackingType>("trackingType"),
-             required<&TripScoringAverage::componentScores>("componentScores"));
+constexpr KeyRow tripScoringAverageKeys[] = {
+    required<&TripScoringAverage::date>("date"),
+    required<&TripScoringAverage::trackingType>("trackingType"),
+    required<&TripScoringAverage::componentScores>("componentScores"),
+};
 
-constexpr auto scoringAverageKeys =
-    keyTable(key<&ScoringAverage::highestScore>("highestScore"),
-             key<&ScoringAverage::lowestScore>("lowestScore"),
-             key<&ScoringAverage::periodStartDate>("periodStartDate"),
-             key<&ScoringAverage::periodEndDate>("periodEndDate"),
-             key<&ScoringAverage::averageScore>("averageScore"),
-             key<&ScoringAverage::tripScoringAverage>("tripScoringAverage"));
+constexpr KeyRow scoringAverageKeys[] = {
+    key<&ScoringAverage::highestScore>("highestScore"),
+    key<&ScoringAverage::lowestScore>("lowestScore"),
+    key<&ScoringAverage::periodStartDate>("periodStartDate"),
+    key<&ScoringAverage::periodEndDate>("periodEndDate"),
+    key<&ScoringAverage::averageScore>("averageScore"),
+    key<&ScoringAverage::tripScoringAverage>("tripScoringAverage"),
+};
 
 }  // namespace
 

@@ -6,14 +6,15 @@
 namespace orvane {
 namespace {
 
-constexpr auto subscriptionKeys = keyTable(
+constexpr KeyRow subscriptionKeys[] = {
     key<&Subscription::startTimestamp>("startTimestamp"),
     key<&Subscription::endTimestamp>("endTimestamp"),
     key<&Subscription::telematicSubscriptionEnrollmentId>("telematicSubscriptionEnrollmentId"),
     key<&Subscription::telematicSubscriptionType>("telematicSubscriptionType"),
     key<&Subscription::subscriptionLengthMillis>("subscriptionLengthMillis"),
     key<&Subscription::trialLengthMillis>("trialLengthMillis"),
-    key<&Subscription::trialEndTimestamp>("trialEndTimestamp"));
+    key<&Subscription::trialEndTimestamp>("trialEndTimestamp"),
+};
 
 }  // namespace
 

@@ -20,8 +20,9 @@ struct OffsetMilliseconds {
 };
 
 // What is read, and what is written: not the same, on purpose.
-constexpr auto decodingKeys = keyTable(
-    required<&Trip::id>("tripId"), key<&Trip::dateStarted, Milliseconds>("tripStartTimestampUtc"),
+constexpr KeyRow decodingKeys[] = {
+    required<&Trip::id>("tripId"),
+    key<&Trip::dateStarted, Milliseconds>("tripStartTimestampUtc"),
     key<&Trip::dateEnded, Milliseconds>("tripEndTimestampUtc"),
     key<&Trip::dateProcessed, Milliseconds>("tripProcessingEndTimestampUtc"),
     key<&Trip::distance, Kilometres>("kilometers"),
@@ -29,18 +30,29 @@ constexpr auto decodingKeys = keyTable(
     key<&Trip::maximumSpeed, KilometresPerHour>("maxKilometersPerHour"),
     key<&Trip::duration>("seconds"),
     key<&Trip::timeZone, OffsetMilliseconds>("timeZoneOffsetMillis"),
-    required<&Trip::status>("tripStatus"), required<&Trip::transportMode>("transportMode"),
-    key<&Trip::polyline, EncodedPolyline>("geometry"), key<&Trip::events>("events"),
-    key<&Trip::score>("tripScore"), key<&Trip::scores>("tripScores"),
-    key<&Trip::scoring>("scoring"), required<&Trip::purpose>("purpose"),
+    required<&Trip::status>("tripStatus"),
+    required<&Trip::transportMode>("transportMode"),
+    key<&Trip::polyline, EncodedPolyline>("geometry"),
+    key<&Trip::events>("events"),
+    key<&Trip::score>("tripScore"),
+    key<&Trip::scores>("tripScores"),
+    key<&Trip::scoring>("scoring"),
+    required<&Trip::purpose>("purpose"),
     key<&Trip::startPolyline, EncodedPolyline>("reconstructedStartGeometry"),
-    key<&Trip::user>("user"), key<&Trip::vehicleId>("vehicleId"), key<&Trip::vehicle>("vehicle"));
+    key<&Trip::user>("user"),
+    key<&Trip::vehicleId>("vehicleId"),
+    key<&Trip::vehicle>("vehicle"),
+};
 
-constexpr auto encodingKeys = keyTable(
-    required<&Trip::id>("tripId"), required<&Trip::status>("tripStatus"),
-    required<&Trip::transportMode>("transportMode"), required<&Trip::purpose>("purpose"),
-    key<&Trip::user>("user"), key<&Trip::vehicleId>("vehicleId"),
-    key<&Trip::dateStarted, Milliseconds>("tripStartTimestampUtc"), key<&Trip::duration>("seconds"),
+constexpr KeyRow encodingKeys[] = {
+    required<&Trip::id>("tripId"),
+    required<&Trip::status>("tripStatus"),
+    required<&Trip::transportMode>("transportMode"),
+    required<&Trip::purpose>("purpose"),
+    key<&Trip::user>("user"),
+    key<&Trip::vehicleId>("vehicleId"),
+    key<&Trip::dateStarted, Milliseconds>("tripStartTimestampUtc"),
+    key<&Trip::duration>("seconds"),
     key<&Trip::dateEnded, Milliseconds>("tripEndTimestampUtc"),
     key<&Trip::dateProcessed, Milliseconds>("tripProcessingEndTimestampUtc"),
     key<&Trip::distance, Kilometres>("kilometers"),
@@ -49,7 +61,9 @@ constexpr auto encodingKeys = keyTable(
     key<&Trip::timeZone, OffsetMilliseconds>("timeZoneOffsetMillis"),
     key<&Trip::polyline, EncodedPolyline>("geometry"),
     key<&Trip::startPolyline, EncodedPolyline>("reconstructedStartGeometry"),
-    key<&Trip::vehicle>("vehicle"), key<&Trip::events>("events"));
+    key<&Trip::vehicle>("vehicle"),
+    key<&Trip::events>("events"),
+};
 
 }  // namespace
 

@@ -36,46 +36,70 @@ struct LenientMilliseconds : Milliseconds {
   static constexpr bool isLenient = true;
 };
 
-constexpr auto accountKeys =
-    keyTable(key<&Account::accountId>("accountId"), key<&Account::identifier>("identifier"));
+constexpr KeyRow accountKeys[] = {
+    key<&Account::accountId>("accountId"),
+    key<&Account::identifier>("identifier"),
+};
 
-constexpr auto roleKeys = keyTable(key<&UserRole::roleNames>("roleNames"),
-                                   key<&UserRole::supportAccessGranted>("supportAccessGranted"));
+constexpr KeyRow roleKeys[] = {
+    key<&UserRole::roleNames>("roleNames"),
+    key<&UserRole::supportAccessGranted>("supportAccessGranted"),
+};
 
 using SharedInformation = User::SharedInformation;
-constexpr auto sharedInformationKeys = keyTable(
+constexpr KeyRow sharedInformationKeys[] = {
     key<&SharedInformation::facebookInfo>("facebookInfo"),
     key<&SharedInformation::selfDescription>("selfDescription"),
     key<&SharedInformation::totalDistanceDriven>("totalDistanceDriven"),
-    key<&SharedInformation::city>("city"), key<&SharedInformation::subdivision>("subdivision"),
-    key<&SharedInformation::age>("age"), key<&SharedInformation::gender, GenderText>("gender"),
+    key<&SharedInformation::city>("city"),
+    key<&SharedInformation::subdivision>("subdivision"),
+    key<&SharedInformation::age>("age"),
+    key<&SharedInformation::gender, GenderText>("gender"),
     key<&SharedInformation::utcActivationDateInMillis>("utcActivationDateInMillis"),
     key<&SharedInformation::averageDrivingSpeedPerHour>("averageDrivingSpeedPerHour"),
     key<&SharedInformation::overallScore>("overallScore"),
-    key<&SharedInformation::driverType>("driverType"));
+    key<&SharedInformation::driverType>("driverType"),
+};
 
-constexpr auto userKeys = keyTable(
-    key<&User::id>("userId"), key<&User::externalReferenceID>("externalReferenceId"),
-    key<&User::userProfileId>("userProfileId"), key<&User::activated>("activated"),
-    key<&User::avatar, URLText>("avatar"), key<&User::firstName>("firstName"),
-    key<&User::lastName>("lastName"), key<&User::associatedUsers>("associatedUsers"),
-    key<&User::gender, GenderText>("gender"), key<&User::displayName>("publicDisplayName"),
-    key<&User::city>("city"), key<&User::subdivision>("subdivision"),
-    key<&User::subdivisionCode>("subdivisionCode"), key<&User::postalCode>("postalcode"),
-    key<&User::country>("country"), key<&User::countryCode>("countryCode"),
+constexpr KeyRow userKeys[] = {
+    key<&User::id>("userId"),
+    key<&User::externalReferenceID>("externalReferenceId"),
+    key<&User::userProfileId>("userProfileId"),
+    key<&User::activated>("activated"),
+    key<&User::avatar, URLText>("avatar"),
+    key<&User::firstName>("firstName"),
+    key<&User::lastName>("lastName"),
+    key<&User::associatedUsers>("associatedUsers"),
+    key<&User::gender, GenderText>("gender"),
+    key<&User::displayName>("publicDisplayName"),
+    key<&User::city>("city"),
+    key<&User::subdivision>("subdivision"),
+    key<&User::subdivisionCode>("subdivisionCode"),
+    key<&User::postalCode>("postalcode"),
+    key<&User::country>("country"),
+    key<&User::countryCode>("countryCode"),
     key<&User::formattedAddress>("formattedAddress"),
-    key<&User::dateOfBirth, DayText>("dateOfBirth"), key<&User::email>("email"),
-    key<&User::phone>("phone"), key<&User::acceptedTerms>("acceptedTerms"),
+    key<&User::dateOfBirth, DayText>("dateOfBirth"),
+    key<&User::email>("email"),
+    key<&User::phone>("phone"),
+    key<&User::acceptedTerms>("acceptedTerms"),
     key<&User::acceptedTermsDate, LenientMilliseconds>("acceptedTermsDate"),
     key<&User::selfDescription>("selfDescription"),
-    key<&User::shareUserProfile>("shareUserProfile"), key<&User::driverType>("driverType"),
-    key<&User::dataCollectionType>("dataCollectionType"), key<&User::scoringType>("scoringType"),
-    key<&User::enrollmentModelType>("enrollmentModelType"), key<&User::accountRole>("accountRole"),
-    key<&User::userRole>("userRole"), key<&User::sharedInformation>("sharedInformation"),
-    key<&User::account>("account"));
+    key<&User::shareUserProfile>("shareUserProfile"),
+    key<&User::driverType>("driverType"),
+    key<&User::dataCollectionType>("dataCollectionType"),
+    key<&User::scoringType>("scoringType"),
+    key<&User::enrollmentModelType>("enrollmentModelType"),
+    key<&User::accountRole>("accountRole"),
+    key<&User::userRole>("userRole"),
+    key<&User::sharedInformation>("sharedInformation"),
+    key<&User::account>("account"),
+};
 
-constexpr auto usersByRoleKeys =
-    keyTable(key<&UsersByRole::OPERATOR>("OPERATOR"), key<&UsersByRole::OWNER>("OWNER"));
+constexpr KeyRow usersByRoleKeys[] = {
+    key<&UsersByRole::OPERATOR>("OPERATOR"),
+    key<&UsersByRole::OWNER>("OWNER"),
+};
 
 }  // namespace
 

@@ -193,10 +193,8 @@ template <>
 struct EnumerationTable<User::DriverType> {
   using enum User::DriverType;
   static constexpr EnumerationCase<User::DriverType> cases[] = {
-      {weekend_driver, "WEEKEND_DRIVER"},
-      {occasional_driver, "OCCASIONAL_DRIVER"},
-      {frequent_driver, "FREQUENT_DRIVER"},
-      {commuter, "COMMUTER"},
+      {weekend_driver, "WEEKEND_DRIVER"},           {occasional_driver, "OCCASIONAL_DRIVER"},
+      {frequent_driver, "FREQUENT_DRIVER"},         {commuter, "COMMUTER"},
       {professional_driver, "PROFESSIONAL_DRIVER"},
   };
   static constexpr std::string_view reportedName = "DriverType";

@@ -8,15 +8,22 @@
 namespace orvane {
 namespace {
 
-constexpr auto vehicleKeys = keyTable(
-    key<&Vehicle::vehicleId>("vehicleId"), key<&Vehicle::make>("make"),
-    key<&Vehicle::model>("model"), key<&Vehicle::nickName>("nickName"), key<&Vehicle::year>("year"),
-    key<&Vehicle::vin>("vin"), key<&Vehicle::plate>("plate"),
-    key<&Vehicle::timeZoneName>("timeZoneName"), key<&Vehicle::timeZoneOffset>("timeZoneOffset"),
-    key<&Vehicle::enrollmentDate>("enrollmentDate"), key<&Vehicle::usersByRole>("usersByRole"),
+constexpr KeyRow vehicleKeys[] = {
+    key<&Vehicle::vehicleId>("vehicleId"),
+    key<&Vehicle::make>("make"),
+    key<&Vehicle::model>("model"),
+    key<&Vehicle::nickName>("nickName"),
+    key<&Vehicle::year>("year"),
+    key<&Vehicle::vin>("vin"),
+    key<&Vehicle::plate>("plate"),
+    key<&Vehicle::timeZoneName>("timeZoneName"),
+    key<&Vehicle::timeZoneOffset>("timeZoneOffset"),
+    key<&Vehicle::enrollmentDate>("enrollmentDate"),
+    key<&Vehicle::usersByRole>("usersByRole"),
     key<&Vehicle::backgroundImageEnabled>("backgroundImageEnabled"),
     key<&Vehicle::devices>("devices"),
-    key<&Vehicle::requireOdometerSnapshot>("requireOdometerSnapshot"));
+    key<&Vehicle::requireOdometerSnapshot>("requireOdometerSnapshot"),
+};
 
 // All members; a member that is added must be named here, or this does not compile.
 auto membersOf(const Vehicle& vehicle) {

@@ -27,8 +27,8 @@ class Result {
   Result(T value) : value_(std::move(value)) {}      // NOLINT(google-explicit-constructor)
   Result(Error error) : error_(std::move(error)) {}  // NOLINT(google-explicit-constructor)
   template <ErrorValue E>
-  requires(!std::constructible_from<T, E>) Result(E error)
-      : error_(std::move(error)) {}  // NOLINT(google-explicit-constructor)
+    requires(!std::constructible_from<T, E>)
+  Result(E error) : error_(std::move(error)) {}  // NOLINT(google-explicit-constructor)
 
   /// Present exactly on success.
   [[nodiscard]] const std::optional<T>& value() const& noexcept { return value_; }

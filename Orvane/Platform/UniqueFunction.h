@@ -25,9 +25,9 @@ class UniqueFunction<R(Arguments...)> {
   UniqueFunction(std::nullptr_t) noexcept {}  // NOLINT(google-explicit-constructor)
 
   template <class Callable>
-  requires(!std::same_as<std::remove_cvref_t<Callable>, UniqueFunction> &&
-           std::is_invocable_r_v<R, std::decay_t<Callable>&, Arguments...>)
-      UniqueFunction(Callable&& callable) {  // NOLINT(google-explicit-constructor)
+    requires(!std::same_as<std::remove_cvref_t<Callable>, UniqueFunction> &&
+             std::is_invocable_r_v<R, std::decay_t<Callable>&, Arguments...>)
+  UniqueFunction(Callable&& callable) {  // NOLINT(google-explicit-constructor)
     using Stored = std::decay_t<Callable>;
     if constexpr (!std::is_function_v<std::remove_reference_t<Callable>>) {
       if constexpr (requires { callable == nullptr; }) {

@@ -16,7 +16,8 @@ long asLong(Duration duration) {
 
 }  // namespace
 
-CurlEasy::CurlEasy(const TransportOptions& options) : handle_(curl_easy_init()) {
+CurlEasy::CurlEasy(const TransportOptions& options)
+    : handle_(curl_easy_init()), proxy_(options.proxy.empty() ? nullptr : options.proxy.c_str()) {
   if (!handle_) {
     failure_ = CURLE_OUT_OF_MEMORY;
     return;
@@ -29,6 +30,7 @@ CurlEasy::CurlEasy(const TransportOptions& options) : handle_(curl_easy_init()) 
   set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
   set(CURLOPT_ACCEPT_ENCODING, "");  // all that this libcurl can decompress
   set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
+  if (proxy_ != nullptr) set(CURLOPT_PROXY, proxy_);
   if (!options.userAgent.empty()) set(CURLOPT_USERAGENT, options.userAgent.c_str());
   setLimits(options);
   setTrust(options);
@@ -60,6 +62,12 @@ void CurlEasy::setTrust(const TransportOptions& options) noexcept {
     set(CURLOPT_CAINFO_BLOB, &text);
     set(CURLOPT_CAPATH, nullptr);
   }
+}
+
+void CurlEasy::bypassProxy(bool bypasses) noexcept {
+  if (bypasses == bypassesProxy_) return;
+  bypassesProxy_ = bypasses;
+  set(CURLOPT_PROXY, bypasses ? "" : proxy_);
 }
 
 CURLcode CurlEasy::failure() noexcept { return std::exchange(failure_, CURLE_OK); }

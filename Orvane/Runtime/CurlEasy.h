@@ -37,6 +37,9 @@ class CurlEasy {
     return value;
   }
 
+  /// Whether the next transfer goes past the proxy of the options and the environment.
+  void bypassProxy(bool bypasses) noexcept;
+
   /// What libcurl said about the failure of the last transfer.
   [[nodiscard]] std::string errorText() const { return errorText_.data(); }
   void clearErrorText() noexcept { errorText_[0] = '\0'; }
@@ -50,6 +53,8 @@ class CurlEasy {
   void setTrust(const TransportOptions& options) noexcept;
 
   std::unique_ptr<CURL, Cleanup> handle_;
+  const char* proxy_;
+  bool bypassesProxy_ = false;
   CURLcode failure_ = CURLE_OK;
   std::array<char, CURL_ERROR_SIZE> errorText_{};
 };

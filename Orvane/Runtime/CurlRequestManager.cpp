@@ -29,6 +29,7 @@ RequestHandle CurlRequestManager::send(Verb verb, URL url, std::string body, Hea
     return std::make_shared<EmptyRequest>();
   }
   auto transfer = std::make_shared<Transfer>(loop_, std::move(request), std::move(then));
+  transfer->writeHeaderLines();
   if (!loop_->start(transfer)) {
     transfer->complete(TransportError(TransportError::Kind::cancelled));
   }

@@ -61,9 +61,15 @@ std::string part(CURLU* url, CURLUPart which) {
   return copy;
 }
 
+// True when a host may follow the scheme. libcurl would take one out of the path where none does.
+bool hasAuthority(std::string_view url) {
+  const std::size_t start = url.find("://");
+  return start != std::string_view::npos && start + 3 < url.size() && url[start + 3] != '/';
+}
+
 // Absent for a URL that is relative, has no host, or holds a user's name.
 std::optional<Destination> destinationOf(const URL& url) {
-  if (url.host().empty()) return std::nullopt;  // libcurl would take one from the path
+  if (!hasAuthority(url.absoluteString())) return std::nullopt;
   struct Cleanup {
     void operator()(CURLU* handle) const noexcept { curl_url_cleanup(handle); }
   };

@@ -94,7 +94,7 @@ void Transfer::complete(Result<std::string> outcome) {
 
 std::optional<Error> Transfer::prepare(std::unique_ptr<CurlEasy> easy) {
   easy_ = std::move(easy);
-  lines_ = headerLines();
+  if (!lines_) writeHeaderLines();
   easy_->clearErrorText();
   easy_->set(CURLOPT_PRIVATE, this);
   easy_->set(CURLOPT_WRITEDATA, this);
@@ -104,22 +104,16 @@ std::optional<Error> Transfer::prepare(std::unique_ptr<CurlEasy> easy) {
   // Whether a connection can carry several requests is known after the handshake. Without one it
   // is known after the first answer, and waiting for that would be waiting for its server.
   easy_->set(CURLOPT_PIPEWAIT, request_.isEncrypted ? 1L : 0L);
-  const std::string& proxy = loop_->options().proxy;
-  if (request_.isForThisMachine) {
-    easy_->set(CURLOPT_PROXY, "");
-  } else {
-    easy_->set(CURLOPT_PROXY, proxy.empty() ? nullptr : proxy.c_str());
-  }
+  easy_->bypassProxy(request_.isForThisMachine);
   setVerb();
   const CURLcode code = easy_->failure();
   if (code != CURLE_OK) return errorOf(code, {});
   return std::nullopt;
 }
 
-Transfer::HeaderLines Transfer::headerLines() const {
-  HeaderLines lines;
-  const auto append = [&lines](const char* line) {
-    lines.reset(curl_slist_append(lines.release(), line));
+void Transfer::writeHeaderLines() {
+  const auto append = [this](const char* line) {
+    lines_.reset(curl_slist_append(lines_.release(), line));
   };
   for (const auto& [name, value] : request_.headers) append(headerLine(name, value).c_str());
   // What libcurl would add of its own; a name alone keeps it from doing so.
@@ -131,7 +125,6 @@ Transfer::HeaderLines Transfer::headerLines() const {
         [&, wanted = name](const auto& header) { return isHeader(header.first, wanted); });
     if (!isGiven) append(line);
   }
-  return lines;
 }
 
 void Transfer::setVerb() {

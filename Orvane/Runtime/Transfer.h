@@ -41,6 +41,10 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
     return state_.load(std::memory_order_acquire) == State::pending;
   }
 
+  /// Writes the headers in libcurl's form. For the thread that makes the request, so that the
+  /// loop's has less to do; the headers can't be changed afterwards.
+  void writeHeaderLines();
+
   /// Takes a handle and tells it what to send, or answers why that can't be.
   [[nodiscard]] virtual std::optional<Error> prepare(std::unique_ptr<CurlEasy> easy);
 
@@ -80,7 +84,6 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
 
   static std::size_t receive(char* bytes, std::size_t, std::size_t count, void* transfer) noexcept;
 
-  [[nodiscard]] HeaderLines headerLines() const;
   void setVerb();
   [[nodiscard]] bool keep(const char* bytes, std::size_t count);
   void reserve(std::size_t count);

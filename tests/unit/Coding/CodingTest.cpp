@@ -62,17 +62,15 @@ struct TestStrict {
 
 namespace {
 
-constexpr auto innerKeys = keyTable(key<&TestInner::a>("a"), key<&TestInner::b>("b"));
-constexpr auto sampleKeys =
-    keyTable(key<&TestSample::flag>("flag"), key<&TestSample::number>("number"),
+constexpr KeyRow innerKeys[] = {key<&TestInner::a>("a"), key<&TestInner::b>("b"),};
+constexpr KeyRow sampleKeys[] = {key<&TestSample::flag>("flag"), key<&TestSample::number>("number"),
              key<&TestSample::integer>("integer"), key<&TestSample::text>("text"),
              key<&TestSample::list>("list"), key<&TestSample::inner>("inner"),
              key<&TestSample::time, Milliseconds>("time"), key<&TestSample::level>("level"),
-             key<&TestSample::state>("state"));
-constexpr auto strictKeys =
-    keyTable(required<&TestStrict::must>("must"), required<&TestStrict::record>("record"),
+             key<&TestSample::state>("state"),};
+constexpr KeyRow strictKeys[] = {required<&TestStrict::must>("must"), required<&TestStrict::record>("record"),
              required<&TestStrict::nullable>("nullable"),
-             indispensable<&TestStrict::indispensable>("indispensable"));
+             indispensable<&TestStrict::indispensable>("indispensable"),};
 
 }  // namespace
 
