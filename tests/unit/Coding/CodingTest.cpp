@@ -62,15 +62,27 @@ struct TestStrict {
 
 namespace {
 
-constexpr KeyRow innerKeys[] = {key<&TestInner::a>("a"), key<&TestInner::b>("b"),};
-constexpr KeyRow sampleKeys[] = {key<&TestSample::flag>("flag"), key<&TestSample::number>("number"),
-             key<&TestSample::integer>("integer"), key<&TestSample::text>("text"),
-             key<&TestSample::list>("list"), key<&TestSample::inner>("inner"),
-             key<&TestSample::time, Milliseconds>("time"), key<&TestSample::level>("level"),
-             key<&TestSample::state>("state"),};
-constexpr KeyRow strictKeys[] = {required<&TestStrict::must>("must"), required<&TestStrict::record>("record"),
-             required<&TestStrict::nullable>("nullable"),
-             indispensable<&TestStrict::indispensable>("indispensable"),};
+constexpr KeyRow innerKeys[] = {
+    key<&TestInner::a>("a"),
+    key<&TestInner::b>("b"),
+};
+constexpr KeyRow sampleKeys[] = {
+    key<&TestSample::flag>("flag"),
+    key<&TestSample::number>("number"),
+    key<&TestSample::integer>("integer"),
+    key<&TestSample::text>("text"),
+    key<&TestSample::list>("list"),
+    key<&TestSample::inner>("inner"),
+    key<&TestSample::time, Milliseconds>("time"),
+    key<&TestSample::level>("level"),
+    key<&TestSample::state>("state"),
+};
+constexpr KeyRow strictKeys[] = {
+    required<&TestStrict::must>("must"),
+    required<&TestStrict::record>("record"),
+    required<&TestStrict::nullable>("nullable"),
+    indispensable<&TestStrict::indispensable>("indispensable"),
+};
 
 }  // namespace
 
