@@ -15,7 +15,7 @@ struct Identity {
   /// Names the application's programme; tells which backend to use.
   std::string apiKey;
   /// The person's identifier in the host's own system, where there is one.
-  std::optional<std::string> externalReferenceID;
+  std::optional<std::string> externalReferenceID{};
 
   [[nodiscard]] std::size_t hashValue() const { return hashOf(apiKey, externalReferenceID); }
   friend bool operator==(const Identity&, const Identity&) = default;

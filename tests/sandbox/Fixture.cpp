@@ -9,7 +9,7 @@ namespace orvane::sandbox::test {
 
 namespace {
 
-constexpr const char* kRoot = "/kavra/api/sdk/";
+constexpr const char* root = "/kavra/api/sdk/";
 
 Answer answerFrom(const httplib::Result& result) {
   if (!result) throw std::runtime_error("no answer: " + to_string(result.error()));
@@ -38,7 +38,7 @@ void SandboxTest::start(SandboxOptions options) {
   client_.reset();
   sandbox_.reset();
   options.backend.folder = folder_.path();
-  if (!options.backend.now) options.backend.now = parseTimestamp(kNow);
+  if (!options.backend.now) options.backend.now = parseTimestamp(fixedNow);
   options.backend.weeks = 2;
   options.threads = 4;
   sandbox_ = std::make_unique<Sandbox>(std::move(options));
@@ -60,30 +60,30 @@ httplib::Headers SandboxTest::authorized(httplib::Headers headers) const {
 }
 
 Answer SandboxTest::get(const std::string& path, httplib::Headers headers) {
-  return answerFrom(client_->Get(kRoot + path, authorized(std::move(headers))));
+  return answerFrom(client_->Get(root + path, authorized(std::move(headers))));
 }
 
 Answer SandboxTest::post(const std::string& path, const std::string& body,
                          const std::string& contentType, httplib::Headers headers) {
-  return answerFrom(client_->Post(kRoot + path, authorized(std::move(headers)), body, contentType));
+  return answerFrom(client_->Post(root + path, authorized(std::move(headers)), body, contentType));
 }
 
 Answer SandboxTest::postForm(const std::string& path,
                              const httplib::MultipartFormDataItems& items) {
-  return answerFrom(client_->Post(kRoot + path, authorized({}), items));
+  return answerFrom(client_->Post(root + path, authorized({}), items));
 }
 
 Answer SandboxTest::put(const std::string& path) {
-  return answerFrom(client_->Put(kRoot + path, authorized({}), "", ""));
+  return answerFrom(client_->Put(root + path, authorized({}), "", ""));
 }
 
 Answer SandboxTest::remove(const std::string& path) {
-  return answerFrom(client_->Delete(kRoot + path, authorized({})));
+  return answerFrom(client_->Delete(root + path, authorized({})));
 }
 
 Answer SandboxTest::admin(const std::string& path, const json& body) {
   return answerFrom(client_->Post("/admin/" + path,
-                                  {{kAdminKeyHeader, sandbox_->backend().adminKey()}}, body.dump(),
+                                  {{adminKeyHeader, sandbox_->backend().adminKey()}}, body.dump(),
                                   "application/json"));
 }
 

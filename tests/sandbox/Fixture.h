@@ -17,7 +17,7 @@ namespace orvane::sandbox::test {
 
 using nlohmann::json;
 
-inline constexpr std::string_view kNow = "2025-06-18T12:00:00Z";  // a Wednesday
+inline constexpr std::string_view fixedNow = "2025-06-18T12:00:00Z";  // a Wednesday
 
 /// A folder that is gone afterwards.
 class TemporaryFolder {

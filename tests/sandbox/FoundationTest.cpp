@@ -19,7 +19,7 @@ class Foundation : public SandboxTest {
   /// A token as a client makes it whose clock is off by the seconds.
   std::string token(std::int64_t clockOffset, std::int64_t lifetime = 3600,
                     const std::string& subject = "anna.keller") {
-    const std::int64_t now = ServerClock{0}.now() / kMillisPerSecond + clockOffset;
+    const std::int64_t now = ServerClock{0}.now() / millisPerSecond + clockOffset;
     return sandbox().backend().signingKey().sign({{"sub", subject}},
                                                  {{"iat", now}, {"exp", now + lifetime}});
   }
@@ -66,7 +66,7 @@ TEST_F(Foundation, A401TellsTheTimeThatMakesTheNextTokenPass) {
   const Answer refusal = get("identity");
   ASSERT_EQ(refusal.status, 401);
   EXPECT_EQ(refusal.parsed()["error"], "unauthorized");
-  const auto offset = secondsOf(refusal.header("Date")) - ServerClock{0}.now() / kMillisPerSecond;
+  const auto offset = secondsOf(refusal.header("Date")) - ServerClock{0}.now() / millisPerSecond;
   EXPECT_NEAR(static_cast<double>(offset), 300, 2);
   EXPECT_EQ(statusWith(token(offset)), 200);
 }
@@ -76,7 +76,7 @@ TEST_F(Foundation, RequestsAreRefusedWithTheStatusThatSaysWhy) {
     const char* path;
     int status;
   };
-  constexpr Row kRows[] = {
+  constexpr Row rows[] = {
       {"nothing", 404},
       {"users", 404},
       {"users/", 404},
@@ -93,7 +93,7 @@ TEST_F(Foundation, RequestsAreRefusedWithTheStatusThatSaysWhy) {
       {"identity?a=b", 400},
       {"users/1001/vehicles/3001?plate=what?/", 404},
   };
-  for (const Row& row : kRows) {
+  for (const Row& row : rows) {
     const Answer answer = get(row.path);
     EXPECT_EQ(answer.status, row.status) << row.path;
     if (row.status != 200) {

@@ -14,7 +14,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsSupersetOf;
 
-constexpr const char* kPeriod = "startDate=2025-06-05&endDate=2025-06-17";
+constexpr const char* period = "startDate=2025-06-05&endDate=2025-06-17";
 
 class Scores : public SandboxTest {
  protected:
@@ -41,20 +41,20 @@ class Scores : public SandboxTest {
 };
 
 TEST_F(Scores, AverageAndStatisticAgreeWithTheTripsOfThePeriod) {
-  const std::string query = std::string{"?"} + kPeriod;
+  const std::string query = std::string{"?"} + period;
   const std::pair<std::string, std::string> rows[] = {
       {"users/1002", "users/1002/trips" + query + "&expand=scores"},
       {"vehicles/3001", "vehicles/3001/trips" + query + "&user=&expand=scores"}};
   for (const auto& [subject, tripsPath] : rows) {
     const Expected expected = fromTrips(tripsPath);
-    const json average = read(subject + "/averageScores?reportingPeriodType=CUSTOM&" + kPeriod);
+    const json average = read(subject + "/averageScores?reportingPeriodType=CUSTOM&" + period);
     EXPECT_NEAR(average["averageScore"].get<double>(), expected.average, 0.006);
     EXPECT_EQ(average["highestScore"], expected.highest);
     EXPECT_EQ(average["lowestScore"], expected.lowest);
     EXPECT_TRUE(average["tripScoringAverage"]["trackingType"].is_string());
 
     const json statistic =
-        read(subject + "/statisticScores?" + kPeriod + "&reportingPeriodType=CUSTOM");
+        read(subject + "/statisticScores?" + period + "&reportingPeriodType=CUSTOM");
     EXPECT_EQ(statistic["averageScore"], average["averageScore"]);
     EXPECT_EQ(statistic["tripScoringDailyAggregate"].back()["averageScore"],
               average["averageScore"]);
@@ -64,7 +64,7 @@ TEST_F(Scores, AverageAndStatisticAgreeWithTheTripsOfThePeriod) {
 TEST_F(Scores, TheTwoAlgorithmsNameTheirComponentsDifferently) {
   const auto names = [this](const std::string& user) {
     const json average =
-        read("users/" + user + "/averageScores?reportingPeriodType=CUSTOM&" + kPeriod);
+        read("users/" + user + "/averageScores?reportingPeriodType=CUSTOM&" + period);
     std::vector<std::string> keys;
     for (const auto& [key, score] : average["tripScoringAverage"]["componentScores"].items()) {
       keys.push_back(key);
@@ -74,7 +74,7 @@ TEST_F(Scores, TheTwoAlgorithmsNameTheirComponentsDifferently) {
   EXPECT_THAT(names("1001"), IsSupersetOf({"harsh.acceleration", "distracted.driving", "mileage"}));
   EXPECT_THAT(names("1002"), ElementsAre("abc_subscore", "distracted_driving", "speed_subscore",
                                          "usage_subscore"));
-  const json daily = read(std::string{"users/1001/statisticScores?"} + kPeriod +
+  const json daily = read(std::string{"users/1001/statisticScores?"} + period +
                           "&reportingPeriodType=last30Days")["tripScoringDailyAggregate"][0];
   EXPECT_TRUE(daily["componentScores"].contains("harshAcceleration"));
 }

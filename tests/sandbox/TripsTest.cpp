@@ -45,9 +45,9 @@ std::vector<Degrees> decode(const std::string& text) {
 }
 
 double metres(const Degrees& a, const Degrees& b) {
-  constexpr double kPerDegree = 111'195;
-  return kPerDegree * std::hypot(a.latitude - b.latitude,
-                                 (a.longitude - b.longitude) * std::cos(a.latitude * 0.0174532925));
+  constexpr double perDegree = 111'195;
+  return perDegree * std::hypot(a.latitude - b.latitude,
+                                (a.longitude - b.longitude) * std::cos(a.latitude * 0.0174532925));
 }
 
 std::vector<std::string> idsOf(const json& trips) {

@@ -45,7 +45,7 @@ TEST_F(Users, UpdatesAreCheckedPartByPart) {
     const char* value;
     int status;
   };
-  constexpr Row kRows[] = {
+  constexpr Row rows[] = {
       {"gender", "genderfluid", 200},
       {"gender", "", 400},
       {"dateOfBirth", "1987-04-13", 200},
@@ -65,7 +65,7 @@ TEST_F(Users, UpdatesAreCheckedPartByPart) {
       {"displayName", "Ann", 400},
       {"postalCode", "4055", 400},
   };
-  for (const Row& row : kRows) {
+  for (const Row& row : rows) {
     const Answer answer = update(row.part, row.value);
     EXPECT_EQ(answer.status, row.status) << row.part << '=' << row.value;
     if (row.status == 200) {

@@ -108,7 +108,7 @@ void printAnswer(const V& verb, const Answer& answer, Output& output) {
   } else if (!output.style().isJSON()) {
     verb.print(answer, output);
   } else {
-    const Result<std::string> text = encode(answer);
+    const Result<std::string> text = encodeChecked(answer);
     if (!text.value()) {
       throw Failure(ExitCode::invalidData, text.errorOr(NetworkError::unknown).message());
     }

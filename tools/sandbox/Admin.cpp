@@ -13,7 +13,7 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::int64_t kLargestSkew = 100LL * 365 * 24 * 60 * 60;
+constexpr std::int64_t largestSkew = 100LL * 365 * 24 * 60 * 60;
 
 Reply done() { return jsonReply(R"({"done":true})"); }
 
@@ -37,7 +37,7 @@ Reply setClock(Backend& backend, const Request& request) {
   const auto json = parseBody(request);
   const auto skew = json.find("skew");
   if (json.size() != 1 || skew == json.end() || !skew->is_number_integer() ||
-      std::abs(skew->get<double>()) > kLargestSkew) {
+      std::abs(skew->get<double>()) > largestSkew) {
     throw badRequest("the body is not {\"skew\": seconds}");
   }
   backend.clock().setSkew(skew->get<std::int64_t>());
@@ -64,7 +64,7 @@ struct AdminRoute {
   Reply (*handle)(Backend&, const Request&);
 };
 
-constexpr std::array<AdminRoute, 6> kRoutes{{
+constexpr std::array<AdminRoute, 6> routes{{
     {"POST", "misbehave", &misbehave},
     {"DELETE", "misbehave", &behave},
     {"POST", "clock", &setClock},
@@ -74,17 +74,17 @@ constexpr std::array<AdminRoute, 6> kRoutes{{
 }};
 
 Reply dispatch(Backend& backend, const Request& request) {
-  const auto key = request.header(kAdminKeyHeader);
+  const auto key = request.header(adminKeyHeader);
   if (!key || !equalInConstantTime(*key, backend.adminKey())) {
     throw Problem{
         401, "unauthorized",
-        std::string{"the header "} + kAdminKeyHeader + " does not hold the key of the ready file"};
+        std::string{"the header "} + adminKeyHeader + " does not hold the key of the ready file"};
   }
-  const std::string_view path = std::string_view{request.path}.substr(kAdminRoot.size());
-  const auto route = std::ranges::find_if(kRoutes, [&](const AdminRoute& candidate) {
+  const std::string_view path = std::string_view{request.path}.substr(adminRoot.size());
+  const auto route = std::ranges::find_if(routes, [&](const AdminRoute& candidate) {
     return candidate.path == path && candidate.method == request.method;
   });
-  if (route == kRoutes.end()) throw notFound("there is no such admin request");
+  if (route == routes.end()) throw notFound("there is no such admin request");
   return route->handle(backend, request);
 }
 

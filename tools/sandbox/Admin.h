@@ -11,8 +11,8 @@ namespace orvane::sandbox {
 
 class Backend;
 
-inline constexpr std::string_view kAdminRoot = "/admin/";
-inline constexpr const char* kAdminKeyHeader = "X-Sandbox-Admin-Key";
+inline constexpr std::string_view adminRoot = "/admin/";
+inline constexpr const char* adminKeyHeader = "X-Sandbox-Admin-Key";
 
 /// Never throws: what is wrong with the request is in the reply.
 [[nodiscard]] Reply answerAdmin(Backend& backend, const Request& request);

@@ -16,7 +16,7 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::string_view kBearer = "Bearer ";
+constexpr std::string_view bearer = "Bearer ";
 
 Problem unauthorized(const std::string& message) {
   return {401, "unauthorized", message, {{"WWW-Authenticate", "Bearer"}}};
@@ -73,13 +73,13 @@ std::string Backend::authenticate(DatabaseConnection& database, const Request& r
   const auto header = request.header("Authorization");
   if (!header && open) return {};
   if (!header) throw unauthorized("a bearer token is missing");
-  if (!header->starts_with(kBearer)) throw unauthorized("the credentials are not a bearer token");
-  const std::string_view token = header->substr(kBearer.size());
+  if (!header->starts_with(bearer)) throw unauthorized("the credentials are not a bearer token");
+  const std::string_view token = header->substr(bearer.size());
 
-  const bool development = token.starts_with(kDevelopmentToken);
+  const bool development = token.starts_with(developmentToken);
   Rows rows = development
                   ? database.query("SELECT user_id FROM users WHERE user_id = ?",
-                                   token.substr(kDevelopmentToken.size()))
+                                   token.substr(developmentToken.size()))
                   : database.query("SELECT user_id FROM users WHERE external_reference_id = ?",
                                    signingKey_.verify(token, clock_.now()));
   if (!rows.next()) throw unauthorized("nobody here is the token's subject");
@@ -88,15 +88,15 @@ std::string Backend::authenticate(DatabaseConnection& database, const Request& r
 
 Reply Backend::route(const Request& request) {
   const std::string_view path = request.path;
-  if (path.starts_with(kApiRoot)) {
-    return router_.dispatch(*this, request, path.substr(kApiRoot.size()));
+  if (path.starts_with(apiRoot)) {
+    return router_.dispatch(*this, request, path.substr(apiRoot.size()));
   }
-  if (path.starts_with(kDownloads)) return answerDownload(folder(), request);
-  throw notFound("the API root is " + std::string{kApiRoot});
+  if (path.starts_with(downloads)) return answerDownload(folder(), request);
+  throw notFound("the API root is " + std::string{apiRoot});
 }
 
 Reply Backend::answer(const Request& request) {
-  if (request.path.starts_with(kAdminRoot)) return answerAdmin(*this, request);
+  if (request.path.starts_with(adminRoot)) return answerAdmin(*this, request);
 
   const auto start = std::chrono::steady_clock::now();
   Reply reply = answerFaulty(request);

@@ -77,10 +77,10 @@ class Backend {
   Milliseconds laidAround_ = 0;
 };
 
-inline constexpr std::string_view kApiRoot = "/kavra/api/sdk/";
-inline constexpr std::string_view kDevelopmentToken = "sandbox-token-";
+inline constexpr std::string_view apiRoot = "/kavra/api/sdk/";
+inline constexpr std::string_view developmentToken = "sandbox-token-";
 
 /// The key that the sample identities carry.
-inline constexpr const char* kApiKey = "sandbox-api-key";
+inline constexpr const char* sampleApiKey = "sandbox-api-key";
 
 }  // namespace orvane::sandbox

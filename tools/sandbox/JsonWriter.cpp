@@ -26,7 +26,7 @@ JsonWriter& JsonWriter::close(char bracket) {
 }
 
 void JsonWriter::quote(std::string_view text) {
-  constexpr std::string_view kHex = "0123456789abcdef";
+  constexpr std::string_view hexDigits = "0123456789abcdef";
   out_.push_back('"');
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
@@ -35,8 +35,8 @@ void JsonWriter::quote(std::string_view text) {
       out_.push_back(c);
     } else if (byte < 0x20) {
       out_.append("\\u00");
-      out_.push_back(kHex[byte >> 4U]);
-      out_.push_back(kHex[byte & 0xFU]);
+      out_.push_back(hexDigits[byte >> 4U]);
+      out_.push_back(hexDigits[byte & 0xFU]);
     } else {
       out_.push_back(c);
     }

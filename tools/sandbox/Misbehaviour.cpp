@@ -11,16 +11,16 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::size_t kHugeSize = 100'000'000;
-constexpr std::size_t kPiece = 64 * 1024;
+constexpr std::size_t hugeSize = 100'000'000;
+constexpr std::size_t pieceSize = 64 * 1024;
 
 /// A JSON array of text that never seems to end.
 BodyStream hugeStream() {
   return [sent = std::size_t{0}, piece = std::string{}]() mutable -> std::string_view {
-    if (sent >= kHugeSize) return {};
+    if (sent >= hugeSize) return {};
     const bool first = sent == 0;
-    const bool last = sent + kPiece >= kHugeSize;
-    piece.assign(kPiece, 'x');
+    const bool last = sent + pieceSize >= hugeSize;
+    piece.assign(pieceSize, 'x');
     if (first) piece.replace(0, 2, "[\"");
     if (last) piece.replace(piece.size() - 2, 2, "\"]");
     sent += piece.size();
@@ -28,19 +28,19 @@ BodyStream hugeStream() {
   };
 }
 
-/// Some 100 kB that unpack to the same 100 MB.
+/// Some 100 b that unpack to the same 100 MB.
 std::string gzipBomb() {
-  const std::string plain(kPiece, ' ');
+  const std::string plain(pieceSize, ' ');
   z_stream stream{};
-  constexpr int kGzipWindow = 15 + 16;
-  deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, kGzipWindow, 9, Z_DEFAULT_STRATEGY);
-  std::string packed(kHugeSize / 500, '\0');
+  constexpr int gzipWindow = 15 + 16;
+  deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, gzipWindow, 9, Z_DEFAULT_STRATEGY);
+  std::string packed(hugeSize / 500, '\0');
   stream.next_out = reinterpret_cast<Bytef*>(packed.data());
   stream.avail_out = static_cast<uInt>(packed.size());
-  for (std::size_t sent = 0; sent < kHugeSize; sent += kPiece) {
+  for (std::size_t sent = 0; sent < hugeSize; sent += pieceSize) {
     stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(plain.data()));
     stream.avail_in = static_cast<uInt>(plain.size());
-    deflate(&stream, sent + kPiece >= kHugeSize ? Z_FINISH : Z_NO_FLUSH);
+    deflate(&stream, sent + pieceSize >= hugeSize ? Z_FINISH : Z_NO_FLUSH);
   }
   packed.resize(stream.total_out);
   deflateEnd(&stream);
@@ -52,7 +52,7 @@ struct FaultBody {
   void (*apply)(Reply&);
 };
 
-constexpr std::array<FaultBody, 11> kBodies{{
+constexpr std::array<FaultBody, 11> bodies{{
     {"garbage", [](Reply& reply) { reply.body = "{\"items\":[{\"trip\":{\"tripId\":\x01\x02"; }},
     {"empty", [](Reply& reply) { reply.body.clear(); }},
     {"notUtf8", [](Reply& reply) { reply.body = "{\"userId\":\"\xC3\x28\"}"; }},
@@ -78,7 +78,7 @@ constexpr std::array<FaultBody, 11> kBodies{{
 
 std::string knownBodies() {
   std::string names;
-  for (const FaultBody& body : kBodies) names.append(names.empty() ? "" : ", ").append(body.name);
+  for (const FaultBody& body : bodies) names.append(names.empty() ? "" : ", ").append(body.name);
   return names;
 }
 
@@ -93,7 +93,7 @@ void read(Fault& fault, const std::string& name, const nlohmann::json& value) {
     fault.cutAfterBytes = value.get<std::size_t>();
   } else if (name == "body") {
     fault.body = value.get<std::string>();
-    if (std::ranges::find(kBodies, fault.body, &FaultBody::name) == kBodies.end()) {
+    if (std::ranges::find(bodies, fault.body, &FaultBody::name) == bodies.end()) {
       throw badRequest("\"body\" is not one of: " + knownBodies());
     }
   } else if (name == "drop") {
@@ -147,7 +147,7 @@ Reply Fault::spoil(Reply reply) const {
     refusal.headers = std::move(reply.headers);
     reply = std::move(refusal);
   }
-  if (!body.empty()) std::ranges::find(kBodies, body, &FaultBody::name)->apply(reply);
+  if (!body.empty()) std::ranges::find(bodies, body, &FaultBody::name)->apply(reply);
   if (cutAfterBytes) {
     reply.cutAfterBytes = cutAfterBytes;
     reply.compressible = false;

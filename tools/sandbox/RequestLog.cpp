@@ -21,7 +21,7 @@ void RequestLog::add(const Request& request, int status) {
   Entry entry{request.method,  request.path,        request.query,
               request.headers, request.body.size(), status};
   const std::lock_guard lock{mutex_};
-  if (entries_.size() == kCapacity) entries_.pop_front();
+  if (entries_.size() == capacity) entries_.pop_front();
   entries_.push_back(std::move(entry));
 }
 

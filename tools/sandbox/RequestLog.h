@@ -28,7 +28,7 @@ class RequestLog {
     std::size_t bodySize;
     int status;
   };
-  static constexpr std::size_t kCapacity = 512;
+  static constexpr std::size_t capacity = 512;
 
   mutable std::mutex mutex_;
   std::deque<Entry> entries_;

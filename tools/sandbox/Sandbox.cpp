@@ -29,7 +29,7 @@ void writeIdentities(JsonWriter& json) {
         .member("externalReferenceId", person.externalReferenceId)
         .member("userId", person.userId)
         .member("accountId", person.accountId)
-        .member("developmentToken", std::string{kDevelopmentToken} + person.userId)
+        .member("developmentToken", std::string{developmentToken} + person.userId)
         .member("note", person.note)
         .endObject();
   }
@@ -71,15 +71,15 @@ std::string Sandbox::description() const {
       .member("port", port())
       .member("pid", static_cast<std::int64_t>(::getpid()))
       .member("baseURL", baseUrl())
-      .member("apiURL", baseUrl() + std::string{kApiRoot.substr(0, kApiRoot.size() - 1)})
-      .member("firmwareURL", baseUrl() + std::string{kDownloads} + std::string{kFirmwarePackage})
+      .member("apiURL", baseUrl() + std::string{apiRoot.substr(0, apiRoot.size() - 1)})
+      .member("firmwareURL", baseUrl() + std::string{downloads} + std::string{firmwarePackage})
       .member("data", options_.backend.folder.string());
   if (!options_.plainHttp) json.member("certificateAuthority", certificateAuthority().string());
   json.member("signingKeyFile", (options_.backend.folder / "signing.key").string())
       .member("signingKey", backend_->signingKey().hex())
-      .member("adminKeyHeader", kAdminKeyHeader)
+      .member("adminKeyHeader", adminKeyHeader)
       .member("adminKey", backend_->adminKey())
-      .member("apiKey", kApiKey);
+      .member("apiKey", sampleApiKey);
   writeIdentities(json);
   return json.endObject().take();
 }

@@ -9,9 +9,9 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::array kWeekdays{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-constexpr std::array kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                             "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+constexpr std::array weekdays{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+constexpr std::array months{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                            "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
 std::optional<int> digits(std::string_view text) {
   int value = 0;
@@ -27,7 +27,7 @@ std::optional<int> digits(std::string_view text) {
 Milliseconds ServerClock::now() const {
   using namespace std::chrono;
   return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count() +
-         skew() * kMillisPerSecond;
+         skew() * millisPerSecond;
 }
 
 std::string httpDate(Milliseconds time) {
@@ -38,8 +38,8 @@ std::string httpDate(Milliseconds time) {
   std::array<char, 40> text{};
   const int size = std::snprintf(
       text.data(), text.size(), "%s, %02u %s %04d %02d:%02d:%02d GMT",
-      kWeekdays.at(std::chrono::weekday{day}.c_encoding()), static_cast<unsigned>(date.day()),
-      kMonths.at(static_cast<unsigned>(date.month()) - 1), static_cast<int>(date.year()),
+      weekdays.at(std::chrono::weekday{day}.c_encoding()), static_cast<unsigned>(date.day()),
+      months.at(static_cast<unsigned>(date.month()) - 1), static_cast<int>(date.year()),
       static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
       static_cast<int>(clock.seconds().count()));
   return {text.data(), static_cast<std::size_t>(std::max(size, 0))};
@@ -72,7 +72,7 @@ std::optional<Milliseconds> parseTimestamp(std::string_view text) {
   if (!hours || !minutes || !seconds || *hours > 23 || *minutes > 59 || *seconds > 59) {
     return std::nullopt;
   }
-  return startOf(*day) + ((*hours * 60 + *minutes) * 60 + *seconds) * kMillisPerSecond;
+  return startOf(*day) + ((*hours * 60 + *minutes) * 60 + *seconds) * millisPerSecond;
 }
 
 std::string formatDay(Day day) {

@@ -15,8 +15,8 @@ namespace orvane::sandbox {
 using Milliseconds = std::int64_t;  // since 1970-01-01 UTC
 using Day = std::chrono::sys_days;
 
-inline constexpr Milliseconds kMillisPerSecond = 1000;
-inline constexpr Milliseconds kMillisPerDay = 86'400'000;
+inline constexpr Milliseconds millisPerSecond = 1000;
+inline constexpr Milliseconds millisPerDay = 86'400'000;
 
 /// The time that tokens are checked against and that every answer's Date header carries.
 class ServerClock {

@@ -29,9 +29,9 @@ struct Flags {
   SandboxOptions options;
 };
 
-constexpr Milliseconds kStaleDays = 7;
+constexpr Milliseconds staleDays = 7;
 
-constexpr const char* kFooter = R"(
+constexpr const char* footer = R"(
 Tokens: a JSON Web Token signed with HS256 and the key whose 64 hexadecimal digits stand in
 DIR/signing.key, with the claims "sub" (a user's external reference id), "iat" and "exp". For
 development the fixed token sandbox-token-<userId> is accepted as well, for example
@@ -42,7 +42,7 @@ Misbehaviour: a JSON object with any of "status", "delayMs", "cutAfterBytes", "d
 truncated) and, to narrow it, "times", "method" and "path" (an extended regular expression).)";
 
 void declare(CLI::App& app, Flags& flags) {
-  app.footer(kFooter);
+  app.footer(footer);
   app.add_option("--data", flags.data, "Folder for data, keys and certificates; made when missing")
       ->type_name("DIR")
       ->capture_default_str();
@@ -84,12 +84,12 @@ void declare(CLI::App& app, Flags& flags) {
 }
 
 SandboxOptions optionsFrom(const Flags& flags) {
-  static const std::map<std::string, CertificateFlaw> kFlaws{
+  static const std::map<std::string, CertificateFlaw> flaws{
       {"none", CertificateFlaw::none},
       {"expired", CertificateFlaw::expired},
       {"wrong-host", CertificateFlaw::wrongHost}};
   SandboxOptions options = flags.options;
-  options.flaw = kFlaws.at(flags.flaw);
+  options.flaw = flaws.at(flags.flaw);
   options.backend.folder = flags.data;
   options.backend.verbose = flags.verbose;
   if (!flags.now.empty()) {
@@ -120,7 +120,7 @@ void printWelcome(const Sandbox& sandbox, const SandboxOptions& options) {
             << "  API root   " << sandbox.baseUrl() << "/kavra/api/sdk\n";
   if (!options.plainHttp)
     std::cout << "  CA file    " << sandbox.certificateAuthority().string() << '\n';
-  std::cout << "  API key    " << kApiKey << "\n\n"
+  std::cout << "  API key    " << sampleApiKey << "\n\n"
             << "  user  external reference  who\n";
   for (const Person& person : people()) {
     if (!person.isSample) continue;
@@ -129,8 +129,8 @@ void printWelcome(const Sandbox& sandbox, const SandboxOptions& options) {
               << ": " << person.note << '\n';
   }
   std::cout << "\n  token of a user: sandbox-token-<user>\n";
-  const auto days = (sandbox.backend().now() - sandbox.backend().laidAround()) / kMillisPerDay;
-  if (days > kStaleDays) {
+  const auto days = (sandbox.backend().now() - sandbox.backend().laidAround()) / millisPerDay;
+  if (days > staleDays) {
     std::cout << "  The trips end " << days << " days ago; --fresh brings them up to date.\n";
   }
   std::cout << std::endl;

@@ -10,14 +10,14 @@ namespace orvane::sandbox {
 namespace {
 
 // The records of the ZIP file format (APPNOTE 6.3, sections 4.3.7, 4.3.12 and 4.3.16).
-constexpr std::uint32_t kLocalHeader = 0x04034B50;
-constexpr std::uint32_t kCentralHeader = 0x02014B50;
-constexpr std::uint32_t kEndOfCentralDirectory = 0x06054B50;
-constexpr std::uint16_t kVersion = 20;
-constexpr std::uint16_t kUtf8Names = 0x0800;
-constexpr std::uint16_t kStored = 0;
-constexpr std::uint16_t kMidnight = 0;
-constexpr std::uint16_t kNewYear2024 = ((2024 - 1980) << 9) | (1 << 5) | 1;
+constexpr std::uint32_t localHeader = 0x04034B50;
+constexpr std::uint32_t centralHeader = 0x02014B50;
+constexpr std::uint32_t endOfCentralDirectory = 0x06054B50;
+constexpr std::uint16_t version = 20;
+constexpr std::uint16_t utf8Names = 0x0800;
+constexpr std::uint16_t stored = 0;
+constexpr std::uint16_t midnight = 0;
+constexpr std::uint16_t newYear2024 = ((2024 - 1980) << 9) | (1 << 5) | 1;
 
 class Bytes {
  public:
@@ -43,7 +43,7 @@ void putCommon(Bytes& bytes, const ArchiveEntry& entry) {
   const auto size = static_cast<std::uint32_t>(entry.content.size());
   const auto checksum = static_cast<std::uint32_t>(
       crc32(0, reinterpret_cast<const Bytef*>(entry.content.data()), size));
-  bytes.put16(kVersion).put16(kUtf8Names).put16(kStored).put16(kMidnight).put16(kNewYear2024);
+  bytes.put16(version).put16(utf8Names).put16(stored).put16(midnight).put16(newYear2024);
   bytes.put32(checksum).put32(size).put32(size);
   bytes.put16(static_cast<std::uint32_t>(entry.name.size())).put16(0);
 }
@@ -55,17 +55,17 @@ std::string makeArchive(std::span<const ArchiveEntry> entries) {
   Bytes directory;
   for (const ArchiveEntry& entry : entries) {
     const std::uint32_t offset = archive.size();
-    archive.put32(kLocalHeader);
+    archive.put32(localHeader);
     putCommon(archive, entry);
     archive.put(entry.name).put(entry.content);
 
-    directory.put32(kCentralHeader).put16(kVersion);
+    directory.put32(centralHeader).put16(version);
     putCommon(directory, entry);
     directory.put16(0).put16(0).put16(0).put32(0).put32(offset).put(entry.name);
   }
   const auto count = static_cast<std::uint32_t>(entries.size());
   const std::uint32_t start = archive.size();
-  archive.put(directory.text()).put32(kEndOfCentralDirectory).put16(0).put16(0);
+  archive.put(directory.text()).put32(endOfCentralDirectory).put16(0).put16(0);
   archive.put16(count).put16(count).put32(directory.size()).put32(start).put16(0);
   return archive.text();
 }

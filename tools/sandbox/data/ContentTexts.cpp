@@ -7,7 +7,7 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::array<ContentText, 31> kTexts{{
+constexpr std::array<ContentText, 31> allTexts{{
     {"mobileApp.activation.agreement.terms",
      "<p>I have read the terms of the programme and accept them.</p>",
      "<p>Ich habe die Bedingungen des Programms gelesen und nehme sie an.</p>",
@@ -158,6 +158,6 @@ constexpr std::array<ContentText, 31> kTexts{{
 
 }  // namespace
 
-std::span<const ContentText> contentTexts() { return kTexts; }
+std::span<const ContentText> contentTexts() { return allTexts; }
 
 }  // namespace orvane::sandbox

@@ -9,10 +9,10 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr double kFixInterval = 2;  // seconds
-constexpr double kMostFixes = 900;
-constexpr double kCreep = 0.6;            // m/s: the slowest that still moves
-constexpr double kMetresPerSecond = 3.6;  // km/h
+constexpr double fixInterval = 2;  // seconds
+constexpr double mostFixes = 900;
+constexpr double creep = 0.6;            // m/s: the slowest that still moves
+constexpr double metresPerSecond = 3.6;  // km/h
 
 /// A stretch driven faster than allowed.
 struct Stretch {
@@ -55,7 +55,7 @@ std::vector<std::size_t> chooseStops(const Route& route, const TravelMode& mode,
     if (!speeding && random.chance(mode.stopChance)) stops.push_back(junction);
   }
   if (mode.stopEvery > 0) {
-    const auto every = static_cast<std::size_t>(mode.stopEvery / Route::kStep);
+    const auto every = static_cast<std::size_t>(mode.stopEvery / Route::step);
     for (std::size_t i = every; i + every / 2 < route.line.size(); i += every) stops.push_back(i);
   }
   std::ranges::sort(stops);
@@ -63,9 +63,9 @@ std::vector<std::size_t> chooseStops(const Route& route, const TravelMode& mode,
 }
 
 double bendLimit(const Route& route, std::size_t i, double sideways) {
-  constexpr std::size_t kReach = 3;
-  if (i < kReach || i + kReach >= route.line.size()) return 1e3;
-  const double bend = curvature(route.line[i - kReach], route.line[i], route.line[i + kReach]);
+  constexpr std::size_t reach = 3;
+  if (i < reach || i + reach >= route.line.size()) return 1e3;
+  const double bend = curvature(route.line[i - reach], route.line[i], route.line[i + reach]);
   return std::sqrt(sideways / std::max(bend, 1e-6));
 }
 
@@ -83,22 +83,22 @@ Profile profileOf(const Route& route, const TravelMode& mode, double care, Rando
   for (std::size_t i = 0; i < size; ++i) {
     if (i % 60 == 0) mood = std::clamp(mood + random.normal() * 0.04, 0.70, 0.98);
     const double allowed = std::min(route.speedLimit[i] * mood, mode.topSpeed);
-    profile.speed[i] = std::min(allowed / kMetresPerSecond,
-                                bendLimit(route, i, mode.cornering + 1.5 * (1 - care)));
+    profile.speed[i] =
+        std::min(allowed / metresPerSecond, bendLimit(route, i, mode.cornering + 1.5 * (1 - care)));
   }
   for (const Stretch& stretch : profile.stretches) {
     for (std::size_t i = stretch.first; i <= stretch.last; ++i) {
-      profile.speed[i] = route.speedLimit[i] * stretch.factor / kMetresPerSecond;
+      profile.speed[i] = route.speedLimit[i] * stretch.factor / metresPerSecond;
     }
   }
   for (const std::size_t stop : profile.stops) {
-    profile.speed[stop] = kCreep;
+    profile.speed[stop] = creep;
     profile.idle[stop] = mode.stopEvery > 0 ? random.between(15, 30) : random.between(6, 60);
   }
-  profile.speed.front() = kCreep;
-  profile.speed.back() = kCreep;
-  const double up = 2 * mode.acceleration * Route::kStep;
-  const double down = 2 * mode.braking * Route::kStep;
+  profile.speed.front() = creep;
+  profile.speed.back() = creep;
+  const double up = 2 * mode.acceleration * Route::step;
+  const double down = 2 * mode.braking * Route::step;
   for (std::size_t i = 1; i < size; ++i) {
     const double before = profile.speed[i - 1];
     profile.speed[i] = std::min(profile.speed[i], std::sqrt(before * before + up));
@@ -115,7 +115,7 @@ std::vector<double> timesOf(const Profile& profile) {
   std::vector<double> times{0};
   for (std::size_t i = 1; i < profile.speed.size(); ++i) {
     const double mean = (profile.speed[i - 1] + profile.speed[i]) / 2;
-    times.push_back(times.back() + Route::kStep / mean + profile.idle[i]);
+    times.push_back(times.back() + Route::step / mean + profile.idle[i]);
   }
   return times;
 }
@@ -137,7 +137,7 @@ std::vector<std::size_t> recordFixes(Drive& drive, const RoadMap& map, const Rou
                                      const Profile& profile, const std::vector<double>& times,
                                      Milliseconds start, Random& random) {
   const double total = times.back();
-  const double interval = std::max(kFixInterval, total / kMostFixes);
+  const double interval = std::max(fixInterval, total / mostFixes);
   std::vector<std::size_t> fixOfPoint(route.line.size(), 0);
   Wander wander;
   std::size_t point = 0;
@@ -156,8 +156,8 @@ std::vector<std::size_t> recordFixes(Drive& drive, const RoadMap& map, const Rou
         standing ? 0 : profile.speed[point] + (profile.speed[next] - profile.speed[point]) * share;
     drive.fixes.push_back({map.projection().toEarth(at + wander.next(random)),
                            start + static_cast<Milliseconds>(std::lround(time * 1000)),
-                           speed * kMetresPerSecond, route.speedLimit[point]});
-    drive.maximumSpeed = std::max(drive.maximumSpeed, speed * kMetresPerSecond);
+                           speed * metresPerSecond, route.speedLimit[point]});
+    drive.maximumSpeed = std::max(drive.maximumSpeed, speed * metresPerSecond);
     if (time >= total) break;
   }
   for (; point < fixOfPoint.size(); ++point) fixOfPoint[point] = drive.fixes.size() - 1;
@@ -174,7 +174,7 @@ void addStretchEvents(Drive& drive, const Profile& profile,
                       const std::vector<std::size_t>& fixOfPoint, Random& random) {
   for (const Stretch& stretch : profile.stretches) {
     const auto level = static_cast<int>((stretch.factor - 1.1) / 0.08) + 1;
-    drive.events.push_back({random.chance(0.5) ? kPostedLimitEvent : kSpeedingEvent,
+    drive.events.push_back({random.chance(0.5) ? postedLimitEvent : speedingEvent,
                             fixOfPoint[stretch.first], fixOfPoint[stretch.last],
                             std::clamp(level, 1, 5)});
   }
@@ -188,15 +188,15 @@ void addInstantEvents(Drive& drive, const Route& route, const Profile& profile,
   };
   const double readiness = (1 - care) * 0.45;
   for (const std::size_t stop : profile.stops) {
-    if (stop > 20 && random.chance(readiness)) add(kBrakingEvent, stop - 3 - random.index(5));
-    if (random.chance(readiness)) add(kAccelerationEvent, stop + 2 + random.index(5));
+    if (stop > 20 && random.chance(readiness)) add(brakingEvent, stop - 3 - random.index(5));
+    if (random.chance(readiness)) add(accelerationEvent, stop + 2 + random.index(5));
   }
-  constexpr double kTight = 1.0 / 45;  // a radius of 45 metres
+  constexpr double tight = 1.0 / 45;  // a radius of 45 metres
   for (std::size_t i = 10; i + 10 < route.line.size(); i += 20) {
     const double bend = curvature(route.line[i - 3], route.line[i], route.line[i + 3]);
-    if (bend > kTight && random.chance(readiness)) add(kCorneringEvent, i);
+    if (bend > tight && random.chance(readiness)) add(corneringEvent, i);
   }
-  if (random.chance((1 - care) * 0.3)) add(kPhoneEvent, random.index(route.line.size()));
+  if (random.chance((1 - care) * 0.3)) add(phoneEvent, random.index(route.line.size()));
 }
 
 double penalty(int level) { return 1.5 + 1.6 * level; }
@@ -236,12 +236,12 @@ DriveScores scoreOf(const Drive& drive) {
     return std::round(1000 * std::exp(-penalties / (drive.kilometres + 3))) / 10;
   };
   DriveScores scores;
-  scores.acceleration = component(kAccelerationEvent);
-  scores.braking = component(kBrakingEvent);
-  scores.cornering = component(kCorneringEvent);
-  scores.speeding = component(kSpeedingEvent);
-  scores.overSpeeding = component(kPostedLimitEvent);
-  scores.distraction = component(kPhoneEvent);
+  scores.acceleration = component(accelerationEvent);
+  scores.braking = component(brakingEvent);
+  scores.cornering = component(corneringEvent);
+  scores.speeding = component(speedingEvent);
+  scores.overSpeeding = component(postedLimitEvent);
+  scores.distraction = component(phoneEvent);
   scores.usage = std::round(1000 * std::exp(-drive.kilometres / 90)) / 10;
   const double mean = 0.22 * scores.acceleration + 0.24 * scores.braking + 0.14 * scores.cornering +
                       0.16 * scores.speeding + 0.14 * scores.overSpeeding +

@@ -65,11 +65,11 @@ struct DriveScores {
 
 [[nodiscard]] DriveScores scoreOf(const Drive& drive);
 
-inline constexpr const char* kAccelerationEvent = "MultiLevelAccelerationViolation";
-inline constexpr const char* kBrakingEvent = "MultiLevelBrakingViolation";
-inline constexpr const char* kCorneringEvent = "MultiLevelCorneringViolation";
-inline constexpr const char* kSpeedingEvent = "MultiLevelSpeedViolation";
-inline constexpr const char* kPostedLimitEvent = "PostedSpeedLimitViolation";
-inline constexpr const char* kPhoneEvent = "PhoneHandlingViolation";
+inline constexpr const char* accelerationEvent = "MultiLevelAccelerationViolation";
+inline constexpr const char* brakingEvent = "MultiLevelBrakingViolation";
+inline constexpr const char* corneringEvent = "MultiLevelCorneringViolation";
+inline constexpr const char* speedingEvent = "MultiLevelSpeedViolation";
+inline constexpr const char* postedLimitEvent = "PostedSpeedLimitViolation";
+inline constexpr const char* phoneEvent = "PhoneHandlingViolation";
 
 }  // namespace orvane::sandbox

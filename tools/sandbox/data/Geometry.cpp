@@ -10,9 +10,9 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr double kEarthRadius = 6'371'008.8;
-constexpr double kRadians = std::numbers::pi / 180;
-constexpr double kMetresPerLatitude = kEarthRadius * kRadians;
+constexpr double earthRadius = 6'371'008.8;
+constexpr double radians = std::numbers::pi / 180;
+constexpr double metresPerLatitude = earthRadius * radians;
 
 void encodeValue(std::string& text, std::int64_t value) {
   auto bits = static_cast<std::uint64_t>(value) << 1U;
@@ -65,27 +65,27 @@ std::string encodePolyline(std::span<const Position> line) {
 }
 
 double metresBetween(const Position& from, const Position& to) {
-  const double sinLatitude = std::sin((to.latitude - from.latitude) * kRadians / 2);
-  const double sinLongitude = std::sin((to.longitude - from.longitude) * kRadians / 2);
-  const double h = sinLatitude * sinLatitude + std::cos(from.latitude * kRadians) *
-                                                   std::cos(to.latitude * kRadians) * sinLongitude *
+  const double sinLatitude = std::sin((to.latitude - from.latitude) * radians / 2);
+  const double sinLongitude = std::sin((to.longitude - from.longitude) * radians / 2);
+  const double h = sinLatitude * sinLatitude + std::cos(from.latitude * radians) *
+                                                   std::cos(to.latitude * radians) * sinLongitude *
                                                    sinLongitude;
-  return 2 * kEarthRadius * std::asin(std::min(1.0, std::sqrt(h)));
+  return 2 * earthRadius * std::asin(std::min(1.0, std::sqrt(h)));
 }
 
 double length(Point vector) { return std::hypot(vector.x, vector.y); }
 
 Projection::Projection(const Position& origin)
     : origin_(origin),
-      metresPerLongitude_(kMetresPerLatitude * std::cos(origin.latitude * kRadians)) {}
+      metresPerLongitude_(metresPerLatitude * std::cos(origin.latitude * radians)) {}
 
 Point Projection::toMap(const Position& position) const {
   return {(position.longitude - origin_.longitude) * metresPerLongitude_,
-          (position.latitude - origin_.latitude) * kMetresPerLatitude};
+          (position.latitude - origin_.latitude) * metresPerLatitude};
 }
 
 Position Projection::toEarth(Point point) const {
-  return {origin_.latitude + point.y / kMetresPerLatitude,
+  return {origin_.latitude + point.y / metresPerLatitude,
           origin_.longitude + point.x / metresPerLongitude_};
 }
 

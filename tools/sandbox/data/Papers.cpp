@@ -23,7 +23,7 @@ struct Invitation {
 };
 
 // Whoever has accepted drives the vehicle or for the account; the links below say so.
-constexpr std::array<Invitation, 10> kInvitations{{
+constexpr std::array<Invitation, 10> allInvitations{{
     {"VEHICLE", "PENDING", "1001", "1006", "Sam", "Taylor", "3006", nullptr},
     {"VEHICLE", "ACCEPTED", "1001", "1004", "Daniel", "Meier", "3006", nullptr},
     {"VEHICLE", "DECLINED", "1001", "1005", "Priya", "Nair", "3001", nullptr},
@@ -36,7 +36,7 @@ constexpr std::array<Invitation, 10> kInvitations{{
     {"LEADERBOARD", "PENDING", "1108", "1001", "Anna", "Keller", nullptr, nullptr},
 }};
 
-constexpr std::array<ActivationCode, 3> kActivationCodes{{
+constexpr std::array<ActivationCode, 3> codes{{
     {"ACT-1007", "424242", "1007", false},
     {"ACT-OPEN", "777777", nullptr, false},
     {"ACT-USED", "111111", nullptr, true},
@@ -50,7 +50,7 @@ struct Subscription {
   int trialDays;  // 0: none
 };
 
-constexpr std::array<Subscription, 9> kSubscriptions{{
+constexpr std::array<Subscription, 9> allSubscriptions{{
     {"1001", "Regular", 120, 365, 0},
     {"1001", "MileageOnly", 485, 365, 0},
     {"1001", "MileagePlus", 850, 365, 0},
@@ -71,8 +71,8 @@ std::optional<const char*> optional(const char* text) { return ifSet(text, text 
 
 void layInvitations(DatabaseConnection& database, Milliseconds now) {
   std::int64_t id = 9001;
-  for (const Invitation& invitation : kInvitations) {
-    const Milliseconds created = now - (9020 - id) * kMillisPerDay / 2;
+  for (const Invitation& invitation : allInvitations) {
+    const Milliseconds created = now - (9020 - id) * millisPerDay / 2;
     const bool isUser = invitation.to != nullptr;
     const std::string email =
         std::string{invitation.firstName} + "." + invitation.lastName + "@example.com";
@@ -102,11 +102,11 @@ void layDevices(DatabaseConnection& database) {
 void laySubscriptions(DatabaseConnection& database, Milliseconds now) {
   std::int64_t id = 70'001;
   const Milliseconds today = startOf(dayOf(now));
-  for (const Subscription& subscription : kSubscriptions) {
+  for (const Subscription& subscription : allSubscriptions) {
     database.execute("INSERT INTO subscriptions VALUES (?, ?, ?, ?, ?, ?)", subscription.userId,
-                     id++, subscription.type, today - subscription.startedDaysAgo * kMillisPerDay,
-                     subscription.days * kMillisPerDay,
-                     ifSet(subscription.trialDays * kMillisPerDay, subscription.trialDays > 0));
+                     id++, subscription.type, today - subscription.startedDaysAgo * millisPerDay,
+                     subscription.days * millisPerDay,
+                     ifSet(subscription.trialDays * millisPerDay, subscription.trialDays > 0));
   }
 }
 
@@ -116,7 +116,7 @@ void layNamedDrivers(DatabaseConnection& database, Milliseconds now) {
     database.execute("INSERT INTO named_drivers VALUES ('1001', ?, ?, ?, ?, ?, ?, ?, ?)", userId,
                      "P-" + std::to_string(userId), firstName, lastName, optional(email),
                      optional(phone), activated,
-                     ifSet(startOf(dayOf(now)) - 60 * kMillisPerDay, activated));
+                     ifSet(startOf(dayOf(now)) - 60 * millisPerDay, activated));
   };
   add(1002, "Marc", "Keller", "marc.keller@example.com", "+41 61 555 1002", true);
   add(1006, "Sam", "Taylor", "sam.taylor@example.com", nullptr, true);
@@ -125,16 +125,16 @@ void layNamedDrivers(DatabaseConnection& database, Milliseconds now) {
 
 }  // namespace
 
-std::span<const ActivationCode> activationCodes() { return kActivationCodes; }
+std::span<const ActivationCode> activationCodes() { return codes; }
 
 void layPapers(DatabaseConnection& database, Milliseconds now) {
   layInvitations(database, now);
   layDevices(database);
   laySubscriptions(database, now);
   layNamedDrivers(database, now);
-  for (const ActivationCode& code : kActivationCodes) {
+  for (const ActivationCode& code : codes) {
     database.execute("INSERT INTO activations VALUES (?, ?, ?, ?)", code.activationId, code.code,
-                     optional(code.userId), ifSet(now - kMillisPerDay, code.used));
+                     optional(code.userId), ifSet(now - millisPerDay, code.used));
   }
 }
 

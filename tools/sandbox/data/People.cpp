@@ -10,22 +10,22 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr const char* kOwnerRoles = "ROLE_OWNER";
-constexpr const char* kOperatorRoles = "ROLE_OPERATOR";
+constexpr const char* ownerRoles = "ROLE_OWNER";
+constexpr const char* operatorRoles = "ROLE_OPERATOR";
 
 struct Account {
   const char* accountId;
   const char* identifier;
 };
 
-constexpr std::array<Account, 4> kAccounts{{
+constexpr std::array<Account, 4> sharedAccounts{{
     {"2001", "Keller household"},
     {"2002", "Rheinbogen Kurier AG"},
     {"2003", "Sam Taylor"},
     {"2004", "Nora Frei"},
 }};
 
-constexpr std::array<Person, 20> kPeople{{
+constexpr std::array<Person, 20> everybody{{
     {"1001",
      "anna.keller",
      "2001",
@@ -44,7 +44,7 @@ constexpr std::array<Person, 20> kPeople{{
      "COMMUTER",
      "MOBILE_WITH_VEHICLE_IDENTIFIER",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "owner of the Keller household: vehicles, a full history, invitations in every state",
      2.6,
      0.86,
@@ -68,7 +68,7 @@ constexpr std::array<Person, 20> kPeople{{
      "FREQUENT_DRIVER",
      "MOBILE_FLEXIBLE",
      "OPERATOR",
-     kOperatorRoles,
+     operatorRoles,
      "operator in Anna's account; drives harder than she does",
      2.2,
      0.45,
@@ -92,7 +92,7 @@ constexpr std::array<Person, 20> kPeople{{
      "OCCASIONAL_DRIVER",
      "MOBILE_FLEXIBLE",
      "OPERATOR",
-     kOperatorRoles,
+     operatorRoles,
      "the daughter: trips in every transport mode, driver detection still in training",
      2.0,
      0.7,
@@ -164,7 +164,7 @@ constexpr std::array<Person, 20> kPeople{{
      "WEEKEND_DRIVER",
      "MOBILE_FLEXIBLE",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "a custom gender, trips on weekends only, a named driver elsewhere",
      0.8,
      0.6,
@@ -188,7 +188,7 @@ constexpr std::array<Person, 20> kPeople{{
      "OCCASIONAL_DRIVER",
      "MOBILE_FLEXIBLE",
      "UNKNOWN",
-     kOwnerRoles,
+     ownerRoles,
      "a newcomer: not activated, terms not accepted, no trips, no vehicle",
      0.0,
      0.5,
@@ -212,7 +212,7 @@ constexpr std::array<Person, 20> kPeople{{
      "OCCASIONAL_DRIVER",
      "MOBILE_FLEXIBLE",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "",
      0.9,
      0.9,
@@ -236,7 +236,7 @@ constexpr std::array<Person, 20> kPeople{{
      "COMMUTER",
      "MOBILE_FLEXIBLE",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "",
      1.5,
      0.5,
@@ -260,7 +260,7 @@ constexpr std::array<Person, 20> kPeople{{
      "FREQUENT_DRIVER",
      "MOBILE_FLEXIBLE",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "",
      1.8,
      0.3,
@@ -284,7 +284,7 @@ constexpr std::array<Person, 20> kPeople{{
      "COMMUTER",
      "MOBILE_FLEXIBLE",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "",
      1.4,
      0.85,
@@ -308,7 +308,7 @@ constexpr std::array<Person, 20> kPeople{{
      "COMMUTER",
      "MOBILE_FLEXIBLE",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "",
      1.6,
      0.65,
@@ -332,7 +332,7 @@ constexpr std::array<Person, 20> kPeople{{
      "FREQUENT_DRIVER",
      "MOBILE_FLEXIBLE",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "",
      1.3,
      0.95,
@@ -356,7 +356,7 @@ constexpr std::array<Person, 20> kPeople{{
      "FREQUENT_DRIVER",
      "MOBILE_FLEXIBLE",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "",
      1.7,
      0.55,
@@ -380,7 +380,7 @@ constexpr std::array<Person, 20> kPeople{{
      "WEEKEND_DRIVER",
      "MOBILE_FLEXIBLE",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "",
      0.7,
      0.75,
@@ -404,7 +404,7 @@ constexpr std::array<Person, 20> kPeople{{
      "COMMUTER",
      "MOBILE_FLEXIBLE",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "",
      1.5,
      0.7,
@@ -428,7 +428,7 @@ constexpr std::array<Person, 20> kPeople{{
      "OCCASIONAL_DRIVER",
      "MOBILE_FLEXIBLE",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "",
      0.9,
      0.8,
@@ -452,7 +452,7 @@ constexpr std::array<Person, 20> kPeople{{
      "FREQUENT_DRIVER",
      "MOBILE_FLEXIBLE",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "",
      1.6,
      0.4,
@@ -476,7 +476,7 @@ constexpr std::array<Person, 20> kPeople{{
      "COMMUTER",
      "MOBILE_FLEXIBLE",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "",
      1.2,
      0.88,
@@ -500,7 +500,7 @@ constexpr std::array<Person, 20> kPeople{{
      "WEEKEND_DRIVER",
      "MOBILE_FLEXIBLE",
      "OWNER",
-     kOwnerRoles,
+     ownerRoles,
      "",
      1.0,
      0.35,
@@ -527,7 +527,7 @@ std::string customFieldsOf(const Person& person) {
 }
 
 void layPerson(DatabaseConnection& database, const Person& person, Milliseconds now, int index) {
-  const Milliseconds activated = startOf(dayOf(now)) - (120 + index * 3) * kMillisPerDay;
+  const Milliseconds activated = startOf(dayOf(now)) - (120 + index * 3) * millisPerDay;
   const auto ifActivated = [&](Milliseconds time) {
     return person.activated ? std::optional{time} : std::nullopt;
   };
@@ -558,15 +558,15 @@ void layPerson(DatabaseConnection& database, const Person& person, Milliseconds 
 
 }  // namespace
 
-std::span<const Person> people() { return kPeople; }
+std::span<const Person> people() { return everybody; }
 
 void layPeople(DatabaseConnection& database, Milliseconds now) {
-  for (const Account& account : kAccounts) {
+  for (const Account& account : sharedAccounts) {
     database.execute("INSERT INTO accounts (account_id, identifier) VALUES (?, ?)",
                      account.accountId, account.identifier);
   }
   int index = 0;
-  for (const Person& person : kPeople) {
+  for (const Person& person : everybody) {
     database.execute("INSERT OR IGNORE INTO accounts (account_id, identifier) VALUES (?, ?)",
                      person.accountId, std::string{person.firstName} + " " + person.lastName);
     layPerson(database, person, now, index++);

@@ -15,7 +15,7 @@ namespace {
 using Place = RoadMap::Place;
 using Road = RoadMap::Road;
 
-constexpr std::array<Place, 50> kBaselPlaces{{
+constexpr std::array<Place, 50> baselPlaces{{
     {"Bahnhof SBB", {47.5479, 7.5897}},     {"Markthalle", {47.5487, 7.5870}},
     {"Aeschenplatz", {47.5512, 7.5953}},    {"Kunstmuseum", {47.5540, 7.5945}},
     {"Heuwaage", {47.5520, 7.5864}},        {"Wettsteinplatz", {47.5597, 7.6003}},
@@ -44,7 +44,7 @@ constexpr std::array<Place, 50> kBaselPlaces{{
 }};
 
 const std::vector<Road>& baselRoads() {
-  static const std::vector<Road> kRoads{
+  static const std::vector<Road> roads{
       // The ring and the inner city.
       {"Bahnhof SBB", "Markthalle", 50, {0.03}},
       {"Bahnhof SBB", "Aeschenplatz", 50, {-0.06, -0.05}},
@@ -129,10 +129,10 @@ const std::vector<Road>& baselRoads() {
       {"Saint-Louis", "Hesingue", 60, {-0.08, -0.04, 0.05}},
       {"Saint-Louis", "EuroAirport", 70, {-0.07, 0.05, 0.06}},
   };
-  return kRoads;
+  return roads;
 }
 
-constexpr std::array<Place, 13> kMumbaiPlaces{{
+constexpr std::array<Place, 13> mumbaiPlaces{{
     {"Colaba", {18.9150, 72.8258}},
     {"Nariman Point", {18.9258, 72.8231}},
     {"Churchgate", {18.9345, 72.8245}},
@@ -149,7 +149,7 @@ constexpr std::array<Place, 13> kMumbaiPlaces{{
 }};
 
 const std::vector<Road>& mumbaiRoads() {
-  static const std::vector<Road> kRoads{
+  static const std::vector<Road> roads{
       {"Colaba", "Nariman Point", 40, {-0.10, -0.08, 0.03}},
       {"Nariman Point", "Churchgate", 60, {0.04, 0.03}},
       // Marine Drive, round the bay.
@@ -172,54 +172,54 @@ const std::vector<Road>& mumbaiRoads() {
       {"Bandra", "Airport", 60, {0.05, 0.07, -0.04, -0.05}},
       {"BKC", "Airport", 60, {-0.08, 0.05}},
   };
-  return kRoads;
+  return roads;
 }
 
-constexpr std::array<Position, 16> kRailway{{{47.5470, 7.5910},
-                                             {47.5432, 7.6080},
-                                             {47.5350, 7.6330},
-                                             {47.5248, 7.6600},
-                                             {47.5213, 7.6905},
-                                             {47.5050, 7.7160},
-                                             {47.4846, 7.7310},
-                                             {47.4700, 7.7550},
-                                             {47.4640, 7.8030},
-                                             {47.4560, 7.8260},
-                                             {47.4380, 7.8420},
-                                             {47.4120, 7.8640},
-                                             {47.3910, 7.8800},
-                                             {47.3740, 7.8960},
-                                             {47.3600, 7.9050},
-                                             {47.3522, 7.9077}}};
+constexpr std::array<Position, 16> railwayLine{{{47.5470, 7.5910},
+                                                {47.5432, 7.6080},
+                                                {47.5350, 7.6330},
+                                                {47.5248, 7.6600},
+                                                {47.5213, 7.6905},
+                                                {47.5050, 7.7160},
+                                                {47.4846, 7.7310},
+                                                {47.4700, 7.7550},
+                                                {47.4640, 7.8030},
+                                                {47.4560, 7.8260},
+                                                {47.4380, 7.8420},
+                                                {47.4120, 7.8640},
+                                                {47.3910, 7.8800},
+                                                {47.3740, 7.8960},
+                                                {47.3600, 7.9050},
+                                                {47.3522, 7.9077}}};
 
-constexpr std::array<Position, 16> kRhine{{{47.5850, 7.5870},
-                                           {47.5790, 7.5845},
-                                           {47.5730, 7.5840},
-                                           {47.5668, 7.5850},
-                                           {47.5625, 7.5882},
-                                           {47.5590, 7.5930},
-                                           {47.5577, 7.5985},
-                                           {47.5590, 7.6060},
-                                           {47.5605, 7.6150},
-                                           {47.5595, 7.6240},
-                                           {47.5560, 7.6350},
-                                           {47.5500, 7.6480},
-                                           {47.5440, 7.6640},
-                                           {47.5400, 7.6850},
-                                           {47.5390, 7.7050},
-                                           {47.5410, 7.7230}}};
+constexpr std::array<Position, 16> rhineLine{{{47.5850, 7.5870},
+                                              {47.5790, 7.5845},
+                                              {47.5730, 7.5840},
+                                              {47.5668, 7.5850},
+                                              {47.5625, 7.5882},
+                                              {47.5590, 7.5930},
+                                              {47.5577, 7.5985},
+                                              {47.5590, 7.6060},
+                                              {47.5605, 7.6150},
+                                              {47.5595, 7.6240},
+                                              {47.5560, 7.6350},
+                                              {47.5500, 7.6480},
+                                              {47.5440, 7.6640},
+                                              {47.5400, 7.6850},
+                                              {47.5390, 7.7050},
+                                              {47.5410, 7.7230}}};
 
-constexpr std::array<Position, 9> kFlight{{{47.5990, 7.5290},
-                                           {47.6350, 7.5080},
-                                           {47.6900, 7.5300},
-                                           {48.4000, 8.3500},
-                                           {49.4500, 9.7000},
-                                           {50.6000, 11.1000},
-                                           {51.7000, 12.5000},
-                                           {52.3000, 13.2500},
-                                           {52.3620, 13.5030}}};
+constexpr std::array<Position, 9> flightLine{{{47.5990, 7.5290},
+                                              {47.6350, 7.5080},
+                                              {47.6900, 7.5300},
+                                              {48.4000, 8.3500},
+                                              {49.4500, 9.7000},
+                                              {50.6000, 11.1000},
+                                              {51.7000, 12.5000},
+                                              {52.3000, 13.2500},
+                                              {52.3620, 13.5030}}};
 
-constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
+constexpr std::size_t nowhere = std::numeric_limits<std::size_t>::max();
 
 std::vector<Point> shapeOf(Point from, Point to, std::span<const double> bends) {
   const Point along = to - from;
@@ -232,7 +232,7 @@ std::vector<Point> shapeOf(Point from, Point to, std::span<const double> bends) 
     points.push_back(from + along * (piece / pieces) + left * bend);
   }
   points.push_back(to);
-  return curveThrough(points, Route::kStep);
+  return curveThrough(points, Route::step);
 }
 
 double lengthOf(std::span<const Point> line) {
@@ -261,13 +261,13 @@ RoadMap::RoadMap(std::span<const Place> places, std::span<const Road> roads)
 }
 
 const RoadMap& RoadMap::basel() {
-  static const RoadMap kMap{kBaselPlaces, baselRoads()};
-  return kMap;
+  static const RoadMap map{baselPlaces, baselRoads()};
+  return map;
 }
 
 const RoadMap& RoadMap::mumbai() {
-  static const RoadMap kMap{kMumbaiPlaces, mumbaiRoads()};
-  return kMap;
+  static const RoadMap map{mumbaiPlaces, mumbaiRoads()};
+  return map;
 }
 
 std::size_t RoadMap::indexOf(std::string_view name) const {
@@ -278,7 +278,7 @@ std::size_t RoadMap::indexOf(std::string_view name) const {
 
 std::vector<const RoadMap::Edge*> RoadMap::quickestPath(std::size_t from, std::size_t to) const {
   std::vector<double> best(edges_.size(), std::numeric_limits<double>::infinity());
-  std::vector<std::pair<std::size_t, const Edge*>> arrivedBy(edges_.size(), {kNowhere, nullptr});
+  std::vector<std::pair<std::size_t, const Edge*>> arrivedBy(edges_.size(), {nowhere, nullptr});
   using Stop = std::pair<double, std::size_t>;
   std::priority_queue<Stop, std::vector<Stop>, std::greater<>> open;
   best[from] = 0;
@@ -305,7 +305,7 @@ std::vector<const RoadMap::Edge*> RoadMap::quickestPath(std::size_t from, std::s
 }
 
 Route RoadMap::route(std::string_view from, std::string_view to) const {
-  constexpr int kCornerReach = 3;  // points: corners are cut within 15 metres
+  constexpr int cornerReach = 3;  // points: corners are cut within 15 metres
   std::vector<Point> line;
   std::vector<std::pair<double, double>> limitUntil;  // metres from the start, km/h
   double metres = 0;
@@ -315,10 +315,10 @@ Route RoadMap::route(std::string_view from, std::string_view to) const {
     limitUntil.emplace_back(metres, edge->speedLimit);
   }
   Route route;
-  route.line = smooth(resample(line, Route::kStep), kCornerReach);
+  route.line = smooth(resample(line, Route::step), cornerReach);
   std::size_t edge = 0;
   for (std::size_t i = 0; i < route.line.size(); ++i) {
-    const double at = static_cast<double>(i) * Route::kStep;
+    const double at = static_cast<double>(i) * Route::step;
     if (at > limitUntil[edge].first && edge + 1 < limitUntil.size()) {
       ++edge;
       route.junctions.push_back(i);
@@ -332,13 +332,13 @@ Route RoadMap::track(std::span<const Position> line, double speedLimit) const {
   std::vector<Point> points;
   for (const Position& position : line) points.push_back(projection_.toMap(position));
   Route route;
-  route.line = resample(curveThrough(points, 20), Route::kStep);
+  route.line = resample(curveThrough(points, 20), Route::step);
   route.speedLimit.assign(route.line.size(), speedLimit);
   return route;
 }
 
-std::span<const Position> railway() { return kRailway; }
-std::span<const Position> rhine() { return kRhine; }
-std::span<const Position> flightToBerlin() { return kFlight; }
+std::span<const Position> railway() { return railwayLine; }
+std::span<const Position> rhine() { return rhineLine; }
+std::span<const Position> flightToBerlin() { return flightLine; }
 
 }  // namespace orvane::sandbox

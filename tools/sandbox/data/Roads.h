@@ -15,14 +15,14 @@ namespace orvane::sandbox {
 
 /// A stretch of road or track as driven: points five metres apart.
 struct Route {
-  static constexpr double kStep = 5;  // metres
+  static constexpr double step = 5;  // metres
 
   std::vector<Point> line;
   std::vector<double> speedLimit;      // km/h, per point
   std::vector<std::size_t> junctions;  // indexes of the points where roads meet
 
   [[nodiscard]] double metres() const {
-    return line.empty() ? 0 : static_cast<double>(line.size() - 1) * kStep;
+    return line.empty() ? 0 : static_cast<double>(line.size() - 1) * step;
   }
 };
 

@@ -18,12 +18,12 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr Milliseconds kMinute = 60'000;
-constexpr Milliseconds kHour = 60 * kMinute;
-constexpr Milliseconds kIndianOffset = 5 * kHour + 30 * kMinute;
+constexpr Milliseconds minuteMillis = 60'000;
+constexpr Milliseconds hourMillis = 60 * minuteMillis;
+constexpr Milliseconds indianOffset = 5 * hourMillis + 30 * minuteMillis;
 
-constexpr TravelMode kCar{"DRIVER", 130, 1.5, 1.8, 2.2, 0.5, 0};
-constexpr std::array<TravelMode, 11> kOtherModes{{
+constexpr TravelMode car{"DRIVER", 130, 1.5, 1.8, 2.2, 0.5, 0};
+constexpr std::array<TravelMode, 11> otherModes{{
     {"CAR_PASSENGER", 130, 1.5, 1.8, 2.2, 0.5, 0},
     {"TRAIN", 140, 0.5, 0.6, 0.9, 0, 9000},
     {"BUS", 50, 1.0, 1.2, 1.6, 0.3, 420},
@@ -36,7 +36,7 @@ constexpr std::array<TravelMode, 11> kOtherModes{{
     {"PUBLIC_TRANSPORTATION", 50, 1.1, 1.2, 1.2, 0.3, 480},
     {"OTHER", 24, 1.0, 1.2, 1.5, 0.25, 0},
 }};
-constexpr TravelMode kUnforeseenMode{"CARGO_BIKE", 22, 0.7, 1.0, 1.4, 0.25, 0};
+constexpr TravelMode unforeseenMode{"CARGO_BIKE", 22, 0.7, 1.0, 1.4, 0.25, 0};
 
 /// Where somebody's days happen.
 struct Haunts {
@@ -46,7 +46,7 @@ struct Haunts {
 };
 
 const Haunts& hauntsOf(std::string_view userId) {
-  static const std::map<std::string_view, Haunts> kHaunts{
+  static const std::map<std::string_view, Haunts> haunts{
       {"1001",
        {"Missionsstrasse",
         "Pratteln",
@@ -70,7 +70,7 @@ const Haunts& hauntsOf(std::string_view userId) {
       {"1006",
        {"Saint-Louis", "Voltaplatz", {"Hesingue", "Liestal", "Loerrach", "Reinach", "Riehen"}}},
   };
-  static const std::array<Haunts, 4> kAnyone{{
+  static const std::array<Haunts, 4> anyone{{
       {"Riehen", "Messeplatz", {"Loerrach", "Breite", "Pratteln", "Claraplatz", "Weil am Rhein"}},
       {"Tellplatz",
        "Allschwil",
@@ -78,9 +78,9 @@ const Haunts& hauntsOf(std::string_view userId) {
       {"Neubad", "Hagnau", {"Liestal", "Spalentor", "Arlesheim", "Lysbuechel", "Feldbergstrasse"}},
       {"Muttenz", "Wiesenplatz", {"Pratteln", "Augst", "Aeschenplatz", "Reinach", "Stetten"}},
   }};
-  const auto found = kHaunts.find(userId);
-  return found != kHaunts.end() ? found->second
-                                : kAnyone[static_cast<std::size_t>(userId.back() % 4)];
+  const auto found = haunts.find(userId);
+  return found != haunts.end() ? found->second
+                               : anyone[static_cast<std::size_t>(userId.back() % 4)];
 }
 
 Day lastSundayOf(std::chrono::year_month month) {
@@ -91,17 +91,17 @@ Day lastSundayOf(std::chrono::year_month month) {
 Milliseconds centralEuropeanOffset(Milliseconds time) {
   const std::chrono::year_month_day date{dayOf(time)};
   const auto change = [&](std::chrono::month month) {
-    return startOf(lastSundayOf(date.year() / month)) + kHour;
+    return startOf(lastSundayOf(date.year() / month)) + hourMillis;
   };
   const bool summer = time >= change(std::chrono::March) && time < change(std::chrono::October);
-  return summer ? 2 * kHour : kHour;
+  return summer ? 2 * hourMillis : hourMillis;
 }
 
 /// A journey that somebody is about to make.
 struct Plan {
   const RoadMap* map = nullptr;
   Route route;
-  TravelMode mode = kCar;
+  TravelMode mode = car;
   std::string from;
   std::string to;
   const char* purpose = "PERSONAL";
@@ -123,7 +123,7 @@ std::string eventsOf(const Drive& drive, const char* modeText) {
           .member("latitude", sixDecimals(fix.position.latitude))
           .member("longitude", sixDecimals(fix.position.longitude))
           .member("timeStamp", fix.time);
-      if (type != kPhoneEvent) {
+      if (type != phoneEvent) {
         json.member("level", event->level).member("kmPerHour", std::round(fix.speed * 10) / 10);
       }
       if (event->lastFix > event->fix) {
@@ -176,7 +176,7 @@ class TripWriter {
     if (drive.fixes.size() < 2) return;
     const Milliseconds start = drive.fixes.front().time;
     const Milliseconds end = drive.fixes.back().time;
-    const bool isCar = std::string_view{plan.mode.wireText} == kCar.wireText;
+    const bool isCar = std::string_view{plan.mode.wireText} == car.wireText;
     // Every finished trip is scored: it counts as soon as it is corrected to one driven oneself.
     const DriveScores scores = scoreOf(drive);
     const auto ifScored = [&](double score) {
@@ -189,7 +189,7 @@ class TripWriter {
         " ?, ?, ?, ?, ?, ?)",
         tripId, person.userId, isCar && vehicle ? std::optional{vehicle} : std::nullopt, start,
         underWay ? std::nullopt : std::optional{end},
-        underWay ? std::nullopt : std::optional{std::min(end + 4 * kMinute, now_)}, offset,
+        underWay ? std::nullopt : std::optional{std::min(end + 4 * minuteMillis, now_)}, offset,
         formatDay(dayOf(start + offset)), drive.kilometres,
         std::round(drive.kilometres / drive.seconds * 36'000) / 10,
         std::round(drive.maximumSpeed * 10) / 10, drive.seconds, std::round(drive.idleSeconds),
@@ -275,14 +275,15 @@ class Diary {
     double hour = weekend ? random_.between(9.3, 11.5) : random_.between(6.8, 8.2);
     bool toWork = !weekend;
     for (double left = wanted; random_.chance(std::min(left / 2.2, 1.0)); left -= 2.2) {
-      const Milliseconds start = startOf(day) + static_cast<Milliseconds>(hour * kHour);
+      const Milliseconds start = startOf(day) + static_cast<Milliseconds>(hour * hourMillis);
       hour = travel(toWork ? haunts_.work : other(), start, toWork);
       hour += toWork ? random_.between(3.6, 9.2) : random_.between(0.4, 1.8);
       if (!toWork && random_.chance(0.3)) {
-        hour = travel(other(), startOf(day) + static_cast<Milliseconds>(hour * kHour), false) +
+        hour = travel(other(), startOf(day) + static_cast<Milliseconds>(hour * hourMillis), false) +
                random_.between(0.3, 1.2);
       }
-      hour = travel(haunts_.home, startOf(day) + static_cast<Milliseconds>(hour * kHour), toWork) +
+      hour = travel(haunts_.home, startOf(day) + static_cast<Milliseconds>(hour * hourMillis),
+                    toWork) +
              random_.between(0.7, 2.0);
       toWork = false;
       if (hour > 21.5) break;
@@ -290,18 +291,17 @@ class Diary {
   }
 
   void liveAbroad(Day day) {
-    constexpr std::array kPlaces{"Nariman Point", "Chowpatty", "Bandra",
-                                 "BKC",           "Haji Ali",  "Dadar"};
+    constexpr std::array places{"Nariman Point", "Chowpatty", "Bandra", "BKC", "Haji Ali", "Dadar"};
     const RoadMap& map = RoadMap::mumbai();
-    std::string place = kPlaces[0];
+    std::string place = places[0];
     double hour = random_.between(8.5, 9.5);
     for (int i = 0; i < 3; ++i) {
-      std::string to = kPlaces[1 + random_.index(kPlaces.size() - 1)];
-      if (to == place) to = kPlaces[0];
-      Plan plan{&map, map.route(place, to), kCar, place, to, "BUSINESS"};
+      std::string to = places[1 + random_.index(places.size() - 1)];
+      if (to == place) to = places[0];
+      Plan plan{&map, map.route(place, to), car, place, to, "BUSINESS"};
       const Milliseconds start =
-          startOf(day) + static_cast<Milliseconds>(hour * kHour) - kIndianOffset;
-      record(plan, start, kIndianOffset);
+          startOf(day) + static_cast<Milliseconds>(hour * hourMillis) - indianOffset;
+      record(plan, start, indianOffset);
       place = std::move(to);
       hour += random_.between(2.5, 4.0);
     }
@@ -317,7 +317,7 @@ class Diary {
     const Milliseconds offset = centralEuropeanOffset(localStart);
     const Milliseconds start = localStart - offset;
     const auto localHour = [&](Milliseconds time) {
-      return static_cast<double>(time + offset - startOf(dayOf(localStart))) / kHour;
+      return static_cast<double>(time + offset - startOf(dayOf(localStart))) / hourMillis;
     };
     if (to == place_ || start > latestStart()) return localHour(start);
     Plan plan = planFor(to, commute);
@@ -327,7 +327,7 @@ class Diary {
 
   Plan planFor(const std::string& to, bool commute) {
     const RoadMap& map = RoadMap::basel();
-    Plan plan{&map, {}, kCar, place_, to, "PERSONAL"};
+    Plan plan{&map, {}, car, place_, to, "PERSONAL"};
     if (std::string_view{person_.accountId} == "2002") {
       plan.purpose = "BUSINESS";
     } else if (commute && random_.chance(0.2)) {
@@ -335,7 +335,7 @@ class Diary {
     }
     if (std::string_view{person_.userId} == "1003") plan.mode = nextModeOfLea();
     if (std::string_view{person_.userId} == "1001" && random_.chance(0.08)) {
-      plan.mode = kOtherModes[0];
+      plan.mode = otherModes[0];
     }
     lay(map, plan);
     return plan;
@@ -343,9 +343,9 @@ class Diary {
 
   /// Léa takes whatever comes, each in its turn, and drives herself in between.
   TravelMode nextModeOfLea() {
-    const std::size_t turn = turn_++ % (2 * (kOtherModes.size() + 1));
-    if (turn % 2 == 1) return kCar;
-    return turn / 2 < kOtherModes.size() ? kOtherModes[turn / 2] : kUnforeseenMode;
+    const std::size_t turn = turn_++ % (2 * (otherModes.size() + 1));
+    if (turn % 2 == 1) return car;
+    return turn / 2 < otherModes.size() ? otherModes[turn / 2] : unforeseenMode;
   }
 
   /// Trains, boats and aeroplanes go where they go.
@@ -372,7 +372,7 @@ class Diary {
 
   /// Marc is on the way at the moment, and was at home before.
   [[nodiscard]] Milliseconds latestStart() const {
-    return std::string_view{person_.userId} == "1002" ? now_ - 2 * kHour : now_;
+    return std::string_view{person_.userId} == "1002" ? now_ - 2 * hourMillis : now_;
   }
 
   const Person& person_;
@@ -391,9 +391,9 @@ void layTripUnderWay(TripWriter& writer, Milliseconds now) {
       people(), [](const Person& person) { return std::string_view{person.userId} == "1002"; });
   Random random{4711};
   const RoadMap& map = RoadMap::basel();
-  const Plan plan{&map,     map.route("Liestal", "EuroAirport"), kCar, "Liestal", "EuroAirport",
+  const Plan plan{&map,     map.route("Liestal", "EuroAirport"), car, "Liestal", "EuroAirport",
                   "UNKNOWN"};
-  const Milliseconds start = now - 9 * kMinute;
+  const Milliseconds start = now - 9 * minuteMillis;
   writer.write(*found, plan, drive(map, plan.route, plan.mode, found->care, start, random),
                centralEuropeanOffset(start), random);
 }

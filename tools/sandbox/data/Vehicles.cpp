@@ -23,7 +23,7 @@ struct Vehicle {
   bool healthy;
 };
 
-constexpr std::array<Vehicle, 6> kVehicles{{
+constexpr std::array<Vehicle, 6> allVehicles{{
     {"3001", "Škoda", "Octavia", "The blue one", 2021, "TMBJJ7NX0MY000001", "BS 30461", "WEDGE",
      true},
     {"3002", "Volkswagen", "Polo", nullptr, 2017, "WVWZZZAWZHU000002", "BS 77120", "WEDGE", false},
@@ -40,7 +40,7 @@ struct Link {
 };
 
 // The first link of a user names the vehicle that the user's trips are made with.
-constexpr std::array<Link, 10> kLinks{{
+constexpr std::array<Link, 10> allLinks{{
     {"3001", "1001", "OWNER"},
     {"3006", "1001", "OWNER"},
     {"3002", "1002", "OWNER"},
@@ -58,7 +58,7 @@ std::string healthOf(const Vehicle& vehicle, Milliseconds now) {
   json.beginObject()
       .member("batteryVolts", vehicle.healthy ? 12.6 : 11.7)
       .member("checkEngine", !vehicle.healthy)
-      .member("lastReadTimestamp", now - kMillisPerDay)
+      .member("lastReadTimestamp", now - millisPerDay)
       .key("troubleCodes")
       .beginArray();
   if (!vehicle.healthy) json.value("P0420");
@@ -83,24 +83,24 @@ std::string devicesOf(const Vehicle& vehicle) {
 
 void layVehicles(DatabaseConnection& database, Milliseconds now) {
   int index = 0;
-  for (const Vehicle& vehicle : kVehicles) {
+  for (const Vehicle& vehicle : allVehicles) {
     database.execute("INSERT INTO vehicles VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
                      vehicle.vehicleId, vehicle.make, vehicle.model,
                      vehicle.nickName ? std::optional{vehicle.nickName} : std::nullopt,
                      vehicle.year, vehicle.vin, vehicle.plate, "Europe/Zurich", "+01:00",
-                     startOf(dayOf(now)) - (100 + 7 * index) * kMillisPerDay, index % 2 == 0,
+                     startOf(dayOf(now)) - (100 + 7 * index) * millisPerDay, index % 2 == 0,
                      index == 1, healthOf(vehicle, now), devicesOf(vehicle));
     ++index;
   }
-  for (const Link& link : kLinks) {
+  for (const Link& link : allLinks) {
     database.execute("INSERT INTO vehicle_users VALUES (?, ?, ?)", link.vehicleId, link.userId,
                      link.role);
   }
 }
 
 const char* vehicleOf(std::string_view userId) {
-  const auto found = std::ranges::find(kLinks, userId, &Link::userId);
-  return found != kLinks.end() ? found->vehicleId : nullptr;
+  const auto found = std::ranges::find(allLinks, userId, &Link::userId);
+  return found != allLinks.end() ? found->vehicleId : nullptr;
 }
 
 }  // namespace orvane::sandbox

@@ -20,13 +20,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kTransferTimeout = 20s;
-constexpr auto kDrainTimeout = 500ms;
-constexpr int kMostDrained = 256;  // input buffers
-constexpr std::size_t kInputBuffer = 16 * 1024;
-constexpr std::size_t kOutputBuffer = 64 * 1024;
-constexpr std::size_t kLongestTarget = 8192;
-constexpr std::size_t kLongestLine = 64 * 1024;
+constexpr auto transferTimeout = 20s;
+constexpr auto drainTimeout = 500ms;
+constexpr int mostDrained = 256;  // input buffers
+constexpr std::size_t inputBuffer = 16 * 1024;
+constexpr std::size_t outputBuffer = 64 * 1024;
+constexpr std::size_t longestTarget = 8192;
+constexpr std::size_t longestLine = 64 * 1024;
 
 }  // namespace
 
@@ -57,11 +57,11 @@ bool Connection::wait(Direction direction, std::chrono::milliseconds timeout) co
 bool Connection::retry(ssize_t result, Direction direction) const {
   if (ssl_) {
     const int error = SSL_get_error(ssl_.get(), static_cast<int>(result));
-    if (error == SSL_ERROR_WANT_READ) return wait(Direction::in, kTransferTimeout);
-    return error == SSL_ERROR_WANT_WRITE && wait(Direction::out, kTransferTimeout);
+    if (error == SSL_ERROR_WANT_READ) return wait(Direction::in, transferTimeout);
+    return error == SSL_ERROR_WANT_WRITE && wait(Direction::out, transferTimeout);
   }
   if (errno == EINTR) return true;
-  return (errno == EAGAIN || errno == EWOULDBLOCK) && wait(direction, kTransferTimeout);
+  return (errno == EAGAIN || errno == EWOULDBLOCK) && wait(direction, transferTimeout);
 }
 
 bool Connection::handshake() {
@@ -83,7 +83,7 @@ bool Connection::awaitRequest(std::chrono::milliseconds timeout) {
   if (!buffered && !wait(Direction::in, timeout)) return false;
   exchange = {};
   while (in_.find('\n', inPosition_) == std::string::npos) {
-    if (in_.size() - inPosition_ > kLongestLine || !fill()) return false;
+    if (in_.size() - inPosition_ > longestLine || !fill()) return false;
   }
   takeTarget();
   return true;
@@ -94,7 +94,7 @@ void Connection::takeTarget() {
   const auto end = in_.find('\n', inPosition_);
   const auto first = in_.find(' ', inPosition_);
   const auto second = first < end ? in_.find(' ', first + 1) : std::string::npos;
-  if (second >= end || second - first > kLongestTarget) return;
+  if (second >= end || second - first > longestTarget) return;
   exchange.target = in_.substr(first + 1, second - first - 1);
   in_.replace(first + 1, exchange.target.size(), "/");
 }
@@ -104,8 +104,8 @@ bool Connection::fill() {
   in_.erase(0, inPosition_);
   inPosition_ = 0;
   const std::size_t held = in_.size();
-  in_.resize(held + kInputBuffer);
-  in_.resize(held + static_cast<std::size_t>(receive(in_.data() + held, kInputBuffer)));
+  in_.resize(held + inputBuffer);
+  in_.resize(held + static_cast<std::size_t>(receive(in_.data() + held, inputBuffer)));
   return in_.size() > held;
 }
 
@@ -149,7 +149,7 @@ ssize_t Connection::read(char* data, size_t size) {
 ssize_t Connection::write(const char* data, size_t size) {
   if (broken_) return -1;
   out_.append(data, size);
-  if (out_.size() >= kOutputBuffer && !flush()) return -1;
+  if (out_.size() >= outputBuffer && !flush()) return -1;
   return static_cast<ssize_t>(size);
 }
 
@@ -174,8 +174,8 @@ void Connection::sayGoodbye() {
 
 void Connection::drain() {
   ::shutdown(socket_, SHUT_WR);
-  std::array<char, kInputBuffer> waste{};
-  for (int pieces = 0; pieces < kMostDrained && wait(Direction::in, kDrainTimeout); ++pieces) {
+  std::array<char, inputBuffer> waste{};
+  for (int pieces = 0; pieces < mostDrained && wait(Direction::in, drainTimeout); ++pieces) {
     if (::recv(socket_, waste.data(), waste.size(), 0) <= 0) break;
   }
 }

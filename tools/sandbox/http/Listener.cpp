@@ -22,14 +22,14 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kIdleTimeout = 60s;
-constexpr int kBacklog = 512;
-constexpr std::int64_t kLargestBody = 1 << 20;
-constexpr std::size_t kSmallestCompressed = 1024;
+constexpr auto idleTimeout = 60s;
+constexpr int backlog = 512;
+constexpr std::int64_t largestBody = 1 << 20;
+constexpr std::size_t smallestCompressed = 1024;
 
 // cpp-httplib would parse a form by itself and insist on a line break after the last boundary,
 // which is not required (RFC 2046, 5.1.1); under this name it leaves the body alone.
-constexpr const char* kHiddenContentType = "X-Sandbox-Content-Type";
+constexpr const char* hiddenContentType = "X-Sandbox-Content-Type";
 
 /// The connection whose request the calling thread is working on.
 thread_local Connection* currentConnection = nullptr;
@@ -41,8 +41,8 @@ bool hasBody(const httplib::Request& request) {
 
 std::string gzip(const std::string& plain) {
   z_stream stream{};
-  constexpr int kGzipWindow = 15 + 16;
-  if (deflateInit2(&stream, Z_BEST_SPEED, Z_DEFLATED, kGzipWindow, 8, Z_DEFAULT_STRATEGY) != Z_OK) {
+  constexpr int gzipWindow = 15 + 16;
+  if (deflateInit2(&stream, Z_BEST_SPEED, Z_DEFLATED, gzipWindow, 8, Z_DEFAULT_STRATEGY) != Z_OK) {
     throw std::runtime_error("gzip can't be initialised");
   }
   std::string packed(deflateBound(&stream, plain.size()), '\0');
@@ -93,8 +93,8 @@ class Listener::Server : public httplib::Server {
         handler_(std::move(handler)),
         stopEvent_(::eventfd(0, EFD_CLOEXEC)) {
     new_task_queue = [this] { return new httplib::ThreadPool(options_.threads); };
-    set_payload_max_length(static_cast<std::size_t>(kLargestBody));
-    set_keep_alive_timeout(std::chrono::seconds{kIdleTimeout}.count());
+    set_payload_max_length(static_cast<std::size_t>(largestBody));
+    set_keep_alive_timeout(std::chrono::seconds{idleTimeout}.count());
     set_keep_alive_max_count(1'000'000);
     set_address_family(AF_INET);
     set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
@@ -110,10 +110,10 @@ class Listener::Server : public httplib::Server {
     const auto handle = [this](const httplib::Request& request, httplib::Response& response) {
       answer(request, response);
     };
-    constexpr const char* kAnyPath = "[\\s\\S]*";
-    Post(kAnyPath, handle);
-    Put(kAnyPath, handle);
-    Delete(kAnyPath, handle);
+    constexpr const char* anyPath = "[\\s\\S]*";
+    Post(anyPath, handle);
+    Put(anyPath, handle);
+    Delete(anyPath, handle);
     set_error_handler([](const httplib::Request&, httplib::Response& response) {
       if (currentConnection->exchange.understood || !response.body.empty()) return;
       // Where the next request begins is anybody's guess.
@@ -141,7 +141,7 @@ class Listener::Server : public httplib::Server {
     if (port_ <= 0) {
       throw std::runtime_error("port " + std::to_string(options_.port) + " can't be bound");
     }
-    ::listen(svr_sock_, kBacklog);  // cpp-httplib asks for 5, too few for a burst
+    ::listen(svr_sock_, backlog);  // cpp-httplib asks for 5, too few for a burst
     thread_ = std::thread([this] {
       listen_after_bind();
       ended_ = true;
@@ -173,7 +173,7 @@ class Listener::Server : public httplib::Server {
 
   void serve(Connection& connection) {
     if (!connection.handshake()) return;
-    while (connection.awaitRequest(kIdleTimeout)) {
+    while (connection.awaitRequest(idleTimeout)) {
       // Every thread has a connection: give this one up so that others are served as well.
       const bool last = open_ >= options_.threads;
       bool closed = false;
@@ -188,15 +188,15 @@ class Listener::Server : public httplib::Server {
   }
 
   static void prepare(httplib::Request& request, Connection& connection) {
-    constexpr std::array kOwnNames{"REMOTE_ADDR", "REMOTE_PORT", "LOCAL_ADDR", "LOCAL_PORT"};
-    for (const char* name : kOwnNames) request.headers.erase(name);
+    constexpr std::array ownNames{"REMOTE_ADDR", "REMOTE_PORT", "LOCAL_ADDR", "LOCAL_PORT"};
+    for (const char* name : ownNames) request.headers.erase(name);
     connection.exchange.headers.assign(request.headers.begin(), request.headers.end());
 
     // Ranges and compression are the replies' own business.
     request.ranges.clear();
     request.headers.erase("Accept-Encoding");
     if (request.is_multipart_form_data()) {
-      request.headers.emplace(kHiddenContentType, request.get_header_value("Content-Type"));
+      request.headers.emplace(hiddenContentType, request.get_header_value("Content-Type"));
       request.headers.erase("Content-Type");
     }
     const bool announcesBody =
@@ -217,7 +217,7 @@ class Listener::Server : public httplib::Server {
     if (!length || *length < 0) {
       return errorReply(400, "bad_request", "the body's length is not a number");
     }
-    if (*length <= kLargestBody) return std::nullopt;
+    if (*length <= largestBody) return std::nullopt;
     return errorReply(413, "content_too_large", "the body is too large");
   }
 
@@ -240,7 +240,7 @@ class Listener::Server : public httplib::Server {
     }
     const auto encodings = request.header("Accept-Encoding");
     const bool compress = options_.compress && reply.compressible && !reply.stream &&
-                          reply.body.size() >= kSmallestCompressed && encodings &&
+                          reply.body.size() >= smallestCompressed && encodings &&
                           encodings->find("gzip") != std::string_view::npos;
     if (compress) {
       reply.body = gzip(reply.body);

@@ -9,8 +9,8 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::string_view kLineBreak = "\r\n";
-constexpr std::size_t kLongestBoundary = 70;  // RFC 2046, 5.1.1
+constexpr std::string_view lineBreak = "\r\n";
+constexpr std::size_t longestBoundary = 70;  // RFC 2046, 5.1.1
 
 Problem malformed(const std::string& what) { return badRequest("malformed form: " + what); }
 
@@ -57,7 +57,7 @@ std::string_view takeUntil(std::string_view& text, std::string_view mark, const 
 FormPart readHeaders(std::string_view& body) {
   FormPart part;
   for (;;) {
-    const std::string_view line = takeUntil(body, kLineBreak, "a part's headers do not end");
+    const std::string_view line = takeUntil(body, lineBreak, "a part's headers do not end");
     if (line.empty()) break;
     const auto colon = line.find(':');
     if (colon == std::string_view::npos) throw malformed("a part's header has no colon");
@@ -79,26 +79,25 @@ FormPart readHeaders(std::string_view& body) {
 
 std::vector<FormPart> parseMultipart(std::string_view contentType, std::string_view body) {
   const auto boundary = parameter(contentType, "boundary");
-  if (!boundary || boundary->empty() || boundary->size() > kLongestBoundary) {
+  if (!boundary || boundary->empty() || boundary->size() > longestBoundary) {
     throw malformed("the content type names no boundary");
   }
   const std::string opening = "--" + *boundary;
-  const std::string delimiter = std::string{kLineBreak} + opening;
+  const std::string delimiter = std::string{lineBreak} + opening;
   if (!body.starts_with(opening)) throw malformed("it does not open with the boundary");
   body.remove_prefix(opening.size());
 
   std::vector<FormPart> parts;
   while (!body.starts_with("--")) {
-    if (!body.starts_with(kLineBreak))
-      throw malformed("a boundary is not followed by a line break");
-    body.remove_prefix(kLineBreak.size());
+    if (!body.starts_with(lineBreak)) throw malformed("a boundary is not followed by a line break");
+    body.remove_prefix(lineBreak.size());
     FormPart part = readHeaders(body);
     part.value = takeUntil(body, delimiter, "the closing boundary is missing");
     if (part.filename.empty() && !isUtf8(part.value)) throw malformed("a text is not UTF-8");
     parts.push_back(std::move(part));
   }
   const std::string_view rest = body.substr(2);
-  if (!rest.empty() && !rest.starts_with(kLineBreak)) throw malformed("text follows the end");
+  if (!rest.empty() && !rest.starts_with(lineBreak)) throw malformed("text follows the end");
   return parts;
 }
 

@@ -10,7 +10,7 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::string_view kExpand = "expand";
+constexpr std::string_view expand = "expand";
 
 std::string quoted(std::string_view name) { return "\"" + std::string{name} + "\""; }
 
@@ -46,7 +46,7 @@ Query::Query(std::string_view text, const std::vector<std::string_view>& allowed
     if (std::ranges::find(allowed, name) == allowed.end()) {
       throw badRequest("the parameter " + quoted(name) + " is unknown here");
     }
-    if (name != kExpand && this->text(name)) {
+    if (name != expand && this->text(name)) {
       throw badRequest("the parameter " + quoted(name) + " is given twice");
     }
     items_.emplace_back(std::move(name), percentDecode(item.substr(equals + 1)));
@@ -110,7 +110,7 @@ Period Query::period() const {
 std::set<std::string> Query::expansions(std::initializer_list<std::string_view> known) const {
   std::set<std::string> found;
   for (const auto& [name, value] : items_) {
-    if (name != kExpand) continue;
+    if (name != expand) continue;
     for (const std::string_view expansion : split(value, ',')) {
       if (std::ranges::find(known, expansion) == known.end()) {
         throw badRequest("the expansion " + quoted(expansion) + " is unknown here");

@@ -15,12 +15,12 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr const char* kAcceleration = "eventAlertAcceleration";
-constexpr const char* kBraking = "eventAlertBraking";
-constexpr const char* kSpeeding = "thresholdAlertSpeeding";
-constexpr const char* kLateNight = "enableLateNightDrivingAlert";
-constexpr const char* kNightStart = "lateNightDrivingAlertStart";
-constexpr const char* kNightEnd = "lateNightDrivingAlertEnd";
+constexpr const char* acceleration = "eventAlertAcceleration";
+constexpr const char* braking = "eventAlertBraking";
+constexpr const char* speeding = "thresholdAlertSpeeding";
+constexpr const char* lateNight = "enableLateNightDrivingAlert";
+constexpr const char* nightStart = "lateNightDrivingAlertStart";
+constexpr const char* nightEnd = "lateNightDrivingAlertEnd";
 
 /// Hours without a leading zero and two digits of minutes, as in 605 and 2230.
 bool isTimeOfDay(std::string_view text) {
@@ -38,29 +38,29 @@ using Values = std::vector<std::pair<const char*, std::string>>;
 
 Values valuesOf(const Query& query) {
   Values values;
-  for (const char* name : {kAcceleration, kBraking}) {
+  for (const char* name : {acceleration, braking}) {
     if (const auto severity = query.integer(name, 0, 3)) {
       values.emplace_back(name, std::to_string(*severity));
     }
   }
-  if (const auto threshold = query.text(kSpeeding)) {
+  if (const auto threshold = query.text(speeding)) {
     if (!isThreshold(*threshold)) throw badRequest("the speeding threshold is not a number");
-    values.emplace_back(kSpeeding, *threshold);
+    values.emplace_back(speeding, *threshold);
   }
-  if (const auto enabled = query.boolean(kLateNight)) {
-    values.emplace_back(kLateNight, *enabled ? "true" : "false");
+  if (const auto enabled = query.boolean(lateNight)) {
+    values.emplace_back(lateNight, *enabled ? "true" : "false");
   }
   if (values.size() != 1) throw badRequest("exactly one alert must be set");
 
-  const auto start = query.text(kNightStart);
-  const auto end = query.text(kNightEnd);
+  const auto start = query.text(nightStart);
+  const auto end = query.text(nightEnd);
   if (!start && !end) return values;
-  if (!start || !end || values.front().first != std::string_view{kLateNight} ||
+  if (!start || !end || values.front().first != std::string_view{lateNight} ||
       !isTimeOfDay(*start) || !isTimeOfDay(*end)) {
     throw badRequest("the night's start and end are not a pair of times");
   }
-  values.emplace_back(kNightStart, *start);
-  values.emplace_back(kNightEnd, *end);
+  values.emplace_back(nightStart, *start);
+  values.emplace_back(nightEnd, *end);
   return values;
 }
 
@@ -95,14 +95,14 @@ Reply changeSetting(Call& call) {
 
 /// Which setting watches over an event type; null for none.
 const char* settingFor(std::string_view eventType) {
-  if (eventType == "MultiLevelAccelerationViolation") return kAcceleration;
-  if (eventType == "MultiLevelBrakingViolation") return kBraking;
-  if (eventType == "MultiLevelSpeedViolation") return kSpeeding;
+  if (eventType == "MultiLevelAccelerationViolation") return acceleration;
+  if (eventType == "MultiLevelBrakingViolation") return braking;
+  if (eventType == "MultiLevelSpeedViolation") return speeding;
   return nullptr;
 }
 
 bool raisesAlert(std::string_view setting, std::string_view value, const nlohmann::json& event) {
-  if (setting == kSpeeding) {
+  if (setting == speeding) {
     const double over = event.value("averageKmPerHour", 0.0) - event.value("kmSpeedLimit", 0.0);
     return over > nlohmann::json::parse(value).get<double>();
   }
@@ -141,8 +141,8 @@ void addAlertSettings(Router& router) {
   router.add({.method = "POST",
               .path = "users/{user}/settings",
               .handle = changeSetting,
-              .query = {"targetId", "targetType", kAcceleration, kBraking, kSpeeding, kLateNight,
-                        kNightStart, kNightEnd}});
+              .query = {"targetId", "targetType", acceleration, braking, speeding, lateNight,
+                        nightStart, nightEnd}});
 }
 
 }  // namespace orvane::sandbox

@@ -19,7 +19,7 @@ struct Language {
   std::string_view ContentText::*text;
 };
 
-constexpr std::array<Language, 3> kLanguages{
+constexpr std::array<Language, 3> languages{
     {{"en", &ContentText::english}, {"de", &ContentText::german}, {"fr", &ContentText::french}}};
 
 std::string_view trim(std::string_view text) {
@@ -43,14 +43,14 @@ double weightOf(std::string_view item) {
 /// The best known language of an Accept-Language header (RFC 9110, 12.5.4); English as a last
 /// resort. Of equal weights the first counts, and only the primary subtag is looked at.
 const Language& preferredLanguage(std::string_view header) {
-  const Language* best = &kLanguages.front();
+  const Language* best = &languages.front();
   double bestWeight = 0;
   for (const std::string_view item : split(header, ',')) {
     const std::string_view tag = trim(item.substr(0, item.find(';')));
-    const auto known = std::ranges::find_if(kLanguages, [&](const Language& language) {
+    const auto known = std::ranges::find_if(languages, [&](const Language& language) {
       return equalIgnoringCase(tag.substr(0, tag.find('-')), language.tag);
     });
-    if (known == kLanguages.end() || weightOf(item) <= bestWeight) continue;
+    if (known == languages.end() || weightOf(item) <= bestWeight) continue;
     best = &*known;
     bestWeight = weightOf(item);
   }

@@ -10,10 +10,10 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::size_t kLongestIdentifier = 200;
-constexpr std::int64_t kMostApps = 1'000'000;
+constexpr std::size_t longestIdentifier = 200;
+constexpr std::int64_t mostApps = 1'000'000;
 
-const std::string kColumns =
+const std::string columns =
     "SELECT identifier, device_type, enrollment_device_id, serial_number, push_token, active"
     " FROM devices WHERE user_id = ?";
 
@@ -42,14 +42,14 @@ Reply listDevices(Call& call) {
   const std::string& userId = ownUser(call, call.capture(0));
   JsonWriter json;
   json.beginArray();
-  Rows devices = call.database.query(kColumns + " ORDER BY enrollment_device_id", userId);
+  Rows devices = call.database.query(columns + " ORDER BY enrollment_device_id", userId);
   while (devices.next()) writeDevice(json, devices);
   return jsonReply(json.endArray().take());
 }
 
 Reply readDevice(Call& call) {
   const std::string& userId = ownUser(call, call.capture(0));
-  Rows device = call.database.query(kColumns + " AND identifier = ?", userId, call.capture(1));
+  Rows device = call.database.query(columns + " AND identifier = ?", userId, call.capture(1));
   if (!device.next()) throw notFound("the user has no such device");
   JsonWriter json;
   writeDevice(json, device);
@@ -58,7 +58,7 @@ Reply readDevice(Call& call) {
 
 /// An empty token ends push notifications.
 void setToken(Call& call, const std::string& userId, const std::string& identifier) {
-  const auto appId = call.query.integer("appId", 0, kMostApps);
+  const auto appId = call.query.integer("appId", 0, mostApps);
   if (!appId) throw badRequest("\"appId\" is missing");
   const std::string token = call.query.text("deviceToken").value_or("");
   addDevice(call.database, userId, identifier);
@@ -71,7 +71,7 @@ void setToken(Call& call, const std::string& userId, const std::string& identifi
 Reply changeDevice(Call& call) {
   const std::string& userId = ownUser(call, call.capture(0));
   const std::string& identifier = call.capture(1);
-  if (identifier.size() > kLongestIdentifier) throw badRequest("the identifier is too long");
+  if (identifier.size() > longestIdentifier) throw badRequest("the identifier is too long");
   const auto action = call.query.oneOf("action", {"activateLimitOne", "deactivate"});
   const bool hasToken = call.query.text("deviceToken").has_value();
   if (action.has_value() == hasToken || (action && call.query.text("appId"))) {

@@ -15,9 +15,9 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::int64_t kTripsToTrain = 40;
-constexpr double kDeclaredMileage = 12'000;
-constexpr std::size_t kMostPeriods = 800;
+constexpr std::int64_t tripsToTrain = 40;
+constexpr double declaredMileage = 12'000;
+constexpr std::size_t mostPeriods = 800;
 
 std::int64_t numberOf(const std::string& userId) { return parseInteger(userId).value_or(0); }
 
@@ -40,9 +40,9 @@ void writeTraining(JsonWriter& json, Call& call, const std::string& userId) {
   const std::int64_t trips = row.next() ? row.integer(0) : 0;
   json.key("driverPassengerDetectionStatus")
       .beginObject()
-      .member("status", trips >= kTripsToTrain ? "DETECTION" : "TRAINING")
+      .member("status", trips >= tripsToTrain ? "DETECTION" : "TRAINING")
       .member("numberOfDriverTrips", trips)
-      .member("minimumNumberOfDriverTrips", kTripsToTrain)
+      .member("minimumNumberOfDriverTrips", tripsToTrain)
       .endObject();
 }
 
@@ -51,20 +51,20 @@ Reply readSummary(Call& call) {
   const auto expansions = call.query.expansions({"userTrainingStatus"});
   const Period period = withDefaults(call, userId);
   const ScoreTotals totals = totalsOf(call.database, {ScoreSubject::Kind::user, userId}, period);
-  const double projected = discountFor(totals.average(kOverall));
+  const double projected = discountFor(totals.average(ScoreKind::overall));
   JsonWriter json;
   json.beginObject()
       .member("id", numberOf(userId) * 10 + 1)
       .member("userId", numberOf(userId))
       .member("assessmentPeriodStartUtc", startOf(*period.first))
-      .member("maximumDiscountAvailable", kMaximumDiscount)
-      .member("kmOfDeclaredMileage", kDeclaredMileage)
+      .member("maximumDiscountAvailable", maximumDiscount)
+      .member("kmOfDeclaredMileage", declaredMileage)
       .member("kmOfDriving", roundedTo(totals.kilometres, 3))
       .member("numberOfTrips", totals.trips)
       .member("currentDiscount",
-              static_cast<std::int64_t>(totals.kilometres >= kMinimumKilometres ? projected : 0))
+              static_cast<std::int64_t>(totals.kilometres >= minimumKilometres ? projected : 0))
       .member("projectedDiscount", static_cast<std::int64_t>(projected))
-      .member("overallScore", totals.average(kOverall));
+      .member("overallScore", totals.average(ScoreKind::overall));
   if (expansions.contains("userTrainingStatus")) writeTraining(json, call, userId);
   return jsonReply(json.endObject().take());
 }
@@ -82,7 +82,7 @@ std::vector<Period> periodsOf(const Period& whole, const std::optional<std::stri
   for (Day first = *whole.first; first <= *whole.last;) {
     const Day next = nextPeriod(first, *aggregateBy);
     periods.push_back({first, std::min(next - std::chrono::days{1}, *whole.last)});
-    if (periods.size() > kMostPeriods) throw badRequest("the date range has too many periods");
+    if (periods.size() > mostPeriods) throw badRequest("the date range has too many periods");
     first = next;
   }
   return periods;
@@ -104,7 +104,7 @@ Reply listSummaries(Call& call) {
     const double seconds = row.real(0);
     json.beginObject()
         .member("startDate", startOf(*period.first))
-        .member("endDate", startOf(*period.last) + kMillisPerDay - 1)
+        .member("endDate", startOf(*period.last) + millisPerDay - 1)
         .member("secondsOfDriving", std::llround(seconds))
         .member("secondsOfIdling", std::llround(row.real(1)))
         .member("kmOfDriving", roundedTo(row.real(2), 3))

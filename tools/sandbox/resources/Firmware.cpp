@@ -16,12 +16,12 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::size_t kImageSize = 2'000'000;
-constexpr const char* kTag = "\"4417-2.2.2\"";
+constexpr std::size_t imageSize = 2'000'000;
+constexpr const char* tag = "\"4417-2.2.2\"";
 
 std::string makeImage() {
   Random random{4417};
-  std::string image(kImageSize, '\0');
+  std::string image(imageSize, '\0');
   for (char& byte : image) byte = static_cast<char>(random.index(256));
   return image;
 }
@@ -32,7 +32,7 @@ std::string makeManifest() {
       .member("device", "4417")
       .member("version", "2.2.2")
       .member("image", "firmware.bin")
-      .member("bytes", kImageSize)
+      .member("bytes", imageSize)
       .endObject();
   return json.take();
 }
@@ -73,7 +73,7 @@ std::optional<Range> rangeOf(std::string_view header, std::size_t size) {
 }  // namespace
 
 void makeFirmware(const std::filesystem::path& folder) {
-  const auto file = folder / kFirmwarePackage;
+  const auto file = folder / firmwarePackage;
   if (exists(file)) return;
   const std::array<ArchiveEntry, 2> entries{
       {{"manifest.json", makeManifest()}, {"firmware.bin", makeImage()}}};
@@ -84,21 +84,21 @@ void makeFirmware(const std::filesystem::path& folder) {
 }
 
 Reply answerDownload(const std::filesystem::path& folder, const Request& request) {
-  if (request.path.substr(kDownloads.size()) != kFirmwarePackage) {
+  if (request.path.substr(downloads.size()) != firmwarePackage) {
     throw notFound("there is no such package");
   }
   if (request.method != "GET" && request.method != "HEAD") {
     throw Problem{405, "method_not_allowed", "packages are only read", {{"Allow", "GET, HEAD"}}};
   }
-  std::ifstream file{folder / kFirmwarePackage, std::ios::binary};
+  std::ifstream file{folder / firmwarePackage, std::ios::binary};
   std::string package{std::istreambuf_iterator<char>{file}, {}};
 
   Reply reply;
   reply.contentType = "application/zip";
   reply.compressible = false;
-  reply.headers = {{"Accept-Ranges", "bytes"}, {"ETag", kTag}};
+  reply.headers = {{"Accept-Ranges", "bytes"}, {"ETag", tag}};
   const auto header = request.header("Range");
-  const bool unchanged = request.header("If-Range").value_or(kTag) == kTag;
+  const bool unchanged = request.header("If-Range").value_or(tag) == tag;
   const auto range = header && unchanged && request.method == "GET"
                          ? rangeOf(*header, package.size())
                          : std::nullopt;

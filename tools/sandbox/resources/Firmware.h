@@ -11,8 +11,8 @@
 
 namespace orvane::sandbox {
 
-inline constexpr std::string_view kDownloads = "/downloads/";
-inline constexpr std::string_view kFirmwarePackage = "DFU_4417_Release___2_2_2.zip";
+inline constexpr std::string_view downloads = "/downloads/";
+inline constexpr std::string_view firmwarePackage = "DFU_4417_Release___2_2_2.zip";
 
 /// Makes the package, some 2 MB, in the folder unless it is there.
 void makeFirmware(const std::filesystem::path& folder);

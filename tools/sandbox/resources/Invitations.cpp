@@ -17,10 +17,10 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::array<std::string_view, 6> kStates{
+constexpr std::array<std::string_view, 6> states{
     "ACCEPTED", "PENDING", "DECLINED", "ACCEPTED_ACKNOWLEDGED", "DECLINED_ACKNOWLEDGED", "UNKNOWN"};
 
-const std::string kColumns =
+const std::string columns =
     "invitation_id, created_ms, updated_ms, status, from_user_id, to_user_id, to_first_name,"
     " to_last_name, vehicle_id, account_id";
 
@@ -76,7 +76,7 @@ void writeInvitation(JsonWriter& json, DatabaseConnection& database, const Rows&
 
 void writeInvitation(JsonWriter& json, DatabaseConnection& database, std::int64_t id) {
   Rows invitation =
-      database.query("SELECT " + kColumns + " FROM invitations WHERE invitation_id = ?", id);
+      database.query("SELECT " + columns + " FROM invitations WHERE invitation_id = ?", id);
   if (invitation.next()) writeInvitation(json, database, invitation);
 }
 
@@ -87,11 +87,11 @@ std::string statesIn(const std::optional<std::string>& filter) {
     list.append(list.empty() ? "'" : ", '").append(state).append("'");
   };
   if (!filter) {
-    std::ranges::for_each(kStates, add);
+    std::ranges::for_each(states, add);
     return list;
   }
   for (const std::string_view state : split(*filter, ',')) {
-    if (std::ranges::find(kStates, state) == kStates.end()) {
+    if (std::ranges::find(states, state) == states.end()) {
       throw badRequest("\"filtered\" is not a state of invitations");
     }
     add(state);
@@ -108,7 +108,7 @@ Reply listInvitations(Call& call) {
   JsonWriter json;
   json.beginArray();
   Rows invitations = call.database.query(
-      "SELECT " + kColumns +
+      "SELECT " + columns +
           " FROM invitations WHERE type = ?1 AND (from_user_id = ?2 OR to_user_id = ?2)"
           " AND status IN (" +
           statesIn(call.query.text("filtered")) + ") ORDER BY created_ms DESC, invitation_id DESC",
@@ -252,7 +252,7 @@ struct Step {
   bool byRecipient;  // an outcome may be acknowledged by either side
 };
 
-constexpr std::array<Step, 4> kSteps{{
+constexpr std::array<Step, 4> steps{{
     {"accept", "PENDING", "ACCEPTED", true},
     {"decline", "PENDING", "DECLINED", true},
     {"accept_acknowledged", "ACCEPTED", "ACCEPTED_ACKNOWLEDGED", false},
@@ -275,8 +275,8 @@ Reply answerInvitation(Call& call) {
   const std::string& recipient = call.capture(0);
   const auto id = parseInteger(call.capture(1));
   const std::string action = call.query.requiredText("action");
-  const auto step = std::ranges::find(kSteps, action, &Step::action);
-  if (step == kSteps.end()) throw badRequest("\"action\" has an unknown value");
+  const auto step = std::ranges::find(steps, action, &Step::action);
+  if (step == steps.end()) throw badRequest("\"action\" has an unknown value");
 
   std::optional<std::string> vehicleId;
   std::optional<std::string> accountId;

@@ -13,22 +13,22 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::chrono::days kRankedDays{28};
-constexpr std::int64_t kTripsToRank = 3;
-constexpr std::size_t kTopPositions = 10;
-constexpr std::int64_t kOldest = 150;
+constexpr std::chrono::days rankedDays{28};
+constexpr std::int64_t tripsToRank = 3;
+constexpr std::size_t topPositions = 10;
+constexpr std::int64_t oldestAge = 150;
 
 struct Filter {
   std::optional<std::string> gender;
   std::optional<std::string> location;
   std::int64_t youngest = 0;
-  std::int64_t oldest = kOldest;
+  std::int64_t oldest = oldestAge;
 };
 
 Filter filterOf(const Call& call) {
   Filter filter{call.query.text("gender"), call.query.text("location"),
-                call.query.integer("age_lower", 0, kOldest).value_or(0),
-                call.query.integer("age_upper", 0, kOldest).value_or(kOldest)};
+                call.query.integer("age_lower", 0, oldestAge).value_or(0),
+                call.query.integer("age_upper", 0, oldestAge).value_or(oldestAge)};
   if (filter.youngest > filter.oldest) throw badRequest("\"age_lower\" is above \"age_upper\"");
   return filter;
 }
@@ -61,9 +61,9 @@ std::vector<Ranked> rank(Call& call, const Filter& filter, Day day) {
   std::vector<Ranked> ranking;
   for (std::string& userId : candidates(call, filter, day)) {
     const ScoreTotals totals =
-        totalsOf(call.database, {ScoreSubject::Kind::user, userId}, {day - kRankedDays, day});
-    if (totals.trips < kTripsToRank) continue;
-    const double score = totals.average(kOverall).value_or(0);
+        totalsOf(call.database, {ScoreSubject::Kind::user, userId}, {day - rankedDays, day});
+    if (totals.trips < tripsToRank) continue;
+    const double score = totals.average(ScoreKind::overall).value_or(0);
     ranking.push_back({std::move(userId), std::llround(score * 10)});
   }
   std::ranges::stable_sort(ranking, std::ranges::greater{}, &Ranked::points);
@@ -77,8 +77,8 @@ void writeEntry(JsonWriter& json, Call& call, const Ranked& ranked, std::size_t 
       .member("position", std::to_string(position))
       .member("points", std::to_string(ranked.points))
       .key("publicUserResource");
-  Rows user = call.database.query("SELECT " + kUserColumns + " FROM users WHERE user_id = ?",
-                                  ranked.userId);
+  Rows user =
+      call.database.query("SELECT " + userColumns + " FROM users WHERE user_id = ?", ranked.userId);
   user.next() ? writePublicUser(json, user) : static_cast<void>(json.null());
   json.endObject();
 }
@@ -96,7 +96,7 @@ Reply readLeaderboard(Call& call) {
   json.beginObject()
       .member("optedIn", isOptedIn(call, userId))
       .member("inLeaderboard", isIn)
-      .member("inTop", isIn && own - ranking.begin() < static_cast<std::ptrdiff_t>(kTopPositions))
+      .member("inTop", isIn && own - ranking.begin() < static_cast<std::ptrdiff_t>(topPositions))
       .key("leaderboardEntries")
       .beginArray();
   std::size_t position = 0;

@@ -16,7 +16,7 @@ struct Column {
   bool isPublic;
 };
 
-constexpr std::array<Column, 30> kColumns{{
+constexpr std::array<Column, 30> columns{{
     {"user_id", "userId", Kind::text, true},
     {"external_reference_id", "externalReferenceId", Kind::text, false},
     {"user_profile_id", "userProfileId", Kind::text, false},
@@ -51,7 +51,7 @@ constexpr std::array<Column, 30> kColumns{{
 
 std::string columnList() {
   std::string list;
-  for (const Column& column : kColumns) {
+  for (const Column& column : columns) {
     list.append(list.empty() ? "users." : ", users.").append(column.name);
   }
   return list;
@@ -82,17 +82,17 @@ void requireUser(Call& call, const std::string& userId) {
 
 }  // namespace
 
-const std::string kUserColumns = columnList();
+const std::string userColumns = columnList();
 
 void writeUserMembers(JsonWriter& json, const Rows& user) {
   int index = 0;
-  for (const Column& column : kColumns) writeColumn(json, user, index++, column);
+  for (const Column& column : columns) writeColumn(json, user, index++, column);
 }
 
 void writePublicUser(JsonWriter& json, const Rows& user) {
   json.beginObject();
   int index = 0;
-  for (const Column& column : kColumns) {
+  for (const Column& column : columns) {
     if (column.isPublic) writeColumn(json, user, index, column);
     ++index;
   }

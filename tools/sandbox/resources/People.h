@@ -13,7 +13,7 @@
 namespace orvane::sandbox {
 
 /// The columns that the writers below read, from the first column on.
-extern const std::string kUserColumns;
+extern const std::string userColumns;
 
 /// The members of a user without the expansions, inside an object that the caller opens and closes.
 void writeUserMembers(JsonWriter& json, const Rows& user);

@@ -33,7 +33,7 @@ Reply listSubscriptions(Call& call) {
   return jsonReply(json.endArray().take());
 }
 
-const std::string kDriverColumns =
+const std::string driverColumns =
     "SELECT user_id, user_profile_id, first_name, last_name, email, phone, activated, activated_ms"
     " FROM named_drivers WHERE policy_holder_id = ?";
 
@@ -54,7 +54,7 @@ void writeNamedDriver(JsonWriter& json, const Rows& driver) {
 Reply listNamedDrivers(Call& call) {
   JsonWriter json;
   json.beginArray();
-  Rows drivers = call.database.query(kDriverColumns + " ORDER BY user_id", call.callerId);
+  Rows drivers = call.database.query(driverColumns + " ORDER BY user_id", call.callerId);
   while (drivers.next()) writeNamedDriver(json, drivers);
   return jsonReply(json.endArray().take());
 }
@@ -75,7 +75,7 @@ Reply updateNamedDriver(Call& call) {
                             *email, *phone, call.callerId, *userId) == 0) {
     throw notFound("the caller's policy names no such driver");
   }
-  Rows driver = call.database.query(kDriverColumns + " AND user_id = ?", call.callerId, *userId);
+  Rows driver = call.database.query(driverColumns + " AND user_id = ?", call.callerId, *userId);
   JsonWriter json;
   if (driver.next()) writeNamedDriver(json, driver);
   return jsonReply(json.take());

@@ -12,35 +12,35 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::chrono::days kAssessedDays{90};
-constexpr std::int64_t kRewardTokenSeconds = 600;
-constexpr double kUncertainty = 4;  // points that the score may still move
+constexpr std::chrono::days assessedDays{90};
+constexpr std::int64_t rewardTokenSeconds = 600;
+constexpr double uncertainty = 4;  // points that the score may still move
 
 Reply readDiscount(Call& call) {
   const std::string& userId = readableUser(call, call.capture(0));
   const auto expansions = call.query.expansions({"scores"});
   const Day today = dayOf(call.backend.now());
   const ScoreTotals totals =
-      totalsOf(call.database, {ScoreSubject::Kind::user, userId}, {today - kAssessedDays, today});
-  const auto score = totals.average(kOverall);
+      totalsOf(call.database, {ScoreSubject::Kind::user, userId}, {today - assessedDays, today});
+  const auto score = totals.average(ScoreKind::overall);
   const double projected = discountFor(score);
   JsonWriter json;
   json.beginObject()
-      .member("currentDiscount", totals.kilometres >= kMinimumKilometres ? projected : 0.0)
+      .member("currentDiscount", totals.kilometres >= minimumKilometres ? projected : 0.0)
       .member("projectedDiscount", projected)
       .member("discountRangeMin", 0.0)
-      .member("discountRangeMax", kMaximumDiscount)
-      .member("projectedDiscountMinimum", discountFor(score.value_or(0) - kUncertainty))
-      .member("projectedDiscountMaximum", discountFor(score.value_or(0) + kUncertainty));
+      .member("discountRangeMax", maximumDiscount)
+      .member("projectedDiscountMinimum", discountFor(score.value_or(0) - uncertainty))
+      .member("projectedDiscountMaximum", discountFor(score.value_or(0) + uncertainty));
   if (expansions.contains("scores")) {
     json.key("scores")
         .beginObject()
         .member("overall", score)
-        .member("harsh.acceleration", totals.average(kAcceleration))
-        .member("harsh.braking", totals.average(kBraking))
-        .member("harsh.cornering", totals.average(kCornering))
-        .member("speeding", totals.average(kSpeeding))
-        .member("over.speeding", totals.average(kOverSpeeding))
+        .member("harsh.acceleration", totals.average(ScoreKind::acceleration))
+        .member("harsh.braking", totals.average(ScoreKind::braking))
+        .member("harsh.cornering", totals.average(ScoreKind::cornering))
+        .member("speeding", totals.average(ScoreKind::speeding))
+        .member("over.speeding", totals.average(ScoreKind::overSpeeding))
         .endObject();
   }
   return jsonReply(json.endObject().take());
@@ -49,22 +49,22 @@ Reply readDiscount(Call& call) {
 Reply readDiscountMetadata(Call&) {
   JsonWriter json;
   json.beginObject().key("discountsForScores").beginArray();
-  for (const auto& [minimumScore, discount] : kDiscountSteps) {
+  for (const auto& [minimumScore, discount] : discountSteps) {
     json.beginObject()
         .member("minimumScoreRequired", minimumScore)
         .member("projectDiscount", discount)
         .endObject();
   }
-  json.endArray().member("minimumKmRequired", kMinimumKilometres).endObject();
+  json.endArray().member("minimumKmRequired", minimumKilometres).endObject();
   return jsonReply(json.take());
 }
 
 /// The whole answer is one JSON string.
 Reply makeRewardToken(Call& call) {
-  const std::int64_t now = call.backend.clock().now() / kMillisPerSecond;
+  const std::int64_t now = call.backend.clock().now() / millisPerSecond;
   JsonWriter json;
   json.value(call.backend.signingKey().sign({{"sub", call.callerId}, {"aud", "rewards"}},
-                                            {{"iat", now}, {"exp", now + kRewardTokenSeconds}}));
+                                            {{"iat", now}, {"exp", now + rewardTokenSeconds}}));
   return jsonReply(json.take());
 }
 

@@ -8,7 +8,7 @@ namespace orvane::sandbox {
 
 namespace {
 
-const std::string kSums =
+const std::string sums =
     "count(*), total(kilometers), total(seconds), max(overall), min(overall),"
     " total(overall * kilometers), total(acceleration * kilometers), total(braking * kilometers),"
     " total(cornering * kilometers), total(speeding * kilometers),"
@@ -24,7 +24,7 @@ std::string source(const ScoreSubject& subject) {
 ScoreTotals read(const Rows& row) {
   ScoreTotals totals{row.integer(0),      row.real(1),         row.real(2),
                      row.optionalReal(3), row.optionalReal(4), {}};
-  for (std::size_t kind = 0; kind < kScoreKinds; ++kind) {
+  for (std::size_t kind = 0; kind < scoreKinds; ++kind) {
     totals.weighted[kind] = row.real(5 + static_cast<int>(kind));
   }
   return totals;
@@ -38,17 +38,17 @@ void ScoreTotals::add(const ScoreTotals& other) {
   seconds += other.seconds;
   if (other.highest) highest = std::max(highest.value_or(*other.highest), *other.highest);
   if (other.lowest) lowest = std::min(lowest.value_or(*other.lowest), *other.lowest);
-  for (std::size_t kind = 0; kind < kScoreKinds; ++kind) weighted[kind] += other.weighted[kind];
+  for (std::size_t kind = 0; kind < scoreKinds; ++kind) weighted[kind] += other.weighted[kind];
 }
 
 std::optional<double> ScoreTotals::average(ScoreKind kind) const {
   if (kilometres <= 0) return std::nullopt;
-  return roundedTo(weighted[kind] / kilometres, 2);
+  return roundedTo(weighted[static_cast<std::size_t>(kind)] / kilometres, 2);
 }
 
 ScoreTotals totalsOf(DatabaseConnection& database, const ScoreSubject& subject,
                      const Period& period) {
-  Rows row = database.query("SELECT " + kSums + source(subject), subject.id, firstDayOf(period),
+  Rows row = database.query("SELECT " + sums + source(subject), subject.id, firstDayOf(period),
                             lastDayOf(period));
   return row.next() ? read(row) : ScoreTotals{};
 }
@@ -57,11 +57,11 @@ std::vector<DayTotals> dailyTotalsOf(DatabaseConnection& database, const ScoreSu
                                      const Period& period) {
   std::vector<DayTotals> days;
   Rows rows =
-      database.query("SELECT " + kSums + ", day" + source(subject) + " GROUP BY day ORDER BY day",
+      database.query("SELECT " + sums + ", day" + source(subject) + " GROUP BY day ORDER BY day",
                      subject.id, firstDayOf(period), lastDayOf(period));
-  constexpr int kDayColumn = 5 + static_cast<int>(kScoreKinds);
+  constexpr int dayColumn = 5 + static_cast<int>(scoreKinds);
   while (rows.next()) {
-    if (const auto day = parseDay(rows.text(kDayColumn))) days.push_back({*day, read(rows)});
+    if (const auto day = parseDay(rows.text(dayColumn))) days.push_back({*day, read(rows)});
   }
   return days;
 }

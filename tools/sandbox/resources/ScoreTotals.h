@@ -17,17 +17,17 @@
 
 namespace orvane::sandbox {
 
-enum ScoreKind : std::size_t {
-  kOverall,
-  kAcceleration,
-  kBraking,
-  kCornering,
-  kSpeeding,
-  kOverSpeeding,
-  kDistraction,
-  kUsage,
-  kScoreKinds
+enum class ScoreKind : std::size_t {
+  overall,
+  acceleration,
+  braking,
+  cornering,
+  speeding,
+  overSpeeding,
+  distraction,
+  usage
 };
+inline constexpr std::size_t scoreKinds = 8;
 
 /// The sum over scored trips: drives by car that have been processed.
 struct ScoreTotals {
@@ -36,7 +36,7 @@ struct ScoreTotals {
   double seconds = 0;
   std::optional<double> highest;
   std::optional<double> lowest;
-  std::array<double, kScoreKinds> weighted{};  // score times kilometres
+  std::array<double, scoreKinds> weighted{};  // score times kilometres
 
   void add(const ScoreTotals& other);
   /// Rounded to two decimal places; absent without trips.

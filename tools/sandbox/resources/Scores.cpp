@@ -16,8 +16,8 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::int64_t kMostPeriodsBack = 1200;
-constexpr int kScoreType = 1;
+constexpr std::int64_t mostPeriodsBack = 1200;
+constexpr int scoreType = 1;
 
 /// A component of the score: its name per day, its name in an average, and what it is the mean of.
 struct Component {
@@ -27,22 +27,25 @@ struct Component {
   std::size_t kindCount;
 };
 
-constexpr std::array<Component, 8> kImsComponents{{
-    {"harshAcceleration", "harsh.acceleration", {kAcceleration}, 1},
-    {"harshBraking", "harsh.braking", {kBraking}, 1},
-    {"harshCornering", "harsh.cornering", {kCornering}, 1},
-    {"overSpeeding", "over.speeding", {kOverSpeeding}, 1},
-    {"speeding", "speeding", {kSpeeding}, 1},
-    {"distractedDriving", "distracted.driving", {kDistraction}, 1},
-    {"mileage", "mileage", {kUsage}, 1},
-    {"payd", "payd", {kUsage}, 1},
+constexpr std::array<Component, 8> imsComponents{{
+    {"harshAcceleration", "harsh.acceleration", {ScoreKind::acceleration}, 1},
+    {"harshBraking", "harsh.braking", {ScoreKind::braking}, 1},
+    {"harshCornering", "harsh.cornering", {ScoreKind::cornering}, 1},
+    {"overSpeeding", "over.speeding", {ScoreKind::overSpeeding}, 1},
+    {"speeding", "speeding", {ScoreKind::speeding}, 1},
+    {"distractedDriving", "distracted.driving", {ScoreKind::distraction}, 1},
+    {"mileage", "mileage", {ScoreKind::usage}, 1},
+    {"payd", "payd", {ScoreKind::usage}, 1},
 }};
 
-constexpr std::array<Component, 4> kWtwComponents{{
-    {"abc_subscore", "abc_subscore", {kAcceleration, kBraking, kCornering}, 3},
-    {"speed_subscore", "speed_subscore", {kSpeeding, kOverSpeeding}, 2},
-    {"usage_subscore", "usage_subscore", {kUsage}, 1},
-    {"distracted_driving", "distracted_driving", {kDistraction}, 1},
+constexpr std::array<Component, 4> wtwComponents{{
+    {"abc_subscore",
+     "abc_subscore",
+     {ScoreKind::acceleration, ScoreKind::braking, ScoreKind::cornering},
+     3},
+    {"speed_subscore", "speed_subscore", {ScoreKind::speeding, ScoreKind::overSpeeding}, 2},
+    {"usage_subscore", "usage_subscore", {ScoreKind::usage}, 1},
+    {"distracted_driving", "distracted_driving", {ScoreKind::distraction}, 1},
 }};
 
 /// How a subject is scored, and with what it is tracked.
@@ -52,12 +55,12 @@ struct Scheme {
 };
 
 Scheme schemeOf(Call& call, const ScoreSubject& subject) {
-  if (subject.kind == ScoreSubject::Kind::vehicle) return {kImsComponents, "OBD"};
+  if (subject.kind == ScoreSubject::Kind::vehicle) return {imsComponents, "OBD"};
   Rows user = call.database.query(
       "SELECT scoring_type, data_collection_type FROM users WHERE user_id = ?", subject.id);
-  if (!user.next()) return {kImsComponents, "MOBILE"};
+  if (!user.next()) return {imsComponents, "MOBILE"};
   const bool wtw = user.text(0) == "WTW";
-  return {wtw ? std::span<const Component>{kWtwComponents} : kImsComponents,
+  return {wtw ? std::span<const Component>{wtwComponents} : imsComponents,
           std::string{user.text(1)}};
 }
 
@@ -87,12 +90,12 @@ Period requiredPeriod(const Call& call) {
 void writeDay(JsonWriter& json, const DayTotals& day, const ScoreTotals& soFar,
               const Scheme& scheme) {
   json.beginObject()
-      .member("score", day.totals.average(kOverall))
-      .member("averageScore", soFar.average(kOverall))
+      .member("score", day.totals.average(ScoreKind::overall))
+      .member("averageScore", soFar.average(ScoreKind::overall))
       .member("date", startOf(day.day))
       .member("trackingType", scheme.trackingType)
       .member("secondsOfDriving", roundedTo(day.totals.seconds, 1))
-      .member("scoreType", kScoreType)
+      .member("scoreType", scoreType)
       .key("componentScores")
       .beginObject();
   for (const Component& component : scheme.components) {
@@ -120,14 +123,14 @@ Reply statistic(Call& call, const ScoreSubject& subject) {
   days.beginArray();
   for (const DayTotals& day : dailyTotalsOf(call.database, subject, period)) {
     soFar.add(day.totals);
-    highest = std::max(highest, day.totals.average(kOverall));
+    highest = std::max(highest, day.totals.average(ScoreKind::overall));
     writeDay(days, day, soFar, scheme);
   }
   days.endArray();
   JsonWriter json;
   json.beginObject()
       .member("highestScore", highest)
-      .member("averageScore", soFar.average(kOverall))
+      .member("averageScore", soFar.average(ScoreKind::overall))
       .rawMember("tripScoringDailyAggregate", days.text())
       .endObject();
   return jsonReply(json.take());
@@ -151,9 +154,9 @@ Period monthsPeriod(Day today, std::int64_t count) {
 
 Period averagePeriod(const Call& call) {
   const Day today = dayOf(call.backend.now());
-  const auto week = call.query.integer("userScoreWeek", 0, kMostPeriodsBack);
+  const auto week = call.query.integer("userScoreWeek", 0, mostPeriodsBack);
   const auto type = call.query.oneOf("reportingPeriodType", {"CUSTOM", "DAY", "MONTH"});
-  const auto count = call.query.integer("reportingPeriodCount", 1, kMostPeriodsBack);
+  const auto count = call.query.integer("reportingPeriodCount", 1, mostPeriodsBack);
   const bool hasDates = call.query.text("startDate") || call.query.text("endDate");
   if (week) {
     if (type || count || hasDates) throw badRequest("\"userScoreWeek\" stands alone");
@@ -175,8 +178,8 @@ Reply average(Call& call, const ScoreSubject& subject) {
       .member("highestScore", totals.highest)
       .member("lowestScore", totals.lowest)
       .member("periodStartDate", startOf(*period.first))
-      .member("periodEndDate", startOf(*period.last) + kMillisPerDay - 1)
-      .member("averageScore", totals.average(kOverall));
+      .member("periodEndDate", startOf(*period.last) + millisPerDay - 1)
+      .member("averageScore", totals.average(ScoreKind::overall));
   if (totals.trips > 0) {
     json.key("tripScoringAverage")
         .beginObject()

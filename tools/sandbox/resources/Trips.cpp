@@ -13,17 +13,17 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::int64_t kNoLimit = -1;
-constexpr std::int64_t kMost = 1'000'000'000;
+constexpr std::int64_t noLimit = -1;
+constexpr std::int64_t most = 1'000'000'000;
 
-const std::string kColumns =
+const std::string columns =
     "trips.trip_id, trips.user_id, vehicle_id, start_ms, end_ms, processed_ms,"
     " time_zone_offset_ms, kilometers, average_kmh, maximum_kmh, seconds, status,"
     " trips.transport_mode, purpose, overall, acceleration, braking, cornering, speeding,"
     " over_speeding, distraction, usage,"
     " (SELECT scoring_type FROM users WHERE users.user_id = trips.user_id)";
-constexpr int kColumnCount = 23;
-const std::string kDetailColumns = ", geometry, reconstructed_start_geometry, events, pois";
+constexpr int columnCount = 23;
+const std::string detailColumns = ", geometry, reconstructed_start_geometry, events, pois";
 
 struct Component {
   const char* name;
@@ -31,12 +31,12 @@ struct Component {
 };
 
 // The two scoring algorithms call distraction by different names.
-constexpr std::array<Component, 6> kImsComponents{{{"harsh.acceleration", 15},
-                                                   {"harsh.braking", 16},
-                                                   {"harsh.cornering", 17},
-                                                   {"speeding", 18},
-                                                   {"over.speeding", 19},
-                                                   {"distracted.driving", 20}}};
+constexpr std::array<Component, 6> imsComponents{{{"harsh.acceleration", 15},
+                                                  {"harsh.braking", 16},
+                                                  {"harsh.cornering", 17},
+                                                  {"speeding", 18},
+                                                  {"over.speeding", 19},
+                                                  {"distracted.driving", 20}}};
 
 double mean(std::initializer_list<double> values) {
   double sum = 0;
@@ -52,7 +52,7 @@ std::vector<std::pair<const char*, double>> componentsOf(const Rows& trip) {
                   {"usage_subscore", trip.real(21)},
                   {"distracted_driving", trip.real(20)}};
   } else {
-    for (const auto& [name, column] : kImsComponents) {
+    for (const auto& [name, column] : imsComponents) {
       components.emplace_back(name, trip.real(column));
     }
   }
@@ -110,13 +110,13 @@ Embedded embeddedIn(const Call& call) {
 }
 
 std::string selection(const Embedded& embedded) {
-  return "SELECT " + kColumns +
-         (embedded.needsDetails() ? kDetailColumns + " FROM trips JOIN trip_details USING (trip_id)"
+  return "SELECT " + columns +
+         (embedded.needsDetails() ? detailColumns + " FROM trips JOIN trip_details USING (trip_id)"
                                   : std::string{" FROM trips"});
 }
 
 void writeUserMember(JsonWriter& json, DatabaseConnection& database, std::string_view userId) {
-  Rows user = database.query("SELECT " + kUserColumns + " FROM users WHERE user_id = ?", userId);
+  Rows user = database.query("SELECT " + userColumns + " FROM users WHERE user_id = ?", userId);
   if (!user.next()) return;
   json.key("user").beginObject();
   writeUserMembers(json, user);
@@ -140,11 +140,11 @@ void writeTrip(JsonWriter& json, Call& call, const Rows& trip, const Embedded& e
       .member("vehicleId", trip.optionalText(2));
   if (embedded.scores) writeScores(json, trip);
   if (embedded.geometry) {
-    json.member("geometry", trip.text(kColumnCount))
-        .member("reconstructedStartGeometry", trip.optionalText(kColumnCount + 1));
+    json.member("geometry", trip.text(columnCount))
+        .member("reconstructedStartGeometry", trip.optionalText(columnCount + 1));
   }
-  if (embedded.events) json.rawMember("events", trip.text(kColumnCount + 2));
-  if (embedded.pois) json.rawMember("pois", trip.text(kColumnCount + 3));
+  if (embedded.events) json.rawMember("events", trip.text(columnCount + 2));
+  if (embedded.pois) json.rawMember("pois", trip.text(columnCount + 3));
   if (embedded.user) writeUserMember(json, call.database, trip.text(1));
   if (embedded.vehicle && !trip.isNull(2)) {
     json.key("vehicle");
@@ -152,7 +152,7 @@ void writeTrip(JsonWriter& json, Call& call, const Rows& trip, const Embedded& e
   }
   if (embedded.alerts) {
     json.key("alerts");
-    writeAlerts(json, call.database, trip.text(1), trip.text(kColumnCount + 2));
+    writeAlerts(json, call.database, trip.text(1), trip.text(columnCount + 2));
   }
   json.endObject();
 }
@@ -190,18 +190,18 @@ Reply correctTrip(Call& call) {
 struct Bounds {
   std::string firstDay;
   std::string lastDay;
-  std::int64_t limit = kNoLimit;
+  std::int64_t limit = noLimit;
   std::int64_t offset = 0;
 };
 
 Bounds boundsOf(const Call& call) {
   const Period period = call.query.period();
   return {firstDayOf(period), lastDayOf(period),
-          call.query.integer("limit", 1, kMost).value_or(kNoLimit),
-          call.query.integer("offset", 0, kMost).value_or(0)};
+          call.query.integer("limit", 1, most).value_or(noLimit),
+          call.query.integer("offset", 0, most).value_or(0)};
 }
 
-constexpr const char* kOfUser =
+constexpr const char* ofUser =
     " WHERE trips.user_id = ? AND day BETWEEN ? AND ? ORDER BY start_ms DESC LIMIT ? OFFSET ?";
 
 Reply listTrips(Call& call) {
@@ -210,7 +210,7 @@ Reply listTrips(Call& call) {
   const Bounds bounds = boundsOf(call);
   JsonWriter json;
   json.beginArray();
-  Rows trips = call.database.query(selection(embedded) + kOfUser, userId, bounds.firstDay,
+  Rows trips = call.database.query(selection(embedded) + ofUser, userId, bounds.firstDay,
                                    bounds.lastDay, bounds.limit, bounds.offset);
   while (trips.next()) writeTrip(json, call, trips, embedded);
   return jsonReply(json.endArray().take());
@@ -228,7 +228,7 @@ Reply readLogbook(Call& call) {
   if (!hasTrips(call, userId)) return jsonReply("");
   JsonWriter json;
   json.beginObject().key("items").beginArray();
-  Rows trips = call.database.query(selection(embedded) + kOfUser, userId, bounds.firstDay,
+  Rows trips = call.database.query(selection(embedded) + ofUser, userId, bounds.firstDay,
                                    bounds.lastDay, bounds.limit, bounds.offset);
   while (trips.next()) {
     json.beginObject().key("trip");

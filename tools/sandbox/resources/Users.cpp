@@ -14,7 +14,7 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::size_t kLongestValue = 4096;
+constexpr std::size_t longestValue = 4096;
 
 Reply readIdentity(Call& call) {
   JsonWriter json;
@@ -27,7 +27,7 @@ void writeAssociatedUsers(JsonWriter& json, Call& call, const std::string& userI
   Rows others = call.database.query(
       "WITH mine AS (SELECT account_id FROM users WHERE user_id = ?1"
       " UNION SELECT account_id FROM account_guests WHERE user_id = ?1) SELECT " +
-          kUserColumns +
+          userColumns +
           " FROM users WHERE user_id <> ?1 AND (account_id IN mine OR user_id IN"
           " (SELECT user_id FROM account_guests WHERE account_id IN mine)) ORDER BY user_id",
       userId);
@@ -91,7 +91,7 @@ struct ExpandedMember {
   void (*write)(JsonWriter&, Call&, const std::string& userId);
 };
 
-constexpr std::array<ExpandedMember, 5> kExpansions{{
+constexpr std::array<ExpandedMember, 5> expandedMembers{{
     {"associatedUsers", &writeAssociatedUsers},
     {"sharedInformation", &writeSharedInformation},
     {"associatedAccount", &writeAccount},
@@ -104,10 +104,10 @@ Reply writeUser(Call& call, const std::string& userId, const std::set<std::strin
   json.beginObject();
   {
     Rows user =
-        call.database.query("SELECT " + kUserColumns + " FROM users WHERE user_id = ?", userId);
+        call.database.query("SELECT " + userColumns + " FROM users WHERE user_id = ?", userId);
     if (user.next()) writeUserMembers(json, user);
   }
-  for (const auto& [expansion, write] : kExpansions) {
+  for (const auto& [expansion, write] : expandedMembers) {
     if (expansions.contains(expansion)) write(json, call, userId);
   }
   json.endObject();
@@ -162,7 +162,7 @@ struct Field {
   Check accepts;
 };
 
-constexpr std::array<Field, 21> kFields{{
+constexpr std::array<Field, 21> fields{{
     {"publicDisplayName", "public_display_name", &isAny},
     {"postalcode", "postalcode", &isAny},
     {"avatar", "avatar", &isAny},
@@ -187,9 +187,9 @@ constexpr std::array<Field, 21> kFields{{
 }};
 
 const Field& fieldFor(const Call& call, const FormPart& part) {
-  const auto field = std::ranges::find(kFields, part.name, &Field::part);
-  if (field == kFields.end()) throw badRequest("the part \"" + part.name + "\" is unknown here");
-  if (part.value.size() > kLongestValue || !field->accepts(call, part.value)) {
+  const auto field = std::ranges::find(fields, part.name, &Field::part);
+  if (field == fields.end()) throw badRequest("the part \"" + part.name + "\" is unknown here");
+  if (part.value.size() > longestValue || !field->accepts(call, part.value)) {
     throw badRequest("the part \"" + part.name + "\" has a value that is not allowed");
   }
   return *field;

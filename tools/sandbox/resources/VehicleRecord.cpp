@@ -11,7 +11,7 @@ void writeUsersByRole(JsonWriter& json, DatabaseConnection& database, std::strin
   json.key("usersByRole").beginObject();
   for (const char* role : {"OPERATOR", "OWNER"}) {
     json.key(role).beginArray();
-    Rows users = database.query("SELECT " + kUserColumns +
+    Rows users = database.query("SELECT " + userColumns +
                                     " FROM users JOIN vehicle_users USING (user_id)"
                                     " WHERE vehicle_id = ? AND role = ? ORDER BY user_id",
                                 vehicleId, role);
@@ -27,7 +27,7 @@ void writeUsersByRole(JsonWriter& json, DatabaseConnection& database, std::strin
 
 }  // namespace
 
-const std::string kVehicleColumns =
+const std::string vehicleColumns =
     "vehicle_id, make, model, nick_name, year, vin, plate, time_zone_name, time_zone_offset,"
     " enrollment_ms, background_image_enabled, require_odometer_snapshot, health, devices";
 
@@ -54,8 +54,8 @@ void writeVehicle(JsonWriter& json, DatabaseConnection& database, const Rows& ve
 
 bool writeVehicle(JsonWriter& json, DatabaseConnection& database, std::string_view vehicleId,
                   const std::set<std::string>& expansions) {
-  Rows vehicle = database.query("SELECT " + kVehicleColumns + " FROM vehicles WHERE vehicle_id = ?",
-                                vehicleId);
+  Rows vehicle =
+      database.query("SELECT " + vehicleColumns + " FROM vehicles WHERE vehicle_id = ?", vehicleId);
   if (!vehicle.next()) return false;
   writeVehicle(json, database, vehicle, expansions);
   return true;

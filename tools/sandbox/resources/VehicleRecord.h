@@ -14,7 +14,7 @@
 namespace orvane::sandbox {
 
 /// The columns that the writer reads, from the first column on.
-extern const std::string kVehicleColumns;
+extern const std::string vehicleColumns;
 
 /// A whole object. Expansions: usersByRole, health, devices.
 void writeVehicle(JsonWriter& json, DatabaseConnection& database, const Rows& vehicle,

@@ -20,7 +20,7 @@ Reply listVehicles(Call& call) {
   JsonWriter json;
   json.beginArray();
   Rows vehicles = call.database.query(
-      "SELECT " + kVehicleColumns +
+      "SELECT " + vehicleColumns +
           " FROM vehicles JOIN vehicle_users USING (vehicle_id)"
           " WHERE user_id = ?1 AND (?2 IS NULL OR plate = ?2) ORDER BY vehicle_id",
       userId, plate);
@@ -32,7 +32,7 @@ Reply readVehicle(Call& call) {
   const std::string& userId = readableUser(call, call.capture(0));
   const auto expansions = expansionsOf(call);
   Rows vehicle = call.database.query(
-      "SELECT " + kVehicleColumns +
+      "SELECT " + vehicleColumns +
           " FROM vehicles JOIN vehicle_users USING (vehicle_id)"
           " WHERE user_id = ?1 AND vehicle_id = ?2 AND (?3 IS NULL OR plate = ?3)",
       userId, call.capture(1), call.query.text("plate"));

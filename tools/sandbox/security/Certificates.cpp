@@ -31,7 +31,7 @@ struct CloseFile {
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
-constexpr long kDay = 24L * 60 * 60;
+constexpr long secondsPerDay = 24L * 60 * 60;
 
 void require(bool success, const char* what) {
   if (success) return;
@@ -47,7 +47,7 @@ File open(const std::filesystem::path& path, const char* mode) {
 }
 
 Key makeKey() {
-  Key key{EVP_EC_gen("P-256")};
+  Key key{EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256")};
   require(key != nullptr, "making a key");
   return key;
 }
@@ -111,8 +111,8 @@ void save(const std::filesystem::path& path, EVP_PKEY* key) {
 
 void makeAuthority(const std::filesystem::path& folder) {
   const Key key = makeKey();
-  const Certificate certificate =
-      makeUnsigned(key.get(), "Orvane Sandbox CA", nullptr, {-kDay, 10 * 365 * kDay});
+  const Certificate certificate = makeUnsigned(key.get(), "Orvane Sandbox CA", nullptr,
+                                               {-secondsPerDay, 10 * 365 * secondsPerDay});
   X509* raw = certificate.get();
   extend(raw, raw, NID_basic_constraints, "critical,CA:TRUE,pathlen:0");
   extend(raw, raw, NID_key_usage, "critical,keyCertSign,cRLSign");
@@ -123,8 +123,9 @@ void makeAuthority(const std::filesystem::path& folder) {
 }
 
 Validity validityFor(CertificateFlaw flaw) {
-  if (flaw == CertificateFlaw::expired) return {-30 * kDay, -kDay};
-  return {-kDay, 397 * kDay};  // phones refuse server certificates that live longer
+  if (flaw == CertificateFlaw::expired) return {-30 * secondsPerDay, -secondsPerDay};
+  return {-secondsPerDay,
+          397 * secondsPerDay};  // phones refuse server certificates that live longer
 }
 
 }  // namespace

@@ -19,8 +19,8 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::size_t kKeyBytes = 32;
-constexpr std::string_view kAlphabet =
+constexpr std::size_t keyBytes = 32;
+constexpr std::string_view alphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
 
 Problem unauthorized(const std::string& message) {
@@ -33,9 +33,9 @@ std::string base64url(std::string_view bytes) {
   unsigned count = 0;
   for (const char c : bytes) {
     bits = (bits << 8U) | static_cast<unsigned char>(c);
-    for (count += 8; count >= 6; count -= 6) text.push_back(kAlphabet[(bits >> (count - 6)) & 63U]);
+    for (count += 8; count >= 6; count -= 6) text.push_back(alphabet[(bits >> (count - 6)) & 63U]);
   }
-  if (count > 0) text.push_back(kAlphabet[(bits << (6 - count)) & 63U]);
+  if (count > 0) text.push_back(alphabet[(bits << (6 - count)) & 63U]);
   return text;
 }
 
@@ -44,7 +44,7 @@ std::optional<std::string> decodeBase64url(std::string_view text) {
   std::uint32_t bits = 0;
   unsigned count = 0;
   for (const char c : text) {
-    const auto value = kAlphabet.find(c);
+    const auto value = alphabet.find(c);
     if (value == std::string_view::npos) return std::nullopt;
     bits = (bits << 6U) | static_cast<std::uint32_t>(value);
     count += 6;
@@ -85,13 +85,13 @@ double seconds(const nlohmann::json& claims, const char* name) {
 }  // namespace
 
 std::string randomHex(std::size_t bytes) {
-  constexpr std::string_view kHex = "0123456789abcdef";
+  constexpr std::string_view hexDigits = "0123456789abcdef";
   std::string hex;
   for (std::size_t i = 0; i < bytes; ++i) {
     unsigned char byte = 0;
     if (RAND_bytes(&byte, 1) != 1) throw std::runtime_error("no random numbers");
-    hex.push_back(kHex[byte >> 4U]);
-    hex.push_back(kHex[byte & 0xFU]);
+    hex.push_back(hexDigits[byte >> 4U]);
+    hex.push_back(hexDigits[byte & 0xFU]);
   }
   return hex;
 }
@@ -102,12 +102,12 @@ bool equalInConstantTime(std::string_view left, std::string_view right) {
 
 SigningKey::SigningKey(const std::filesystem::path& file) {
   if (!exists(file)) {
-    std::ofstream{file} << randomHex(kKeyBytes) << '\n';
+    std::ofstream{file} << randomHex(keyBytes) << '\n';
     using std::filesystem::perms;
     permissions(file, perms::owner_read | perms::owner_write);
   }
   std::ifstream{file} >> hex_;
-  if (hex_.size() != 2 * kKeyBytes ||
+  if (hex_.size() != 2 * keyBytes ||
       hex_.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
     throw std::runtime_error(file.string() + " does not hold 64 hexadecimal digits");
   }
@@ -148,15 +148,15 @@ std::string SigningKey::verify(std::string_view token, Milliseconds now) const {
     throw unauthorized("the token's signature is wrong");
   }
   const auto claims = parsePart(token.substr(firstDot + 1, lastDot - firstDot - 1));
-  const double nowSeconds = static_cast<double>(now) / kMillisPerSecond;
+  const double nowSeconds = static_cast<double>(now) / millisPerSecond;
   const double issued = seconds(claims, "iat");
-  if (issued > nowSeconds + kLeewaySeconds) {
+  if (issued > nowSeconds + leewaySeconds) {
     throw unauthorized("the token was issued in the future");
   }
-  if (issued < nowSeconds - kLongestAgeSeconds - kLeewaySeconds) {
+  if (issued < nowSeconds - longestAgeSeconds - leewaySeconds) {
     throw unauthorized("the token was issued too long ago");
   }
-  if (seconds(claims, "exp") <= nowSeconds - kLeewaySeconds) {
+  if (seconds(claims, "exp") <= nowSeconds - leewaySeconds) {
     throw unauthorized("the token has expired");
   }
   const auto subject = claims.find("sub");

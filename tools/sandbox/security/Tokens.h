@@ -23,11 +23,11 @@ class SigningKey {
                                  const std::map<std::string, std::int64_t>& numbers) const;
 
   /// The token's subject. Throws a 401 when the token is not well formed, not signed with this key,
-  /// issued in the future or too long ago, or expired; clocks may differ by `kLeewaySeconds`.
+  /// issued in the future or too long ago, or expired; clocks may differ by `leewaySeconds`.
   [[nodiscard]] std::string verify(std::string_view token, Milliseconds now) const;
 
-  static constexpr std::int64_t kLeewaySeconds = 60;
-  static constexpr std::int64_t kLongestAgeSeconds = 180;
+  static constexpr std::int64_t leewaySeconds = 60;
+  static constexpr std::int64_t longestAgeSeconds = 180;
 
  private:
   [[nodiscard]] std::string signature(std::string_view text) const;

@@ -7,7 +7,7 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr int kBusyTimeoutMillis = 10'000;
+constexpr int busyTimeoutMillis = 10'000;
 
 [[noreturn]] void fail(sqlite3* handle, const std::string& what) {
   throw std::runtime_error("database: " + what + ": " + sqlite3_errmsg(handle));
@@ -59,11 +59,11 @@ std::optional<bool> Rows::optionalBoolean(int column) const {
 
 DatabaseConnection::DatabaseConnection(const std::filesystem::path& file) {
   sqlite3* handle = nullptr;
-  constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
-  const int result = sqlite3_open_v2(file.c_str(), &handle, kFlags, nullptr);
+  constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
+  const int result = sqlite3_open_v2(file.c_str(), &handle, flags, nullptr);
   handle_.reset(handle);
   if (result != SQLITE_OK) fail(handle, file.string());
-  sqlite3_busy_timeout(handle, kBusyTimeoutMillis);
+  sqlite3_busy_timeout(handle, busyTimeoutMillis);
   executeScript(
       "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; PRAGMA foreign_keys = ON;"
       "PRAGMA mmap_size = 268435456;");

@@ -10,7 +10,7 @@ namespace orvane::sandbox {
 namespace {
 
 // Columns are called as on the wire, in snake case; times are milliseconds since 1970.
-constexpr const char* kTables = R"sql(
+constexpr const char* tables = R"sql(
 -- One row: how the data was laid.
 CREATE TABLE laid (
   around_ms INTEGER NOT NULL,
@@ -215,7 +215,7 @@ std::vector<std::string> tableNames(DatabaseConnection& database) {
 
 /// A file with other tables than these is laid anew.
 std::int64_t expectedVersion() {
-  const std::string_view text{kTables};
+  const std::string_view text{tables};
   return static_cast<std::int64_t>(
       crc32(0, reinterpret_cast<const Bytef*>(text.data()), static_cast<uInt>(text.size())) >> 1U);
 }
@@ -234,7 +234,7 @@ bool createSchema(DatabaseConnection& database) {
     database.executeScript(("DROP TABLE " + name).c_str());
   }
   database.executeScript("PRAGMA foreign_keys = ON");
-  database.executeScript(kTables);
+  database.executeScript(tables);
   database.executeScript(("PRAGMA user_version = " + std::to_string(expectedVersion())).c_str());
   return true;
 }

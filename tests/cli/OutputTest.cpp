@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: Apache-2.0
+// What people and programs read: texts made safe, units, tables, JSON.
+#include "Output.h"
+#include <Orvane/Coding/Coding.h>
+#include <Orvane/Platform/DeviceSettings.h>
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cstdio>
+#include <limits>
+#include <memory>
+
+namespace orvane::cli {
+namespace {
+
+TEST(TextTest, ShowsWhatWouldSteerATerminal) {
+  struct Row {
+    std::string text;
+    std::string shown;
+  };
+  const Row rows[] = {
+      {"", ""},
+      {"plain, Zürich – 测试 😀", "plain, Zürich – 测试 😀"},
+      {"\x1b[2J", "\\x1b[2J"},
+      {"a\nb\tc\r", "a\\nb\\tc\\r"},
+      {std::string("\0\x7f", 2), "\\x00\\x7f"},
+      {"\xc2\x9b", "\\x9b"},                   // C1: one character that begins a sequence
+      {"\xe2\x80\xae", "\\u202e"},             // turns the direction of writing
+      {"\xff\xc3(", "\uFFFD\uFFFD("},          // no UTF-8
+      {"\xed\xa0\x80", "\uFFFD\uFFFD\uFFFD"},  // half of a surrogate pair
+      {"\xf0\x9f\x98", "\uFFFD\uFFFD\uFFFD"},  // cut short
+  };
+  for (const Row& row : rows) EXPECT_EQ(visible(row.text), row.shown);
+}
+
+TEST(TextTest, CutsByColumns) {
+  std::setlocale(LC_CTYPE, "C.UTF-8");
+  EXPECT_EQ(columnsOf("Zürich"), 6U);
+  EXPECT_EQ(columnsOf("测试"), 4U);
+  EXPECT_EQ(cut("Zürich", 6), "Zürich");
+  EXPECT_EQ(cut("Zürich", 4), "Zür…");
+  EXPECT_EQ(cut("测试测试", 6), "测试…");
+  EXPECT_EQ(cut("测试测试", 4), "测…");
+}
+
+TEST(TextTest, Units) {
+  EXPECT_EQ(decimal(1234.5, 1), "1234.5");
+  EXPECT_EQ(decimal(1234.0, 3), "1234");
+  EXPECT_EQ(decimal(-0.0001, 2), "0");
+  EXPECT_EQ(decimal(std::numeric_limits<double>::infinity(), 2), "inf");
+  EXPECT_EQ(decimal(std::numeric_limits<double>::max(), 0).size(), 309U);
+  EXPECT_EQ(kilometresOf(12345.0), "12.3 km");
+  EXPECT_EQ(kilometresPerHourOf(10.0), "36 km/h");
+  EXPECT_EQ(durationOf(20.4), "20 s");
+  EXPECT_EQ(durationOf(200.0), "3 min 20 s");
+  EXPECT_EQ(durationOf(4320.0), "1 h 12 min");
+  EXPECT_EQ(durationOf(-90.0), "-1 min 30 s");
+  EXPECT_EQ(durationOf(1e300).back(), 's');
+  EXPECT_EQ(durationOf(std::numeric_limits<double>::quiet_NaN()), "nan s");
+}
+
+TEST(TextTest, TimesWhateverTheBackendSends) {
+  DeviceSettings::set({.timeZone = "America/New_York"});
+  EXPECT_EQ(toText(dateFromSeconds(1500000000)), "2017-07-13 22:40:00 -04:00");
+  EXPECT_EQ(toText(dateFromSeconds(-0.5)), "1969-12-31 18:59:59 -05:00");
+  EXPECT_EQ(toText(dateFromSeconds(1e18)), "1000000000000000000 s after 1970");
+  EXPECT_EQ(toText(dateFromSeconds(std::numeric_limits<double>::quiet_NaN())), "nan s after 1970");
+  EXPECT_EQ(toText(DateComponents{987, 6, 5}), "0987-06-05");
+  EXPECT_EQ(toText(DateComponents{1990, 5, std::nullopt}), "1990-05");
+  EXPECT_EQ(toText(DateComponents{}), "-");
+  DeviceSettings::set({});
+}
+
+TEST(TextTest, ChoicesAreWrittenAsPeopleWould) {
+  EXPECT_EQ(choiceName("WEEKEND_DRIVER"), "weekend-driver");
+  EXPECT_EQ(choiceName("associatedUsers"), "associatedUsers");
+  using Type = User::DriverType;
+  for (const char* text : {"WEEKEND_DRIVER", "weekend-driver", "weekendDriver"}) {
+    EXPECT_EQ(Argument<Type>::parse(text), Type::weekend_driver) << text;
+  }
+  for (const char* text : {"", "weekend", "weekend driver"}) {
+    EXPECT_FALSE(Argument<Type>::parse(text)) << text;
+  }
+}
+
+TEST(TextTest, ArgumentsAreReadToTheLastCharacter) {
+  EXPECT_EQ(Argument<std::int64_t>::parse("-42"), -42);
+  EXPECT_EQ(Argument<double>::parse("-300.5"), -300.5);
+  for (const char* text : {"", "4x", " 4", "9223372036854775808", "0x10"}) {
+    EXPECT_FALSE(Argument<std::int64_t>::parse(text)) << text;
+  }
+  for (const char* text : {"", "1e999", "nan", "inf", "1,5"}) {
+    EXPECT_FALSE(Argument<double>::parse(text)) << text;
+  }
+  EXPECT_EQ(Argument<DateComponents>::parse("2024-02-29"), (DateComponents{2024, 2, 29}));
+  for (const char* text : {"2023-02-29", "2024-13-01", "24-02-29", "2024/02/29", "2024-02-2x",
+                           "2024-02-290", "-024-02-29"}) {
+    EXPECT_FALSE(Argument<DateComponents>::parse(text)) << text;
+  }
+}
+
+// What `print` makes an output of `style` write.
+template <class Print>
+std::string printed(OutputStyle style, Print print) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
+  Output output(file.get(), style);
+  print(output);
+  output.flush();
+  std::rewind(file.get());
+  std::string text(4096, '\0');
+  text.resize(std::fread(text.data(), 1, text.size(), file.get()));
+  return text;
+}
+
+TEST(OutputTest, TablesAndBlocks) {
+  const auto print = [](Output& output) {
+    output.block(Block()
+                     .row("name", std::optional<std::string>("Ann\tB"))
+                     .row("phone", std::optional<std::string>())
+                     .row("date of birth", std::optional(DateComponents{1990, 5, 17})));
+    output.section("empty", Block());
+    output.section("trips",
+                   Table{"id", {"distance", Table::Alignment::right}, "mode"}
+                       .row("1", kilometresOf(900.0), std::optional<std::string>("a long text"))
+                       .row("22", kilometresOf(12345.0), std::optional<std::string>()));
+  };
+  EXPECT_EQ(printed({.format = OutputStyle::Format::tabs}, print),
+            "name\tAnn\\tB\n"
+            "date of birth\t1990-05-17\n"
+            "\n"
+            "trips\n"
+            "id\tdistance\tmode\n"
+            "1\t0.9 km\ta long text\n"
+            "22\t12.3 km\t\n");
+  EXPECT_EQ(printed({.format = OutputStyle::Format::table, .columns = 22}, print),
+            "name           Ann\\tB\n"
+            "date of birth  1990-05-17\n"
+            "\n"
+            "trips\n"
+            "id  distance  mode\n"
+            "1     0.9 km  a long …\n"
+            "22   12.3 km\n");
+  EXPECT_EQ(printed({.format = OutputStyle::Format::table, .isColoured = true},
+                    [](Output& output) { output.table(Table{"id"}.row("1")); }),
+            "\x1b[1mid\x1b[0m\n1\n");
+}
+
+TEST(OutputTest, IndentedJSONIsTheSameJSON) {
+  User user;
+  user.id = R"(a "quoted\" {text}, [with: everything])";
+  user.associatedUsers = {User{}, User{.activated = true}};
+  user.userRole = UserRole{.roleNames = {{}}};
+  const std::string compact = *encode(user).value();
+  EXPECT_EQ(decode<User>(indented(compact)), user);
+  EXPECT_EQ(
+      indented(R"({"a":[],"b":{},"c":[1,{"d":"},["}]})"),
+      "{\n  \"a\": [],\n  \"b\": {},\n  \"c\": [\n    1,\n    {\n      \"d\": \"},[\"\n    }\n  "
+      "]\n}");
+}
+
+}  // namespace
+}  // namespace orvane::cli

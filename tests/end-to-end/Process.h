@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+// A program run by a test: started, waited for within bounds, and never left behind.
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace orvane::test {
+
+using Environment = std::map<std::string, std::string>;
+
+/// No test waits longer than that for something that is bound to happen.
+inline constexpr std::chrono::seconds patience{60};
+
+/// How a program ended, and what it wrote.
+struct Ending {
+  int exitCode = -1;  ///< -1 when a signal ended it.
+  int signal = 0;
+  std::string output;
+  std::string errors;
+};
+
+/// A child process. It is killed when its object goes, or this process does.
+class Process {
+ public:
+  enum class Streams {
+    captured,  ///< Standard output and error go to `Ending`.
+    quiet,     ///< Standard output is dropped, standard error shared with the test.
+  };
+
+  /// Starts `program` with nothing in its environment but `environment`.
+  Process(const std::string& program, const std::vector<std::string>& arguments,
+          const Environment& environment, Streams streams);
+  ~Process();
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+
+  [[nodiscard]] pid_t id() const noexcept { return id_; }
+  /// Readable once the process has ended.
+  [[nodiscard]] int endDescriptor() const noexcept { return endDescriptor_; }
+
+  void send(int signal) const;
+
+  /// Reads standard error until it contains `text`; false when it ends without.
+  [[nodiscard]] bool waitForError(const std::string& text);
+
+  /// Waits until the process has ended. One that does not within `patience` is killed and its
+  /// `signal` says so.
+  Ending wait();
+
+ private:
+  struct Pipe {
+    int descriptor = -1;
+    std::string text;
+  };
+
+  // Reads what is there; false once both pipes are closed or time is up.
+  bool read(std::chrono::steady_clock::time_point deadline);
+
+  pid_t id_ = -1;
+  int endDescriptor_ = -1;
+  Pipe output_;
+  Pipe errors_;
+};
+
+/// Runs a program to its end.
+[[nodiscard]] Ending run(const std::string& program, const std::vector<std::string>& arguments,
+                         const Environment& environment = {});
+
+/// A folder that is gone afterwards.
+class TemporaryFolder {
+ public:
+  TemporaryFolder();
+  ~TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  [[nodiscard]] const std::string& path() const noexcept { return path_; }
+  /// Writes a file and answers its path.
+  [[nodiscard]] std::string write(const std::string& name, const std::string& text) const;
+
+ private:
+  std::string path_;
+};
+
+}  // namespace orvane::test
