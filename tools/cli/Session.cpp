@@ -2,6 +2,7 @@
 #include "Session.h"
 
 #include "Trace.h"
+#include <Orvane/Common/Logger.h>
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Platform/Date.h>
 #include <Orvane/Platform/DeviceSettings.h>
@@ -11,6 +12,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 
@@ -22,6 +24,15 @@ std::atomic<double> clockOffset{0};
 
 Date shiftedNow() {
   return std::chrono::system_clock::now() + Seconds(clockOffset.load(std::memory_order_relaxed));
+}
+
+// An error in the log is one of a call, too, and that ends the program with a line of its own.
+std::shared_ptr<Logger> loggerFor(bool isVerbose) {
+  if (isVerbose) return std::make_shared<StandardErrorLogger>(Logger::Level::information);
+  return std::make_shared<FunctionLogger>([](const Logger::Entry& entry) {
+    if (entry.level != Logger::Level::warning) return;
+    std::fprintf(stderr, "orvane: %s\n", visible(entry.message).c_str());
+  });
 }
 
 std::string signingKey(const std::string& path) {
@@ -51,6 +62,7 @@ Session::Session(Settings settings, OutputStyle style, bool isVerbose)
   device.locale = settings_.text(Setting::locale).value_or("");
   device.timeZone = zone.value_or("");
   DeviceSettings::set(std::move(device));
+  Logger::setShared(loggerFor(isVerbose_));
 }
 
 Session::~Session() {
@@ -71,9 +83,6 @@ void Session::connect() {
   options.tokens = tokens();
   options.transport = transport();
   options.deviceIdentifierFile = settings_.text(Setting::deviceFile).value_or("");
-  if (isVerbose_) {
-    options.logger = std::make_shared<StandardErrorLogger>(Logger::Level::information);
-  }
   Result<Runtime> installed = Runtime::install(std::move(options));
   if (!installed.value()) throw failureOf(installed.errorOr(NetworkError::unknown));
   runtime_ = *std::move(installed).value();
