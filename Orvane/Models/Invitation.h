@@ -45,8 +45,8 @@ struct ORVANE_EXPORT Invitation {
   std::optional<double> creationTimestamp{};     ///< Milliseconds since 1970-01-01 UTC.
   std::optional<double> lastUpdatedTimestamp{};  ///< Milliseconds since 1970-01-01 UTC.
   std::optional<Status> status{};
-  std::optional<InvitationUser> fromUser{};
-  std::optional<InvitationUser> toUser{};
+  Indirect<InvitationUser> fromUser{};
+  Indirect<InvitationUser> toUser{};
   /// What the other person is invited to drive.
   Indirect<Vehicle> vehicle{};
   /// What the other person is invited to join.

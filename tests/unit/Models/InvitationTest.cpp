@@ -26,8 +26,9 @@ TEST(InvitationTest, isReadAndWrittenWhole) {
       .lastUpdatedTimestamp = 1700000001000.0,
       .status = Invitation::Status::acceptedAcknowledged,
       .fromUser =
-          {{.userId = "42", .firstName = "Ann", .lastName = "Lee", .publicDisplayName = "ann"}},
-      .toUser = {{.userId = "7"}},
+          Invitation::InvitationUser{
+              .userId = "42", .firstName = "Ann", .lastName = "Lee", .publicDisplayName = "ann"},
+      .toUser = Invitation::InvitationUser{.userId = "7"},
       .vehicle = Vehicle{.vehicleId = "v1",
                          .nickName = "Blue",
                          .year = 2021,
