@@ -56,7 +56,8 @@ TEST_F(ScriptTest, answersWhenToldThoseThatAreNotCancelled) {
   EXPECT_EQ(transport.answerWaiting(), 0U);
   EXPECT_EQ(outcome.result().value(), "late");
   EXPECT_TRUE(second->isFinished() && !second->cancel());
-  EXPECT_FALSE(transport.calls()[0]->answer("again") || transport.calls()[1]->answer("again"));
+  EXPECT_FALSE(transport.calls()[0]->answer(std::string("again")) ||
+               transport.calls()[1]->answer(std::string("again")));
   EXPECT_FALSE(outcome.isHeld());
 }
 
