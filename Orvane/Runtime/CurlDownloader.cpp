@@ -3,7 +3,6 @@
 #include <Orvane/Runtime/FileTransfer.h>
 #include <Orvane/Runtime/OutgoingRequest.h>
 #include <Orvane/Runtime/TransferLoop.h>
-#include <Orvane/Runtime/TransportError.h>
 
 #include <utility>
 
@@ -29,9 +28,7 @@ RequestHandle CurlDownloader::download(URL url, std::string path, DownloadProgre
   }
   auto transfer = std::make_shared<FileTransfer>(loop_, std::move(request), std::move(path),
                                                  std::move(progress), std::move(then));
-  if (!loop_->start(transfer)) {
-    transfer->complete(TransportError(TransportError::Kind::cancelled));
-  }
+  loop_->start(transfer);
   return transfer;
 }
 

@@ -3,7 +3,6 @@
 #include <Orvane/Runtime/OutgoingRequest.h>
 #include <Orvane/Runtime/Transfer.h>
 #include <Orvane/Runtime/TransferLoop.h>
-#include <Orvane/Runtime/TransportError.h>
 
 #include <optional>
 #include <utility>
@@ -30,9 +29,7 @@ RequestHandle CurlRequestManager::send(Verb verb, URL url, std::string body, Hea
   }
   auto transfer = std::make_shared<Transfer>(loop_, std::move(request), std::move(then));
   transfer->writeHeaderLines();
-  if (!loop_->start(transfer)) {
-    transfer->complete(TransportError(TransportError::Kind::cancelled));
-  }
+  loop_->start(transfer);
   return transfer;
 }
 

@@ -11,7 +11,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
-#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -36,8 +35,6 @@ class Descriptor {
   const int number_;
 };
 
-std::string reason() { return std::generic_category().message(errno); }
-
 bool isUUID(std::string_view text) {
   constexpr std::string_view form = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
   return std::equal(text.begin(), text.end(), form.begin(), form.end(), [](char c, char expected) {
@@ -46,66 +43,82 @@ bool isUUID(std::string_view text) {
   });
 }
 
-// What a file of ours holds, or anything else that is no identifier; absent when it can't be read,
-// `errno` telling why.
-std::optional<std::string> contents(const std::string& path) {
+// What reading a file brought: its text, or the error number that tells why there is none.
+struct Contents {
+  std::string text;
+  int failure = 0;
+
+  [[nodiscard]] bool isMissing() const { return failure == ENOENT || failure == ENOTDIR; }
+};
+
+// Reads more than an identifier is long, so that what is longer shows.
+Contents contentsOf(const std::string& path) {
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!file) return std::nullopt;
+  if (!file) return {{}, errno};
   std::string text(64, '\0');
   const ssize_t count = ::read(file.get(), text.data(), text.size());
-  if (count < 0) return std::nullopt;
+  if (count < 0) return {{}, errno};
   text.resize(static_cast<std::size_t>(count));
   if (!text.empty() && text.back() == '\n') text.pop_back();
-  return text;
+  return {text, 0};
 }
 
-bool writeWhole(const std::string& path, const std::string& text) {
+// The functions below answer an error number, 0 for success.
+
+int writeWhole(const std::string& path, const std::string& text) {
   const Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-  return file &&
-         ::write(file.get(), text.data(), text.size()) == static_cast<ssize_t>(text.size()) &&
-         ::fsync(file.get()) == 0;
+  if (!file) return errno;
+  const ssize_t count = ::write(file.get(), text.data(), text.size());
+  if (count < 0) return errno;
+  if (static_cast<std::size_t>(count) != text.size()) return ENOSPC;
+  return ::fsync(file.get()) == 0 ? 0 : errno;
 }
 
 // Puts `temporary` in the place of `path`. Where none is to be replaced, one that another process
 // has put there meanwhile stays.
-bool putInPlace(const std::string& temporary, const std::string& path, bool replaces) {
+int putInPlace(const std::string& temporary, const std::string& path, bool replaces) {
   if (!replaces) {
-    if (::link(temporary.c_str(), path.c_str()) == 0 || errno == EEXIST) return true;
+    if (::link(temporary.c_str(), path.c_str()) == 0 || errno == EEXIST) return 0;
     // Some file systems know no links.
   }
-  return std::rename(temporary.c_str(), path.c_str()) == 0;
+  return std::rename(temporary.c_str(), path.c_str()) == 0 ? 0 : errno;
 }
 
-// Makes the file and answers what it holds then; absent when it can't be made.
-std::optional<std::string> store(const std::string& identifier, const std::string& path,
-                                 bool replaces) {
-  std::error_code ignored;
+int store(const std::string& identifier, const std::string& path, bool replaces) {
+  std::error_code ignored;  // what can't be made shows when the file is written
   std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ignored);
   const std::string temporary = path + "." + identifier;
-  const bool isStored =
-      writeWhole(temporary, identifier + "\n") && putInPlace(temporary, path, replaces);
-  const int failure = errno;
+  int failure = writeWhole(temporary, identifier + "\n");
+  if (failure == 0) failure = putInPlace(temporary, path, replaces);
   ::unlink(temporary.c_str());
-  errno = failure;
-  return isStored ? contents(path) : std::nullopt;
+  return failure;
+}
+
+void warn(std::string_view what, int failure, const std::string& path) {
+  std::string line("The device identifier ");
+  line.append(what);
+  if (failure != 0) line.append(" (").append(std::generic_category().message(failure)).append(")");
+  log.w(line + ": " + path);
 }
 
 // The identifier that the file holds, made where there is none; or one that is not stored.
 std::string identifierIn(const std::string& path) {
-  if (path.empty()) return randomUUID();
-  const std::optional<std::string> found = contents(path);
-  if (found && isUUID(*found)) return *found;
   std::string fresh = randomUUID();
-  if (!found && errno != ENOENT && errno != ENOTDIR) {
-    log.w("The device identifier can't be read (" + reason() +
-          "), this process uses another: " + path);
+  if (path.empty()) return fresh;
+  const Contents found = contentsOf(path);
+  if (isUUID(found.text)) return found.text;
+  if (found.failure != 0 && !found.isMissing()) {
+    warn("can't be read, another is used until the process ends", found.failure, path);
     return fresh;
   }
-  if (found) log.w("The device identifier's file held none and is replaced: " + path);
-  const std::optional<std::string> stored = store(fresh, path, found.has_value());
-  if (stored && isUUID(*stored)) return *stored;
-  log.w("The device identifier can't be stored (" + reason() +
-        "), it lasts as long as this process: " + path);
+  if (!found.isMissing()) warn("was damaged and is replaced", 0, path);
+  int failure = store(fresh, path, !found.isMissing());
+  if (failure == 0) {
+    const Contents stored = contentsOf(path);
+    if (isUUID(stored.text)) return stored.text;
+    failure = stored.failure;
+  }
+  warn("can't be stored and ends with the process", failure, path);
   return fresh;
 }
 

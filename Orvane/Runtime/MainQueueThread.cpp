@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Common/MainQueue.h>
-#include <Orvane/Platform/Fatal.h>
 #include <Orvane/Runtime/MainQueueThread.h>
 
 #include <future>
 
 namespace orvane {
 
-MainQueueThread::MainQueueThread() {
+bool MainQueueThread::start() {
   std::promise<void> hasBegun;
   const std::future<void> begun = hasBegun.get_future();
+  if (!thread_.start([] { MainQueue::main().run(); })) return false;
   MainQueue::main().async([hasBegun = std::move(hasBegun)]() mutable { hasBegun.set_value(); });
-  precondition(thread_.start([] { MainQueue::main().run(); }), "there is no thread for the queue");
   begun.wait();
+  return true;
 }
 
 bool MainQueueThread::stop(std::chrono::milliseconds timeout) {

@@ -10,12 +10,13 @@
 
 namespace orvane {
 
-/// Drains the main queue from its making until it is stopped; left to itself, as long as the
+/// Drains the main queue from its start until it is stopped; left to itself, as long as the
 /// process lives.
 class MainQueueThread {
  public:
-  /// Returns when the queue is the thread's.
-  MainQueueThread();
+  /// Starts the thread; to be called once. Returns when the queue is the thread's. False when the
+  /// system has no thread to give.
+  [[nodiscard]] bool start();
 
   /// Ends the thread after the job at hand and waits for it. False when it has not ended within
   /// `timeout`, or is the calling one. Jobs that are left wait for whoever drains the queue next.

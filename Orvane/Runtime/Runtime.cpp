@@ -91,15 +91,18 @@ struct Runtime::State {
 
 Result<Runtime> Runtime::install(RuntimeOptions options) {
   if (options.logger) Logger::setShared(options.logger);
+  const auto failed = [](Error error) {
+    log.e("Orvane's Runtime can't be installed: " + error.message());
+    return error;
+  };
   Result<Parts> parts = makeParts(options);
-  if (!parts.value()) {
-    log.e("Orvane's Runtime can't be installed: " + parts.error()->message());
-    return *std::move(parts).error();
-  }
+  if (!parts.value()) return failed(*parts.error());
   auto state = std::make_shared<State>();
   state->parts = *std::move(parts).value();
+  if (options.drainsMainQueue && !state->mainQueueThread.emplace().start()) {
+    return failed(ConfigurationError("drainsMainQueue: no thread can be started"));
+  }
   registerParts(state->parts);
-  if (options.drainsMainQueue) state->mainQueueThread.emplace();
   return Runtime(std::move(state));
 }
 

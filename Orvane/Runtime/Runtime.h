@@ -36,6 +36,7 @@ struct ORVANE_EXPORT RuntimeOptions {
   /// Replaces the logger behind `log`; null leaves it.
   std::shared_ptr<Logger> logger{};
   /// Drains the main queue on a thread of the Runtime's: for processes without a loop of their own.
+  /// Nothing else may drain it until the shutdown, another installation included.
   bool drainsMainQueue{false};
 };
 

@@ -72,16 +72,21 @@ TransferLoop::~TransferLoop() {
   if (multi_ != nullptr) curl_multi_cleanup(multi_);
 }
 
-bool TransferLoop::start(const std::shared_ptr<Transfer>& transfer) {
+void TransferLoop::start(const std::shared_ptr<Transfer>& transfer) {
   std::unique_lock lock(mutex_);
-  if (inbox_.isStopping) return false;
-  if (!hasStarted_) {
-    hasStarted_ = thread_.start([self = shared_from_this()] { self->run(); });
-    if (!hasStarted_) return false;
+  if (auto error = problemWithStarting()) {
+    lock.unlock();
+    return transfer->complete(*std::move(error));
   }
   inbox_.started.push_back(transfer);
   wake(std::move(lock));
-  return true;
+}
+
+std::optional<Error> TransferLoop::problemWithStarting() {
+  if (inbox_.isStopping) return shutDown();
+  if (!hasStarted_) hasStarted_ = thread_.start([self = shared_from_this()] { self->run(); });
+  if (!hasStarted_) return TransportError(TransportError::Kind::other, "no thread can be started");
+  return std::nullopt;
 }
 
 void TransferLoop::drop(const std::shared_ptr<Transfer>& transfer) {

@@ -14,6 +14,7 @@
 #include <chrono>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace orvane {
@@ -32,9 +33,9 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
 
   [[nodiscard]] const TransportOptions& options() const noexcept { return options_; }
 
-  /// Takes a transfer over, starting the thread where it is not running. False once it has been
-  /// shut down. Any thread.
-  [[nodiscard]] bool start(const std::shared_ptr<Transfer>& transfer);
+  /// Takes a transfer over, starting the thread where it is not running. Once it has been shut
+  /// down, and where there is no thread, the transfer is answered at once. Any thread.
+  void start(const std::shared_ptr<Transfer>& transfer);
   /// Stops a cancelled transfer. Any thread.
   void drop(const std::shared_ptr<Transfer>& transfer);
   /// See `CurlRequestManager::shutdown`.
@@ -53,6 +54,9 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
       return started.empty() && dropped.empty() && !isStopping;
     }
   };
+
+  /// Why no transfer can be taken over; absent when one can. The thread is running then.
+  [[nodiscard]] std::optional<Error> problemWithStarting();
 
   /// Ends the wait of the thread, where it waits; to be called when something is in the inbox.
   void wake(std::unique_lock<std::mutex> lock);

@@ -84,7 +84,7 @@ TEST(FileDeviceIdentifierTest, ReplacesWhatIsDamaged) {
     EXPECT_EQ(FileDeviceIdentifier(path).current(), identifier);
     ASSERT_THAT(logger.lines(), SizeIs(1));
     EXPECT_EQ(logger.lines()[0].message,
-              "The device identifier's file held none and is replaced: " + path);
+              "The device identifier was damaged and is replaced: " + path);
     EXPECT_EQ(fileCount(folder), 1U);
   }
 }

@@ -437,6 +437,21 @@ TEST(TransportTest, SharesAFewConnectionsPatiently) {
   EXPECT_EQ(server.connectionCount(), 2U);
 }
 
+// The wait for a connection counts as well.
+TEST(TransportTest, LetsNoRequestWaitBeyondItsTime) {
+  const TestServer server(
+      [](ServerConnection& connection, const ReceivedRequest&) { connection.waitUntilClosed(); });
+  const auto manager = managerWith({.idleTimeout = std::chrono::seconds(0),
+                                    .totalTimeout = std::chrono::milliseconds(200),
+                                    .maximumConnectionsPerHost = 1});
+  std::vector<std::future<Result<std::string>>> results;
+  for (int i = 0; i < 5; ++i) results.push_back(start(*manager, Verb::get, server.url()));
+  for (auto& result : results) {
+    EXPECT_EQ(result.get().error()->as<TransportError>()->kind(), Kind::timeOut);
+  }
+  EXPECT_EQ(server.connectionCount(), 1U);
+}
+
 TEST(TransportTest, LetsNoRequestWaitForASlowAnswer) {
   const Authority authority;
   for (const bool isEncrypted : {false, true}) {
