@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Completion.h"
 
+#include <set>
+
 namespace orvane::cli {
 namespace {
 
@@ -43,21 +45,19 @@ std::string names(std::span<const Option> options) {
   return text;
 }
 
-// The options that the next word belongs to, as a pattern of `case`.
-void addValued(std::string& pattern, std::span<const Option> options) {
-  for (const Option& option : options) {
-    if (option.isPositional() || option.isFlag()) continue;
-    pattern.append(pattern.empty() ? "" : "|").append(option.name);
-  }
-}
-
+// The options that take the next word as their value, as a pattern of `case`.
 std::string valuedPattern(std::span<const Resource> resources, std::span<const Option> globals) {
-  std::string pattern;
-  addValued(pattern, globals);
+  std::set<std::string> names;
+  const auto note = [&](std::span<const Option> options) {
+    for (const Option& option : options) {
+      if (!option.isPositional() && !option.isFlag()) names.insert(option.name);
+    }
+  };
+  note(globals);
   for (const Resource& resource : resources) {
-    for (const auto& verb : resource.verbs()) addValued(pattern, optionsOf(*verb));
+    for (const auto& verb : resource.verbs()) note(optionsOf(*verb));
   }
-  return pattern;
+  return joined({names.begin(), names.end()}, "|");
 }
 
 std::string resourceNames(std::span<const Resource> resources) {
@@ -89,7 +89,7 @@ std::string pathPattern(const Resource& resource, const Verb& verb) {
 void addBashValue(std::string& script, const std::string& pattern, const Option& option) {
   std::string action;
   if (namesFile(option)) {
-    action = "COMPREPLY=($(compgen -f -- \"$current\"))";
+    action = "local IFS=$'\\n'; COMPREPLY=($(compgen -f -- \"$current\"))";
   } else if (!option.choices.empty() && option.isList) {
     action = "_orvane_list " + shellWord(joined(option.choices, " "));
   } else if (!option.choices.empty()) {
