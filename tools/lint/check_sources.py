@@ -53,6 +53,9 @@ STANDARD_HEADER = re.compile(r"^[a-z0-9_]+$")
 COMMENT_OR_TEXT = re.compile(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"', re.DOTALL)
 STREAM = re.compile(r"\b(?:printf|fprintf|puts|fputs|putchar|cout|cerr|clog)\b")
 SLEEP = re.compile(r"\b(?:sleep_for|sleep_until|usleep|nanosleep|sleep)\s*\(")
+NAMESPACE_BEGIN = re.compile(r"^namespace(?: ([\w:]+))? {")
+NAMESPACE_END = re.compile(r"^}  // namespace\b")
+TYPE_DEFINITION = re.compile(r"^(?:struct|class)(?: \[\[.*?\]\]| ORVANE_EXPORT)* (\w+)(?: final)?(?: : .*)?(?: {|$)")
 UNFINISHED = re.compile(r"\b(?:TODO|FIXME|XXX|HACK)\b")
 
 
@@ -79,6 +82,17 @@ class Source:
         """The text without comments and string literals, its lines where they were."""
         return COMMENT_OR_TEXT.sub(lambda match: re.sub(r"[^\n]", " ", match[0]), self.text)
 
+    def types(self):
+        """The types defined in named namespaces, as (line number, qualified name)."""
+        scopes = []
+        for number, line in enumerate(self.lines, 1):
+            if match := NAMESPACE_BEGIN.match(line):
+                scopes.append(match[1])
+            elif NAMESPACE_END.match(line) and scopes:
+                scopes.pop()
+            elif (match := TYPE_DEFINITION.match(line)) and None not in scopes:
+                yield number, "::".join([*scopes, match[1]])
+
 
 class Checker:
     def __init__(self, root):
@@ -104,6 +118,7 @@ class Checker:
                 self.check_include(source, number, spelling, target)
         for umbrella, layers in UMBRELLAS.items():
             self.check_umbrella(umbrella, layers)
+        self.check_one_definition()
         self.check_licences()
         return self.findings
 
@@ -180,6 +195,26 @@ class Checker:
         for source in self.sources.values():
             if source.is_public and source.layer in layers and source.path not in seen:
                 self.report(umbrella, 1, f"{source.path} is public and not included")
+
+    def check_one_definition(self):
+        """Two types of one name in one program break it in ways that no compiler tells."""
+        programs = {"tools/cli", "tools/sandbox"}
+        programs |= {"/".join(path.split("/")[:2]) for path in self.sources if path.startswith("tests/")}
+        programs -= {"tests/support", "tests/consumer"}
+        reported = set()
+        for program in sorted(programs):
+            folders = ("Orvane/", "tests/support/", program + "/")
+            if program == "tests/sandbox":
+                folders += ("tools/sandbox/",)
+            first = {}
+            for source in self.sources.values():
+                if not source.path.startswith(folders):
+                    continue
+                for number, name in source.types():
+                    other = first.setdefault(name, source.path)
+                    if other != source.path and (source.path, name) not in reported:
+                        reported.add((source.path, name))
+                        self.report(source.path, number, f"{name} is defined in {other}, too")
 
     def check_licences(self):
         for path in self.files:
