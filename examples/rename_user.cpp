@@ -14,7 +14,7 @@ namespace {
 
 // A coroutine that starts at once and that nobody waits for: any library of coroutines has better.
 struct Detached {
-  struct promise_type {
+  struct promise_type {  // NOLINT(readability-identifier-naming): the language looks for it
     Detached get_return_object() { return {}; }
     std::suspend_never initial_suspend() noexcept { return {}; }
     std::suspend_never final_suspend() noexcept { return {}; }

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The command-line client as a process: arguments and environment in, streams and exit code out.
-#include "SandboxProcess.h"
+#include "CommandLine.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -14,56 +12,8 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Matcher;
 using testing::Not;
 using testing::StartsWith;
-
-using Words = std::vector<std::string>;
-
-Ending orvane(const Words& arguments, const Environment& environment = {}) {
-  return run(ORVANE_CLI_EXECUTABLE, arguments, environment);
-}
-
-// Settings for the first of the sandbox's people, as a user would export them.
-Environment settingsOf(const SandboxProcess& sandbox) {
-  return {{"ORVANE_BASE_URL", sandbox.baseURL()},
-          {"ORVANE_CA_FILE", sandbox.caFile()},
-          {"ORVANE_API_KEY", sandbox.identity().apiKey},
-          {"ORVANE_USER", *sandbox.identity().externalReferenceID},
-          {"ORVANE_SIGNING_KEY_FILE", sandbox.signingKeyFile()},
-          {"HOME", sandbox.folder().path()},
-          {"TZ", "UTC"}};
-}
-
-Environment with(Environment environment, const Environment& changes) {
-  for (const auto& [name, value] : changes) environment[name] = value;
-  return environment;
-}
-
-Environment without(Environment environment, const std::string& name) {
-  environment.erase(name);
-  return environment;
-}
-
-// A usage error is one line on standard error.
-MATCHER(IsOneLine, "") { return arg.starts_with("orvane: ") && arg.find('\n') == arg.size() - 1; }
-
-struct Row {
-  Words arguments;
-  int exitCode = 0;
-  Matcher<std::string> output = IsEmpty();
-  Matcher<std::string> errors = IsEmpty();
-};
-
-void check(const std::vector<Row>& rows, const Environment& environment) {
-  for (const Row& row : rows) {
-    SCOPED_TRACE(testing::PrintToString(row.arguments));
-    const Ending ending = orvane(row.arguments, environment);
-    EXPECT_EQ(ending.exitCode, row.exitCode) << ending.errors;
-    EXPECT_THAT(ending.output, row.output);
-    EXPECT_THAT(ending.errors, row.errors);
-  }
-}
 
 TEST(CommandLineTest, WorksOnTheUser) {
   const SandboxProcess sandbox;
@@ -113,7 +63,7 @@ TEST(CommandLineTest, EveryErrorHasItsExitCodeAndOneLine) {
   const TemporaryFolder folder;
   const std::string noKey = folder.write("key", "not hexadecimal");
   const auto failing = [](Words arguments, int code, const std::string& said) {
-    return Row{std::move(arguments), code, IsEmpty(), AllOf(IsOneLine(), HasSubstr(said))};
+    return CommandRow{std::move(arguments), code, IsEmpty(), AllOf(IsOneLine(), HasSubstr(said))};
   };
   const Words show{"user", "show"};
   const auto showing = [&](Words more) {

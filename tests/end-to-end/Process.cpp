@@ -27,6 +27,7 @@ using Clock = std::chrono::steady_clock;
 
 std::vector<char*> pointers(const std::vector<std::string>& texts) {
   std::vector<char*> all;
+  all.reserve(texts.size() + 1);
   // execve() leaves them as they are.
   for (const std::string& text : texts) all.push_back(const_cast<char*>(text.c_str()));
   all.push_back(nullptr);
@@ -56,7 +57,9 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
   std::vector<std::string> words{program};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<std::string> variables;
-  for (const auto& [name, value] : environment) variables.push_back(name + "=" + value);
+  for (const auto& [name, value] : environment) {
+    variables.push_back(std::string(name).append("=").append(value));
+  }
   const std::vector<char*> wordPointers = pointers(words);
   const std::vector<char*> variablePointers = pointers(variables);
 

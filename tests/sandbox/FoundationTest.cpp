@@ -172,11 +172,14 @@ TEST_F(Foundation, AdminRequestsNeedTheKeyAndHideTokens) {
 }
 
 TEST_F(Foundation, ChangesOutliveARestartAndAResetUndoesThem) {
+  const json trips = read("users/1001/trips?expand=points&expand=events&expand=scores");
   ASSERT_EQ(postForm("users/1001", {{"publicDisplayName", "Änn", "", ""}}).status, 200);
   start();
   EXPECT_EQ(read("users/1001")["publicDisplayName"], "Änn");
   admin("reset", json::object());
   EXPECT_EQ(read("users/1001")["publicDisplayName"], "Anna K.");
+  EXPECT_TRUE(read("users/1001/trips?expand=points&expand=events&expand=scores") == trips)
+      << "the same time gives the same data";
 }
 
 }  // namespace

@@ -85,7 +85,7 @@ struct Argument<User::Gender> {
 
 template <Enumeration E>
 struct Argument<E> {
-  static constexpr std::string_view label = "";
+  static constexpr std::string_view label{};
   static constexpr std::string_view meaning = "one of the choices";
 
   [[nodiscard]] static std::vector<std::string> choices() {

@@ -163,7 +163,7 @@ Resource& Resource::add() & {
 
 template <class V>
 Resource Resource::only() {
-  Resource resource(std::string(V::name), std::string(V::summary));
+  Resource resource{std::string(V::name), std::string(V::summary)};
   resource.add<V>();
   resource.isItsVerb_ = true;
   return resource;

@@ -172,7 +172,8 @@ void addFishResource(std::string& script, const Resource& resource) {
     const std::string name(verb->name());
     script += "complete -c orvane -n " + shellWord(isBare) + " -a " + name + " -d " +
               shellWord(verb->summary()) + "\n";
-    const std::string isVerb = isResource + "; and __fish_seen_subcommand_from " + name;
+    const std::string isVerb =
+        std::string(isResource).append("; and __fish_seen_subcommand_from ").append(name);
     for (const Option& option : optionsOf(*verb)) addFishOption(script, isVerb, option);
   }
 }

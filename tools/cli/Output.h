@@ -109,10 +109,10 @@ class Output {
   /// As a table the names stand in a column; else every line is name, tab, value.
   void block(const Block& block);
   /// The same under a heading, which stands before every name where there is no table.
-  void section(std::string_view heading, const Block& block);
+  void section(std::string_view title, const Block& block);
   /// The header first, then the rows.
   void table(const Table& table);
-  void section(std::string_view heading, const Table& table);
+  void section(std::string_view title, const Table& rows);
   /// A JSON text, which has no white space yet.
   void json(std::string_view text);
   /// Everything as it is, without a line break at its end: for contents, not for records.

@@ -120,7 +120,7 @@ class CommandLine {
   /// Why it was refused, in clearer words than CLI11's where it misses a value, and where it misses
   /// a command instead of saying that it does not know one.
   [[nodiscard]] std::string complaint(const CLI::ParseError& error) const {
-    const std::string said = error.what();
+    std::string said = error.what();
     if (error.get_name() == "ArgumentMismatch" && said.find(" missing") != std::string::npos) {
       return said.substr(0, said.find(':')) + " needs a value";
     }

@@ -12,7 +12,7 @@ namespace orvane::sandbox {
 namespace {
 
 constexpr std::size_t hugeSize = 100'000'000;
-constexpr std::size_t pieceSize = 64 * 1024;
+constexpr std::size_t pieceSize = 65'536;
 
 /// A JSON array of text that never seems to end.
 BodyStream hugeStream() {

@@ -13,7 +13,7 @@ RequestHandle ActivationService::activate(std::string activationId, std::string 
                                   .activationCode = std::move(activationCode),
                                   .email = emailAddress,
                                   .accountID = identity().externalReferenceID,
-                                  .displayName = emailAddress,
+                                  .displayName = std::move(emailAddress),
                                   .deviceID = deviceIdentifier()->current()}),
               std::move(then));
 }

@@ -2,7 +2,7 @@
 // One function per resource; `resources()` lists them.
 #pragma once
 
-#include "../Command.h"
+#include "Command.h"
 
 namespace orvane::cli {
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // orvane completion: scripts that make a shell complete this program's command lines.
-#include "../Completion.h"
+#include "Completion.h"
 
-#include "../Program.h"
 #include "Commands.h"
+#include "Program.h"
 
 namespace orvane::cli {
 namespace {

@@ -110,11 +110,11 @@ std::vector<Point> resample(std::span<const Point> line, double step) {
   double untilNext = step;
   for (std::size_t i = 0; i + 1 < line.size(); ++i) {
     const double piece = length(line[i + 1] - line[i]);
-    double at = untilNext;
-    for (; at <= piece; at += step) {
-      even.push_back(line[i] + (line[i + 1] - line[i]) * (at / piece));
+    const int count = piece < untilNext ? 0 : static_cast<int>((piece - untilNext) / step) + 1;
+    for (int k = 0; k < count; ++k) {
+      even.push_back(line[i] + (line[i + 1] - line[i]) * ((untilNext + k * step) / piece));
     }
-    untilNext = at - piece;
+    untilNext += count * step - piece;
   }
   if (length(line.back() - even.back()) > step / 10) even.push_back(line.back());
   return even;

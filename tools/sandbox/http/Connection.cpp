@@ -23,10 +23,10 @@ using namespace std::chrono_literals;
 constexpr auto transferTimeout = 20s;
 constexpr auto drainTimeout = 500ms;
 constexpr int mostDrained = 256;  // input buffers
-constexpr std::size_t inputBuffer = 16 * 1024;
-constexpr std::size_t outputBuffer = 64 * 1024;
+constexpr std::size_t inputBuffer = 16'384;
+constexpr std::size_t outputBuffer = 65'536;
 constexpr std::size_t longestTarget = 8192;
-constexpr std::size_t longestLine = 64 * 1024;
+constexpr std::size_t longestLine = 65'536;
 
 }  // namespace
 

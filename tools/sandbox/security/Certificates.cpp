@@ -16,11 +16,11 @@ namespace orvane::sandbox {
 
 namespace {
 
-template <auto Free>
+template <auto release>
 struct Deleter {
   template <class T>
   void operator()(T* object) const {
-    Free(object);
+    release(object);
   }
 };
 
@@ -111,8 +111,8 @@ void save(const std::filesystem::path& path, EVP_PKEY* key) {
 
 void makeAuthority(const std::filesystem::path& folder) {
   const Key key = makeKey();
-  const Certificate certificate = makeUnsigned(key.get(), "Orvane Sandbox CA", nullptr,
-                                               {-secondsPerDay, 10 * 365 * secondsPerDay});
+  const Certificate certificate =
+      makeUnsigned(key.get(), "Orvane Sandbox CA", nullptr, {-secondsPerDay, 3650 * secondsPerDay});
   X509* raw = certificate.get();
   extend(raw, raw, NID_basic_constraints, "critical,CA:TRUE,pathlen:0");
   extend(raw, raw, NID_key_usage, "critical,keyCertSign,cRLSign");
