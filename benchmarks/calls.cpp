@@ -105,9 +105,19 @@ class BareLoop {
     curl_multi_setopt(multi_, CURLMOPT_MAX_HOST_CONNECTIONS, 8L);
     curl_blob trusted{backend().authorityPEM.data(), backend().authorityPEM.size(),
                       CURL_BLOB_NOCOPY};
+    const TransportOptions limits;
     for (Transfer& transfer : transfers_) {
       transfer.easy = curl_easy_init();
       curl_easy_setopt(transfer.easy, CURLOPT_CAINFO_BLOB, &trusted);
+      curl_easy_setopt(transfer.easy, CURLOPT_CAPATH, nullptr);
+      curl_easy_setopt(transfer.easy, CURLOPT_SSLVERSION, long{CURL_SSLVERSION_TLSv1_2});
+      curl_easy_setopt(transfer.easy, CURLOPT_PROTOCOLS_STR, "https,http");
+      curl_easy_setopt(transfer.easy, CURLOPT_PROXY, "");
+      curl_easy_setopt(transfer.easy, CURLOPT_CONNECTTIMEOUT_MS,
+                       long{limits.connectTimeout.count()});
+      curl_easy_setopt(transfer.easy, CURLOPT_TIMEOUT_MS, long{limits.totalTimeout.count()});
+      curl_easy_setopt(transfer.easy, CURLOPT_LOW_SPEED_LIMIT, 1L);
+      curl_easy_setopt(transfer.easy, CURLOPT_LOW_SPEED_TIME, long{limits.idleTimeout.count()});
       curl_easy_setopt(transfer.easy, CURLOPT_ACCEPT_ENCODING, "");
       curl_easy_setopt(transfer.easy, CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_2TLS});
       curl_easy_setopt(transfer.easy, CURLOPT_PIPEWAIT, 1L);
