@@ -41,6 +41,11 @@ std::optional<std::string> Argument<std::string>::parse(std::string_view text) {
   return std::string(text);
 }
 
+std::optional<Identifier> Argument<Identifier>::parse(std::string_view text) {
+  if (text.empty()) return std::nullopt;
+  return Identifier{std::string(text)};
+}
+
 std::optional<std::filesystem::path> Argument<std::filesystem::path>::parse(std::string_view text) {
   if (text.empty()) return std::nullopt;
   return std::filesystem::path(text);

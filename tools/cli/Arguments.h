@@ -28,6 +28,19 @@ struct Argument<std::string> {
   [[nodiscard]] static std::optional<std::string> parse(std::string_view text);
 };
 
+/// An identifier of the backend's. It stands in paths, where an empty one would address what is
+/// above it: all vehicles instead of one.
+struct Identifier {
+  std::string text;
+};
+
+template <>
+struct Argument<Identifier> {
+  static constexpr std::string_view label = "ID";
+  static constexpr std::string_view meaning = "an identifier";
+  [[nodiscard]] static std::optional<Identifier> parse(std::string_view text);
+};
+
 template <>
 struct Argument<std::filesystem::path> {
   static constexpr std::string_view label = "FILE";

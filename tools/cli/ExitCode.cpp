@@ -4,6 +4,7 @@
 #include <Orvane/Common/Await.h>
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Runtime/ConfigurationError.h>
+#include <Orvane/Runtime/DownloadError.h>
 #include <Orvane/Runtime/TokenResolvers.h>
 #include <Orvane/Runtime/TransportError.h>
 
@@ -31,7 +32,7 @@ constexpr ExitCodeRow rows[] = {
     {ExitCode::serverError, "the backend failed (5xx)"},
     {ExitCode::usage, "the command line is wrong"},
     {ExitCode::internal, "an error without a kind of its own"},
-    {ExitCode::output, "the output can't be written"},
+    {ExitCode::output, "the output, or a file, can't be written"},
     {ExitCode::configuration, "a setting is missing or wrong"},
     {ExitCode::cancelled, "cancelled with Ctrl-C"},
 };
@@ -110,6 +111,7 @@ ExitCode codeOf(const Error& error) {
   if (error.as<DataError>() != nullptr) return ExitCode::malformedRequest;
   if (error.as<ConfigurationError>() != nullptr) return ExitCode::configuration;
   if (error.as<TokenError>() != nullptr) return ExitCode::configuration;
+  if (error.as<DownloadError>() != nullptr) return ExitCode::output;
   if (error.as<Cancelled>() != nullptr) return ExitCode::cancelled;
   return ExitCode::internal;
 }

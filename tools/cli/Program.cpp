@@ -35,9 +35,12 @@ std::string exampleText(const Verb& verb) {
 }
 
 void checkChoice(const Option& option, const std::string& text) {
+  // More than that are no help in a line.
+  constexpr std::size_t mostListed = 16;
   if (option.accept(text)) return;
   std::string message = "'" + text + "' is not " + option.meaning;
-  if (!option.choices.empty()) message += ": " + joined(option.choices, ", ");
+  const bool isListed = !option.choices.empty() && option.choices.size() <= mostListed;
+  if (isListed) message += ": " + joined(option.choices, ", ");
   throw CLI::ValidationError(option.name, message);
 }
 

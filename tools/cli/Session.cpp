@@ -4,12 +4,15 @@
 #include "Trace.h"
 #include <Orvane/Common/Logger.h>
 #include <Orvane/Common/MainQueue.h>
+#include <Orvane/Core/OrvaneDetails.h>
 #include <Orvane/Platform/Date.h>
 #include <Orvane/Platform/DeviceSettings.h>
 #include <Orvane/Platform/TimeZone.h>
 #include <Orvane/Runtime/Loggers.h>
 #include <Orvane/Runtime/SelfSignedTokenResolver.h>
+#include <Orvane/Services/User/UserService.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
@@ -61,6 +64,7 @@ Session::Session(Settings settings, OutputStyle style, bool isVerbose)
   DeviceSettings device;
   device.locale = settings_.text(Setting::locale).value_or("");
   device.timeZone = zone.value_or("");
+  device.documentsDirectory = settings_.text(Setting::documentsFolder).value_or("");
   DeviceSettings::set(std::move(device));
   Logger::setShared(loggerFor(isVerbose_));
 }
@@ -83,14 +87,47 @@ void Session::connect() {
   options.tokens = tokens();
   options.transport = transport();
   options.deviceIdentifierFile = settings_.text(Setting::deviceFile).value_or("");
+  install(std::move(options));
+}
+
+void Session::connectForDownloads() {
+  RuntimeOptions options;
+  options.firmwareHost = settings_.required(Setting::firmwareHost);
+  options.transport = transport();
+  const auto longest = std::chrono::ceil<std::chrono::seconds>(timeout());
+  options.transport.idleTimeout = longest;
+  options.transport.connectTimeout = std::min(options.transport.connectTimeout, timeout());
+  // Nobody asks for these, but there is no Runtime without.
+  options.baseURL = [](const std::string&) -> Result<URL> { return UnknownAPIKey{}; };
+  options.tokens = [](const Identity&, std::optional<double>, Completion<std::string> then) {
+    then(TokenError(TokenError::Kind::signedOut));
+  };
+  install(std::move(options));
+}
+
+void Session::install(RuntimeOptions options) {
   Result<Runtime> installed = Runtime::install(std::move(options));
   if (!installed.value()) throw failureOf(installed.errorOr(NetworkError::unknown));
   runtime_ = *std::move(installed).value();
 }
 
-bool Session::await(const RequestHandle& request) {
+std::string Session::userID() {
+  return call<OrvaneDetails>([&](Completion<OrvaneDetails> then) {
+           return UserService(identity())
+               .orvaneDetailsResolver()
+               ->resolve(identity(), std::move(then));
+         })
+      .userID;
+}
+
+bool Session::await(const RequestHandle& request, TimeLimit limit) {
   interrupt_.watch(request);
-  const bool isInTime = MainQueue::main().runUntil(request, timeout());
+  bool isInTime = true;
+  if (limit) {
+    isInTime = MainQueue::main().runUntil(request, *limit);
+  } else {
+    MainQueue::main().runUntil(request);
+  }
   if (!isInTime) request->cancel();
   interrupt_.release();
   return isInTime;

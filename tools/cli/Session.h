@@ -33,13 +33,33 @@ class Session {
   /// Installs the Runtime as the settings say. To be called before the first service is made. A
   /// `Failure` for settings that can't work.
   void connect();
+  /// The same for downloads of firmware, which need neither the backend nor a token.
+  void connectForDownloads();
 
   /// Starts an operation and waits for its outcome, draining the main queue. Throws a `Failure` for
   /// an error, when the time is up, and when the user cancels.
   template <class T, StartsOperation<T> Start>
   [[nodiscard]] T call(Start&& start) {
+    return outcomeOf<T>(std::forward<Start>(start), timeout());
+  }
+
+  /// The same without a limit: a download may take as long as bytes keep coming.
+  template <class T, StartsOperation<T> Start>
+  [[nodiscard]] T download(Start&& start) {
+    return outcomeOf<T>(std::forward<Start>(start), std::nullopt);
+  }
+
+  /// The backend's identifier of the person who is signed in. Calls made afterwards do not look it
+  /// up again.
+  [[nodiscard]] std::string userID();
+
+ private:
+  using TimeLimit = std::optional<std::chrono::milliseconds>;
+
+  template <class T, class Start>
+  [[nodiscard]] T outcomeOf(Start&& start, TimeLimit limit) {
     Future<T> outcome = future<T>(std::forward<Start>(start));
-    const bool isInTime = await(outcome.request());
+    const bool isInTime = await(outcome.request(), limit);
     Result<T> result = outcome.get();
     if (result.value()) return *std::move(result).value();
     if (interrupt_.hasCome()) throw Failure(ExitCode::cancelled, "cancelled");
@@ -47,9 +67,9 @@ class Session {
     throw failureOf(result.errorOr(NetworkError::unknown));
   }
 
- private:
+  void install(RuntimeOptions options);
   // False when the time ran out first; the request is cancelled then.
-  bool await(const RequestHandle& request);
+  bool await(const RequestHandle& request, TimeLimit limit);
   [[nodiscard]] Failure timeIsUp() const;
   [[nodiscard]] TransportOptions transport() const;
   [[nodiscard]] TokenSource tokens() const;

@@ -4,6 +4,7 @@
 #include "Arguments.h"
 #include "ConfigurationFile.h"
 #include "ExitCode.h"
+#include <Orvane/Common/FirmwareHost.h>
 
 #include <algorithm>
 
@@ -21,7 +22,7 @@ constexpr SettingRow rows[] = {
     {Setting::caFile, "ca-file", "ORVANE_CA_FILE", "FILE",
      "The certificate authorities to trust (PEM), instead of the system's"},
     {Setting::timeout, "timeout", "ORVANE_TIMEOUT", "SECONDS",
-     "The longest that a command may take"},
+     "The longest that a call may take, and that a download may stand still"},
     {Setting::clockOffset, "clock-offset", "ORVANE_CLOCK_OFFSET", "SECONDS",
      "Makes this device's clock wrong on purpose: negative for a clock that is behind"},
     {Setting::deviceFile, "device-file", "ORVANE_DEVICE_FILE", "FILE",
@@ -30,6 +31,10 @@ constexpr SettingRow rows[] = {
      "The device's locale, such as de_DE, instead of the system's"},
     {Setting::timeZone, "time-zone", "ORVANE_TIME_ZONE", "ZONE",
      "The device's time zone, such as Europe/Zurich, instead of the system's"},
+    {Setting::firmwareHost, "firmware-host", "ORVANE_FIRMWARE_HOST", "URL",
+     "Where firmware is published"},
+    {Setting::documentsFolder, "documents-dir", "ORVANE_DOCUMENTS_DIR", "DIR",
+     "The folder for documents; firmware is kept in its folder \"firmware\""},
 };
 
 constexpr const char* fileVariable = "ORVANE_CONFIG";
@@ -56,6 +61,7 @@ void Settings::setFlag(Setting setting, std::string value) {
 
 void Settings::load(const std::optional<std::filesystem::path>& path) {
   set(Setting::timeout, Source::builtIn, "60");
+  set(Setting::firmwareHost, Source::builtIn, FirmwareHost().url);
   const std::filesystem::path state = folder("XDG_STATE_HOME", ".local/state");
   if (!state.empty()) {
     set(Setting::deviceFile, Source::builtIn, (state / "orvane" / "device").string());

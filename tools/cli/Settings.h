@@ -25,6 +25,8 @@ enum class Setting : std::uint8_t {
   deviceFile,
   locale,
   timeZone,
+  firmwareHost,
+  documentsFolder,
 };
 
 struct SettingRow {
@@ -77,7 +79,7 @@ class Settings {
     std::optional<std::string> text;
     Source source = Source::nowhere;
   };
-  static constexpr std::size_t count = 11;
+  static constexpr std::size_t count = 13;
 
   void set(Setting setting, Source source, std::string text);
   void readFile();

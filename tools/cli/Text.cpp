@@ -170,6 +170,21 @@ std::string visible(std::string_view text) {
   return shown;
 }
 
+std::string jsonText(std::string_view text) {
+  std::string json = "\"";
+  for (const char character : text) {
+    const auto value = static_cast<unsigned char>(character);
+    if (character == '"' || character == '\\') {
+      json.append(1, '\\').append(1, character);
+    } else if (value < 0x20) {
+      json += "\\u" + digitsOf(value, 4, 16);
+    } else {
+      json += character;
+    }
+  }
+  return json + '"';
+}
+
 std::size_t columnsOf(std::string_view text) {
   std::size_t columns = 0;
   while (!text.empty()) {

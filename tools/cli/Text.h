@@ -60,6 +60,9 @@ template <class T>
 /// an escape ("\n", "\x1b"), and what is not UTF-8 as a replacement character.
 [[nodiscard]] std::string visible(std::string_view text);
 
+/// `text`, which is UTF-8, as a JSON text, quotes included.
+[[nodiscard]] std::string jsonText(std::string_view text);
+
 /// The columns that `text`, which is free of control characters, takes on a terminal.
 [[nodiscard]] std::size_t columnsOf(std::string_view text);
 

@@ -23,13 +23,6 @@ constexpr std::string_view versionPresent = R"(\.*?DFU_4417.*___(\d+)_(\d+)_(\d+
 constexpr std::string_view versionGroups =
     R"(\.*?DFU_4417.*___(?<major>\d+)_(?<minor>\d+)_(?<patch>\d+).*)";
 
-// A download that can't start.
-struct NoDownload {
-  std::string reason;
-  [[nodiscard]] std::string message() const { return reason; }
-  friend bool operator==(const NoDownload&, const NoDownload&) = default;
-};
-
 URL packageURL() {
   const auto registered = networkContainer().find<FirmwareHost>();
   const auto host = URL::parse(registered ? registered->url : FirmwareHost().url);
@@ -83,6 +76,10 @@ std::string FirmwareVersionMissing::message() const {
   return "the device's firmware version is not known";
 }
 
+std::string FirmwareDownloadError::message() const {
+  return kind == Case::noDownloader ? "no downloader is registered" : "there is no folder for it";
+}
+
 WedgeFirmwareService::WedgeFirmwareService()
     : remoteURL_(packageURL()),
       requestManager_(
@@ -114,22 +111,34 @@ RequestHandle WedgeFirmwareService::downloadFirmware(DownloadHandler then) const
 
 RequestHandle WedgeFirmwareService::downloadFirmware(DownloadProgressHandler progress,
                                                      DownloadHandler then) const {
-  Completion<Unit> finish = [version = availableFirmwareVersion,
+  return downloadPackage(
+      std::move(progress), [then = std::move(then)](Result<FirmwarePackage> package) mutable {
+        then(package.value() ? std::move(package.value()->version) : std::nullopt);
+      });
+}
+
+RequestHandle WedgeFirmwareService::downloadPackage(DownloadProgressHandler progress,
+                                                    Completion<FirmwarePackage> then) const {
+  const auto folder = firmwareLocation ? firmwareLocation->filePath() : std::nullopt;
+  FirmwarePackage package{folder ? concatenated({*folder, "/", packageName}) : std::string(),
+                          availableFirmwareVersion};
+  std::string path = package.path;
+  Completion<Unit> finish = [package = std::move(package),
                              then = std::move(then)](Result<Unit> result) mutable {
     if (!result.value()) {
-      logFailure(version, result.errorOr(NetworkError::unknown));
-      return then(std::nullopt);
+      Error error = result.errorOr(NetworkError::unknown);
+      logFailure(package.version, error);
+      return then(std::move(error));
     }
-    logDownload(version);
-    then(std::move(version));
+    logDownload(package.version);
+    then(std::move(package));
   };
-  const auto folder = firmwareLocation ? firmwareLocation->filePath() : std::nullopt;
   if (!downloader_ || !folder) {
-    finish(NoDownload{downloader_ ? "there is no folder for it" : "no downloader is registered"});
+    using Case = FirmwareDownloadError::Case;
+    finish(FirmwareDownloadError{downloader_ ? Case::noFolder : Case::noDownloader});
     return std::make_shared<EmptyRequest>();
   }
-  return downloader_->download(remoteURL_, concatenated({*folder, "/", packageName}),
-                               std::move(progress), std::move(finish));
+  return downloader_->download(remoteURL_, std::move(path), std::move(progress), std::move(finish));
 }
 
 }  // namespace orvane

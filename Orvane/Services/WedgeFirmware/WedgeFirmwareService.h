@@ -8,6 +8,7 @@
 #include <Orvane/Platform/URL.h>
 #include <Orvane/Platform/UniqueFunction.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,6 +22,28 @@ struct ORVANE_EXPORT FirmwareVersionMissing {
   [[nodiscard]] std::string message() const;
   friend constexpr bool operator==(const FirmwareVersionMissing&,
                                    const FirmwareVersionMissing&) = default;
+};
+
+/// A download of firmware that could not even start.
+struct ORVANE_EXPORT FirmwareDownloadError {
+  enum class Case : std::uint8_t {
+    noDownloader,  ///< No `Downloader` is registered.
+    noFolder,      ///< There is no folder for it: `firmwareLocation` is absent, or no file's URL.
+  };
+
+  Case kind;
+
+  [[nodiscard]] std::string message() const;
+  friend constexpr bool operator==(const FirmwareDownloadError&,
+                                   const FirmwareDownloadError&) = default;
+};
+
+/// A package that has been downloaded.
+struct ORVANE_EXPORT FirmwarePackage {
+  std::string path;  ///< In the file system's own form.
+  std::optional<std::string> version{};
+
+  friend bool operator==(const FirmwarePackage&, const FirmwarePackage&) = default;
 };
 
 /// Compares the device's firmware with the published one and downloads that, for the application to
@@ -60,6 +83,11 @@ class ORVANE_EXPORT WedgeFirmwareService {
 
   /// The same, telling the progress.
   RequestHandle downloadFirmware(DownloadProgressHandler progress, DownloadHandler then) const;
+
+  /// The same, with the package as a value, and what went wrong as an error besides the log: a
+  /// `FirmwareDownloadError`, or the `Downloader`'s.
+  RequestHandle downloadPackage(DownloadProgressHandler progress,
+                                Completion<FirmwarePackage> then) const;
 
   /// The folder for downloads, as a file's URL; absent where there is no documents folder.
   std::optional<URL> firmwareLocation;

@@ -123,6 +123,17 @@ TEST_F(FirmwareTest, downloadsThePackageUnderItsName) {
                 "Firmware/WedgeFirmwareService: downloadFirmware(_:)"});
 }
 
+TEST_F(FirmwareTest, answersThePackage) {
+  foundation_.downloader->answer(std::string("image"));
+  const WedgeFirmwareService service;
+  const Outcome<FirmwarePackage> package;
+  service.downloadPackage(nullptr, package.handler());
+  EXPECT_EQ(
+      package.result(),
+      (FirmwarePackage{documents_ / (std::string("Documents/firmware/") + packageName), "2.2.2"}));
+  EXPECT_EQ(logged().size(), 1U);
+}
+
 TEST_F(FirmwareTest, downloadsAnUnknownVersion) {
   foundation_.downloader->answer(std::string("image"));
   WedgeFirmwareService service;
@@ -141,16 +152,26 @@ TEST_F(FirmwareTest, tellsAndLogsFailures) {
     bool hasFolder;
     bool hasVersion;
     std::string message;
+    Error error;
   };
+  using Case = FirmwareDownloadError::Case;
   const std::string known = "Error downloading firmware version Optional(\"2.2.2\")";
   const auto refused = NetworkError::invalidStatusCode(404);
   const Row rows[] = {
-      {"refused", refused, true, true, true, known + ": " + refused.message()},
-      {"without a reason", {}, true, true, true, known + ": " + NetworkError::unknown.message()},
+      {"refused", refused, true, true, true, known + ": " + refused.message(), refused},
+      {"without a reason",
+       {},
+       true,
+       true,
+       true,
+       known + ": " + NetworkError::unknown.message(),
+       NetworkError::unknown},
       {"unknown version", refused, true, true, false,
-       "Error downloading firmware version nil: " + refused.message()},
-      {"no downloader", std::string(), false, true, true, known + ": no downloader is registered"},
-      {"no folder", std::string(), true, false, true, known + ": there is no folder for it"},
+       "Error downloading firmware version nil: " + refused.message(), refused},
+      {"no downloader", std::string(), false, true, true, known + ": no downloader is registered",
+       FirmwareDownloadError{Case::noDownloader}},
+      {"no folder", std::string(), true, false, true, known + ": there is no folder for it",
+       FirmwareDownloadError{Case::noFolder}},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
@@ -171,6 +192,12 @@ TEST_F(FirmwareTest, tellsAndLogsFailures) {
     EXPECT_EQ(log.lines()[0].level, Logger::Level::error);
     EXPECT_EQ(log.lines()[0].message, row.message);
     EXPECT_EQ(log.lines()[0].function, "downloadFirmware(_:)");
+
+    const Outcome<FirmwarePackage> package;
+    service.downloadPackage(nullptr, package.handler());
+    EXPECT_EQ(package.result(), row.error);
+    ASSERT_EQ(log.lines().size(), 2U);
+    EXPECT_EQ(log.lines()[1].message, row.message);
   }
 }
 

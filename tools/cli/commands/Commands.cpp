@@ -6,7 +6,9 @@ namespace orvane::cli {
 Verb::~Verb() = default;
 
 std::vector<Resource> resources() {
-  return {userCommands(), configCommands(), completionCommands()};
+  return {userCommands(),    invitationCommands(), activateCommand(),      termsCommands(),
+          deviceCommands(),  pushCommands(),       subscriptionsCommand(), namedDriverCommands(),
+          contentCommands(), firmwareCommands(),   configCommands(),       completionCommands()};
 }
 
 }  // namespace orvane::cli

@@ -7,6 +7,15 @@
 namespace orvane::cli {
 
 [[nodiscard]] Resource userCommands();
+[[nodiscard]] Resource invitationCommands();
+[[nodiscard]] Resource activateCommand();
+[[nodiscard]] Resource termsCommands();
+[[nodiscard]] Resource deviceCommands();
+[[nodiscard]] Resource pushCommands();
+[[nodiscard]] Resource subscriptionsCommand();
+[[nodiscard]] Resource namedDriverCommands();
+[[nodiscard]] Resource contentCommands();
+[[nodiscard]] Resource firmwareCommands();
 [[nodiscard]] Resource configCommands();
 [[nodiscard]] Resource completionCommands();
 
