@@ -72,6 +72,45 @@ TEST(TextTest, TimesWhateverTheBackendSends) {
   DeviceSettings::set({});
 }
 
+TEST(TextTest, TimesOfATripAreThoseOfItsPlace) {
+  DeviceSettings::set({.timeZone = "America/New_York"});
+  struct Row {
+    std::optional<TimeZone> zone;
+    std::string shown;
+  };
+  const Row rows[] = {
+      {TimeZone::fromSeconds(19800), "2017-07-14 08:10:00 +05:30"},
+      {TimeZone::fromSeconds(-12600), "2017-07-13 23:10:00 -03:30"},
+      {TimeZone::fromSeconds(-1800), "2017-07-14 02:10:00 -00:30"},
+      {TimeZone::fromSeconds(45900), "2017-07-14 15:25:00 +12:45"},
+      {std::nullopt, "2017-07-13 22:40:00 -04:00"},
+  };
+  const Date date = dateFromSeconds(1500000000);
+  for (const Row& row : rows) {
+    EXPECT_EQ(localTime(date, row.zone), row.shown);
+    EXPECT_EQ(localMinute(date, row.zone), row.shown.substr(0, 16) + row.shown.substr(19));
+    EXPECT_EQ(localTimeOfDay(date, row.zone), row.shown.substr(11, 8));
+  }
+  EXPECT_EQ(localMinute(dateFromSeconds(1e18), std::nullopt), "1000000000000000000 s after 1970");
+  DeviceSettings::set({});
+}
+
+TEST(TextTest, DrivingInWords) {
+  EXPECT_EQ(toText(TransportMode::unknown), "unknown");
+  EXPECT_EQ(toText(TransportMode::passenger), "car-passenger");
+  EXPECT_EQ(toText(Event::EventType::braking()), "harsh braking");
+  EXPECT_EQ(toText(Event::EventType::postedSpeedLimit()), "above the limit");
+  EXPECT_EQ(toText(Event::EventType::other("PhoneUse")), "PhoneUse");
+  EXPECT_EQ(toText(Event::Severity::veryHigh), "very high");
+  EXPECT_EQ(toText(DriverDetection::Status::trained), "trained");
+  for (const auto& row : allCases<TransportMode>()) {
+    EXPECT_EQ(Argument<TransportMode>::parse(toText(row.value)), row.value);
+  }
+  EXPECT_EQ(Argument<TransportMode>::parse(""), std::nullopt);
+  EXPECT_EQ(Argument<DrivingEventSeverity>::parse("HIGH"), DrivingEventSeverity::high);
+  EXPECT_EQ(Argument<DrivingEventSeverity>::parse("3"), std::nullopt);
+}
+
 TEST(TextTest, ChoicesAreWrittenAsPeopleWould) {
   EXPECT_EQ(choiceName("WEEKEND_DRIVER"), "weekend-driver");
   EXPECT_EQ(choiceName("associatedUsers"), "associatedUsers");

@@ -7,6 +7,7 @@
 #include <sys/inotify.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -51,9 +52,10 @@ SandboxProcess::SandboxProcess(const std::vector<std::string>& arguments) {
   const TemporaryFolder announced;
   const std::string readyFile = announced.path() + "/ready.json";
   const Arrivals arrivals(announced.path());
-  std::vector<std::string> words{
-      "--data", folder_.path() + "/data", "--ready-file", readyFile, "--weeks", "1"};
+  std::vector<std::string> words{"--data", folder_.path() + "/data", "--ready-file", readyFile};
   words.insert(words.end(), arguments.begin(), arguments.end());
+  if (std::ranges::find(words, "--weeks") == words.end())
+    words.insert(words.end(), {"--weeks", "1"});
   process_ = std::make_unique<Process>(ORVANE_SANDBOX_EXECUTABLE, words, inheritedPath(),
                                        Process::Streams::quiet);
   if (!arrivals.wait(*process_)) throw std::runtime_error("the sandbox does not start");

@@ -17,7 +17,7 @@ namespace orvane::test {
 /// Listens on a free port of the loopback interface, with fresh data, as long as it lives.
 class SandboxProcess {
  public:
-  /// Starts it and waits until it answers.
+  /// Starts it, with a week of trips unless the arguments say how many, and waits until it answers.
   explicit SandboxProcess(const std::vector<std::string>& arguments = {});
   ~SandboxProcess();
   SandboxProcess(const SandboxProcess&) = delete;

@@ -1,13 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Arguments.h"
 
+#include "Text.h"
+
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <chrono>
 #include <cmath>
 
 namespace orvane::cli {
 namespace {
+
+// In the order of their numbers.
+constexpr std::array<std::string_view, 4> severityNames{"off", "low", "medium", "high"};
 
 constexpr char lowered(char character) {
   return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
@@ -77,6 +83,39 @@ std::optional<DateComponents> Argument<DateComponents>::parse(std::string_view t
 
 std::optional<User::Gender> Argument<User::Gender>::parse(std::string_view text) {
   return User::Gender::fromWireText(text);
+}
+
+std::vector<std::string> Argument<TransportMode>::choices() {
+  std::vector<std::string> names;
+  for (const auto& row : allCases<TransportMode>()) names.push_back(toText(row.value));
+  return names;
+}
+
+std::optional<TransportMode> Argument<TransportMode>::parse(std::string_view text) {
+  for (const auto& row : allCases<TransportMode>()) {
+    if (sameChoice(toText(row.value), text)) return row.value;
+  }
+  return std::nullopt;
+}
+
+std::vector<std::string> Argument<DrivingEventSeverity>::choices() {
+  return {severityNames.begin(), severityNames.end()};
+}
+
+std::optional<DrivingEventSeverity> Argument<DrivingEventSeverity>::parse(std::string_view text) {
+  const auto isText = [&](std::string_view name) { return sameChoice(name, text); };
+  const auto* const found = std::ranges::find_if(severityNames, isText);
+  if (found == severityNames.end()) return std::nullopt;
+  return static_cast<DrivingEventSeverity>(found - severityNames.begin());
+}
+
+std::optional<TimeOfDay> Argument<TimeOfDay>::parse(std::string_view text) {
+  const std::size_t colon = text.find(':');
+  if (colon == std::string_view::npos || colon > 2 || text.size() != colon + 3) return std::nullopt;
+  const auto hour = digits(text.substr(0, colon));
+  const auto minute = digits(text.substr(colon + 1));
+  if (!hour || !minute || *hour > 23 || *minute > 59) return std::nullopt;
+  return TimeOfDay{static_cast<int>(*hour), static_cast<int>(*minute)};
 }
 
 std::string choiceName(std::string_view wireText) {

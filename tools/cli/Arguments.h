@@ -2,9 +2,11 @@
 // How the texts of the command line become values: one `Argument` per type.
 #pragma once
 
+#include <Orvane/Models/TransportMode.h>
 #include <Orvane/Models/User.h>
 #include <Orvane/Platform/DateComponents.h>
 #include <Orvane/Platform/Enumeration.h>
+#include <Orvane/Services/DrivingAlert/DrivingAlertService.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -113,6 +115,37 @@ struct Argument<E> {
     }
     return std::nullopt;
   }
+};
+
+/// The mode that is not known has no wire text of its own.
+template <>
+struct Argument<TransportMode> {
+  static constexpr std::string_view label{};
+  static constexpr std::string_view meaning = "one of the choices";
+  [[nodiscard]] static std::vector<std::string> choices();
+  [[nodiscard]] static std::optional<TransportMode> parse(std::string_view text);
+};
+
+/// By its name: on the wire it is a number.
+template <>
+struct Argument<DrivingEventSeverity> {
+  static constexpr std::string_view label{};
+  static constexpr std::string_view meaning = "one of the choices";
+  [[nodiscard]] static std::vector<std::string> choices();
+  [[nodiscard]] static std::optional<DrivingEventSeverity> parse(std::string_view text);
+};
+
+/// A time of day, without its day.
+struct TimeOfDay {
+  int hour = 0;    ///< 0 to 23.
+  int minute = 0;  ///< 0 to 59.
+};
+
+template <>
+struct Argument<TimeOfDay> {
+  static constexpr std::string_view label = "HH:MM";
+  static constexpr std::string_view meaning = "a time of day, as HH:MM";
+  [[nodiscard]] static std::optional<TimeOfDay> parse(std::string_view text);
 };
 
 }  // namespace orvane::cli

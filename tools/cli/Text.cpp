@@ -77,9 +77,40 @@ std::size_t columnsOf(char32_t value) {
   return columns < 0 ? 1 : static_cast<std::size_t>(columns);
 }
 
-std::int64_t secondsEastOfGreenwich(Date date) {
-  const auto zone = TimeZone::named(DeviceSettings::current()->timeZone);
+std::int64_t secondsEastOfGreenwich(Date date, const std::optional<TimeZone>& given) {
+  const auto zone = given ? given : TimeZone::named(DeviceSettings::current()->timeZone);
   return zone ? zone->secondsFromGMT(date) : 0;
+}
+
+struct LocalTime {
+  std::string day;
+  std::string timeOfDay;
+  std::string offset;  // from UTC
+};
+
+// Absent beyond what a calendar shows.
+std::optional<LocalTime> localTimeOf(Date date, const std::optional<TimeZone>& zone) {
+  const double seconds = std::floor(secondsSince1970(date));
+  if (!(seconds >= firstShownSecond && seconds <= lastShownSecond)) return std::nullopt;
+  const std::int64_t offset = secondsEastOfGreenwich(date, zone);
+  const auto local = static_cast<std::int64_t>(seconds) + offset;
+  const std::chrono::sys_seconds point{std::chrono::seconds(local)};
+  const auto midnight = std::chrono::floor<std::chrono::days>(point);
+  const std::chrono::year_month_day day(midnight);
+  const std::chrono::hh_mm_ss time(point - midnight);
+  LocalTime parts;
+  parts.day = yearText(static_cast<int>(day.year())) + "-" +
+              twoDigits(static_cast<unsigned>(day.month())) + "-" +
+              twoDigits(static_cast<unsigned>(day.day()));
+  parts.timeOfDay = twoDigits(time.hours().count()) + ":" + twoDigits(time.minutes().count()) +
+                    ":" + twoDigits(time.seconds().count());
+  parts.offset =
+      (offset < 0 ? "-" : "+") + twoDigits(offset / 3600) + ":" + twoDigits(offset / 60 % 60);
+  return parts;
+}
+
+std::string beyondCalendars(Date date) {
+  return decimal(secondsSince1970(date), 0) + " s after 1970";
 }
 
 }  // namespace
@@ -91,23 +122,49 @@ std::string toText(double number) { return decimal(number, 6); }
 std::string toText(const URL& url) { return url.absoluteString(); }
 std::string toText(const User::Gender& gender) { return std::string(gender.wireText()); }
 
-std::string toText(Date date) {
-  const double seconds = std::floor(secondsSince1970(date));
-  if (!(seconds >= firstShownSecond && seconds <= lastShownSecond)) {
-    return decimal(secondsSince1970(date), 0) + " s after 1970";
-  }
-  const std::int64_t offset = secondsEastOfGreenwich(date);
-  const auto local = static_cast<std::int64_t>(seconds) + offset;
-  const std::chrono::sys_seconds point{std::chrono::seconds(local)};
-  const auto midnight = std::chrono::floor<std::chrono::days>(point);
-  const std::chrono::year_month_day day(midnight);
-  const std::chrono::hh_mm_ss time(point - midnight);
-  return yearText(static_cast<int>(day.year())) + "-" +
-         twoDigits(static_cast<unsigned>(day.month())) + "-" +
-         twoDigits(static_cast<unsigned>(day.day())) + " " + twoDigits(time.hours().count()) + ":" +
-         twoDigits(time.minutes().count()) + ":" + twoDigits(time.seconds().count()) +
-         (offset < 0 ? " -" : " +") + twoDigits(offset / 3600) + ":" + twoDigits(offset / 60 % 60);
+std::string toText(TransportMode mode) {
+  return mode == TransportMode::unknown ? "unknown" : choiceName(wireText(mode));
 }
+
+std::string toText(const Event::EventType& type) {
+  const auto* known = type.as<Event::KnownEventType>();
+  if (known == nullptr) return std::string(type.wireText());
+  switch (*known) {
+    case Event::KnownEventType::acceleration:
+      return "harsh acceleration";
+    case Event::KnownEventType::braking:
+      return "harsh braking";
+    case Event::KnownEventType::cornering:
+      return "harsh cornering";
+    case Event::KnownEventType::speeding:
+      return "speeding";
+    case Event::KnownEventType::postedSpeedLimit:
+      break;
+  }
+  return "above the limit";
+}
+
+std::string toText(Event::Severity severity) {
+  switch (severity) {
+    case Event::Severity::veryLow:
+      return "very low";
+    case Event::Severity::low:
+      return "low";
+    case Event::Severity::medium:
+      return "medium";
+    case Event::Severity::high:
+      return "high";
+    case Event::Severity::veryHigh:
+      break;
+  }
+  return "very high";
+}
+
+std::string toText(DriverDetection::Status status) {
+  return status == DriverDetection::Status::inTraining ? "in training" : "trained";
+}
+
+std::string toText(Date date) { return localTime(date, std::nullopt); }
 
 std::string toText(const DateComponents& day) {
   if (!day.year) return "-";
@@ -115,6 +172,22 @@ std::string toText(const DateComponents& day) {
   if (day.month) text += "-" + twoDigits(*day.month);
   if (day.month && day.day) text += "-" + twoDigits(*day.day);
   return text;
+}
+
+std::string localTime(Date date, const std::optional<TimeZone>& zone) {
+  const auto parts = localTimeOf(date, zone);
+  return parts ? parts->day + " " + parts->timeOfDay + " " + parts->offset : beyondCalendars(date);
+}
+
+std::string localMinute(Date date, const std::optional<TimeZone>& zone) {
+  const auto parts = localTimeOf(date, zone);
+  if (!parts) return beyondCalendars(date);
+  return parts->day + " " + parts->timeOfDay.substr(0, 5) + " " + parts->offset;
+}
+
+std::string localTimeOfDay(Date date, const std::optional<TimeZone>& zone) {
+  const auto parts = localTimeOf(date, zone);
+  return parts ? parts->timeOfDay : beyondCalendars(date);
 }
 
 std::string decimal(double number, int decimals) {

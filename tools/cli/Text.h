@@ -3,12 +3,17 @@
 #pragma once
 
 #include "Arguments.h"
+#include <Orvane/Models/DriverDetection.h>
+#include <Orvane/Models/Event.h>
+#include <Orvane/Models/TransportMode.h>
 #include <Orvane/Models/User.h>
 #include <Orvane/Platform/Date.h>
 #include <Orvane/Platform/DateComponents.h>
 #include <Orvane/Platform/Enumeration.h>
+#include <Orvane/Platform/TimeZone.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +31,11 @@ namespace orvane::cli {
 [[nodiscard]] std::string toText(const DateComponents& day);
 [[nodiscard]] std::string toText(const URL& url);
 [[nodiscard]] std::string toText(const User::Gender& gender);
+[[nodiscard]] std::string toText(TransportMode mode);
+/// "harsh braking"; a kind that is not known under the backend's name.
+[[nodiscard]] std::string toText(const Event::EventType& type);
+[[nodiscard]] std::string toText(Event::Severity severity);
+[[nodiscard]] std::string toText(DriverDetection::Status status);
 
 [[nodiscard]] inline std::string toText(const std::string& text) {
   return toText(std::string_view(text));
@@ -44,6 +54,13 @@ template <class T>
   for (const T& value : values) texts.push_back(toText(value));
   return joined(texts, ", ");
 }
+
+/// As `toText(Date)`, but in `zone`, the device's where there is none.
+[[nodiscard]] std::string localTime(Date date, const std::optional<TimeZone>& zone);
+/// To the minute: "2024-05-17 14:03 +02:00".
+[[nodiscard]] std::string localMinute(Date date, const std::optional<TimeZone>& zone);
+/// The time of day alone: "14:03:05".
+[[nodiscard]] std::string localTimeOfDay(Date date, const std::optional<TimeZone>& zone);
 
 /// A number in the C locale with at most `decimals` of them, without trailing zeros.
 [[nodiscard]] std::string decimal(double number, int decimals);

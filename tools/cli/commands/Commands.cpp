@@ -6,9 +6,15 @@ namespace orvane::cli {
 Verb::~Verb() = default;
 
 std::vector<Resource> resources() {
-  return {userCommands(),    invitationCommands(), activateCommand(),      termsCommands(),
-          deviceCommands(),  pushCommands(),       subscriptionsCommand(), namedDriverCommands(),
-          contentCommands(), firmwareCommands(),   configCommands(),       completionCommands()};
+  return {// Users and enrolment.
+          userCommands(), invitationCommands(), activateCommand(), termsCommands(),
+          deviceCommands(), pushCommands(), subscriptionsCommand(), namedDriverCommands(),
+          // Trips and driving.
+          tripCommands(), locationCommands(), vehicleCommands(), summaryCommands(), alertCommands(),
+          // Content and firmware.
+          contentCommands(), firmwareCommands(),
+          // The program itself.
+          configCommands(), completionCommands()};
 }
 
 }  // namespace orvane::cli

@@ -16,6 +16,11 @@ namespace orvane::cli {
 [[nodiscard]] Resource namedDriverCommands();
 [[nodiscard]] Resource contentCommands();
 [[nodiscard]] Resource firmwareCommands();
+[[nodiscard]] Resource tripCommands();
+[[nodiscard]] Resource locationCommands();
+[[nodiscard]] Resource vehicleCommands();
+[[nodiscard]] Resource summaryCommands();
+[[nodiscard]] Resource alertCommands();
 [[nodiscard]] Resource configCommands();
 [[nodiscard]] Resource completionCommands();
 

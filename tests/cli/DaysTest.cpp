@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+// Days and times of day of the command line in the device's time zone.
+#include "Days.h"
+#include <Orvane/Platform/DeviceSettings.h>
+
+#include <gtest/gtest.h>
+
+namespace orvane::cli {
+namespace {
+
+class DaysTest : public testing::Test {
+ protected:
+  void TearDown() override {
+    DeviceSettings::set({});
+    DeviceClock::setSource(nullptr);
+  }
+};
+
+TEST_F(DaysTest, NoonIsTheDevices) {
+  struct Row {
+    std::string zone;
+    DateComponents day;
+    double seconds;
+  };
+  const Row rows[] = {
+      {"UTC", {1970, 1, 1}, 43200},
+      {"Asia/Kolkata", {1970, 1, 2}, 86400 + 43200 - 19800},
+      {"Pacific/Kiritimati", {2024, 5, 17}, 1715896800},  // UTC+14
+      {"America/St_Johns", {2024, 2, 29}, 1709220600},    // UTC-03:30
+      {"Europe/Zurich", {2024, 3, 31}, 1711879200},       // put forward in that night
+      {"Pacific/Auckland", {2024, 9, 29}, 1727564400},    // the same, at noon before by UTC
+      {"America/New_York", {1900, 1, 1}, -2208927600},
+  };
+  for (const Row& row : rows) {
+    DeviceSettings::set({.timeZone = row.zone});
+    EXPECT_EQ(secondsSince1970(noonOf(row.day)), row.seconds) << row.zone;
+  }
+}
+
+TEST_F(DaysTest, TheNextTimeOfDay) {
+  DeviceSettings::set({.timeZone = "Europe/Zurich"});
+  struct Row {
+    TimeOfDay time;
+    double seconds;
+  };
+  // 2024-03-30 23:00 in Zurich; at 2:00 the clock is put forward to 3:00.
+  DeviceClock::setSource([] { return dateFromSeconds(1711836000); });
+  const Row rows[] = {
+      {{23, 0}, 1711836000},
+      {{22, 30}, 1711917000},
+      {{6, 5}, 1711857900},
+      {{2, 30}, 1711931400},  // on the day after the next: the next has no such time
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(secondsSince1970(next(row.time)), row.seconds)
+        << row.time.hour << ":" << row.time.minute;
+  }
+}
+
+TEST_F(DaysTest, TimesOfDayAreRead) {
+  for (const char* text : {"", "6", "24:00", "12:60", "6:5", "006:05", "-1:00", "6:05 "}) {
+    EXPECT_FALSE(Argument<TimeOfDay>::parse(text)) << text;
+  }
+  EXPECT_EQ(Argument<TimeOfDay>::parse("6:05")->minute, 5);
+  EXPECT_EQ(Argument<TimeOfDay>::parse("23:59")->hour, 23);
+}
+
+}  // namespace
+}  // namespace orvane::cli
