@@ -19,8 +19,14 @@ void addDateRange(QueryItems& items, const DateRange& range, std::string_view co
           place.line());
     return;
   }
-  items.add("startDate", formatDate(range.start, weekYearDayPattern))
-      .add("endDate", formatDate(range.end, weekYearDayPattern));
+  const auto start = formatDate(range.start, weekYearDayPattern);
+  const auto end = formatDate(range.end, weekYearDayPattern);
+  if (!start || !end) {
+    log.w("Not filtering by date because the calendar does not reach so far.", composer,
+          place.functionName(), place.line());
+    return;
+  }
+  items.add("startDate", *start).add("endDate", *end);
 }
 
 }  // namespace orvane

@@ -73,13 +73,16 @@ class Formats {
     return formatters_.emplace_back(pattern, std::move(made)).second.get();
   }
 
-  std::string format(Date date, std::string_view pattern) {
+  std::optional<std::string> format(Date date, std::string_view pattern) {
+    const icu::SimpleDateFormat* formatter = this->formatter(pattern);
+    // ICU finds a year even for what is not a number.
+    if (formatter == nullptr || std::isnan(secondsSince1970(date))) return std::nullopt;
+    icu::UnicodeString formatted;
+    formatter->format(secondsSince1970(date) * 1000.0, formatted);
+    // Nothing is what it writes of a date beyond its calendar.
+    if (formatted.isEmpty()) return std::nullopt;
     std::string text;
-    if (const icu::SimpleDateFormat* formatter = this->formatter(pattern)) {
-      icu::UnicodeString formatted;
-      formatter->format(secondsSince1970(date) * 1000.0, formatted).toUTF8String(text);
-    }
-    return text;
+    return formatted.toUTF8String(text);
   }
 
  private:
@@ -93,7 +96,7 @@ class Formats {
   bool digitsAreLatin() {
     // 2001-12-23 at noon UTC lies on that day, or beside it in the outermost zones; digits only
     // matter.
-    for (const char c : format(dateFromSeconds(1009108800), dayPattern)) {
+    for (const char c : format(dateFromSeconds(1009108800), dayPattern).value_or("")) {
       if ((c < '0' || c > '9') && c != '-') return false;
     }
     return true;
@@ -180,7 +183,7 @@ std::optional<Date> timeOf(const icu::Calendar& calendar) {
 
 }  // namespace
 
-std::string formatDate(Date date, std::string_view pattern) {
+std::optional<std::string> formatDate(Date date, std::string_view pattern) {
   return formats().format(date, pattern);
 }
 
@@ -229,7 +232,8 @@ std::optional<DateComponents> parseDay(std::string_view text) {
   calendar->set(UCAL_HOUR_OF_DAY, noon);
   const std::optional<Date> date = timeOf(*calendar);
   // ICU takes "20-01-05", leading blanks and trailing text even when it is strict.
-  if (!date || !isSameText(formats.format(*date, dayPattern), text)) return std::nullopt;
+  const auto formatted = date ? formats.format(*date, dayPattern) : std::nullopt;
+  if (!formatted || !isSameText(*formatted, text)) return std::nullopt;
 
   UErrorCode status = U_ZERO_ERROR;
   const DateComponents components{calendar->get(UCAL_YEAR, status),
@@ -240,7 +244,7 @@ std::optional<DateComponents> parseDay(std::string_view text) {
 
 std::optional<Date> addingDays(Date date, std::int64_t days) {
   icu::Calendar* calendar = formats().cleared();
-  if (calendar == nullptr || !fits(days)) return std::nullopt;
+  if (calendar == nullptr || !fits(days) || std::isnan(secondsSince1970(date))) return std::nullopt;
   UErrorCode status = U_ZERO_ERROR;
   calendar->setTime(secondsSince1970(date) * 1000.0, status);
   calendar->add(UCAL_DATE, static_cast<std::int32_t>(days), status);

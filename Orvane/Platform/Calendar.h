@@ -16,21 +16,26 @@ namespace orvane {
 /// The pattern of calendar days (Unicode Technical Standard 35).
 inline constexpr std::string_view dayPattern = "yyyy-MM-dd";
 
-/// `date` in a pattern of Unicode Technical Standard 35. Any thread.
-[[nodiscard]] std::string formatDate(Date date, std::string_view pattern);
+/// `date` in a pattern of Unicode Technical Standard 35. Absent for a date that is not finite, or
+/// that the calendar does not reach: some five million years either way. Any thread.
+[[nodiscard]] std::optional<std::string> formatDate(Date date, std::string_view pattern);
 
 /// Noon of the day that the components form. Absent without a year, or where the calendar refuses
 /// them. (Noon, since midnight does not exist everywhere on every day.)
 [[nodiscard]] std::optional<Date> dateOf(const DateComponents& components);
 
-/// The day's text in `dayPattern`; absent where `dateOf` is.
+/// The day's text in `dayPattern`; absent where `dateOf` is. (But a day that the device's time zone
+/// left out, such as 2011-12-30 in Samoa, has a text where days are plain numbers: people elsewhere
+/// are born on it.)
 [[nodiscard]] std::optional<std::string> dayText(const DateComponents& components);
 
 /// Reads a day in `dayPattern`. A text counts only when it is exactly what formatting the day
 /// gives.
 [[nodiscard]] std::optional<DateComponents> parseDay(std::string_view text);
 
-/// `date` moved by calendar days, the time of day kept. Absent where the calendar can't do it.
+/// `date` moved by calendar days, the time of day kept. Only days that there were count: in Samoa,
+/// which left out 2011-12-30, the day before the 31st is the 29th. Absent where the calendar can't
+/// do it.
 [[nodiscard]] std::optional<Date> addingDays(Date date, std::int64_t days);
 
 }  // namespace orvane

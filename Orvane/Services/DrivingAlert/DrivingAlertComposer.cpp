@@ -15,6 +15,11 @@ QueryItems target(std::string_view driverId) {
   return items;
 }
 
+// Absent, too, for a date that has no time of day: one that is not finite.
+std::optional<std::string> textOf(const std::optional<Date>& time) {
+  return time ? formatDate(*time, timeOfDay) : std::nullopt;
+}
+
 QueryItems itemsOf(const alert::Acceleration& setting) {
   return target(setting.driverId)
       .add("eventAlertAcceleration", wireText(setting.accelerationSeverity));
@@ -27,9 +32,10 @@ QueryItems itemsOf(const alert::Braking& setting) {
 QueryItems itemsOf(const alert::LateNight& setting) {
   QueryItems items = target(setting.driverId);
   items.add("enableLateNightDrivingAlert", setting.enableAlert ? "true" : "false");
-  if (setting.startTime && setting.endTime) {
-    items.add("lateNightDrivingAlertStart", formatDate(*setting.startTime, timeOfDay));
-    items.add("lateNightDrivingAlertEnd", formatDate(*setting.endTime, timeOfDay));
+  const auto start = textOf(setting.startTime);
+  const auto end = textOf(setting.endTime);
+  if (start && end) {
+    items.add("lateNightDrivingAlertStart", *start).add("lateNightDrivingAlertEnd", *end);
   }
   return items;
 }

@@ -14,8 +14,14 @@ using Average = ScoringAverageComposer;
 constexpr std::string_view periodType = "reportingPeriodType";
 constexpr std::string_view customPeriod = "CUSTOM";
 
-void addDates(QueryItems& items, Date from, Date to) {
-  items.add("startDate", formatDate(from, dayPattern)).add("endDate", formatDate(to, dayPattern));
+// False where the calendar can't form one of the days: as with leaderboards, the whole query is
+// left out then.
+[[nodiscard]] bool addDates(QueryItems& items, Date from, Date to) {
+  const auto start = formatDate(from, dayPattern);
+  const auto end = formatDate(to, dayPattern);
+  if (!start || !end) return false;
+  items.add("startDate", *start).add("endDate", *end);
+  return true;
 }
 
 // Days of 86,400 seconds each: neither leap years nor daylight-saving changes count.
@@ -46,11 +52,11 @@ std::string ScoringAggregateComposer::path(std::string_view userID) const {
 std::optional<std::string> ScoringAggregateComposer::query() const {
   QueryItems items;
   if (const auto* range = std::get_if<DateRange>(&requestType)) {
-    addDates(items, range->from, range->to);
+    if (!addDates(items, range->from, range->to)) return std::nullopt;
     items.add(periodType, customPeriod);
   } else {
     const Period period = std::get<Period>(requestType);
-    addDates(items, today - length(period), today);
+    if (!addDates(items, today - length(period), today)) return std::nullopt;
     items.add(periodType, wireText(period));
   }
   return std::move(items).joined();
@@ -68,7 +74,7 @@ std::optional<std::string> ScoringAverageComposer::query() const {
   }
   if (const auto* custom = std::get_if<CUSTOM>(&requestType)) {
     items.add(periodType, customPeriod);
-    addDates(items, custom->from, custom->to);
+    if (!addDates(items, custom->from, custom->to)) return std::nullopt;
   } else {
     items.add(periodType, wireText(std::get<Period>(requestType)));
   }

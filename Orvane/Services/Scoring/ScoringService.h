@@ -34,7 +34,9 @@ struct ORVANE_EXPORT LastDaysError {
 /// The backend receives days, formatted in the device's calendar, time zone and locale. There are
 /// two ways to count back, and around a daylight-saving change they can differ by a day:
 /// `last7Days` and its like count days of 86,400 seconds back from the device clock; the operations
-/// on the last N days count calendar days back from `currentDate()`.
+/// on the last N days count calendar days back from `currentDate()`. Dates of which the calendar
+/// can't form days (not finite, or millions of years away) send a request without any query: what
+/// it answers is up to the backend.
 class ORVANE_EXPORT ScoringService : public SerializableService {
  public:
   /// A service for the person who is signed in. A missing registration stops the process.

@@ -158,6 +158,55 @@ TEST(CalendarTest, movesByCalendarDaysAcrossDaylightSaving) {
   EXPECT_EQ(addingDays(dateFromSeconds(0), std::numeric_limits<std::int64_t>::min()), std::nullopt);
 }
 
+// Samoa left out 2011-12-30 when it crossed the date line. A day that was not does not count.
+TEST(CalendarTest, movesByTheDaysThatThereWere) {
+  struct Row {
+    std::string_view zone, from;
+    std::int64_t days;
+    std::string_view to;
+  };
+  const Row rows[] = {{"Pacific/Apia", "2011-12-31 10:00", -1, "2011-12-29 10:00"},
+                      {"Pacific/Apia", "2011-12-29 10:00", 1, "2011-12-31 10:00"},
+                      {"Pacific/Apia", "2012-01-03 10:00", -7, "2011-12-26 10:00"},
+                      {"Pacific/Apia", "2011-12-29 23:59", 0, "2011-12-29 23:59"},
+                      {"Pacific/Apia", "2011-12-31 00:00", -1, "2011-12-29 00:00"},
+                      {"Pacific/Apia", "2012-12-31 10:00", -366, "2011-12-31 10:00"},
+                      {"Pacific/Pago_Pago", "2012-01-03 10:00", -7, "2011-12-27 10:00"}};
+  for (const Row& row : rows) {
+    const ScopedDeviceSettings settings({.locale = "en_US", .timeZone = std::string(row.zone)});
+    const std::string day(row.from.substr(0, 10));
+    const auto noon = dateOf(*parseDay(day));
+    ASSERT_TRUE(noon) << row.from;
+    const int hour = std::stoi(std::string(row.from.substr(11, 2)));
+    const int minute = std::stoi(std::string(row.from.substr(14, 2)));
+    const Date from = *noon + std::chrono::minutes((hour - 12) * 60 + minute);
+    const auto to = addingDays(from, row.days);
+    ASSERT_TRUE(to) << row.from;
+    EXPECT_EQ(formatDate(from, "yyyy-MM-dd HH:mm"), row.from);
+    EXPECT_EQ(formatDate(*to, "yyyy-MM-dd HH:mm"), row.to) << row.from << ' ' << row.days;
+  }
+  // No point in time lies on it, but people elsewhere were born on it.
+  const ScopedDeviceSettings settings({.locale = "en_US", .timeZone = "Pacific/Apia"});
+  constexpr DateComponents leftOut{2011, 12, 30};
+  EXPECT_EQ(dateOf(leftOut), std::nullopt);
+  EXPECT_EQ(dayText(leftOut), "2011-12-30");
+  EXPECT_EQ(parseDay("2011-12-30"), leftOut);
+}
+
+TEST(CalendarTest, hasNoTextAndNoNeighbourForWhatLiesBeyondIt) {
+  const ScopedDeviceSettings settings({.locale = "en_US", .timeZone = "UTC"});
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+  for (const double seconds : {infinity, -infinity, notANumber, 1e300, -1e300, 1.9e14, -1.9e14}) {
+    for (const std::string_view pattern : {"yyyy-MM-dd", "YYYY-MM-dd", "Hmm"}) {
+      EXPECT_EQ(formatDate(dateFromSeconds(seconds), pattern), std::nullopt) << seconds;
+    }
+    EXPECT_EQ(addingDays(dateFromSeconds(seconds), -7), std::nullopt) << seconds;
+  }
+  EXPECT_EQ(formatDate(dateFromSeconds(253'402'300'800), dayPattern), "10000-01-01");
+  EXPECT_EQ(formatDate(dateFromSeconds(1.8e14), dayPattern), "5705942-12-07");
+}
+
 TEST(CalendarTest, everyThreadFollowsANewSetting) {
   const Date date = dateFromSeconds(1'704'456'000);
   const ScopedDeviceSettings first({.locale = "en_US", .timeZone = "UTC"});

@@ -16,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <limits>
 #include <optional>
 #include <set>
 #include <string>
@@ -191,6 +192,8 @@ TEST(DrivingAlertServiceTest, sendsRequests) {
   const auto summer = [](std::chrono::minutes time) { return utc(2024y / 7 / 15, time - 2h); };
   const std::string settings_ = "POST users/42/settings?targetId=7&targetType=USER&";
   const std::string night = settings_ + "enableLateNightDrivingAlert=";
+  const Date never = dateFromSeconds(std::numeric_limits<double>::infinity());
+  const Date always = dateFromSeconds(-std::numeric_limits<double>::infinity());
   const std::string nightFrom = night + "true&lateNightDrivingAlertStart=";
   expectRequests({
       {"braking off", set(Alert::braking("7", off)), settings_ + "eventAlertBraking=0"},
@@ -207,6 +210,8 @@ TEST(DrivingAlertServiceTest, sendsRequests) {
       {"night without an end", set(Alert::lateNight("7", true, winter(23h))), night + "true"},
       {"night without a start", set(Alert::lateNight("7", true, std::nullopt, winter(5h))),
        night + "true"},
+      {"night without end", set(Alert::lateNight("7", true, winter(23h), never)), night + "true"},
+      {"night from ever", set(Alert::lateNight("7", true, always, winter(5h))), night + "true"},
       {"a winter's night", set(Alert::lateNight("7", true, winter(23h), winter(5h + 30min))),
        nightFrom + "2300&lateNightDrivingAlertEnd=530"},
       {"a summer's night", set(Alert::lateNight("7", true, summer(22h + 30min), summer(6h + 5min))),

@@ -177,6 +177,26 @@ TEST(ScoringComposerTest, todayIsWhenTheComposerWasMade) {
   EXPECT_EQ(composer.query(), "startDate=2024-03-09&endDate=2024-03-09&reportingPeriodType=today");
 }
 
+// As with a leaderboard of no day.
+TEST(ScoringComposerTest, aDateWithoutADayLeavesTheWholeQueryOut) {
+  const ScopedDeviceSettings settings({.locale = "en_US", .timeZone = "UTC"});
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  for (const double seconds :
+       {infinity, -infinity, std::numeric_limits<double>::quiet_NaN(), 1e300}) {
+    const Date none = dateFromSeconds(seconds);
+    for (const auto& [start, end] : {std::pair{none, to}, {from, none}, {none, none}}) {
+      EXPECT_EQ(Aggregate(Aggregate::DateRange{start, end}).query(), std::nullopt) << seconds;
+      EXPECT_EQ(Average(Average::CUSTOM{start, end}, 2).query(), std::nullopt) << seconds;
+      EXPECT_EQ(ByVehicle(ByVehicle::AggregateScoring{"V1", start, end}).query(), std::nullopt);
+      EXPECT_EQ(ByVehicle(ByVehicle::AverageScoring{"V1", start, end}).query(), std::nullopt);
+    }
+    const MovableClock clock(none);
+    EXPECT_EQ(Aggregate(Aggregate::Period::today).query(), std::nullopt) << seconds;
+    EXPECT_EQ(Aggregate(Aggregate::Period::lastYear).query(), std::nullopt) << seconds;
+    EXPECT_EQ(Average(Average::Period::DAY).query(), "reportingPeriodType=DAY");
+  }
+}
+
 TEST(ScoringComposerTest, datesAreWrittenAsTheDeviceWritesThem) {
   struct Row {
     DeviceSettings device;

@@ -201,34 +201,54 @@ TEST_F(ScoringServiceTest, answersWhyThereIsNoRecord) {
   }
 }
 
-// On these days the two ways of counting back part. The host's correction is zero here.
-TEST_F(ScoringServiceTest, countsCalendarDaysAcrossDaylightSaving) {
-  const ScopedCurrentDateOffset none(Seconds(0));
+// The relative periods count days of 86,400 seconds back from the device's clock, the last N days
+// calendar days from the clock that the host has corrected.
+TEST_F(ScoringServiceTest, countsBackInTwoWaysFromTwoClocks) {
   struct Row {
     std::string_view zone;
-    Date now;
-    std::string inSeconds, inCalendarDays, end;
+    Date device;
+    std::chrono::minutes correction;
+    std::string periodStart, periodEnd, lastDaysStart, lastDaysEnd;
   };
   const Row rows[] = {
-      {"Europe/Zurich", utc(2024y / 4 / 2, 22h + 30min), "2024-03-26", "2024-03-27", "2024-04-03"},
-      {"Europe/Zurich", utc(2024y / 10 / 30, 22h + 30min), "2024-10-24", "2024-10-23",
-       "2024-10-30"},
-      {"America/New_York", utc(2024y / 3 / 14, 4h + 15min), "2024-03-06", "2024-03-07",
-       "2024-03-14"},
-      {"Asia/Tokyo", utc(2024y / 3 / 14, 15h), "2024-03-08", "2024-03-08", "2024-03-15"},
+      // One clock: around these changes to and from summer time the two ways part.
+      {"Europe/Zurich", utc(2024y / 4 / 2, 22h + 30min), 0min, "2024-03-26", "2024-04-03",
+       "2024-03-27", "2024-04-03"},
+      {"Europe/Zurich", utc(2024y / 10 / 30, 22h + 30min), 0min, "2024-10-24", "2024-10-30",
+       "2024-10-23", "2024-10-30"},
+      {"America/New_York", utc(2024y / 3 / 14, 4h + 15min), 0min, "2024-03-06", "2024-03-14",
+       "2024-03-07", "2024-03-14"},
+      {"Asia/Tokyo", utc(2024y / 3 / 14, 15h), 0min, "2024-03-08", "2024-03-15", "2024-03-08",
+       "2024-03-15"},
+      // Two clocks on either side of midnight.
+      {"Europe/Zurich", utc(2024y / 4 / 2, 22h + 30min), -60min, "2024-03-26", "2024-04-03",
+       "2024-03-26", "2024-04-02"},
+      {"Europe/Zurich", utc(2024y / 4 / 2, 21h + 30min), 60min, "2024-03-26", "2024-04-02",
+       "2024-03-27", "2024-04-03"},
+      {"Asia/Kolkata", utc(2024y / 6 / 15, 18h + 29min), 1min, "2024-06-08", "2024-06-15",
+       "2024-06-09", "2024-06-16"},
+      {"Pacific/Kiritimati", utc(2024y / 2 / 29, 10h), -1min, "2024-02-23", "2024-03-01",
+       "2024-02-22", "2024-02-29"},
+      // And a clock that lost its battery.
+      {"America/New_York", utc(1970y / 1 / 8, 12h), 24h * 19789, "1970-01-01", "1970-01-08",
+       "2024-03-07", "2024-03-14"},
   };
   for (const Row& row : rows) {
     const ScopedDeviceSettings settings({.locale = "en_US", .timeZone = std::string(row.zone)});
-    clock_.set(row.now);
+    const ScopedCurrentDateOffset offset(row.correction);
+    clock_.set(row.device);
     expectRequests({
-        scoring("users/42/statisticScores?startDate=" + row.inSeconds + "&endDate=" + row.end +
-                    "&reportingPeriodType=last7Days",
+        scoring("users/42/statisticScores?startDate=" + row.periodStart +
+                    "&endDate=" + row.periodEnd + "&reportingPeriodType=last7Days",
                 [](const auto& scores) { scores.last7Days(nullptr); }),
-        scoring("vehicles/V1/statisticScores?startDate=" + row.inCalendarDays +
-                    "&endDate=" + row.end + "&reportingPeriodType=CUSTOM",
+        scoring("vehicles/V1/statisticScores?startDate=" + row.lastDaysStart +
+                    "&endDate=" + row.lastDaysEnd + "&reportingPeriodType=CUSTOM",
                 [](const auto& scores) {
                   scores.fetchLastNDaysAggregateScoresByVehicle("V1", 7, nullptr);
                 }),
+        scoring("users/42/averageScores?reportingPeriodType=CUSTOM&startDate=" + row.lastDaysStart +
+                    "&endDate=" + row.lastDaysEnd,
+                [](const auto& scores) { scores.fetchLastNDaysAverageScores({}, 7, nullptr); }),
     });
   }
 }
