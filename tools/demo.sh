@@ -30,7 +30,9 @@ trap 'exit 143' TERM
 # Reads what the backend says of itself when it is ready: its address stands there.
 start_backend() {
   local line
-  coproc SANDBOX { exec "$sandbox" --data "$folder/data" --port 0 2>"$folder/errors"; }
+  # The first download of firmware is cut off.
+  local cut='{"path": "^/downloads/", "cutAfterBytes": 700000, "times": 1}'
+  coproc SANDBOX { exec "$sandbox" --data "$folder/data" --port 0 --misbehave "$cut" 2>"$folder/errors"; }
   # shellcheck disable=SC2153  # set by coproc
   sandbox_pid=$SANDBOX_PID
   while read -r -t 60 -u "${SANDBOX[0]}" line; do
@@ -159,6 +161,56 @@ scene_clock() {
   expect_no_secrets
 }
 
+scene_invitation() {
+  local id
+  title "An invitation to drive a vehicle, seen from both sides"
+  run 0 invitations send --vehicles 3006 --first-name Nora --last-name Frei --email nora.frei@example.com
+  show "$output"
+  expect "status pending"
+  expect "to Nora Frei (1007)"
+  id=$(sed -nE 's/^id +([0-9]+)$/\1/p' <<<"$output")
+  run 44 --user nora.frei vehicles show 3006
+  show "$errors"
+  run 0 --user nora.frei invitations vehicles --filtered PENDING
+  show "$output"
+  expect "$id pending Anna Keller (1001) Nora Frei (1007) 3006"
+  run 0 --user nora.frei invitations respond "$id" accept
+  show "$output"
+  run 0 --user nora.frei vehicles show 3006
+  expect "model R 1250 GS"
+  show "$(grep -E '^(id|make|model)' <<<"$output")"
+  run 0 invitations vehicles --filtered ACCEPTED
+  show "$output"
+  expect "$id accepted Anna Keller (1001) Nora Frei (1007) 3006"
+}
+
+scene_content() {
+  title "A text for the application to show, in two languages"
+  run 0 content get privacyPolicy.page.title --lang en
+  show "$output"
+  [[ $output == "Privacy policy" ]] || failed "the English title should be \"Privacy policy\""
+  run 0 content get privacyPolicy.page.title --lang de_CH,en
+  show "$output"
+  [[ $output == Datenschutzerklärung ]] || failed "the German title should be \"Datenschutzerklärung\""
+}
+
+scene_firmware() {
+  local package=DFU_4417_Release___2_2_2.zip
+  title "Firmware for the device in the car: is there a newer one? The download is cut off, and goes on from there"
+  run 0 firmware check 2.2.1
+  show "$output"
+  expect "published version 2.2.2 update yes"
+  run 14 firmware download
+  show "$errors"
+  [[ ! -e $ORVANE_DOCUMENTS_DIR/firmware/$package ]] || failed "a broken package stands under its name"
+  run 0 --verbose firmware download
+  show "$(exchanges)"
+  show "$output"
+  expect_exchanges "GET /downloads/$package" "  -> 206"
+  expect "version 2.2.2"
+  cmp "$folder/data/$package" "$ORVANE_DOCUMENTS_DIR/firmware/$package" || failed "the package is not the published one"
+}
+
 scene_errors() {
   title "What goes wrong says so in one line, with an exit code of its own"
   run 44 user show 4711
@@ -179,10 +231,14 @@ unset "${!ORVANE_@}"
 export XDG_CONFIG_HOME=$folder XDG_STATE_HOME=$folder
 export ORVANE_BASE_URL=$base_url ORVANE_CA_FILE=$folder/data/ca.pem ORVANE_API_KEY=sandbox-api-key
 export ORVANE_USER=anna.keller ORVANE_SIGNING_KEY_FILE=$folder/data/signing.key
+export ORVANE_FIRMWARE_HOST=$base_url ORVANE_DOCUMENTS_DIR=$folder/documents
 
 printf '%sThe backend listens on %s%s\n' "$bold" "$base_url" "$plain"
 scene_user
 scene_update
+scene_invitation
+scene_content
+scene_firmware
 scene_clock
 scene_errors
 
