@@ -34,6 +34,11 @@ TEST(TextTest, ShowsWhatWouldSteerATerminal) {
   for (const Row& row : rows) EXPECT_EQ(visible(row.text), row.shown);
 }
 
+TEST(TextTest, WritesJSON) {
+  EXPECT_EQ(jsonText(""), "\"\"");
+  EXPECT_EQ(jsonText("/tmp/Zürich \"1\"\\a\n\x1f"), "\"/tmp/Zürich \\\"1\\\"\\\\a\\u000a\\u001f\"");
+}
+
 TEST(TextTest, CutsByColumns) {
   std::setlocale(LC_CTYPE, "C.UTF-8");
   EXPECT_EQ(columnsOf("Zürich"), 6U);

@@ -11,6 +11,7 @@ namespace orvane {
 namespace {
 
 TEST(ContentTest, isReadAndWrittenWhole) {
+  EXPECT_EQ(decode<Content>(R"({"body":"a \"b\""})"), Content{"a \"b\""});
   EXPECT_EQ(decode<Content>(R"({"body":null,"title":"x"})"), Content{});
   EXPECT_FALSE(decode<Content>(R"({"body":1})").value());
   EXPECT_EQ(encode(Content{"a \"b\""}), std::string(R"({"body":"a \"b\""})"));

@@ -62,5 +62,20 @@ TEST(InvitationTest, knowsTheseStatusesAndNoOthers) {
   }
 }
 
+TEST(InvitationTest, knowsTheseResponsesAndNoOthers) {
+  const std::pair<const char*, Invitation::Response> rows[] = {
+      {"accept", Invitation::Response::accept},
+      {"decline", Invitation::Response::decline},
+      {"accept_acknowledged", Invitation::Response::ackAccept},
+      {"decline_acknowledged", Invitation::Response::ackDecline},
+  };
+  for (const auto& [text, response] : rows) {
+    EXPECT_EQ(fromWireText<Invitation::Response>(text), response) << text;
+  }
+  for (const char* text : {"ACCEPT", "ackAccept", "accept-acknowledged", ""}) {
+    EXPECT_EQ(fromWireText<Invitation::Response>(text), std::nullopt) << text;
+  }
+}
+
 }  // namespace
 }  // namespace orvane

@@ -43,6 +43,9 @@ TEST(SubscriptionTest, knowsTheseTypesAndNoOthers) {
       {"", std::nullopt},
   };
   for (const auto& [text, type] : rows) EXPECT_EQ(fromWireText<Type>(text), type) << text;
+  const auto failed = decode<Subscription>(R"({"telematicSubscriptionType":"AFNOL"})");
+  ASSERT_TRUE(failed.error() && failed.error()->as<DecodingError>());
+  EXPECT_EQ(failed.error()->as<DecodingError>()->kind, DecodingError::Kind::dataCorrupted);
 }
 
 }  // namespace

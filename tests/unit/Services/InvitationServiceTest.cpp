@@ -188,6 +188,7 @@ TEST(InvitationComposerTest, formsWhatNoOperationAsksFor) {
   using Composer = InvitationComposer;
   const Composer leaderboard(Composer::FetchInvitations{Composer::InvitationType::leaderboard});
   EXPECT_EQ(leaderboard.query(), "type=leaderboard");
+  EXPECT_EQ(wireText(Composer::InvitationType::leaderboard), "LEADERBOARD");
   const Composer both(
       Composer::DeleteInvitation{.userId = "5", .vehicleId = "v1", .accountID = "a1"});
   EXPECT_EQ(both.path("42"), "users/5/accounts/a1");
