@@ -27,7 +27,8 @@ trap clean_up EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM
 
-# Reads what the backend says of itself when it is ready: its address stands there.
+# Reads what the backend says of itself when it is ready: its address stands there. Its data ends on a day of the demo's own, so that
+# weeks are far from New Year, where they belong to another year than the calendar says.
 start_backend() {
   local line
   # The first download of firmware is cut off.
@@ -149,6 +150,35 @@ scene_update() {
   show "$(grep -E '^(display name|first name|profile shared)|city|postal code' <<<"$output")"
 }
 
+scene_trips() {
+  local trip drawing=$build/demo/trip.svg
+  mkdir -p "$build/demo"
+  title "A week of trips, page by page, with their scores and events"
+  run 0 trips list --from 2026-05-11 --to 2026-05-17 --all --expand scores,events
+  show "$(head -n 9 <<<"$output")"
+  expect "id started duration distance mode"
+  expect "driver personal"
+  # The one with the most events.
+  trip=$(awk 'NR > 1 { print $(NF - 1), $1 }' <<<"$output" | sort -rn | awk 'NR == 1 { print $2 }')
+
+  title "One of them: what happened on it, and a drawing of its route"
+  run 0 trips show "$trip" --expand events,scores --svg "$drawing"
+  show "$output"
+  expect "id $trip"
+  expect "overall"
+  expect "time event severity speed limit for place"
+  [[ $(<"$drawing") == *"<title id=\"title\">Trip $trip</title>"*"</svg>" ]] || failed "$drawing should hold a drawing"
+  printf '  The drawing stays there, for a browser: %s\n' "$drawing"
+
+  title "A correction, and a second look that confirms it"
+  run 0 trips update "$trip" --transport-mode car-passenger --purpose business
+  expect "transport mode car-passenger"
+  run 0 trips show "$trip"
+  expect "transport mode car-passenger"
+  expect "purpose business"
+  show "$(grep -E '^(id|transport mode|purpose)' <<<"$output")"
+}
+
 scene_clock() {
   title "A device whose clock is 300 seconds behind: one refusal tells the right time, one retry succeeds"
   run 0 --clock-offset -300 --verbose user show
@@ -236,6 +266,7 @@ export ORVANE_FIRMWARE_HOST=$base_url ORVANE_DOCUMENTS_DIR=$folder/documents
 printf '%sThe backend listens on %s%s\n' "$bold" "$base_url" "$plain"
 scene_user
 scene_update
+scene_trips
 scene_invitation
 scene_content
 scene_firmware

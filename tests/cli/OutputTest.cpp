@@ -93,7 +93,7 @@ TEST(TextTest, TimesOfATripAreThoseOfItsPlace) {
   const Date date = dateFromSeconds(1500000000);
   for (const Row& row : rows) {
     EXPECT_EQ(localTime(date, row.zone), row.shown);
-    EXPECT_EQ(localMinute(date, row.zone), row.shown.substr(0, 16) + row.shown.substr(19));
+    EXPECT_EQ(localMinute(date, row.zone), row.shown.substr(0, 16));
     EXPECT_EQ(localTimeOfDay(date, row.zone), row.shown.substr(11, 8));
   }
   EXPECT_EQ(localMinute(dateFromSeconds(1e18), std::nullopt), "1000000000000000000 s after 1970");

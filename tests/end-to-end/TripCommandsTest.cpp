@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <fstream>
 #include <sstream>
 
 namespace orvane::test {
@@ -28,6 +29,12 @@ Rows cellsOf(const std::string& output) {
     for (std::string cell; std::getline(cells, cell, '\t');) row.push_back(cell);
   }
   return rows;
+}
+
+std::string contentsOf(const std::string& file) {
+  std::ostringstream text;
+  text << std::ifstream(file).rdbuf();
+  return text.str();
 }
 
 nlohmann::json jsonOf(Words arguments, const Environment& environment) {
@@ -100,11 +107,82 @@ TEST(TripCommandsTest, ShowAndCorrectTrips) {
         priya);
 }
 
+// True when every element that begins ends again, in order; enough to tell that nothing got out of
+// its quotes or is missing.
+bool isWellFormed(const std::string& xml) {
+  std::vector<std::string> open;
+  for (std::size_t at = xml.find('<'); at != std::string::npos; at = xml.find('<', at + 1)) {
+    const std::size_t end = xml.find('>', at);
+    if (end == std::string::npos) return false;
+    const std::string tag = xml.substr(at + 1, end - at - 1);
+    if (tag.starts_with('?') || tag.ends_with('/')) continue;
+    if (!tag.starts_with('/')) {
+      open.push_back(tag.substr(0, tag.find(' ')));
+    } else if (open.empty() || open.back() != tag.substr(1)) {
+      return false;
+    } else {
+      open.pop_back();
+    }
+  }
+  return open.empty() && xml.starts_with("<?xml");
+}
+
+TEST(TripCommandsTest, DrawTrips) {
+  SandboxProcess sandbox({"--weeks", "4"});
+  const Environment anna = settingsOf(sandbox);
+  const TemporaryFolder folder;
+  std::size_t events = 0;
+  const std::string id = tripWith(anna, [&](const nlohmann::json& trip) {
+    events = 0;
+    for (const auto& list : trip["events"]) events += list.size();
+    return events > 1;
+  });
+  const std::string drawing = folder.path() + "/trip.svg";
+  const std::string features = folder.path() + "/trip.geojson";
+  check({{{"trips", "show", id, "--svg", drawing, "--geojson", features},
+          0,
+          AllOf(StartsWith("id\t" + id + "\n"), ContainsRegex("\nroute\t[0-9]+ points\n"),
+                HasSubstr("time\tevent\t"))}},
+        anna);
+  const std::string svg = contentsOf(drawing);
+  EXPECT_TRUE(isWellFormed(svg));
+  EXPECT_THAT(svg, AllOf(HasSubstr("Trip " + id), HasSubstr("class=\"accent\"")));
+  const auto document = nlohmann::json::parse(contentsOf(features));
+  std::size_t points = 0;
+  for (const auto& feature : document["features"]) {
+    if (feature["geometry"]["type"] == "Point") ++points;
+    EXPECT_EQ(feature["properties"].contains("marker-color"),
+              feature["properties"]["kind"] == "event");
+  }
+  EXPECT_EQ(points, events);
+  EXPECT_GT(document["features"][0]["geometry"]["coordinates"].size(), 10U);
+
+  // The document instead of the trip.
+  EXPECT_EQ(orvane({"trips", "show", id, "--svg", "-"}, anna).output, svg);
+  EXPECT_EQ(orvane({"trips", "show", id, "--geojson", "-", "--json"}, anna).output,
+            contentsOf(features));
+
+  const auto failing = [&](Words more, int code, const std::string& said) {
+    more.insert(more.begin(), {"trips", "show", id});
+    return CommandRow{std::move(more), code, IsEmpty(), AllOf(IsOneLine(), HasSubstr(said))};
+  };
+  check(
+      {failing({"--svg", "-", "--geojson", "-"}, 64, "only one"),
+       failing({"--svg", folder.path()}, 74, folder.path()),
+       failing({"--svg", "/nowhere/trip.svg"}, 74, "/nowhere/trip.svg can't be written"),
+       failing({"--geojson", "/dev/full"}, 74, "/dev/full"), failing({"--svg", ""}, 64, "a path")},
+      anna);
+  // What fails leaves the former document as it was.
+  sandbox.misbehave({{"path", "/trips/"}, {"status", 500}});
+  check({failing({"--svg", drawing}, 50, "")}, anna);
+  EXPECT_EQ(contentsOf(drawing), svg);
+}
+
 TEST(TripCommandsTest, ListsArePagesOrEverything) {
   SandboxProcess sandbox({"--weeks", "8"});
   const Environment anna = settingsOf(sandbox);
   const Words columns{"id",      "started", "duration", "distance", "mode",
-                      "purpose", "status",  "score",    "events",   "vehicle"};
+                      "purpose", "score",   "events",   "vehicle"};
   for (const char* list : {"list", "logbook"}) {
     const auto trips = [&](Words more) {
       more.insert(more.begin(), {"trips", list});
@@ -133,7 +211,7 @@ TEST(TripCommandsTest, ListsArePagesOrEverything) {
     EXPECT_EQ(trips({"--from", day, "--to", day, "--all"}), ofDay);
     EXPECT_EQ(trips({"--from", day, "--all"}).at(0), all.at(0));
     const Rows detailed = trips({"--limit", "100", "--expand", "scores,events"});
-    for (const auto& trip : detailed) EXPECT_NE(trip.at(8), "");
+    for (const auto& trip : detailed) EXPECT_NE(trip.at(7), "");
   }
 
   const std::string own = orvane({"trips", "list", "--all"}, anna).output;
@@ -144,7 +222,7 @@ TEST(TripCommandsTest, ListsArePagesOrEverything) {
   const Rows ofVehicle = cellsOf(orvane(byVehicle, anna).output);
   ASSERT_GT(ofVehicle.size(), 1U);
   for (std::size_t row = 1; row < ofVehicle.size(); ++row) {
-    EXPECT_EQ(ofVehicle[row].at(9), "3001");
+    EXPECT_EQ(ofVehicle[row].at(8), "3001");
     EXPECT_THAT(own, HasSubstr("\n" + ofVehicle[row].at(0) + "\t"));
   }
 }

@@ -182,7 +182,13 @@ std::string localTime(Date date, const std::optional<TimeZone>& zone) {
 std::string localMinute(Date date, const std::optional<TimeZone>& zone) {
   const auto parts = localTimeOf(date, zone);
   if (!parts) return beyondCalendars(date);
-  return parts->day + " " + parts->timeOfDay.substr(0, 5) + " " + parts->offset;
+  return parts->day + " " + parts->timeOfDay.substr(0, 5);
+}
+
+std::optional<std::string> internetTime(Date date, const std::optional<TimeZone>& zone) {
+  const auto parts = localTimeOf(date, zone);
+  if (!parts) return std::nullopt;
+  return parts->day + "T" + parts->timeOfDay + parts->offset;
 }
 
 std::string localTimeOfDay(Date date, const std::optional<TimeZone>& zone) {

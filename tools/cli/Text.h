@@ -57,8 +57,11 @@ template <class T>
 
 /// As `toText(Date)`, but in `zone`, the device's where there is none.
 [[nodiscard]] std::string localTime(Date date, const std::optional<TimeZone>& zone);
-/// To the minute: "2024-05-17 14:03 +02:00".
+/// To the minute, where the place is clear: "2024-05-17 14:03".
 [[nodiscard]] std::string localMinute(Date date, const std::optional<TimeZone>& zone);
+/// As RFC 3339 has it: "2024-05-17T14:03:05+02:00". Absent outside the years 1 to 9999.
+[[nodiscard]] std::optional<std::string> internetTime(Date date,
+                                                      const std::optional<TimeZone>& zone);
 /// The time of day alone: "14:03:05".
 [[nodiscard]] std::string localTimeOfDay(Date date, const std::optional<TimeZone>& zone);
 

@@ -2,9 +2,12 @@
 // orvane trips: recorded journeys.
 #include "Commands.h"
 #include "Days.h"
+#include "GeoJSON.h"
+#include "OutputFile.h"
+#include "TripMap.h"
 #include <Orvane/Services/Trip/TripService.h>
 
-#include <algorithm>
+#include <filesystem>
 
 namespace orvane::cli {
 namespace {
@@ -92,22 +95,11 @@ std::string cellOf(const std::optional<T>& value, Convert convert) {
   return value ? convert(*value) : std::string();
 }
 
-// Every event, the earliest first.
 Table tableOf(const Trip::Events& events, const std::optional<TimeZone>& zone) {
-  struct Row {
-    const Event::EventType* type;
-    const Event* event;
-  };
-  std::vector<Row> rows;
-  for (const auto& [type, list] : events) {
-    for (const Event& event : list) rows.push_back({&type, &event});
-  }
-  std::ranges::stable_sort(rows, {}, [](const Row& row) { return row.event->date; });
-
   constexpr auto right = Table::Alignment::right;
   Table table{"time",           "event",        "severity", {"speed", right},
               {"limit", right}, {"for", right}, "place"};
-  for (const auto& [type, event] : rows) {
+  for (const auto& [type, event] : inOrder(events)) {
     table.row(cellOf(event->date, [&](Date date) { return localTimeOfDay(date, zone); }), *type,
               event->severity, cellOf(event->speed, kilometresPerHourOf),
               cellOf(event->speedLimit, kilometresPerHourOf), cellOf(event->duration, durationOf),
@@ -128,15 +120,14 @@ struct AnswersTrips {
 
   static void print(const Trips& trips, Output& output) {
     constexpr auto right = Table::Alignment::right;
-    Table table{"id",      "started", {"duration", right}, {"distance", right}, "mode",
-                "purpose", "status",  {"score", right},    {"events", right},   "vehicle"};
+    Table table{"id",     "started", {"duration", right}, {"distance", right},
+                "mode",   "purpose", {"score", right},    {"events", right},
+                "vehicle"};
     for (const Trip& trip : trips) {
-      table.row(
-          trip.id,
-          cellOf(trip.dateStarted, [&](Date date) { return localMinute(date, trip.timeZone); }),
-          cellOf(trip.duration, durationOf), cellOf(trip.distance, kilometresOf),
-          trip.transportMode, trip.purpose, trip.status, cellOf(trip.score, scoreText),
-          numberOfEvents(trip), trip.vehicleId);
+      const auto local = [&](Date date) { return localMinute(date, trip.timeZone); };
+      table.row(trip.id, cellOf(trip.dateStarted, local), cellOf(trip.duration, durationOf),
+                cellOf(trip.distance, kilometresOf), trip.transportMode, trip.purpose,
+                cellOf(trip.score, scoreText), numberOfEvents(trip), trip.vehicleId);
     }
     output.table(table);
   }
@@ -268,23 +259,57 @@ struct ListTripsByVehicle : AnswersTrips {
   }
 };
 
-struct ShowTrip : AnswersTrip {
+struct ShowTrip {
   static constexpr std::string_view name = "show";
-  static constexpr std::string_view summary = "Show a trip";
+  static constexpr std::string_view summary = "Show a trip, and draw its route";
   static constexpr Example examples[] = {
       {"trips show 42 --expand events,scores", "what happened on it, and what it was worth"},
+      {"trips show 42 --svg trip.svg", "its route with the events as a drawing for a browser"},
+      {"trips show 42 --geojson - > trip.geojson", "the same for maps"},
   };
 
   std::string id;
   Expansions expansions;
+  std::optional<std::filesystem::path> geoJSON;
+  std::optional<std::filesystem::path> svg;
 
   void declare(Options& options) {
     options.positional("ID", id, "The trip");
     options.option("--expand", expansions, "What to embed in the trip");
+    options.option("--geojson", geoJSON,
+                   "Write route and events as GeoJSON; - is standard output, instead of the trip");
+    options.option("--svg", svg, "Write a drawing of route and events; - likewise");
   }
 
-  RequestHandle start(const Identity& identity, Completion<Trip> then) const {
-    return TripService(identity).fetch(id, expansions, std::move(then));
+  void run(Session& session) const {
+    const auto isToOutput = [](const auto& file) { return file && isStandardOutput(*file); };
+    if (isToOutput(geoJSON) && isToOutput(svg)) {
+      throw Failure(ExitCode::usage, "only one of --geojson and --svg can be standard output");
+    }
+    session.connect();
+    const Trip trip = session.call<Trip>([&](Completion<Trip> then) {
+      return TripService(session.identity()).fetch(id, everyExpansion(), std::move(then));
+    });
+    // All of them are made before one is written.
+    const auto text = [&](const auto& file, auto make) {
+      return file ? make(trip) : std::string();
+    };
+    const std::string features = text(geoJSON, geoJSONOf);
+    const std::string drawing = text(svg, mapOf);
+    if (geoJSON) writeDocument(*geoJSON, features, session.output());
+    if (svg) writeDocument(*svg, drawing, session.output());
+    if (isToOutput(geoJSON) || isToOutput(svg)) return;
+    printAnswer(AnswersTrip(), trip, session.output());
+  }
+
+ private:
+  // What is drawn has to be there.
+  [[nodiscard]] Expansions everyExpansion() const {
+    Expansions all = expansions;
+    if (geoJSON || svg) {
+      all.insert({TripService::Expansion::geometry, TripService::Expansion::events});
+    }
+    return all;
   }
 };
 
