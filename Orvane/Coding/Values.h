@@ -22,12 +22,32 @@ namespace orvane {
 /// Each reads one value; on failure it notes why in `decoder` and answers false, `value` being then
 /// unspecified. Booleans are not numbers nor the reverse; an integer is any number whose value is
 /// exactly an integer in range.
-bool decodeValue(json::Element element, bool& value, Decoder& decoder);
-bool decodeValue(json::Element element, double& value, Decoder& decoder);
-bool decodeValue(json::Element element, std::int64_t& value, Decoder& decoder);
-bool decodeValue(json::Element element, std::string& value, Decoder& decoder);
+inline bool decodeValue(json::Element element, bool& value, Decoder& decoder) {
+  return element.get(value) == simdjson::SUCCESS || decoder.typeMismatch("true or false", element);
+}
+
+inline bool decodeValue(json::Element element, double& value, Decoder& decoder) {
+  return element.get(value) == simdjson::SUCCESS || decoder.typeMismatch("a number", element);
+}
+
+/// The rest of reading an integer: a number that is written as a fraction, or no number.
+bool decodeInexactInteger(json::Element element, std::int64_t& value, Decoder& decoder);
+
+inline bool decodeValue(json::Element element, std::int64_t& value, Decoder& decoder) {
+  return element.get(value) == simdjson::SUCCESS || decodeInexactInteger(element, value, decoder);
+}
+
 /// The text stays valid as long as the document it stands in.
-bool decodeValue(json::Element element, std::string_view& value, Decoder& decoder);
+inline bool decodeValue(json::Element element, std::string_view& value, Decoder& decoder) {
+  return element.get(value) == simdjson::SUCCESS || decoder.typeMismatch("a text", element);
+}
+
+inline bool decodeValue(json::Element element, std::string& value, Decoder& decoder) {
+  std::string_view text;
+  if (!decodeValue(element, text, decoder)) return false;
+  value = text;
+  return true;
+}
 
 inline void encodeValue(bool value, json::Writer& writer) { writer.value(value); }
 inline void encodeValue(double value, json::Writer& writer) { writer.value(value); }

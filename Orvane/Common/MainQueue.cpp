@@ -23,7 +23,7 @@ constexpr std::chrono::milliseconds patience{5000};
 TimePoint endOf(std::chrono::milliseconds limit) {
   const TimePoint now = std::chrono::steady_clock::now();
   const auto rest = std::chrono::floor<std::chrono::milliseconds>(TimePoint::max() - now);
-  return limit < rest ? now + std::max(limit, limit.zero()) : TimePoint::max();
+  return limit < rest ? now + std::max(limit, std::chrono::milliseconds::zero()) : TimePoint::max();
 }
 
 }  // namespace
@@ -183,7 +183,7 @@ std::chrono::milliseconds MainQueue::warnWhenStalled() {
     const std::scoped_lock lock(state_->mutex);
     if (state_->jobs.empty() || state_->hasWarned) return std::chrono::milliseconds::zero();
     const auto left = state_->waitingSince + patience - state_->now();
-    if (left > left.zero()) return std::chrono::ceil<std::chrono::milliseconds>(left);
+    if (left.count() > 0) return std::chrono::ceil<std::chrono::milliseconds>(left);
     state_->hasWarned = true;
   }
   log.w(

@@ -65,8 +65,8 @@ RequestHandle call(const SerializableService& service, Verb verb,
   const auto call = std::make_shared<Call>(service.requestManager(), verb, std::move(composer),
                                            std::move(answer));
   // Copies: an answer inside the call may be the end of the service.
-  const std::shared_ptr<OrvaneDetailsResolver> resolver = service.orvaneDetailsResolver();
-  const Identity identity = service.identity();
+  const auto resolver = std::shared_ptr(service.orvaneDetailsResolver());
+  const auto identity = Identity(service.identity());
   call->box->step([&] {
     return resolver->resolve(identity, [call](Result<OrvaneDetails> details) {
       call->detailsArrived(std::move(details));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Models/Polyline.h>
 #include <Orvane/Platform/Fatal.h>
+#include <Orvane/Platform/Text.h>
 
 #include <algorithm>
 #include <cmath>
@@ -28,36 +29,65 @@ constexpr bool endsValue(char byte) noexcept {
 // Reads one value, the end of which the text must hold, and moves on behind it.
 std::uint64_t readValue(const char*& position) noexcept {
   std::uint64_t result = 0;
-  std::size_t shift = 0;
-  for (;;) {
+  for (unsigned shift = 0;; shift += bitsPerChunk) {
     const auto byte = static_cast<unsigned char>(*position++);
     // What lies beyond 64 bits is dropped.
     if (shift < 64) result |= std::uint64_t{(byte + 1U) & chunkMask} << shift;
-    if (byte < firstContinuation) break;
-    shift += bitsPerChunk;
+    if (byte < firstContinuation) return result;
   }
-  // Zigzag: the lowest bit is the sign.
-  return (result >> 1U) ^ (0 - (result & 1U));
+}
+
+// The number that a value stands for. Zigzag: the lowest bit is the sign.
+constexpr std::uint64_t differenceOf(std::uint64_t value) noexcept {
+  return (value >> 1U) ^ (0 - (value & 1U));
 }
 
 // A sum of differences that remembers whether it ever left 64 bits.
-class Accumulator {
+class ExactSum {
  public:
-  void add(std::uint64_t difference) noexcept {
+  void add(std::uint64_t value) noexcept {
+    const std::uint64_t difference = differenceOf(value);
     const std::uint64_t sum = sum_ + difference;
     // Both terms have the same sign, and the sum has another.
     overflow_ |= (sum ^ sum_) & (sum ^ difference);
     sum_ = sum;
   }
-  [[nodiscard]] double degrees() const noexcept {
-    return static_cast<double>(static_cast<std::int64_t>(sum_)) * degreesPerUnit;
-  }
-  [[nodiscard]] bool hasOverflowed() const noexcept { return (overflow_ >> 63U) != 0; }
+  [[nodiscard]] std::int64_t units() const noexcept { return static_cast<std::int64_t>(sum_); }
+  [[nodiscard]] bool isReliable() const noexcept { return (overflow_ >> 63U) == 0; }
 
  private:
   std::uint64_t sum_ = 0;
   std::uint64_t overflow_ = 0;
 };
+
+// The same, knowing less: it vouches only for differences of less than 32 bits, of which a text
+// can't hold enough to leave 64. Those of roads have some ten.
+class QuickSum {
+ public:
+  void add(std::uint64_t value) noexcept {
+    sum_ += differenceOf(value);
+    bits_ |= value;
+  }
+  [[nodiscard]] std::int64_t units() const noexcept { return static_cast<std::int64_t>(sum_); }
+  [[nodiscard]] bool isReliable() const noexcept { return (bits_ >> 32U) == 0; }
+
+ private:
+  std::uint64_t sum_ = 0;
+  std::uint64_t bits_ = 0;
+};
+
+template <class Sum>
+bool decodeValues(std::vector<CLLocationCoordinate2D>& coordinates, const char* position) noexcept {
+  Sum latitude;
+  Sum longitude;
+  for (CLLocationCoordinate2D& coordinate : coordinates) {
+    latitude.add(readValue(position));
+    longitude.add(readValue(position));
+    coordinate = {static_cast<double>(latitude.units()) * degreesPerUnit,
+                  static_cast<double>(longitude.units()) * degreesPerUnit};
+  }
+  return latitude.isReliable() && longitude.isReliable();
+}
 
 std::optional<PolylineError> decodeInto(std::vector<CLLocationCoordinate2D>& coordinates,
                                         std::string_view text) {
@@ -68,19 +98,11 @@ std::optional<PolylineError> decodeInto(std::vector<CLLocationCoordinate2D>& coo
     return PolylineError{PolylineError::Case::truncated};
   }
   coordinates.resize(values / 2);
-
-  Accumulator latitude;
-  Accumulator longitude;
-  const char* position = text.data();
-  for (CLLocationCoordinate2D& coordinate : coordinates) {
-    latitude.add(readValue(position));
-    longitude.add(readValue(position));
-    coordinate = {latitude.degrees(), longitude.degrees()};
+  if (decodeValues<QuickSum>(coordinates, text.data()) ||
+      decodeValues<ExactSum>(coordinates, text.data())) {
+    return std::nullopt;
   }
-  if (latitude.hasOverflowed() || longitude.hasOverflowed()) {
-    return PolylineError{PolylineError::Case::overflow};
-  }
-  return std::nullopt;
+  return PolylineError{PolylineError::Case::overflow};
 }
 
 void appendValue(std::string& text, std::int64_t value) {
@@ -105,10 +127,7 @@ std::string PolylineError::message() const {
 }
 
 std::optional<Polyline> Polyline::make(std::string encodedString) {
-  // All bits at once: without a way out in between, the loop is vectorised.
-  unsigned bits = 0;
-  for (const char c : encodedString) bits |= static_cast<unsigned char>(c);
-  if (bits >= 0x80) return std::nullopt;
+  if (!isASCII(encodedString)) return std::nullopt;
   return Polyline(std::move(encodedString));
 }
 

@@ -16,6 +16,9 @@ namespace orvane {
 /// True when `text` is well-formed UTF-8 (RFC 3629).
 [[nodiscard]] ORVANE_EXPORT bool isUTF8(std::string_view text) noexcept;
 
+/// True when every byte of `text` is one of ASCII.
+[[nodiscard]] bool isASCII(std::string_view text) noexcept;
+
 /// The pieces as one text.
 [[nodiscard]] std::string concatenated(std::initializer_list<std::string_view> pieces);
 

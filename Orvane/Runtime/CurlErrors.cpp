@@ -49,9 +49,8 @@ TransportError::Kind kindOf(CURLcode code) {
       return cancelled;
     case CURLE_WEIRD_SERVER_REPLY:
     case CURLE_BAD_CONTENT_ENCODING:
-      return protocol;
+    // http and https are let through and spoken: what is not spoken is the answer's version.
     case CURLE_UNSUPPORTED_PROTOCOL:
-      // http and https are let through and spoken: what is not spoken is the answer's version.
       return protocol;
     default:
       return other;

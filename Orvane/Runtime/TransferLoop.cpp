@@ -6,9 +6,9 @@
 #include <Orvane/Runtime/TransportProblems.h>
 
 #include <openssl/crypto.h>
-#include <signal.h>
 
 #include <algorithm>
+#include <csignal>
 #include <limits>
 #include <thread>
 #include <utility>

@@ -4,10 +4,10 @@
 #include "Fixture.h"
 
 #include <gmock/gmock.h>
-#include <signal.h>
 #include <sys/wait.h>
 
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <fstream>
 #include <memory>

@@ -13,7 +13,7 @@ RequestHandle ActivationService::activate(std::string activationId, std::string 
                                   .activationCode = std::move(activationCode),
                                   .email = emailAddress,
                                   .accountID = identity().externalReferenceID,
-                                  .displayName = std::move(emailAddress),
+                                  .displayName = emailAddress,
                                   .deviceID = deviceIdentifier()->current()}),
               std::move(then));
 }
