@@ -163,6 +163,9 @@ TEST(MapViewTest, KeepsShapesAndLengths) {
   EXPECT_NEAR(width * view.metresPerPixel(), 1000, 1);
   EXPECT_EQ(view.height(), 400);
   EXPECT_NEAR(view.at(northern).y, 20, 1e-6);
+  const CLLocationCoordinate2D back = view.placeAt(view.at(northern));
+  EXPECT_NEAR(back.latitude, northern.latitude, 1e-9);
+  EXPECT_NEAR(back.longitude, northern.longitude, 1e-9);
 
   struct Row {
     const char* what;
@@ -213,9 +216,15 @@ TEST(TripMapTest, DrawsRouteAndEvents) {
             HasSubstr("above the limit · low · 08:13:20 · 36 km/h · limit 50 km/h"),
             HasSubstr("<title>&lt;Phone&gt; · 08:12:30"), HasSubstr(">harsh braking ×2</text>"),
             HasSubstr(">very high</text>"), ContainsRegex(">[125]0* (m|km)</text>"),
-            Not(HasSubstr("nan")), Not(HasSubstr("<42>"))));
+            HasSubstr(">7.52° E</text>"), HasSubstr(">47.5° N</text>"), Not(HasSubstr("nan")),
+            Not(HasSubstr("<42>"))));
   // The route twice: in its colour, and lighter below.
   EXPECT_THAT(drawing, ContainsRegex("class=\"accent\" d=\"M[0-9.]+,[0-9.]+L[0-9.]+,[0-9.]+L"));
+
+  // Across the 180th meridian, south of the equator.
+  const std::string pacific = mapOf(tripOf({{-17, 179.5}, {-18, -179.5}}));
+  EXPECT_THAT(pacific, AllOf(HasSubstr(">179.5° W</text>"), HasSubstr("° S</text>"),
+                             HasSubstr(">20 km</text>")));
 
   const std::string nothing = mapOf(Trip{});
   EXPECT_THAT(nothing,

@@ -99,8 +99,7 @@ std::string SVG::escaped(std::string_view text) {
   const std::string shown = visible(text);
   std::string kept;
   kept.reserve(shown.size());
-  for (std::size_t index = 0; index < shown.size(); ++index) {
-    const char character = shown[index];
+  for (const char character : shown) {
     const std::string_view entity = entityOf(character);
     if (!entity.empty()) {
       kept += entity;

@@ -29,11 +29,13 @@ constexpr double mapTop = 84;
 constexpr double mapWidth = pageWidth - 2 * edge;
 constexpr double lowestMap = 260;
 constexpr double highestMap = 640;
-constexpr double mapMargin = 36;
+// Leaves room for the labels of the grid.
+constexpr double mapMargin = 60;
 constexpr double lineHeight = 26;
 constexpr double longestBar = 160;
 
 double radians(double degrees) { return degrees * std::numbers::pi / 180; }
+double degrees(double radians) { return radians * 180 / std::numbers::pi; }
 
 MapView::Point projected(CLLocationCoordinate2D place) {
   const double latitude = radians(std::clamp(place.latitude, -northernmost, northernmost));
@@ -106,6 +108,29 @@ std::string letterOf(const Event::EventType& type) {
   constexpr std::array<const char*, 5> letters{"A", "B", "C", "S", "L"};
   return letters.at(static_cast<std::size_t>(*known));
 }
+
+// The colours of a drawing: those of the severities that occur in it, and its own.
+class SeverityPaints {
+ public:
+  explicit SeverityPaints(const TripShape& shape) {
+    for (const TripShape::Mark& mark : shape.marks) {
+      const auto& severity = mark.what.event->severity;
+      colours_[paintOf(severity)] = &colourOf(severity);
+    }
+  }
+
+  // They refer to this.
+  [[nodiscard]] std::vector<Paint> paints() const {
+    std::vector<Paint> all{{"ground", "#f6f8fa", "#161b22"},
+                           {"start", "#1a7f37", "#3fb950"},
+                           {"end", "#1f2328", "#e6edf3"}};
+    for (const auto& [name, colour] : colours_) all.push_back({name, colour->light, colour->dark});
+    return all;
+  }
+
+ private:
+  std::map<std::string, const SeverityColour*> colours_;
+};
 
 void drawSign(SVG& svg, MapView::Point at, const MapSign& sign, std::string_view title = {}) {
   const double radius = sign.letter.empty() ? 6 : 8;
@@ -224,6 +249,46 @@ void drawScale(SVG& svg, double metresPerPixel, double top) {
       {{"d", bar.text()}, {"fill", "none"}, {"stroke", "currentColor"}, {"stroke-width", 1.5}});
   svg.text((left + right) / 2, y - 6, lengthText(metres),
            {{"font-size", 12}, {"text-anchor", "middle"}});
+}
+
+// --- The grid ------------------------------------------------------------------------------------
+
+// "7.6° E"; nothing beside the number where there is neither.
+std::string degreesText(double value, const char* positive, const char* negative) {
+  const std::string number = decimal(std::abs(value), 5);
+  if (number == "0") return "0°";
+  return number + "° " + (value < 0 ? negative : positive);
+}
+
+// The multiples of a round number between two angles, a few of them.
+std::vector<double> roundAngles(double least, double most) {
+  constexpr double atLeast = 3;
+  const double step = roundLength((most - least) / atLeast);
+  std::vector<double> angles;
+  for (double angle = std::ceil(least / step) * step; angle <= most; angle += step) {
+    angles.push_back(angle);
+  }
+  return angles;
+}
+
+// Meridians and parallels, so that it can be told where on earth this is.
+void drawGrid(SVG& svg, const MapView& view) {
+  const CLLocationCoordinate2D northWest = view.placeAt({0, 0});
+  const CLLocationCoordinate2D southEast = view.placeAt({mapWidth, view.height()});
+  const SVG::Attributes look{{"class", "muted"}, {"font-size", 11}};
+  SVGPath lines;
+  for (const double longitude : roundAngles(northWest.longitude, southEast.longitude)) {
+    const double x = view.at({0, longitude}).x;
+    lines.moveTo(x, 0).lineTo(x, view.height());
+    if (x + mapMargin > mapWidth) continue;
+    svg.text(x + 4, view.height() - 6, degreesText(nearestTurn(longitude, 0), "E", "W"), look);
+  }
+  for (const double latitude : roundAngles(southEast.latitude, northWest.latitude)) {
+    const double y = view.at({latitude, 0}).y;
+    lines.moveTo(0, y).lineTo(mapWidth, y);
+    svg.text(6, y - 4, degreesText(latitude, "N", "S"), look);
+  }
+  svg.element("path", {{"class", "line"}, {"d", lines.text()}, {"stroke", "currentColor"}});
 }
 
 // --- The route -----------------------------------------------------------------------------------
@@ -359,6 +424,12 @@ MapView::Point MapView::at(CLLocationCoordinate2D place) const {
   return {(point.x - origin_.x) * scale_, (point.y - origin_.y) * scale_};
 }
 
+CLLocationCoordinate2D MapView::placeAt(Point point) const {
+  const double x = origin_.x + point.x / scale_;
+  const double y = origin_.y + point.y / scale_;
+  return {degrees(std::atan(std::sinh(-y))), degrees(x)};
+}
+
 Places unwrapped(const Places& line, double reference) {
   Places whole = line;
   for (CLLocationCoordinate2D& place : whole) {
@@ -378,37 +449,26 @@ double roundLength(double most) {
 
 std::string mapOf(const Trip& trip) {
   const TripShape shape = inOnePiece(shapeOf(trip));
-  const MapView view(everyPlaceOf(shape), mapWidth, lowestMap, highestMap, mapMargin);
+  const Places places = everyPlaceOf(shape);
+  const MapView view(places, mapWidth, lowestMap, highestMap, mapMargin);
   const MapLegend legend = legendOf(shape);
   const double bottom = mapTop + view.height();
 
-  std::map<std::string, const SeverityColour*> severities;
-  for (const TripShape::Mark& mark : shape.marks) {
-    severities[paintOf(mark.what.event->severity)] = &colourOf(mark.what.event->severity);
-  }
-  std::vector<Paint> paints{{"ground", "#f6f8fa", "#161b22"},
-                            {"start", "#1a7f37", "#3fb950"},
-                            {"end", "#1f2328", "#e6edf3"}};
-  for (const auto& [name, colour] : severities)
-    paints.push_back({name, colour->light, colour->dark});
-
+  const SeverityPaints severities(shape);
   SVG svg({pageWidth, bottom + legend.height + edge}, titleOf(trip), descriptionOf(trip, shape),
-          paints);
+          severities.paints());
   svg.text(edge, 42, titleOf(trip), {{"font-size", 20}, {"font-weight", 600}});
   svg.text(edge, 66, subtitleOf(trip), {{"class", "muted"}});
-  svg.group({{"transform", "translate(" + SVG::number(edge) + " " + SVG::number(mapTop) + ")"}},
-            [&] {
-              svg.element(
-                  "rect",
-                  {{"class", "ground"}, {"width", mapWidth}, {"height", view.height()}, {"rx", 8}});
-              drawRoute(svg, shape, view, trip);
-            });
-  if (shape.route.empty()) {
-    svg.text(edge + 16, mapTop + 28, "No route was recorded.", {{"class", "muted"}});
-  }
+  const std::string corner = SVG::number(edge) + " " + SVG::number(mapTop);
+  svg.group({{"transform", "translate(" + corner + ")"}}, [&] {
+    svg.element("rect",
+                {{"class", "ground"}, {"width", mapWidth}, {"height", view.height()}, {"rx", 8}});
+    if (!places.empty()) drawGrid(svg, view);
+    drawRoute(svg, shape, view, trip);
+    if (shape.route.empty()) svg.text(16, 28, "No route was recorded.", {{"class", "muted"}});
+  });
   drawLegend(svg, legend, bottom);
-  const bool hasPlaces = !everyPlaceOf(shape).empty();
-  if (hasPlaces) drawScale(svg, view.metresPerPixel(), bottom);
+  if (!places.empty()) drawScale(svg, view.metresPerPixel(), bottom);
   return std::move(svg).take();
 }
 

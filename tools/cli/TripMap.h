@@ -27,6 +27,8 @@ class MapView {
 
   /// From the frame's upper left corner.
   [[nodiscard]] Point at(CLLocationCoordinate2D place) const;
+  /// The place that `at` leads to `point`.
+  [[nodiscard]] CLLocationCoordinate2D placeAt(Point point) const;
   [[nodiscard]] double height() const noexcept { return height_; }
   /// On the ground, in the middle of the frame.
   [[nodiscard]] double metresPerPixel() const noexcept { return metresPerPixel_; }
