@@ -4,7 +4,7 @@
 #include <Orvane/Platform/DeviceSettings.h>
 #include <Orvane/Platform/TimeZone.h>
 
-#include <wchar.h>
+#include <wchar.h>  // NOLINT(modernize-deprecated-headers): wcwidth is of POSIX
 
 #include <array>
 #include <charconv>

@@ -89,8 +89,8 @@ WedgeFirmwareService::WedgeFirmwareService()
   availableFirmwareVersion = versionIn(remoteURL_.absoluteString());
 }
 
-void WedgeFirmwareService::checkUpdateAvailability(std::optional<std::string> userFirmwareVersion,
-                                                   UniqueFunction<void(bool)> then) const {
+void WedgeFirmwareService::checkUpdateAvailability(
+    const std::optional<std::string>& userFirmwareVersion, UniqueFunction<void(bool)> then) const {
   precondition(userFirmwareVersion.has_value(),
                "checkUpdateAvailability needs the device's firmware version");
   then(*updateAvailability(userFirmwareVersion).value());

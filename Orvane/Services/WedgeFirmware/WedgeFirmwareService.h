@@ -68,7 +68,7 @@ class ORVANE_EXPORT WedgeFirmwareService {
   /// Calls `then`, before it returns, with whether the published firmware is newer than the
   /// device's: false for an equal version, and when none is known to be published. An absent
   /// version is a programming fault that stops the process.
-  void checkUpdateAvailability(std::optional<std::string> userFirmwareVersion,
+  void checkUpdateAvailability(const std::optional<std::string>& userFirmwareVersion,
                                UniqueFunction<void(bool)> then) const;
 
   /// The same as a value; an absent version is answered with `FirmwareVersionMissing`.
