@@ -97,16 +97,29 @@ void SandboxProcess::behave() {
   admin(Verb::delete_, "requests");
 }
 
-std::vector<SandboxProcess::Arrival> SandboxProcess::arrivals() {
+namespace {
+
+std::string requestOf(const nlohmann::json& entry) {
   constexpr std::string_view root = "/kavra/api/sdk/";
+  auto path = entry.at("path").get<std::string>();
+  if (path.starts_with(root)) path.erase(0, root.size());
+  return entry.at("method").get<std::string>() + " " + path;
+}
+
+}  // namespace
+
+std::vector<SandboxProcess::Arrival> SandboxProcess::arrivals() {
   std::vector<Arrival> all;
   const auto log = nlohmann::json::parse(admin(Verb::get, "requests"));
-  for (const auto& entry : log) {
-    auto path = entry.at("path").get<std::string>();
-    if (path.starts_with(root)) path.erase(0, root.size());
-    all.push_back({entry.at("method").get<std::string>() + " " + path, entry.at("status")});
-  }
+  for (const auto& entry : log) all.push_back({requestOf(entry), entry.at("status")});
   return all;
+}
+
+std::string SandboxProcess::lastRequest() {
+  const auto log = nlohmann::json::parse(admin(Verb::get, "requests"));
+  if (log.empty()) return {};
+  const auto query = log.back().at("query").get<std::string>();
+  return requestOf(log.back()) + (query.empty() ? "" : "?" + query);
 }
 
 std::string SandboxProcess::admin(Verb verb, const std::string& path, std::string body) {

@@ -42,12 +42,14 @@ class SandboxProcess {
 
   /// A request as it arrived.
   struct Arrival {
-    std::string request;  ///< "GET /kavra/api/sdk/identity"
+    std::string request;  ///< "GET identity"
     int status = 0;
     friend bool operator==(const Arrival&, const Arrival&) = default;
   };
   /// What has come since it started or was last told to behave, without the path's API root.
   [[nodiscard]] std::vector<Arrival> arrivals();
+  /// The last of them with its query: "GET users/1001?expand=role".
+  [[nodiscard]] std::string lastRequest();
 
  private:
   [[nodiscard]] std::string text(const char* member) const;

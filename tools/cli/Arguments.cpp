@@ -67,6 +67,19 @@ std::optional<std::int64_t> Argument<std::int64_t>::parse(std::string_view text)
   return wholeTextAs<std::int64_t>(text);
 }
 
+std::optional<std::uint64_t> Argument<std::uint64_t>::parse(std::string_view text) {
+  return wholeTextAs<std::uint64_t>(text);
+}
+
+std::optional<ClosedRange<std::int64_t>> Argument<ClosedRange<std::int64_t>>::parse(
+    std::string_view text) {
+  const std::size_t hyphen = text.find('-');
+  if (hyphen == std::string_view::npos) return std::nullopt;
+  const auto lower = digits(text.substr(0, hyphen));
+  const auto upper = digits(text.substr(hyphen + 1));
+  return lower && upper ? ClosedRange<std::int64_t>::make(*lower, *upper) : std::nullopt;
+}
+
 std::optional<double> Argument<double>::parse(std::string_view text) {
   const auto number = wholeTextAs<double>(text);
   return number && std::isfinite(*number) ? number : std::nullopt;

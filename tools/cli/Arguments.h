@@ -4,6 +4,7 @@
 
 #include <Orvane/Models/TransportMode.h>
 #include <Orvane/Models/User.h>
+#include <Orvane/Platform/ClosedRange.h>
 #include <Orvane/Platform/DateComponents.h>
 #include <Orvane/Platform/Enumeration.h>
 #include <Orvane/Services/DrivingAlert/DrivingAlertService.h>
@@ -63,6 +64,13 @@ struct Argument<std::int64_t> {
   static constexpr std::string_view label = "NUMBER";
   static constexpr std::string_view meaning = "a whole number";
   [[nodiscard]] static std::optional<std::int64_t> parse(std::string_view text);
+};
+
+template <>
+struct Argument<std::uint64_t> {
+  static constexpr std::string_view label = "NUMBER";
+  static constexpr std::string_view meaning = "a whole number from 0 up";
+  [[nodiscard]] static std::optional<std::uint64_t> parse(std::string_view text);
 };
 
 template <>
@@ -133,6 +141,14 @@ struct Argument<DrivingEventSeverity> {
   static constexpr std::string_view meaning = "one of the choices";
   [[nodiscard]] static std::vector<std::string> choices();
   [[nodiscard]] static std::optional<DrivingEventSeverity> parse(std::string_view text);
+};
+
+/// Two whole numbers with a hyphen between them, both included.
+template <>
+struct Argument<ClosedRange<std::int64_t>> {
+  static constexpr std::string_view label = "FROM-TO";
+  static constexpr std::string_view meaning = "a range of whole numbers, as 18-25";
+  [[nodiscard]] static std::optional<ClosedRange<std::int64_t>> parse(std::string_view text);
 };
 
 /// A time of day, without its day.

@@ -38,6 +38,26 @@ Date noonOf(const DateComponents& day) {
   return dateFromSeconds(static_cast<double>(fromLocal(noon)));
 }
 
+std::optional<std::chrono::sys_days> dayOf(Date date) {
+  using std::chrono::year;
+  constexpr std::chrono::sys_days first = year(1) / 1 / 1;
+  constexpr std::chrono::sys_days last = year(9999) / 12 / 31;
+  // Written so that what is not a number does not pass.
+  const bool isNear =
+      date > Date(first - std::chrono::days(1)) && date < Date(last + std::chrono::days(2));
+  if (!isNear) return std::nullopt;
+  const auto seconds = static_cast<std::int64_t>(std::floor(secondsSince1970(date)));
+  const std::chrono::sys_seconds local{std::chrono::seconds(seconds + offsetAt(seconds))};
+  const auto day = std::chrono::floor<std::chrono::days>(local);
+  return day >= first && day <= last ? std::optional(day) : std::nullopt;
+}
+
+DateComponents componentsOf(std::chrono::sys_days day) {
+  const std::chrono::year_month_day date{day};
+  return {static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
+          static_cast<unsigned>(date.day())};
+}
+
 Date next(TimeOfDay time) {
   const auto now = static_cast<std::int64_t>(std::ceil(secondsSince1970(DeviceClock::now())));
   const std::int64_t localNow = now + offsetAt(now);

@@ -94,6 +94,7 @@ struct OutputStyle {
 
   Format format = Format::tabs;
   bool isColoured = false;
+  bool isUnicode = true;  ///< Else drawings do with ASCII.
   std::size_t columns = 80;
 };
 

@@ -166,6 +166,20 @@ std::size_t columnsOfOutput() {
   return 100;
 }
 
+// As POSIX has it: the first of these that says something counts. The locale need not be installed:
+// what matters is what the terminal shows.
+bool showsUnicode() {
+  for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    const char* locale = std::getenv(name);
+    if (locale == nullptr || *locale == '\0') continue;
+    std::string_view text = locale;
+    text = text.substr(0, text.find('@'));
+    const std::size_t dot = text.find('.');
+    return dot != std::string_view::npos && sameChoice(text.substr(dot + 1), "utf-8");
+  }
+  return false;
+}
+
 bool wantsNoColour() {
   const char* noColour = std::getenv("NO_COLOR");
   const char* terminal = std::getenv("TERM");
@@ -224,6 +238,7 @@ OutputStyle GlobalOptions::style() const {
   if (isJSON_) style.format = OutputStyle::Format::json;
   if (format_) style.format = *format_;
   style.isColoured = isTerminal && !isColourless_ && !wantsNoColour();
+  style.isUnicode = showsUnicode();
   style.columns = columnsOfOutput();
   return style;
 }

@@ -11,6 +11,8 @@ std::vector<Resource> resources() {
           deviceCommands(), pushCommands(), subscriptionsCommand(), namedDriverCommands(),
           // Trips and driving.
           tripCommands(), locationCommands(), vehicleCommands(), summaryCommands(), alertCommands(),
+          // Scores and incentives.
+          scoreCommands(), leaderboardCommands(), discountCommands(), rewardCommands(),
           // Content and firmware.
           contentCommands(), firmwareCommands(),
           // The program itself.

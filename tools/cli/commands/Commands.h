@@ -14,6 +14,10 @@ namespace orvane::cli {
 [[nodiscard]] Resource pushCommands();
 [[nodiscard]] Resource subscriptionsCommand();
 [[nodiscard]] Resource namedDriverCommands();
+[[nodiscard]] Resource scoreCommands();
+[[nodiscard]] Resource leaderboardCommands();
+[[nodiscard]] Resource discountCommands();
+[[nodiscard]] Resource rewardCommands();
 [[nodiscard]] Resource contentCommands();
 [[nodiscard]] Resource firmwareCommands();
 [[nodiscard]] Resource tripCommands();
