@@ -180,6 +180,64 @@ scene_trips() {
   show "$(grep -E '^(id|transport mode|purpose)' <<<"$output")"
 }
 
+scene_scores() {
+  local drawing=$build/demo/scores.svg
+  local days=(--from 2026-04-18 --to 2026-05-17)
+  mkdir -p "$build/demo"
+  title "Thirty days of a vehicle: a score for each day on which it was driven, and what they come to"
+  LC_ALL=C.UTF-8 run 0 scores aggregate "${days[@]}" --vehicle 3001 --svg "$drawing"
+  show "$(head -n 8 <<<"$output")"
+  show "..."
+  show "$(sed -n '/^Score per day/,$p' <<<"$output")"
+  expect "average score"
+  expect "day score average driving recorded by"
+  expect "Score per day of vehicle 3001, 2026-04-18 to 2026-05-17"
+  [[ $output == *█*└*─┬─* ]] || failed "there should be a chart"
+  [[ $(<"$drawing") == *"<title id=\"title\">Score per day of vehicle 3001</title>"*"</svg>" ]] || failed "$drawing should hold a drawing"
+  printf '  The drawing stays there, for a browser: %s\n' "$drawing"
+  local average
+  average=$(sed -nE 's/^average score +//p' <<<"$output")
+  run 0 scores average "${days[@]}" --vehicle 3001
+  show "$output"
+  expect "average score $average"
+  expect "components"
+}
+
+scene_leaderboard() {
+  local anna=' 1001$'
+  title "The leaderboard of a day: with the person who is signed in, and without"
+  run 0 leaderboard show --day 2026-05-17
+  show "$(head -n 11 <<<"$output")"
+  expect "taking part yes ranked yes"
+  expect "place points driver city id 1 "
+  grep -q "$anna" <<<"$output" || failed "1001 should be among the drivers"
+  run 0 leaderboard opt-out
+  show "$output"
+  run 0 leaderboard show --day 2026-05-17
+  show "$(head -n 3 <<<"$output")"
+  expect "taking part no ranked no"
+  ! grep -q "$anna" <<<"$output" || failed "1001 should not be among the drivers"
+  run 0 leaderboard opt-in
+  run 0 leaderboard show --day 2026-05-17
+  expect "taking part yes ranked yes"
+  grep -q "$anna" <<<"$output" || failed "1001 should be among the drivers again"
+}
+
+scene_discount() {
+  title "What careful driving takes off the premium, by which scheme, and a token for the rewards"
+  run 0 discount show
+  show "$output"
+  expect "current "
+  expect "possible, up to 25"
+  run 0 discount scheme
+  show "$output"
+  expect "distance needed 250 km"
+  expect "score from up to discount 95 25 90 95 20"
+  run 0 rewards token
+  [[ $output =~ ^[A-Za-z0-9_-]+\.[A-Za-z0-9_-]+\.[A-Za-z0-9_-]+$ ]] || failed "there should be a token"
+  show "a JSON Web Token of ${#output} characters"
+}
+
 scene_clock() {
   title "A device whose clock is 300 seconds behind: one refusal tells the right time, one retry succeeds"
   run 0 --clock-offset -300 --verbose user show
@@ -268,6 +326,9 @@ printf '%sThe backend listens on %s%s\n' "$bold" "$base_url" "$plain"
 scene_user
 scene_update
 scene_trips
+scene_scores
+scene_leaderboard
+scene_discount
 scene_invitation
 scene_content
 scene_firmware

@@ -5,7 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include <array>
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <sstream>
@@ -121,6 +121,13 @@ TEST_F(ScoreCommandsTest, SendsWhatTheOperationsSend) {
   }
 }
 
+Words cellsOf(const std::string& line) {
+  Words cells;
+  std::istringstream rest(line);
+  for (std::string cell; std::getline(rest, cell, '\t');) cells.push_back(cell);
+  return cells;
+}
+
 // Every way to the scores of the same days comes to what the trips of these days say.
 TEST_F(ScoreCommandsTest, ScoresAndTripsAgree) {
   const Words days{"--from", "2025-05-19", "--to", "2025-06-18"};
@@ -133,15 +140,18 @@ TEST_F(ScoreCommandsTest, ScoresAndTripsAgree) {
   Words list{"trips", "list", "--all", "--expand", "scores"};
   list.insert(list.end(), days.begin(), days.end());
   std::istringstream lines(orvane(list, environment_).output);
+  std::string line;
+  std::getline(lines, line);
+  const Words titles = cellsOf(line);
+  const auto column = [&](const char* title) {
+    return static_cast<std::size_t>(std::ranges::find(titles, title) - titles.begin());
+  };
   double sum = 0;
   double kilometres = 0;
-  std::string line;
-  for (std::getline(lines, line); std::getline(lines, line);) {
-    std::istringstream cells(line);
-    std::array<std::string, 8> cell;
-    for (std::string& text : cell) std::getline(cells, text, '\t');
-    const std::string& distance = cell[3];
-    const std::string& score = cell[7];
+  while (std::getline(lines, line)) {
+    const Words cells = cellsOf(line);
+    const std::string& score = cells.at(column("score"));
+    const std::string& distance = cells.at(column("distance"));
     if (score.empty()) continue;
     sum += std::stod(score) * std::stod(distance);
     kilometres += std::stod(distance);

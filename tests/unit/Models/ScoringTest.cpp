@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -225,6 +226,21 @@ TEST(ScoringTest, readsAndWritesAnAverage) {
   for (const auto& [json_, where] : failures) {
     EXPECT_EQ(place<ScoringAverage>(R"({"tripScoringAverage":)" + std::string(json_) + "}"),
               "tripScoringAverage." + std::string(where));
+  }
+}
+
+TEST(ScoringTest, writesNoNumberThatIsNone) {
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  for (const double none : {infinity, -infinity, std::numeric_limits<double>::quiet_NaN()}) {
+    EXPECT_FALSE(encode(TripScores{.overall = none, .subScores = SubScores()}));
+    EXPECT_FALSE(encode(TripScores{.subScores = SubScores{{SubScore::braking(), none}}}));
+    EXPECT_FALSE(encode(TripScoring{.overallScore = none}));
+    EXPECT_FALSE(encode(ScoringAggregate{.tripScoringDailyAggregate = {{{.date = none}}}}));
+    EXPECT_FALSE(encode(ScoringComponents{.payd = ScoreComponent{.averageScore = none}}));
+    EXPECT_FALSE(encode(ScoringAverage{.tripScoringAverage = TripScoringAverage{.date = none}}));
+    EXPECT_FALSE(encode(TripScoringComponents{.mileage = none}));
+    // Not written, and so no fault.
+    EXPECT_EQ(encode(TripScores{.overall = none}), std::string("null"));
   }
 }
 
