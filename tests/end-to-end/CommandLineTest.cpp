@@ -245,6 +245,7 @@ TEST(CommandLineTest, CompletesInBash) {
       {"orvane user show --expand role,assoc", "role,associatedUsers role,associatedAccount\n"},
       {"orvane user update --driver-type com", "commuter\n"},
       {"orvane completion --format t", "table tabs\n"},
+      {"orvane scores aggregate last-3", "last-30-days\n"},
       {"orvane --ca-file /etc/passw", "/etc/passwd"},
   };
   for (const Case& each : cases) {

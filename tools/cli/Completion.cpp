@@ -37,12 +37,17 @@ std::vector<Option> optionsOf(Verb& verb) {
   return options.rows();
 }
 
-std::string names(std::span<const Option> options) {
-  std::string text;
+// What can stand next: the options, and what positional arguments may be.
+std::string words(std::span<const Option> options) {
+  std::vector<std::string> all;
   for (const Option& option : options) {
-    if (!option.isPositional()) text.append(text.empty() ? "" : " ").append(option.name);
+    if (option.isPositional()) {
+      all.insert(all.end(), option.choices.begin(), option.choices.end());
+    } else {
+      all.push_back(option.name);
+    }
   }
-  return text;
+  return joined(all, " ");
 }
 
 // The options that take the next word as their value, as a pattern of `case`.
@@ -137,7 +142,9 @@ void addZshVerb(std::string& script, const Resource& resource, Verb& verb) {
       script += zshOption(option);
     } else {
       const std::string place = option.isList ? "*" : std::to_string(position++);
-      script += shellWord(place + ":" + zshText(option.name) + ":");
+      const std::string choices =
+          option.choices.empty() ? "" : "(" + joined(option.choices, " ") + ")";
+      script += shellWord(place + ":" + zshText(option.name) + ":" + choices);
     }
   }
   script += ")\n      ;;\n";
@@ -146,11 +153,14 @@ void addZshVerb(std::string& script, const Resource& resource, Verb& verb) {
 // --- fish ---
 
 void addFishOption(std::string& script, const std::string& condition, const Option& option) {
-  if (option.isPositional()) return;
-  script += "complete -c orvane" + (condition.empty() ? "" : " -n " + shellWord(condition)) +
-            " -l " + option.name.substr(2) + " -d " + shellWord(option.help);
+  if (option.isPositional() && option.choices.empty()) return;
+  script += "complete -c orvane" + (condition.empty() ? "" : " -n " + shellWord(condition));
+  if (!option.isPositional()) script += " -l " + option.name.substr(2);
+  script += " -d " + shellWord(option.help);
   if (namesFile(option)) {
     script += " -r -F";
+  } else if (option.isPositional()) {
+    script += " -f";
   } else if (!option.isFlag()) {
     script += " -x";
   }
@@ -220,7 +230,7 @@ _orvane() {
   }
   script += "  esac\n  case $previous in\n";
   addBashValues(script, "", globals);
-  script += "  esac\n\n  local words='" + names(globals) + " --help --version'\n";
+  script += "  esac\n\n  local words='" + words(globals) + " --help --version'\n";
   script += "  case \"$resource $verb\" in\n";
   script += "    ' ') words+=' " + resourceNames(resources) + "' ;;\n";
   for (const Resource& resource : resources) {
@@ -228,7 +238,7 @@ _orvane() {
       script += "    '" + resource.name() + " ') words+=' " + verbs + "' ;;\n";
     }
     for (const auto& verb : resource.verbs()) {
-      script += "    " + pathPattern(resource, *verb) + ") words+=' " + names(optionsOf(*verb)) +
+      script += "    " + pathPattern(resource, *verb) + ") words+=' " + words(optionsOf(*verb)) +
                 "' ;;\n";
     }
   }
