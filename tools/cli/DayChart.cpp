@@ -128,6 +128,7 @@ std::vector<std::optional<double>> heights(const DayChart& chart, Day first, con
     ++sum.count;
   }
   std::vector<std::optional<double>> means;
+  means.reserve(sums.size());
   for (const Sum& sum : sums) {
     means.push_back(sum.count == 0 ? std::nullopt
                                    : std::optional(sum.values / static_cast<double>(sum.count)));
