@@ -71,7 +71,7 @@ std::vector<OperationRow> documentedOperations() {
                     .operations = findAll(cells[1], R"(`([^`]+)`( \([^)]*\))?)"),
                     .verb = trimmed(cells[2]),
                     .paths = findAll(cells[3], code),
-                    .commands = findAll(cells[6], R"(`([a-z-]+(?: [a-z-]+)*)[^`]*`)")});
+                    .commands = findAll(cells[6], code)});
   }
   return rows;
 }

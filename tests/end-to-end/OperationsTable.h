@@ -14,7 +14,7 @@ struct OperationRow {
   std::vector<std::string> operations;  ///< "fetch", or "fetch (one)" where there are several.
   std::string verb;                     ///< Empty where nothing is sent.
   std::vector<std::string> paths;       ///< With words in braces.
-  std::vector<std::string> commands;    ///< Without the arguments.
+  std::vector<std::string> commands;    ///< With arguments: "trips show ID", "user show [ID]".
 
   /// "UserService.fetch": every service with every operation.
   [[nodiscard]] std::vector<std::string> names() const;

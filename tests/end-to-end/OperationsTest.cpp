@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Every operation of every service, once, through the Runtime against a backend in another process.
+#include "CommandLine.h"
 #include "OperationsTable.h"
 #include "SandboxProcess.h"
 #include "tests/support/Outcome.h"
@@ -19,6 +20,7 @@
 #include <iterator>
 #include <map>
 #include <optional>
+#include <sstream>
 
 namespace orvane::test {
 namespace {
@@ -617,6 +619,37 @@ TEST(OperationsTest, AreDocumentedAllOfThem) {
   expected.insert({"ContentService.allCases<ContentService::Key>()",
                    "WedgeFirmwareService.checkUpdateAvailability"});
   expectSame(withDocument, expected);
+}
+
+// Whether `orvane` knows a command as it is documented: "scores average --days N [--vehicle ID]".
+bool isKnown(const std::string& command) {
+  Words words;                    // resource and verb
+  std::vector<std::string> more;  // options, and arguments that are words of their own
+  std::istringstream stream(command);
+  for (std::string word; stream >> word;) {
+    std::erase_if(word, [](char character) { return character == '[' || character == ']'; });
+    const bool isOption = word.starts_with("--");
+    if (!isOption && (word[0] < 'a' || word[0] > 'z')) continue;
+    (isOption || words.size() == 2 ? more : words).push_back(word);
+  }
+  std::string usage = "Usage: orvane ";
+  for (const std::string& word : words) usage += word + " ";
+  words.emplace_back("--help");
+  const Ending help = orvane(words);
+  const auto tells = [&](const std::string& text) {
+    return help.output.find(text) != std::string::npos;
+  };
+  // Asked about a command that it does not know it tells of the one above.
+  return help.exitCode == 0 && tells(usage) && std::ranges::all_of(more, tells);
+}
+
+TEST(OperationsTest, HaveTheirCommands) {
+  std::vector<std::string> unknown;
+  for (const OperationRow& row : documentedOperations()) {
+    EXPECT_FALSE(row.commands.empty()) << testing::PrintToString(row.names());
+    std::ranges::copy_if(row.commands, std::back_inserter(unknown), std::not_fn(isKnown));
+  }
+  EXPECT_THAT(unknown, SizeIs(0));
 }
 
 TEST(OperationsTest, EachDoesWhatItSaysAndAsksWhatIsDocumented) {
