@@ -102,7 +102,7 @@ TEST(ChartAxesTest, DaysAreThoseThatPeopleLookAt) {
 }
 
 // A chart of days counted from the start, each with its value.
-DayChart chartOf(int length, std::vector<std::pair<int, double>> values) {
+DayChart chartOf(int length, const std::vector<std::pair<int, double>>& values) {
   DayChart chart{.title = "Score", .period = std::pair(start, start + days(length - 1))};
   for (const auto& [day, value] : values) chart.points.push_back({start + days(day), value});
   chart.usualValues = std::pair(0.0, 100.0);

@@ -141,10 +141,12 @@ void addZshVerb(std::string& script, const Resource& resource, Verb& verb) {
     if (!option.isPositional()) {
       script += zshOption(option);
     } else {
-      const std::string place = option.isList ? "*" : std::to_string(position++);
-      const std::string choices =
-          option.choices.empty() ? "" : "(" + joined(option.choices, " ") + ")";
-      script += shellWord(place + ":" + zshText(option.name) + ":" + choices);
+      std::string spec = option.isList ? "*" : std::to_string(position++);
+      spec.append(":").append(zshText(option.name)).append(":");
+      if (!option.choices.empty()) {
+        spec.append("(").append(joined(option.choices, " ")).append(")");
+      }
+      script += shellWord(spec);
     }
   }
   script += ")\n      ;;\n";

@@ -64,7 +64,7 @@ class DrivingAlertType
     return alert::Braking{std::move(driverId), severity};
   }
   /// Of the two times only the time of day counts, in the device's time zone; they are sent when
-  /// both are there.
+  /// both are there and finite.
   [[nodiscard]] static DrivingAlertType lateNight(std::string driverId, bool enableAlert,
                                                   std::optional<Date> startTime = {},
                                                   std::optional<Date> endTime = {}) {

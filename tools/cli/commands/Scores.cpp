@@ -163,7 +163,7 @@ struct AggregateScores {
     options.positional("PERIOD", period, "A period up to today, instead of --days or --from");
     dates.declare(options);
     options.option("--vehicle", vehicle,
-                   "Whose driver does not matter; with --days, or --from and --to");
+                   "The scores of this vehicle, whoever drove it; with --days, or --from and --to");
     options.option("--svg", drawing, "Draw the chart into this file, too; - prints it alone");
   }
 
@@ -280,7 +280,7 @@ struct AverageScores {
     options.option("--week", week, "A week by the backend's own count");
     dates.declare(options);
     options.option("--vehicle", vehicle,
-                   "Whose driver does not matter; with --days, or --from and --to");
+                   "The scores of this vehicle, whoever drove it; with --days, or --from and --to");
   }
 
   void run(Session& session) const {
