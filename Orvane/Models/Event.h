@@ -24,7 +24,7 @@ struct ORVANE_EXPORT Event {
   struct OtherEventType {
     std::string key{};
     [[nodiscard]] std::size_t hashValue() const { return hashOf(key); }
-    auto operator<=>(const OtherEventType&) const = default;  // NOLINT(modernize-use-nullptr)
+    auto operator<=>(const OtherEventType&) const = default;
   };
   enum class KnownEventType : std::uint8_t {
     acceleration,

@@ -38,7 +38,7 @@ struct ORVANE_EXPORT TripScores {
   struct OtherSubScore {
     std::string key{};
     [[nodiscard]] std::size_t hashValue() const { return hashOf(key); }
-    auto operator<=>(const OtherSubScore&) const = default;  // NOLINT(modernize-use-nullptr)
+    auto operator<=>(const OtherSubScore&) const = default;
   };
 
   /// What a sub-score rates: one of the known components, or any other that the backend names.

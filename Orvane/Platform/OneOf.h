@@ -54,7 +54,7 @@ class OneOf {
   }
 
   friend bool operator==(const OneOf&, const OneOf&) = default;
-  friend auto operator<=>(const OneOf&, const OneOf&) = default;  // NOLINT(modernize-use-nullptr)
+  friend auto operator<=>(const OneOf&, const OneOf&) = default;
 
  private:
   template <class Case>

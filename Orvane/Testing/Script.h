@@ -184,9 +184,17 @@ class Script {
     auto job = [call, result = std::move(answer.result)]() mutable {
       call->answer(std::move(result));
     };
-    if (answer.time == AnswerTime::atOnce) job();
-    if (answer.time == AnswerTime::onMainQueue) MainQueue::main().async(std::move(job));
-    if (answer.time == AnswerTime::onAnotherThread) runOnAnotherThread(std::move(job));
+    switch (answer.time) {
+      case AnswerTime::atOnce:
+        return job();
+      case AnswerTime::onMainQueue:
+        return MainQueue::main().async(std::move(job));
+      case AnswerTime::onAnotherThread:
+        return runOnAnotherThread(std::move(job));
+      case AnswerTime::whenTold:
+      case AnswerTime::never:
+        break;
+    }
   }
 
   mutable std::mutex mutex_;

@@ -88,7 +88,7 @@ RequestHandle TripService::fetchPages(TripPages pages, Completion<Trips> then) c
         all->insert(all->end(), std::make_move_iterator(page.begin()),
                     std::make_move_iterator(page.end()));
       },
-      [all, then = std::move(then)](Result<Unit> outcome) mutable {
+      [all, then = std::move(then)](const Result<Unit>& outcome) mutable {
         if (!outcome) return then(outcome.errorOr(NetworkError::unknown));
         then(std::move(*all));
       });
