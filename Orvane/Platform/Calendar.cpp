@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Platform/Calendar.h>
 #include <Orvane/Platform/DeviceSettings.h>
+#include <Orvane/Platform/OfThisThread.h>
 
 #include <unicode/calendar.h>
 #include <unicode/smpdtfmt.h>
@@ -109,9 +110,13 @@ class Formats {
   bool plain_ = false;
 };
 
+struct KeptFormats {
+  std::uint64_t version = 0;
+  std::unique_ptr<Formats> formats;
+};
+
 Formats& formats() {
-  thread_local std::uint64_t version = 0;
-  thread_local std::unique_ptr<Formats> formats;
+  auto& [version, formats] = ofThisThread<KeptFormats>();
   if (const std::uint64_t latest = DeviceSettings::version(); version != latest || !formats) {
     formats = std::make_unique<Formats>(*DeviceSettings::current());
     version = latest;

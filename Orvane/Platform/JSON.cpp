@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Platform/JSON.h>
+#include <Orvane/Platform/OfThisThread.h>
 
 #include <utility>
 
@@ -16,8 +17,7 @@ constexpr std::size_t largestKeptCapacity = std::size_t{4} << 20U;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 std::unique_ptr<simdjson::dom::parser>& stock() {
-  thread_local std::unique_ptr<simdjson::dom::parser> parser;
-  return parser;
+  return ofThisThread<std::unique_ptr<simdjson::dom::parser>>();
 }
 
 std::unique_ptr<simdjson::dom::parser> takeParser() {
