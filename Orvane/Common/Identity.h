@@ -17,7 +17,7 @@ struct Identity {
   /// The person's identifier in the host's own system, where there is one.
   std::optional<std::string> externalReferenceID{};
 
-  [[nodiscard]] std::size_t hashValue() const { return hashOf(apiKey, externalReferenceID); }
+  [[nodiscard]] HashValue hashValue() const { return hashOf(apiKey, externalReferenceID); }
   friend bool operator==(const Identity&, const Identity&) = default;
 };
 

@@ -23,7 +23,7 @@ namespace orvane {
 struct ORVANE_EXPORT Event {
   struct OtherEventType {
     std::string key{};
-    [[nodiscard]] std::size_t hashValue() const { return hashOf(key); }
+    [[nodiscard]] HashValue hashValue() const { return hashOf(key); }
     auto operator<=>(const OtherEventType&) const = default;
   };
   enum class KnownEventType : std::uint8_t {

@@ -37,7 +37,7 @@ struct ORVANE_EXPORT TripScores {
   };
   struct OtherSubScore {
     std::string key{};
-    [[nodiscard]] std::size_t hashValue() const { return hashOf(key); }
+    [[nodiscard]] HashValue hashValue() const { return hashOf(key); }
     auto operator<=>(const OtherSubScore&) const = default;
   };
 

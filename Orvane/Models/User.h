@@ -59,7 +59,7 @@ struct ORVANE_EXPORT User {
   };
   struct CustomGender {
     std::string gender;
-    [[nodiscard]] std::size_t hashValue() const { return hashOf(gender); }
+    [[nodiscard]] HashValue hashValue() const { return hashOf(gender); }
     auto operator<=>(const CustomGender&) const = default;
   };
 

@@ -16,7 +16,7 @@ struct DateRange {
   Date start{};
   Date end{};
 
-  [[nodiscard]] std::size_t hashValue() const {
+  [[nodiscard]] HashValue hashValue() const {
     return hashOf(secondsSince1970(start), secondsSince1970(end));
   }
 

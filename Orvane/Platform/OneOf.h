@@ -19,9 +19,9 @@ struct Overloaded : Functions... {
   using Functions::operator()...;
 };
 
-/// Holds exactly one of `Cases`, small structs that carry a case's data, or an enumeration of the
-/// cases without data. Equality, order and hash
-/// look at the case and its data. Enumerations derive from it and add a factory per case.
+/// Holds exactly one of `Cases`: small structs that carry a case's data, or an enumeration of the
+/// cases without data. Equality, order and hash look at the case and its data. Enumerations derive
+/// from it and add a factory per case.
 template <class... Cases>
 class OneOf {
  public:
@@ -48,9 +48,9 @@ class OneOf {
                       value_);
   }
 
-  [[nodiscard]] std::size_t hashValue() const {
-    return hashCombine(value_.index(),
-                       std::visit([](const auto& data) { return hashOfCase(data); }, value_));
+  [[nodiscard]] HashValue hashValue() const {
+    return {hashCombine(value_.index(),
+                        std::visit([](const auto& data) { return hashOfCase(data); }, value_))};
   }
 
   friend bool operator==(const OneOf&, const OneOf&) = default;
@@ -59,9 +59,7 @@ class OneOf {
  private:
   template <class Case>
   static std::size_t hashOfCase(const Case& data) {
-    if constexpr (HashesItself<Case>) {
-      return data.hashValue();
-    } else if constexpr (std::is_empty_v<Case>) {
+    if constexpr (std::is_empty_v<Case>) {
       return 0;
     } else {
       return std::hash<Case>{}(data);

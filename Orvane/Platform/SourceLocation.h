@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A place in the code. Stands in for SourceLocation, which Clang has only from version 16 on.
+// A place in the code. Stands in for std::source_location, which Clang has only from version 16 on.
 #pragma once
 
 #include <cstdint>

@@ -49,7 +49,7 @@ class ORVANE_EXPORT URL {
   /// not UTF-8.
   [[nodiscard]] std::optional<URL> settingQuery(std::optional<std::string_view> query) const;
 
-  [[nodiscard]] std::size_t hashValue() const { return hashOf(text_); }
+  [[nodiscard]] HashValue hashValue() const { return hashOf(text_); }
   friend bool operator==(const URL&, const URL&) = default;
 
  private:

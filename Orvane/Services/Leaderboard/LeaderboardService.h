@@ -53,7 +53,7 @@ class ORVANE_EXPORT LeaderboardService : public SerializableService {
     /// "gender", "age" or "postalCode": all that comparisons look at.
     [[nodiscard]] ORVANE_EXPORT std::string_view kind() const noexcept;
 
-    [[nodiscard]] std::size_t hashValue() const { return hashOf(kind()); }
+    [[nodiscard]] HashValue hashValue() const { return hashOf(kind()); }
     friend bool operator==(const Filter& left, const Filter& right) noexcept {
       return left.kind() == right.kind();
     }

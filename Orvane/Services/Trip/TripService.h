@@ -44,7 +44,7 @@ class ORVANE_EXPORT TripService : public SerializableService {
   struct CursorFilter {
     std::int64_t limit;
     std::int64_t offset;
-    [[nodiscard]] std::size_t hashValue() const { return hashOf(limit, offset); }
+    [[nodiscard]] HashValue hashValue() const { return hashOf(limit, offset); }
     auto operator<=>(const CursorFilter&) const = default;
   };
   using DateFilter = DateRange;

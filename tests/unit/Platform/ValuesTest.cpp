@@ -18,6 +18,23 @@
 #include <string>
 #include <unordered_set>
 
+namespace application {
+
+// An application's own template, hashed in the application's own way.
+template <class T>
+struct Boxed {
+  T content;
+  [[nodiscard]] std::size_t hashValue() const { return 1; }
+  bool operator==(const Boxed&) const = default;
+};
+
+}  // namespace application
+
+template <class T>
+struct std::hash<application::Boxed<T>> {
+  std::size_t operator()(const application::Boxed<T>& box) const { return box.hashValue() + 1; }
+};
+
 namespace orvane {
 namespace {
 
@@ -113,6 +130,10 @@ TEST(OneOfTest, comparesOrdersAndHashesByCaseAndData) {
       genders[3].match([](const User::CustomGender& custom) { return custom.gender; },
                        [](const auto&) { return std::string("listed"); });
   EXPECT_EQ(text, "b");
+}
+
+TEST(HashTest, leavesTheTypesOfOthersAlone) {
+  EXPECT_EQ(std::hash<application::Boxed<int>>()({7}), 2U);
 }
 
 template <class E>
