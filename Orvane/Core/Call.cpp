@@ -15,13 +15,15 @@ struct Outgoing {
 Result<Outgoing> compose(const URLComposer& composer, OrvaneDetails details) {
   std::optional<URL> url = composer.url(details);
   if (!url) return NetworkError::malformedRequest;
-  Outgoing outgoing{*std::move(url), {}, std::move(details.headers)};
-  if (auto header = composer.additionalHeader()) outgoing.headers.insert(*std::move(header));
+  Outgoing outgoing{*std::move(url), {}, {}};
   if (auto body = composer.body()) {
     if (!body->value()) return body->errorOr(NetworkError::malformedRequest);
     outgoing.body = std::move(body->value()->bytes);
-    outgoing.headers.merge(std::move(body->value()->headers));
+    outgoing.headers = std::move(body->value()->headers);
   }
+  if (auto header = composer.additionalHeader()) outgoing.headers.insert(*std::move(header));
+  // Last, since merging keeps what is there: the body's headers must describe the body.
+  outgoing.headers.merge(std::move(details.headers));
   return outgoing;
 }
 

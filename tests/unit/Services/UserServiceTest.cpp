@@ -133,6 +133,20 @@ TEST(UserServiceTest, answersTheUpdatedUser) {
   EXPECT_EQ(address.result(), Result<User>(expected));
 }
 
+// A host's resolver may send headers of its own along; they do not describe the body.
+TEST(UserServiceTest, theHeadersOfABodyAreItsOwn) {
+  const ScopedFoundation foundation;
+  OrvaneDetails details = exampleDetails();
+  details.headers["Content-Type"] = "text/plain";
+  details.headers["X-Host"] = "kept";
+  foundation.detailsResolver->answer(details);
+  UserService({"key", {}}).update({.displayName = "Ann"}, nullptr);
+  const Headers headers = foundation.requestManager->questions().at(0).headers;
+  EXPECT_TRUE(headers.at("Content-Type").starts_with("multipart/form-data; boundary="));
+  EXPECT_EQ(headers.at("X-Host"), "kept");
+  EXPECT_EQ(headers.at("Authorization"), "Bearer token");
+}
+
 TEST(UserServiceTest, refusesTextsThatAreNotUTF8) {
   const ScopedFoundation foundation;
   const UserService users({"key", {}});
