@@ -22,7 +22,8 @@ struct RegistrationFault {
   std::uint_least32_t line = 30;
 };
 
-/// What is registered for `Interface`; nothing registered stops the process.
+/// What is registered for `Interface`; nothing registered, or a factory that throws, stops the
+/// process.
 template <class Interface>
 [[nodiscard]] std::shared_ptr<Interface> injectOrStop(Container& container,
                                                       RegistrationFault fault = {}) {
@@ -30,6 +31,8 @@ template <class Interface>
     return container.inject<Interface>();
   } catch (const std::exception& error) {
     fatal(error.what(), fault.source, fault.line);
+  } catch (...) {
+    fatal("a factory has failed", fault.source, fault.line);
   }
 }
 

@@ -13,8 +13,10 @@
 #include <latch>
 #include <map>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace orvane {
@@ -104,6 +106,22 @@ TEST_F(NetworkContainerDeathTest, aMissingRegistrationStopsTheProcess) {
     };
     EXPECT_DEATH(stop(), "Fatal error: nothing is registered for orvane::" + row.missing +
                              ": file Container\\+Network, line 30");
+  }
+}
+
+TEST_F(NetworkContainerDeathTest, aFactoryThatFailsStopsTheProcess) {
+  const ScopedFoundation foundation;
+  using Factory = std::function<std::shared_ptr<RequestManager>()>;
+  const std::pair<Factory, std::string> rows[] = {
+      {[]() -> std::shared_ptr<RequestManager> { throw std::runtime_error("no transport"); },
+       "no transport"},
+      {[]() -> std::shared_ptr<RequestManager> { throw 7; }, "a factory has failed"},
+      {[] { return nullptr; }, "nothing is registered for orvane::RequestManager"},
+  };
+  for (const auto& [factory, message] : rows) {
+    Container::common()->register_<RequestManager>(factory);
+    EXPECT_DEATH((void)UserService({"key", {}}),
+                 "Fatal error: " + message + ": file Container\\+Network, line 30");
   }
 }
 
