@@ -18,7 +18,7 @@
 namespace orvane {
 
 /// A request that went out and what came of it. Unless the application asks for secrets, the values
-/// of the query, of "Authorization" and of cookies read "…", and the bodies are empty.
+/// of queries, of "Authorization" and of cookies read "…", and the bodies are empty.
 struct ORVANE_EXPORT Exchange {
   Verb verb = Verb::get;
   std::string url;

@@ -7,6 +7,7 @@
 #include <Orvane/Runtime/TransportError.h>
 
 #include <algorithm>
+#include <initializer_list>
 #include <optional>
 #include <string_view>
 
@@ -38,20 +39,18 @@ std::string headerLine(const std::string& name, const std::string& value) {
   return name + ": " + value;
 }
 
-bool isSecret(const std::string& name) {
-  constexpr std::string_view names[] = {"authorization", "proxy-authorization", "cookie",
-                                        "set-cookie"};
-  return std::any_of(std::begin(names), std::end(names),
-                     [&](std::string_view secret) { return isHeader(name, secret); });
+bool isOneOf(const std::string& name, std::initializer_list<std::string_view> names) {
+  return std::any_of(names.begin(), names.end(),
+                     [&](std::string_view expected) { return isHeader(name, expected); });
 }
 
-// The URL with its query's values hidden; a query without "=" is all value.
-std::string withoutSecrets(const std::string& url) {
-  const std::size_t queryStart = url.find('?');
-  if (queryStart == std::string::npos) return url;
-  std::string text = url.substr(0, queryStart);
-  std::string_view query = std::string_view(url).substr(queryStart + 1);
-  query = query.substr(0, query.find('#'));
+// The URL without its fragment and with its query's values hidden; a query without "=" is all
+// value.
+std::string withoutSecrets(std::string_view url) {
+  url = url.substr(0, url.find('#'));
+  const std::size_t queryStart = std::min(url.find('?'), url.size());
+  std::string text(url.substr(0, queryStart));
+  std::string_view query = url.substr(std::min(queryStart + 1, url.size()));
   char separator = '?';
   while (!query.empty()) {
     const std::string_view item = query.substr(0, query.find('&'));
@@ -62,6 +61,16 @@ std::string withoutSecrets(const std::string& url) {
     text.append(hidden);
   }
   return text;
+}
+
+// The value of a header as an observer may see it.
+std::string valueWithoutSecrets(const std::string& name, std::string_view value) {
+  if (isOneOf(name, {"authorization", "proxy-authorization", "cookie", "set-cookie"})) {
+    return std::string(hidden);
+  }
+  // A server may send the query of a request back in these.
+  if (isOneOf(name, {"location", "content-location", "referer"})) return withoutSecrets(value);
+  return std::string(value);
 }
 
 }  // namespace
@@ -187,8 +196,8 @@ Result<std::string> Transfer::outcome(CURLcode code) {
 }
 
 Exchange Transfer::exchange(const Result<std::string>& outcome, bool withSecrets) const {
-  const auto shown = [withSecrets](const std::string& name, std::string value) {
-    return withSecrets || !isSecret(name) ? std::move(value) : std::string(hidden);
+  const auto shown = [withSecrets](const std::string& name, std::string_view value) {
+    return withSecrets ? std::string(value) : valueWithoutSecrets(name, value);
   };
   Exchange exchange;
   exchange.verb = request_.verb;

@@ -43,7 +43,10 @@ struct Observation {
 
 TEST(ObservationTest, ShowsEveryExchangeWithoutSecrets) {
   const TestServer server([](ServerConnection& connection, const ReceivedRequest&) {
-    connection.answer(200, "{\"userId\":\"42\"}", "X-Trace: 7\r\nSet-Cookie: session=hidden\r\n");
+    connection.answer(200, "{\"userId\":\"42\"}",
+                      "X-Trace: 7\r\nSet-Cookie: session=hidden\r\n"
+                      "location: /sign-in?email=ann@hidden.example#token=hidden\r\n"
+                      "Content-Location: /users#hidden\r\n");
   });
   Observation observation;
   const auto manager = managerWith({.observer = observation.observer()});
@@ -62,6 +65,8 @@ TEST(ObservationTest, ShowsEveryExchangeWithoutSecrets) {
   EXPECT_EQ(exchange.statusCode, 200);
   EXPECT_THAT(exchange.responseHeaders, Contains(Pair("X-Trace", "7")));
   EXPECT_THAT(exchange.responseHeaders, Contains(Pair("Set-Cookie", "…")));
+  EXPECT_THAT(exchange.responseHeaders, Contains(Pair("location", "/sign-in?email=…")));
+  EXPECT_THAT(exchange.responseHeaders, Contains(Pair("Content-Location", "/users")));
   EXPECT_EQ(exchange.responseBody, "");
   EXPECT_EQ(exchange.responseSize, 15U);
   EXPECT_FALSE(exchange.error);
@@ -117,7 +122,9 @@ TEST(ObservationTest, LeaksNoSecretAnywhere) {
     const std::string echo = "answer-s3cr3t " + request.head + request.body;
     if (target.starts_with("/ok")) return connection.answer(200, echo);
     if (target.starts_with("/refused")) return connection.answer(401, echo);
-    if (target.starts_with("/redirect")) return connection.answer(302, echo, "Location: /ok\r\n");
+    if (target.starts_with("/redirect")) {
+      return connection.answer(302, echo, "Location: /ok" + target.substr(9) + "\r\n");
+    }
     if (target.starts_with("/garbage")) {
       connection.send(echo);
     } else {
