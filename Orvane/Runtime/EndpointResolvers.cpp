@@ -57,8 +57,8 @@ EndpointSource EndpointSource::mapped(const std::map<std::string, std::string>& 
 }
 
 Result<std::shared_ptr<EndpointResolver>> EndpointSource::resolver() const {
-  if (!resolver_.value() && !resolver_.error()) return ConfigurationError("baseURL is missing");
-  return resolver_;
+  if (resolver_.error() || resolver_.value().value_or(nullptr)) return resolver_;
+  return ConfigurationError("baseURL is missing");
 }
 
 }  // namespace orvane

@@ -37,7 +37,8 @@ class ORVANE_EXPORT FunctionEndpointResolver final : public EndpointResolver {
   Function function_;
 };
 
-/// What `RuntimeOptions::baseURL` can be given; each of these turns into it by itself.
+/// What `RuntimeOptions::baseURL` can be given; each of these turns into it by itself. An empty
+/// function and a null resolver count as nothing.
 class ORVANE_EXPORT EndpointSource {
  public:
   /// Nothing: not enough to install the Runtime.
@@ -58,9 +59,12 @@ class ORVANE_EXPORT EndpointSource {
   /// The application's rule: see `FunctionEndpointResolver`.
   template <class Function>
     requires(std::is_invocable_r_v<Result<URL>, std::decay_t<Function>&, const std::string&>)
-  EndpointSource(Function&& function)  // NOLINT(google-explicit-constructor)
-      : EndpointSource(
-            std::make_shared<FunctionEndpointResolver>(std::forward<Function>(function))) {}
+  EndpointSource(Function&& function) {  // NOLINT(google-explicit-constructor)
+    FunctionEndpointResolver::Function wrapped = std::forward<Function>(function);
+    if (!wrapped) return;
+    resolver_ = std::shared_ptr<EndpointResolver>(
+        std::make_shared<FunctionEndpointResolver>(std::move(wrapped)));
+  }
 
   /// A resolver of the application's.
   template <std::derived_from<EndpointResolver> Resolver>

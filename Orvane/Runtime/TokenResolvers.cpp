@@ -3,31 +3,52 @@
 #include <Orvane/Runtime/ConfigurationError.h>
 #include <Orvane/Runtime/TokenResolvers.h>
 
+#include <atomic>
 #include <utility>
 
 namespace orvane {
 namespace {
 
-// A question to the application's function that waits for its answer.
-class Question {
+// A question to the application's function.
+class Question final : public Request {
  public:
-  Question(std::shared_ptr<RequestBox> box, Completion<std::string> then)
-      : box_(std::move(box)), then_(std::move(then)) {}
-  Question(Question&&) noexcept = default;
-  Question& operator=(Question&&) = delete;
-  Question(const Question&) = delete;
-  Question& operator=(const Question&) = delete;
-  ~Question() {
-    if (box_) answer(TokenError(TokenError::Kind::unanswered));
-  }
+  explicit Question(Completion<std::string> then) : then_(std::move(then)) {}
 
-  void operator()(Result<std::string> token) { answer(std::move(token)); }
+  void answer(Result<std::string> token) { box_.complete(then_, std::move(token)); }
+
+  bool cancel() override {
+    if (!box_.cancel()) return false;
+    // Whoever answers from now on leaves the handler alone; of those who cancel the first one
+    // lets go of it, however long the function keeps what it was given. With it may go the last
+    // reference to this.
+    Completion<std::string> last;
+    if (!hasLetGo_.test_and_set()) last = std::exchange(then_, nullptr);
+    return true;
+  }
+  [[nodiscard]] bool isFinished() const noexcept override { return box_.isFinished(); }
 
  private:
-  void answer(Result<std::string> token) { box_->complete(then_, std::move(token)); }
-
-  std::shared_ptr<RequestBox> box_;
+  RequestBox box_;
   Completion<std::string> then_;
+  std::atomic_flag hasLetGo_;
+};
+
+// What the function is given to answer a question with.
+class Answer {
+ public:
+  explicit Answer(std::shared_ptr<Question> question) : question_(std::move(question)) {}
+  Answer(Answer&&) noexcept = default;
+  Answer& operator=(Answer&&) = delete;
+  Answer(const Answer&) = delete;
+  Answer& operator=(const Answer&) = delete;
+  ~Answer() {
+    if (question_) question_->answer(TokenError(TokenError::Kind::unanswered));
+  }
+
+  void operator()(Result<std::string> token) { question_->answer(std::move(token)); }
+
+ private:
+  std::shared_ptr<Question> question_;
 };
 
 }  // namespace
@@ -73,14 +94,14 @@ FunctionTokenResolver::FunctionTokenResolver(Function function) : function_(std:
 
 RequestHandle FunctionTokenResolver::resolve(const Identity& identity, std::optional<double> offset,
                                              Completion<std::string> resultHandler) {
-  auto box = std::make_shared<RequestBox>();
-  function_(identity, offset, Question(box, std::move(resultHandler)));
-  return box;
+  auto question = std::make_shared<Question>(std::move(resultHandler));
+  function_(identity, offset, Answer(question));
+  return question;
 }
 
 Result<std::shared_ptr<TokenResolver>> TokenSource::resolver() const {
-  if (!resolver_.value() && !resolver_.error()) return ConfigurationError("tokens are missing");
-  return resolver_;
+  if (resolver_.error() || resolver_.value().value_or(nullptr)) return resolver_;
+  return ConfigurationError("tokens are missing");
 }
 
 }  // namespace orvane

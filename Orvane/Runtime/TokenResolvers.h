@@ -86,7 +86,8 @@ class ORVANE_EXPORT FunctionTokenResolver final : public TokenResolver {
   Function function_;
 };
 
-/// What `RuntimeOptions::tokens` can be given; each of these turns into it by itself.
+/// What `RuntimeOptions::tokens` can be given; each of these turns into it by itself. An empty
+/// function and a null resolver count as nothing.
 class ORVANE_EXPORT TokenSource {
  public:
   /// Nothing: not enough to install the Runtime.
@@ -101,8 +102,10 @@ class ORVANE_EXPORT TokenSource {
   template <class Function>
     requires(std::is_invocable_v<std::decay_t<Function>&, const Identity&, std::optional<double>,
                                  Completion<std::string>>)
-  TokenSource(Function&& function)  // NOLINT(google-explicit-constructor)
-      : TokenSource(std::make_shared<FunctionTokenResolver>(std::forward<Function>(function))) {}
+  TokenSource(Function&& function) {  // NOLINT(google-explicit-constructor)
+    FunctionTokenResolver::Function wrapped = std::forward<Function>(function);
+    if (wrapped) resolver_ = Made(std::make_shared<FunctionTokenResolver>(std::move(wrapped)));
+  }
 
   /// A resolver.
   template <std::derived_from<TokenResolver> Resolver>
@@ -123,7 +126,9 @@ class ORVANE_EXPORT TokenSource {
   [[nodiscard]] Result<std::shared_ptr<TokenResolver>> resolver() const;
 
  private:
-  Result<std::shared_ptr<TokenResolver>> resolver_;
+  using Made = std::shared_ptr<TokenResolver>;
+
+  Result<Made> resolver_;
 };
 
 }  // namespace orvane

@@ -76,7 +76,8 @@ class ScriptedCall final : public Request {
 
   bool cancel() override {
     if (!box_.cancel()) return false;
-    if (!letGo_.test_and_set()) then_ = nullptr;
+    Completion<T> last;  // with it may go the last reference to this
+    if (!letGo_.test_and_set()) last = std::exchange(then_, nullptr);
     return true;
   }
   [[nodiscard]] bool isFinished() const noexcept override { return box_.isFinished(); }

@@ -197,6 +197,8 @@ TEST(RuntimeTest, RefusesOptionsThatCannotWork) {
   const std::string url = "https://backend.example";
   const std::vector<Row> rows = {
       {{}, "token", "", "baseURL is missing"},
+      {std::function<Result<URL>(const std::string&)>(), "token", "", "baseURL is missing"},
+      {std::shared_ptr<EndpointResolver>(), "token", "", "baseURL is missing"},
       {"", "token", "", "baseURL is no URL with a host"},
       {"backend.example", "token", "", "baseURL is no URL with a host"},
       {"https://", "token", "", "baseURL is no URL with a host"},
@@ -219,6 +221,22 @@ TEST(RuntimeTest, RefusesOptionsThatCannotWork) {
     EXPECT_THAT(logger.lines(), SizeIs(1));
   }
   EXPECT_EQ(Container::common()->find<RequestManager>(), before) << "nothing is to be registered";
+}
+
+// An answer that nobody fetches would hang its call without a word: the transport's thread, which
+// has nothing else to do, says so after the queue's patience of five seconds.
+TEST(RuntimeTest, SaysThatNobodyDrainsTheMainQueue) {
+  const TestServer server(
+      [](ServerConnection& connection, const ReceivedRequest&) { connection.answer(200, "x"); });
+  const auto manager = CurlRequestManager::make().value().value();
+  std::promise<std::string> logged;
+  const auto former = Logger::setShared(std::make_shared<FunctionLogger>(
+      [&](const Logger::Entry& entry) { logged.set_value(std::string(entry.message)); }));
+  manager->get(*URL::parse(server.url()), {}, onMain<std::string>(nullptr));
+  EXPECT_THAT(logged.get_future().get(), testing::HasSubstr("Nobody drains the main queue"));
+  EXPECT_TRUE(manager->shutdown());
+  Logger::setShared(former);
+  EXPECT_EQ(MainQueue::main().drain(), 1U);
 }
 
 // In a process of its own, where nobody has drained the main queue before.

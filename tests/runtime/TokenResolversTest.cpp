@@ -192,6 +192,8 @@ TEST(FunctionTokenResolverTest, AsksTheFunctionAndWaitsForItsAnswer) {
   EXPECT_EQ(answered.result(), std::string("token"));
   EXPECT_TRUE(first->isFinished());
   EXPECT_TRUE(second->cancel());
+  EXPECT_FALSE(cancelled.isHeld()) << "the function still holds what it was given to answer with";
+  EXPECT_TRUE(second->cancel() && second->isFinished());
   questions[1].answer(std::string("token"));
   EXPECT_EQ(cancelled.count(), 0U);
   questions.clear();
@@ -216,7 +218,11 @@ TEST(TokenSourceTest, TakesWhateverMakesTokens) {
   EXPECT_TRUE(TokenSource(SelfSignedTokenResolver::make({.key = key})).resolver());
   EXPECT_EQ(TokenSource(SelfSignedTokenResolver::make({})).resolver().error()->message(),
             "the key that signs tokens is shorter than 32 bytes");
-  EXPECT_EQ(TokenSource().resolver().error()->message(), "tokens are missing");
+  const std::function<void(const Identity&, std::optional<double>, Completion<std::string>)> none;
+  for (const TokenSource& source :
+       {TokenSource(), TokenSource(none), TokenSource(std::shared_ptr<TokenResolver>())}) {
+    EXPECT_EQ(source.resolver().error()->message(), "tokens are missing");
+  }
 }
 
 }  // namespace

@@ -61,6 +61,20 @@ TEST_F(ScriptTest, answersWhenToldThoseThatAreNotCancelled) {
   EXPECT_FALSE(outcome.isHeld());
 }
 
+TEST_F(ScriptTest, cancelsACallWhoseHandlerHoldsItsOnlyHandle) {
+  transport.answer(ScriptedRequestManager::Answer::never());
+  auto holder = std::make_shared<RequestHandle>();
+  RequestHandle& handle = *holder;
+  handle = transport.get(*URL::parse("https://h"), {},
+                         [holder, text = std::string(100, 'x')](const auto&) {});
+  transport.forgetCalls();
+  Request& request = *handle;
+  const std::weak_ptr<RequestHandle> watched = holder;
+  holder = nullptr;
+  EXPECT_TRUE(request.cancel());
+  EXPECT_TRUE(watched.expired());
+}
+
 TEST_F(ScriptTest, answersOnTheThreadItIsToldTo) {
   transport.answer({"elsewhere", AnswerTime::onAnotherThread});
   get("1");
