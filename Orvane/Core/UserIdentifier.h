@@ -60,6 +60,9 @@ class ORVANE_EXPORT UserIdentifier {
 /// `NetworkError::invalidResponseData` for an object without a text under that key, and with
 /// `NetworkError::unknown` for anything that is not a JSON object. A failure stores nothing.
 /// Lookups at once for one identity each go to the backend; the last answer stays.
+///
+/// The handle is that of the request: it counts as finished, and can't be cancelled any more, when
+/// the answer is on its way through the main queue; where no request is made, from the start.
 class ORVANE_EXPORT CachedUserIdentifier final : public UserIdentifier {
  public:
   CachedUserIdentifier(std::shared_ptr<RequestManager> requestManager,

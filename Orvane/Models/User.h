@@ -21,6 +21,7 @@ namespace orvane {
 /// The account that users share.
 struct ORVANE_EXPORT Account {
   std::optional<std::string> accountId{};
+  /// What the account is called elsewhere, as the backend tells it.
   std::optional<std::string> identifier{};
 
   friend bool operator==(const Account&, const Account&) = default;
@@ -78,6 +79,7 @@ struct ORVANE_EXPORT User {
     [[nodiscard]] ORVANE_EXPORT std::string_view wireText() const noexcept;
   };
 
+  /// How often, and for what, the user drives.
   enum class DriverType : std::uint8_t {
     weekend_driver,
     occasional_driver,
@@ -89,11 +91,13 @@ struct ORVANE_EXPORT User {
   /// What records the driving.
   enum class DataCollectionType : std::uint8_t { obd, mobile };
 
+  /// By whose method trips are scored, as the backend names it.
   enum class ScoringType : std::uint8_t { ims, wtw };
 
   /// With what equipment the user takes part.
   enum class EnrollmentModelType : std::uint8_t { phone_only, wedge, obd };
 
+  /// What the user is to the account.
   enum class AccountRole : std::uint8_t {
     primaryDriver,
     secondaryDriver,
@@ -102,7 +106,8 @@ struct ORVANE_EXPORT User {
     unknown,
   };
 
-  /// What a user shares with others.
+  /// What a user shares with others. Distance, speed and score stand as the backend sends them,
+  /// without a conversion.
   struct ORVANE_EXPORT SharedInformation {
     std::optional<std::string> facebookInfo{};
     std::optional<std::string> selfDescription{};

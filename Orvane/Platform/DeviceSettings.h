@@ -11,7 +11,8 @@
 namespace orvane {
 
 /// Locale, time zone, calendar and folders of the device. What is left empty is taken from the
-/// system when it is needed.
+/// system when the settings are first used, or set, and stays: an application that hears of a new
+/// time zone or locale calls `DeviceSettings::set({})`.
 struct ORVANE_EXPORT DeviceSettings {
   /// A locale identifier (CLDR), for example "en_US" or "de_DE".
   std::string locale{};

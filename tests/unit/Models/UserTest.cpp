@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/Printing.h"
+#include "tests/unit/DeathTest.h"
 #include <Orvane/Coding/Coding.h>
 #include <Orvane/Models/User.h>
 #include <Orvane/Testing/Device.h>
@@ -210,6 +211,15 @@ TEST_F(UserTest, writesWhatItWasGiven) {
   const ScopedDeviceSettings thai({.locale = "th_TH", .timeZone = "UTC"});
   EXPECT_EQ(encode(User{.dateOfBirth = DateComponents{2567, 1, 5}}),
             Result<std::string>(R"({"dateOfBirth":"2567-01-05"})"));
+}
+
+using UserDeathTest = DeathTest;
+
+TEST_F(UserDeathTest, aMomentBeyondTheWireStopsTheProcess) {
+  User user;
+  user.acceptedTermsDate = dateFromSeconds(0x1p63 / 1000);
+  EXPECT_DEATH((void)encode(user), "Fatal error: a point in time does not fit in 64 bits");
+  EXPECT_TRUE(encodeChecked(user).error());
 }
 
 TEST_F(UserTest, anUnknownTextOfAnEnumerationFailsIt) {
