@@ -64,6 +64,12 @@ TEST(Program, TellsHowToReachItAndStopsWhenAsked) {
   ASSERT_TRUE(answer);
   EXPECT_EQ(json::parse(answer->body)["userId"], first["userId"]);
 
+  // A port is one server's: else requests would go to either.
+  const std::string port = std::to_string(description["port"].get<int>());
+  Program second{"--data " + data + "-2 --weeks 1 --port " + port};
+  EXPECT_THAT(second.readLine(), HasSubstr("port " + port + " can't be bound"));
+  EXPECT_EQ(second.exitCode(), 1);
+
   // A connection that is still open keeps nothing waiting.
   ::kill(description["pid"].get<pid_t>(), SIGTERM);
   EXPECT_EQ(program.exitCode(), 0);
@@ -76,8 +82,8 @@ TEST(Program, TellsHowToReachItAndStopsWhenAsked) {
 TEST(Program, RefusesFlagsThatMakeNoSense) {
   const TemporaryFolder folder;
   for (const char* flags : {"--port 70000", "--now yesterday", "--misbehave '{\"status\":1}'",
-                            "--misbehave nonsense", "--certificate rusty"}) {
-    EXPECT_NE(Program{"--data " + folder.path().string() + " " + flags}.exitCode(), 0) << flags;
+                            "--misbehave nonsense", "--certificate rusty", "--fast", "now"}) {
+    EXPECT_EQ(Program{"--data " + folder.path().string() + " " + flags}.exitCode(), 1) << flags;
   }
 }
 

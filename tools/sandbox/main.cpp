@@ -159,7 +159,11 @@ int main(int argc, char** argv) {
   CLI::App app{"A local backend for Orvane: HTTPS on the loopback interface, data in one folder."};
   Flags flags;
   declare(app, flags);
-  CLI11_PARSE(app, argc, argv);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : 1;
+  }
   try {
     return run(flags);
   } catch (const std::exception& exception) {

@@ -12,7 +12,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <stdexcept>
 #include <thread>
 
@@ -97,6 +99,11 @@ class Listener::Server : public httplib::Server {
     set_keep_alive_timeout(std::chrono::seconds{idleTimeout}.count());
     set_keep_alive_max_count(1'000'000);
     set_address_family(AF_INET);
+    // cpp-httplib would share the port with another server that is there already (SO_REUSEPORT).
+    set_socket_options([](socket_t socket) {
+      const int yes = 1;
+      ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
     set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
       if (auto refusal = refuseBody(request)) {
         currentConnection->exchange.closeAfterwards = true;
@@ -139,7 +146,8 @@ class Listener::Server : public httplib::Server {
     port_ = options_.port == 0 ? bind_to_any_port("127.0.0.1")
                                : (bind_to_port("127.0.0.1", options_.port) ? options_.port : -1);
     if (port_ <= 0) {
-      throw std::runtime_error("port " + std::to_string(options_.port) + " can't be bound");
+      throw std::runtime_error("port " + std::to_string(options_.port) +
+                               " can't be bound: " + std::strerror(errno));
     }
     ::listen(svr_sock_, backlog);  // cpp-httplib asks for 5, too few for a burst
     thread_ = std::thread([this] {

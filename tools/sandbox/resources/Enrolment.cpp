@@ -40,7 +40,7 @@ Reply activate(Call& call) {
   if (email.find('@') == std::string::npos) throw badRequest("\"email\" is no e-mail address");
   checkAccountId(call);
 
-  const Milliseconds now = call.backend.clock().now();
+  const Milliseconds now = call.backend.now();
   Transaction transaction{call.database};
   checkCode(call, activationId, code);
   call.database.execute("UPDATE activations SET used_ms = ? WHERE activation_id = ?", now,
@@ -62,7 +62,7 @@ Reply acceptTerms(Call& call) {
   }
   call.database.execute(
       "UPDATE users SET accepted_terms = 1, accepted_terms_ms = ? WHERE user_id = ?",
-      call.backend.clock().now(), userId);
+      call.backend.now(), userId);
   return jsonReply("", 204);
 }
 

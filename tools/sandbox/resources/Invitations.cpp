@@ -197,7 +197,7 @@ std::int64_t insertInvitation(Call& call, const Draft& draft,
               call.callerId, recipient, draft.email, draft.phone, vehicleId, accountId)
           .next();
   if (pending) throw conflict("the same invitation is still waiting for an answer");
-  const Milliseconds now = call.backend.clock().now();
+  const Milliseconds now = call.backend.now();
   call.database.execute(
       "INSERT INTO invitations (type, created_ms, updated_ms, status, from_user_id, to_user_id,"
       " to_first_name, to_last_name, to_email, to_phone, vehicle_id, account_id)"
@@ -298,7 +298,7 @@ Reply answerInvitation(Call& call) {
     accountId = invitation.optionalText(3);
   }
   call.database.execute("UPDATE invitations SET status = ?, updated_ms = ? WHERE invitation_id = ?",
-                        step->after, call.backend.clock().now(), id);
+                        step->after, call.backend.now(), id);
   if (step->action == "accept") letGuestIn(call.database, recipient, vehicleId, accountId);
   transaction.commit();
   JsonWriter json;
