@@ -2,6 +2,7 @@
 #include <Orvane/Platform/Fatal.h>
 #include <Orvane/Runtime/ConfigurationError.h>
 #include <Orvane/Runtime/EndpointResolvers.h>
+#include <Orvane/Runtime/OutgoingRequest.h>
 
 #include <optional>
 #include <utility>
@@ -17,6 +18,10 @@ Result<URL> baseURLFrom(const std::string& text) {
     return ConfigurationError("baseURL must be https");
   }
   if (url->query()) return ConfigurationError("baseURL must not have a query");
+  OutgoingRequest request{Verb::get, *url, {}, {}};
+  if (check(request, true)) {
+    return ConfigurationError("baseURL has a port that does not exist, or a user or password");
+  }
   return *std::move(url);
 }
 
