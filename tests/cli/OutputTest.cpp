@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 // What people and programs read: texts made safe, units, tables, JSON.
+#include "ExitCode.h"
 #include "Output.h"
 #include <Orvane/Coding/Coding.h>
 #include <Orvane/Platform/DeviceSettings.h>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <limits>
 #include <memory>
@@ -188,6 +191,47 @@ TEST(OutputTest, TablesAndBlocks) {
   EXPECT_EQ(printed({.format = OutputStyle::Format::table, .isColoured = true},
                     [](Output& output) { output.table(Table{"id"}.row("1")); }),
             "\x1b[1mid\x1b[0m\n1\n");
+}
+
+TEST(OutputTest, TablesThatAreTooWide) {
+  DeviceSettings::set({.timeZone = "Europe/Zurich"});
+  const auto print = [](Output& output) {
+    Table table{
+        {"started", Table::Fit::whole}, {"distance", Table::Alignment::right}, "score", "purpose"};
+    table.row(std::optional(dateFromSeconds(1500000000)), "123456.7 km", "", "a long text");
+    output.table(table.row(std::optional<Date>(), "", "", ""));
+  };
+  EXPECT_EQ(printed({.format = OutputStyle::Format::table, .columns = 20}, print),
+            "started              distance  purpose\n"
+            "2017-07-14 04:40  123456.7 km  a long …\n"
+            "\n");
+  EXPECT_EQ(printed({.format = OutputStyle::Format::tabs, .columns = 20}, print),
+            "started\tdistance\tscore\tpurpose\n"
+            "2017-07-14 04:40\t123456.7 km\t\ta long text\n"
+            "\t\t\t\n");
+  EXPECT_EQ(printed({.format = OutputStyle::Format::table},
+                    [](Output& output) {
+                      output.table(Table{"id", "mode"});
+                    }),
+            "id  mode\n");
+  DeviceSettings::set({});
+}
+
+TEST(OutputTest, SaysNothingWhenTheReaderHasGone) {
+  std::signal(SIGPIPE, SIG_IGN);
+  int ends[2];
+  ASSERT_EQ(::pipe(ends), 0);
+  ::close(ends[0]);
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(::fdopen(ends[1], "w"), std::fclose);
+  Output output(stream.get(), {});
+  output.line("a line");
+  try {
+    output.flush();
+    FAIL() << "the line was written";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.code(), ExitCode::output);
+    EXPECT_STREQ(failure.what(), "");
+  }
 }
 
 TEST(OutputTest, IndentedJSONIsTheSameJSON) {

@@ -80,7 +80,7 @@ TEST(CommandLineTest, EveryErrorHasItsExitCodeAndOneLine) {
           failing(showing({"--expand", "role,everything"}), 64, "'everything' is not one of"),
           failing({"user", "update"}, 64, "At least one option"),
           failing({"user", "update", "--date-of-birth", "2023-02-29"}, 64, "a day, as YYYY-MM-DD"),
-          failing({"user", "update", "--share-user-profile", "maybe"}, 64, "yes or no"),
+          failing({"user", "update", "--share-user-profile", "maybe"}, 64, "choices: yes, no"),
           failing({"user", "update", "--phone"}, 64, "--phone needs a value"),
           failing(showing({"--timeout", "soon"}), 64, "not a number"),
           failing(showing({"--timeout", "0"}), 64, "the timeout has to be"),
@@ -164,11 +164,36 @@ TEST(CommandLineTest, SettingsHaveAnOrderAndNeverShowSecrets) {
          {{"user", "show", "--signing-key-file", sandbox.signingKeyFile()}, 0, HasSubstr("id\t")}},
         both);
 
-  const std::string unknown = folder.write("unknown", "base-uri = https://example.org\n");
-  const std::string sections = folder.write("sections", "[work]\nuser = x\n");
-  check({{{"config", "show", "--config", unknown}, 78, IsEmpty(), HasSubstr("base-uri")},
-         {{"config", "show", "--config", sections}, 78, IsEmpty(), HasSubstr("sections")}},
-        settings);
+  const std::string written = folder.write(
+      "written", " user=\'ann # 1\'  # who\r\napi-key = # none yet\nlocale = de_DE # German\n");
+  const auto setting = [](const char* name, const std::string& value) {
+    return HasSubstr(name + ("\t" + value) + "\t");
+  };
+  check({{{"config", "show", "--config", written},
+          0,
+          AllOf(setting("user", "ann # 1"), setting("api-key", ""), setting("locale", "de_DE"))}},
+        without(without(settings, "ORVANE_USER"), "ORVANE_API_KEY"));
+
+  struct Malformed {
+    const char* text;
+    const char* message;
+  };
+  constexpr Malformed malformed[] = {
+      {"base-uri = https://example.org\n", "base-uri"},
+      {"[work]\nuser = x\n", "line 1: sections"},
+      {"user = x\n\nbase-url https://example.org\n", "line 3: a name, \"=\" and a value"},
+      {"zz\n", "line 1: a name"},
+      {"= x\n", "line 1: a name"},
+      {"user = Ann Keller\n", "line 1: a value with blanks"},
+      {"user = \"Ann\n", "line 1: a quotation mark is not closed"},
+      {"user = \"Ann\" Keller\n", "line 1: a value ends"},
+      {"user = x\nuser = y\n", "line 2: \"user\" is there already"},
+  };
+  for (const Malformed& row : malformed) {
+    const std::string path = folder.write("malformed", row.text);
+    check({{{"config", "show", "--config", path}, 78, IsEmpty(), HasSubstr(row.message)}},
+          settings);
+  }
 }
 
 TEST(CommandLineTest, ShowsTheExchangeWithoutSecrets) {

@@ -54,7 +54,7 @@ struct Argument<std::filesystem::path> {
 template <>
 struct Argument<bool> {
   static constexpr std::string_view label = "yes|no";
-  static constexpr std::string_view meaning = "yes or no";
+  static constexpr std::string_view meaning = "one of the choices";
   [[nodiscard]] static std::vector<std::string> choices() { return {"yes", "no"}; }
   [[nodiscard]] static std::optional<bool> parse(std::string_view text);
 };

@@ -45,7 +45,8 @@ struct ExitCodeRow {
 /// Every code with what it means, in ascending order.
 [[nodiscard]] std::span<const ExitCodeRow> exitCodes() noexcept;
 
-/// What ends a command early. The message is one line without the program's name.
+/// What ends a command early. The message is one line without the program's name; nothing is said
+/// where it is empty.
 class Failure final : public std::exception {
  public:
   Failure(ExitCode code, std::string message) : code_(code), message_(std::move(message)) {}

@@ -32,21 +32,41 @@ std::string tabbed(const Row& cells) {
   return line;
 }
 
-// How wide every column is when the whole is to fit into `columns`: the widest ones give way.
-std::vector<std::size_t> widths(const std::vector<Row>& rows, std::size_t columns) {
-  std::vector<std::size_t> needed(rows.front().size(), 0);
+// How wide every column is when the whole is to fit into `columns`: the widest texts give way.
+std::vector<std::size_t> widths(const std::vector<Row>& rows,
+                                const std::vector<Table::Column>& shown, std::size_t columns) {
+  std::vector<std::size_t> needed(shown.size(), 0);
   for (const Row& row : rows) {
     for (std::size_t index = 0; index < needed.size(); ++index) {
       needed[index] = std::max(needed[index], columnsOf(row[index]));
     }
   }
+  const auto spare = [&](std::size_t index) {
+    const bool isWhole = shown[index].fit == Table::Fit::whole;
+    return isWhole || needed[index] <= narrowest ? 0 : needed[index] - narrowest;
+  };
   const std::size_t gaps = gap.size() * (needed.size() - 1);
   while (std::accumulate(needed.begin(), needed.end(), gaps) > columns) {
-    const auto widest = std::ranges::max_element(needed);
-    if (*widest <= narrowest) break;
-    --*widest;
+    std::size_t widest = 0;
+    for (std::size_t index = 1; index < needed.size(); ++index) {
+      if (spare(index) > spare(widest)) widest = index;
+    }
+    if (spare(widest) == 0) break;
+    --needed[widest];
   }
   return needed;
+}
+
+// Takes the columns away that are empty in every row; the first row has their titles.
+void removeEmptyColumns(std::vector<Row>& rows, std::vector<Table::Column>& columns) {
+  if (rows.size() < 2) return;
+  for (std::size_t index = columns.size(); index-- > 0;) {
+    const auto isEmpty = [&](const Row& row) { return row[index].empty(); };
+    if (!std::all_of(rows.begin() + 1, rows.end(), isEmpty)) continue;
+    const auto offset = static_cast<std::ptrdiff_t>(index);
+    for (Row& row : rows) row.erase(row.begin() + offset);
+    columns.erase(columns.begin() + offset);
+  }
 }
 
 }  // namespace
@@ -91,15 +111,18 @@ void Output::table(const Table& table) {
     for (const Row& row : rows) line(tabbed(row));
     return;
   }
+  std::vector<Table::Column> columns = table.columns_;
+  removeEmptyColumns(rows, columns);
+  if (columns.empty()) return;
   for (Row& row : rows) std::ranges::transform(row, row.begin(), visible);
-  const std::vector<std::size_t> width = widths(rows, style_.columns);
+  const std::vector<std::size_t> width = widths(rows, columns, style_.columns);
   for (const Row& row : rows) {
     std::string text;
     for (std::size_t index = 0; index < row.size(); ++index) {
       if (index > 0) text += gap;
       const std::string cell = cut(row[index], width[index]);
       const std::string blanks = padding(width[index], cell);
-      const bool isRight = table.columns_[index].alignment == Table::Alignment::right;
+      const bool isRight = columns[index].alignment == Table::Alignment::right;
       text += isRight ? blanks + cell : cell + blanks;
     }
     text.erase(text.find_last_not_of(' ') + 1);
@@ -122,10 +145,11 @@ void Output::flush() {
       std::fwrite(buffer_.data(), 1, buffer_.size(), stream_) == buffer_.size() &&
       std::fflush(stream_) == 0;
   buffer_.clear();
-  if (!isWritten) {
-    throw Failure(ExitCode::output,
-                  std::string("the output can't be written: ") + std::strerror(errno));
-  }
+  if (isWritten) return;
+  // Whoever read has seen enough: no fault, as with any other program.
+  if (errno == EPIPE) throw Failure(ExitCode::output, "");
+  throw Failure(ExitCode::output,
+                std::string("the output can't be written: ") + std::strerror(errno));
 }
 
 std::string Output::bold(std::string_view text) const {

@@ -48,12 +48,17 @@ class Table {
  public:
   /// Numbers stand to the right of their column, everything else to the left.
   enum class Alignment : bool { left, right };
+  /// Texts give way where a table is too wide; numbers and times, which say something else without
+  /// their end, do not.
+  enum class Fit : bool { cut, whole };
   struct Column {
     Column(const char* text,
            Alignment side = Alignment::left)  // NOLINT(google-explicit-constructor)
-        : title(text), alignment(side) {}
+        : title(text), alignment(side), fit(side == Alignment::right ? Fit::whole : Fit::cut) {}
+    Column(const char* text, Fit wanted) : title(text), alignment(Alignment::left), fit(wanted) {}
     std::string title;
     Alignment alignment;
+    Fit fit;
   };
 
   Table(std::initializer_list<Column> columns) : columns_(columns) {}
@@ -70,12 +75,14 @@ class Table {
 
   template <class T>
   static std::string cellText(const std::optional<T>& value) {
-    return value ? toText(*value) : std::string();
+    return value ? cellText(*value) : std::string();
   }
   template <class T>
   static std::string cellText(const T& value) {
     return toText(value);
   }
+  // A column is no place for seconds and offset.
+  static std::string cellText(Date date) { return localMinute(date, std::nullopt); }
 
   std::vector<Column> columns_;
   std::vector<std::vector<std::string>> rows_;
@@ -111,7 +118,7 @@ class Output {
   void block(const Block& block);
   /// The same under a heading, which stands before every name where there is no table.
   void section(std::string_view title, const Block& block);
-  /// The header first, then the rows.
+  /// The header first, then the rows. As a table without the columns that are empty in every row.
   void table(const Table& table);
   void section(std::string_view title, const Table& rows);
   /// A JSON text, which has no white space yet.

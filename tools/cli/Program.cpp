@@ -5,6 +5,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 
@@ -188,6 +189,7 @@ bool wantsNoColour() {
 }
 
 ExitCode complain(ExitCode code, const std::string& message) {
+  if (message.empty()) return code;
   // Arguments and settings come back in messages: they are no more to be trusted than an answer.
   std::fprintf(stderr, "orvane: %s\n", visible(message).c_str());
   return code;
@@ -203,7 +205,8 @@ ExitCode runVerb(const Verb& verb, Settings settings, const GlobalOptions& globa
 
 ExitCode print(const std::string& text) {
   const bool isWritten = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
-  return isWritten ? ExitCode::success : complain(ExitCode::output, "the output can't be written");
+  if (isWritten) return ExitCode::success;
+  return complain(ExitCode::output, errno == EPIPE ? "" : "the output can't be written");
 }
 
 }  // namespace

@@ -29,8 +29,10 @@ struct ListSubscriptions {
 
   static void print(const Answer& subscriptions, Output& output) {
     constexpr auto right = Table::Alignment::right;
-    Table table{{"enrolment", right},  "type",     "start", "end", {"days", right},
-                {"trial days", right}, "trial end"};
+    constexpr auto whole = Table::Fit::whole;
+    Table table{{"enrolment", right}, "type",          {"start", whole},
+                {"end", whole},       {"days", right}, {"trial days", right},
+                {"trial end", whole}};
     for (const Subscription& subscription : subscriptions) {
       table.row(subscription.telematicSubscriptionEnrollmentId,
                 subscription.telematicSubscriptionType, dateOf(subscription.startTimestamp),
@@ -51,7 +53,13 @@ struct ListNamedDrivers {
   }
 
   static void print(const Answer& drivers, Output& output) {
-    Table table{"id", "first name", "last name", "e-mail", "phone", "activated", "activated on"};
+    Table table{"id",
+                "first name",
+                "last name",
+                "e-mail",
+                "phone",
+                "activated",
+                {"activated on", Table::Fit::whole}};
     for (const NamedDriver& driver : drivers) {
       table.row(driver.userId, driver.firstName, driver.lastName, driver.email, driver.phone,
                 driver.activated, dateOf(driver.activatedDate));

@@ -44,7 +44,7 @@ Block blockOf(const Invitation& invitation) {
 }
 
 Table tableOf(const Invitations& invitations, const char* subject) {
-  Table table{"id", "status", "from", "to", subject, "created"};
+  Table table{"id", "status", "from", "to", subject, {"created", Table::Fit::whole}};
   for (const Invitation& invitation : invitations) {
     table.row(invitation.invitationId, invitation.status, textOf(invitation.fromUser),
               textOf(invitation.toUser), subjectOf(invitation),

@@ -89,15 +89,9 @@ struct ListSummaries {
 
   static void print(const Periods& periods, Output& output) {
     constexpr auto right = Table::Alignment::right;
-    Table table{"from",
-                "to",
-                {"trips", right},
-                {"distance", right},
-                {"driving", right},
-                {"in motion", right},
-                {"idling", right},
-                {"average", right},
-                {"fuel", right}};
+    Table table{{"from", Table::Fit::whole}, {"to", Table::Fit::whole}, {"trips", right},
+                {"distance", right},         {"driving", right},        {"in motion", right},
+                {"idling", right},           {"average", right},        {"fuel", right}};
     const auto lasting = [](std::int64_t seconds) {
       return durationOf(static_cast<double>(seconds));
     };

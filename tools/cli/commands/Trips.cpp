@@ -120,8 +120,14 @@ struct AnswersTrips {
 
   static void print(const Trips& trips, Output& output) {
     constexpr auto right = Table::Alignment::right;
-    Table table{"id",     "started", {"duration", right}, {"distance", right},
-                "mode",   "purpose", {"score", right},    {"events", right},
+    Table table{"id",
+                {"started", Table::Fit::whole},
+                {"duration", right},
+                {"distance", right},
+                "mode",
+                "purpose",
+                {"score", right},
+                {"events", right},
                 "vehicle"};
     for (const Trip& trip : trips) {
       const auto local = [&](Date date) { return localMinute(date, trip.timeZone); };
