@@ -157,6 +157,7 @@ scene_trips() {
   title "A week of trips, page by page, with their scores and events"
   run 0 trips list --from 2026-05-11 --to 2026-05-17 --all --expand scores,events
   show "$(head -n 9 <<<"$output")"
+  show "… and $(($(wc -l <<<"$output") - 9)) more"
   expect "id started duration distance mode"
   expect "driver personal"
   # The one with the most events, among those with a vehicle: the cell before it has their number.
