@@ -163,7 +163,8 @@ struct ListOptions {
   void declare(Options& options) {
     options.option("--expand", expansions, "What to embed in the trips");
     days.declare(options);
-    options.option("--limit", limit, "How many at most, 1 to 100");
+    options.option("--limit", limit,
+                   "How many at most, 1 to 100; what lies beyond counts as the nearest");
     options.option("--offset", offset, "How many of the latest to leave out");
     options.flag("--all", isAll, "Every trip, however many, page by page");
   }
