@@ -265,8 +265,11 @@ std::vector<double> roundAngles(double least, double most) {
   constexpr double atLeast = 3;
   const double step = roundLength((most - least) / atLeast);
   std::vector<double> angles;
-  for (double angle = std::ceil(least / step) * step; angle <= most; angle += step) {
-    angles.push_back(angle);
+  if (!(step > 0)) return angles;
+  const auto first = static_cast<std::int64_t>(std::ceil(least / step));
+  const auto last = static_cast<std::int64_t>(std::floor(most / step));
+  for (std::int64_t number = first; number <= last; ++number) {
+    angles.push_back(static_cast<double>(number) * step);
   }
   return angles;
 }
