@@ -3,7 +3,7 @@
 
 #include "Admin.h"
 
-#include <stdlib.h>
+#include <stdlib.h>  // NOLINT(modernize-deprecated-headers): mkdtemp is of POSIX
 
 namespace orvane::sandbox::test {
 
