@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // The library through its Runtime against a backend in another process, over TLS.
 #include "SandboxProcess.h"
-#include "tests/support/Outcome.h"
 #include <Orvane/Common/Await.h>
-#include <Orvane/Common/NetworkError.h>
 #include <Orvane/Platform/Date.h>
 #include <Orvane/Runtime/Runtime.h>
 #include <Orvane/Runtime/SelfSignedTokenResolver.h>
-#include <Orvane/Runtime/TransportError.h>
 #include <Orvane/Services/User/UserService.h>
 
 #include <gtest/gtest.h>
@@ -27,13 +24,12 @@ Date wrongNow() { return Date(std::chrono::system_clock::now()) + clockError; }
 class LibraryTest : public testing::Test {
  protected:
   // Signs in at `sandbox` as the first of its people.
-  void install(const SandboxProcess& sandbox, TransportOptions transport = {}) {
-    if (transport.caFile.empty()) transport.caFile = sandbox.caFile();
+  void install(const SandboxProcess& sandbox) {
     Result<Runtime> installed =
         Runtime::install({.baseURL = sandbox.baseURL(),
                           .tokens = SelfSignedTokenResolver::make(
                               {.key = bytesFromHexadecimal(sandbox.signingKey()).value_or("")}),
-                          .transport = std::move(transport)});
+                          .transport = {.caFile = sandbox.caFile()}});
     ASSERT_TRUE(installed) << installed.error()->message();
     identity_ = sandbox.identity();
     signOut();
@@ -167,153 +163,6 @@ TEST_F(LibraryTest, CorrectsAWrongClockWithOneRetry) {
               (std::vector<Arrival>{
                   {"GET identity", 401}, {"GET identity", 200}, {user, 200}, {user, 200}}));
   }
-}
-
-TEST_F(LibraryTest, RefusalsOfTheLookupThatNoRetryCanHelp) {
-  SandboxProcess sandbox;
-  struct Row {
-    const char* name;
-    nlohmann::json misbehaviour;
-    std::vector<Arrival> arrivals;
-  };
-  const Row rows[] = {
-      {"a 401 that does not tell the time",
-       {{"path", "identity$"}, {"status", 401}, {"date", false}},
-       {{"GET identity", 401}}},
-      {"a second 401",
-       {{"path", "identity$"}, {"status", 401}},
-       {{"GET identity", 401}, {"GET identity", 401}}},
-      {"any other status", {{"path", "identity$"}, {"status", 403}}, {{"GET identity", 403}}},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    install(sandbox);
-    sandbox.behave();
-    sandbox.misbehave(row.misbehaviour);
-    const Result<User> result = fetch();
-    ASSERT_TRUE(result.error());
-    const auto* refusal = result.error()->as<NetworkError>();
-    ASSERT_NE(refusal, nullptr);
-    EXPECT_EQ(refusal->statusCode(), row.arrivals.back().status);
-    EXPECT_EQ(sandbox.arrivals(), row.arrivals);
-  }
-}
-
-// Whatever the backend does wrong, the handler hears of it once, and the library does not ask
-// again.
-TEST_F(LibraryTest, EveryMisbehaviourIsOneError) {
-  using Kind = TransportError::Kind;
-  SandboxProcess sandbox;
-  install(sandbox, {.maximumAnswerSize = 1U << 20U});
-  ASSERT_TRUE(fetch());
-
-  const auto refused = [](std::int64_t status) {
-    return [status](const Result<User>& result) {
-      const auto* error = result.error() ? result.error()->as<NetworkError>() : nullptr;
-      return error != nullptr && error->statusCode() == status && error->serverDate();
-    };
-  };
-  const auto fails = [](const NetworkError& error) {
-    return
-        [error](const Result<User>& result) { return result.error() && *result.error() == error; };
-  };
-  const auto breaks = [](Kind kind) {
-    return [kind](const Result<User>& result) {
-      const auto* error = result.error() ? result.error()->as<TransportError>() : nullptr;
-      return error != nullptr && error->kind() == kind;
-    };
-  };
-  struct Row {
-    nlohmann::json misbehaviour;
-    std::function<bool(const Result<User>&)> isAsExpected;
-  };
-  const Row rows[] = {
-      {{{"status", 302}}, refused(302)},
-      {{{"status", 401}}, refused(401)},
-      {{{"status", 404}}, refused(404)},
-      {{{"status", 429}}, refused(429)},
-      {{{"status", 503}}, refused(503)},
-      {{{"cutAfterBytes", 20}}, breaks(Kind::cutOff)},
-      {{{"body", "huge"}}, breaks(Kind::tooLarge)},
-      {{{"body", "gzipBomb"}}, breaks(Kind::tooLarge)},
-      {{{"body", "empty"}}, fails(NetworkError::noData)},
-      {{{"body", "garbage"}}, fails(NetworkError::invalidResponseData)},
-      {{{"body", "notUtf8"}}, fails(NetworkError::invalidResponseData)},
-      {{{"body", "wrongType"}}, fails(NetworkError::invalidResponseData)},
-      {{{"body", "null"}}, fails(NetworkError::invalidResponseData)},
-      {{{"body", "deep"}}, fails(NetworkError::invalidResponseData)},
-      {{{"body", "html"}}, fails(NetworkError::invalidResponseData)},
-      {{{"body", "truncated"}}, fails(NetworkError::invalidResponseData)},
-      // Every member is optional.
-      {{{"body", "emptyObject"}}, [](const Result<User>& result) { return result == User{}; }},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.misbehaviour.dump());
-    sandbox.behave();
-    sandbox.misbehave(row.misbehaviour);
-    const Outcome<User> outcome;
-    ASSERT_TRUE(finishes(UserService(identity_).fetch(std::nullopt, {}, outcome.handler())));
-    EXPECT_PRED1(row.isAsExpected, outcome.result());
-    EXPECT_FALSE(outcome.isHeld());
-    EXPECT_LE(sandbox.arrivals().size(), 1U);
-  }
-  // A connection that ends without a word may have been closed before: asking once more is allowed.
-  sandbox.behave();
-  sandbox.misbehave({{"drop", true}});
-  const Outcome<User> outcome;
-  ASSERT_TRUE(finishes(UserService(identity_).fetch(std::nullopt, {}, outcome.handler())));
-  EXPECT_PRED1(breaks(Kind::cutOff), outcome.result());
-
-  sandbox.behave();
-  EXPECT_TRUE(fetch()) << "and afterwards it goes on";
-  sandbox.misbehave({{"delayMs", 60000}});
-  install(sandbox, {.totalTimeout = std::chrono::milliseconds(500)});
-  EXPECT_PRED1(breaks(Kind::timeOut), fetch());
-}
-
-TEST_F(LibraryTest, CancellingStopsACallUnderWay) {
-  SandboxProcess sandbox;
-  install(sandbox);
-  ASSERT_TRUE(fetch());
-  sandbox.misbehave({{"delayMs", 60000}});
-  const Outcome<User> outcome;
-  const RequestHandle request = UserService(identity_).fetch(std::nullopt, {}, outcome.handler());
-  // On its way by then, or still being resolved: either has to stop.
-  EXPECT_FALSE(MainQueue::main().runUntil(request, std::chrono::milliseconds(200)));
-  EXPECT_TRUE(request->cancel());
-  EXPECT_TRUE(finishes(request));
-  signOut();
-  EXPECT_EQ(outcome.count(), 0U);
-  EXPECT_FALSE(outcome.isHeld());
-}
-
-TEST_F(LibraryTest, TrustsNoOneElse) {
-  const SandboxProcess good;
-  const SandboxProcess expired({"--certificate", "expired"});
-  const SandboxProcess wrongHost({"--certificate", "wrong-host"});
-  struct Row {
-    const char* name;
-    const SandboxProcess& sandbox;
-    std::string caFile;
-  };
-  const Row rows[] = {
-      {"another authority's certificate", good, expired.caFile()},
-      {"an expired certificate", expired, expired.caFile()},
-      {"a certificate for another host", wrongHost, wrongHost.caFile()},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    install(row.sandbox, {.caFile = row.caFile});
-    const Outcome<User> outcome;
-    ASSERT_TRUE(finishes(UserService(identity_).fetch(std::nullopt, {}, outcome.handler())));
-    const Result<User> result = outcome.result();
-    ASSERT_TRUE(result.error());
-    const auto* error = result.error()->as<TransportError>();
-    ASSERT_NE(error, nullptr) << result.error()->message();
-    EXPECT_EQ(error->kind(), TransportError::Kind::tls) << error->message();
-  }
-  install(good);
-  EXPECT_TRUE(fetch());
 }
 
 }  // namespace
