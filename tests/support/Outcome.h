@@ -64,6 +64,14 @@ class Outcome {
   std::shared_ptr<Kept> kept_ = std::make_shared<Kept>();
 };
 
+/// What the operation that `start` calls with a handler answers at once.
+template <class T, class Start>
+[[nodiscard]] Result<T> resultOf(Start start) {
+  const Outcome<T> outcome;
+  start(outcome.handler());
+  return outcome.result();
+}
+
 /// An identity that no other test has: what the library caches for it is its own.
 [[nodiscard]] inline Identity freshIdentity() {
   static int count = 0;

@@ -8,17 +8,16 @@
 
 namespace orvane {
 
-void expectRequests(const std::vector<RequestRow>& rows) {
-  for (const RequestRow& row : rows) {
-    SCOPED_TRACE(row.name);
-    const ScopedFoundation foundation;
-    row.call({"key", row.externalReferenceID});
-    const auto requests = foundation.requestManager->questions();
-    ASSERT_EQ(requests.size(), 1U);
-    std::string text = requestText(requests.front());
-    text.erase(text.find_last_not_of('\n') + 1);
-    EXPECT_EQ(text, row.request);
-  }
+void expectRequest(const std::string& request, const std::function<void(const Identity&)>& call,
+                   const std::optional<std::string>& externalReferenceID) {
+  SCOPED_TRACE(request);
+  const ScopedFoundation foundation;
+  call({"key", externalReferenceID});
+  const auto requests = foundation.requestManager->questions();
+  ASSERT_EQ(requests.size(), 1U);
+  std::string text = requestText(requests.front());
+  text.erase(text.find_last_not_of('\n') + 1);
+  EXPECT_EQ(text, request);
 }
 
 }  // namespace orvane

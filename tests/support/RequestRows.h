@@ -3,7 +3,6 @@
 #pragma once
 
 #include <Orvane/Common/Identity.h>
-#include <Orvane/Common/Request.h>
 
 #include <functional>
 #include <optional>
@@ -12,17 +11,24 @@
 
 namespace orvane {
 
-/// An operation, and the one request that it is to send.
+/// An operation of a service, and the one request that it is to send.
+template <class Service>
 struct RequestRow {
-  std::string name;
-  /// Builds its service and calls the operation.
-  std::function<void(const Identity&)> call;
-  /// As `requestText` tells it, without the line ends after the last line.
+  /// As `requestText` tells it, without the line ends after the last line. The row's name, too.
   std::string request;
-  std::optional<std::string> externalReferenceID = "reference";
+  std::function<void(const Service&)> call;
 };
 
-/// Calls every operation for itself and compares what reaches the transport.
-void expectRequests(const std::vector<RequestRow>& rows);
+/// Makes a call for itself and compares what reaches the transport.
+void expectRequest(const std::string& request, const std::function<void(const Identity&)>& call,
+                   const std::optional<std::string>& externalReferenceID = "reference");
+
+/// The same with every row, on a service of the row's own.
+template <class Service>
+void expectRequests(const std::vector<RequestRow<Service>>& rows) {
+  for (const RequestRow<Service>& row : rows) {
+    expectRequest(row.request, [&](const Identity& identity) { row.call(Service(identity)); });
+  }
+}
 
 }  // namespace orvane

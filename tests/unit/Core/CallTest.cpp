@@ -2,15 +2,13 @@
 // The road of a call, shown on the user service: what every operation has in common.
 #include "tests/support/Outcome.h"
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/Services/EULA/EULAService.h>
 #include <Orvane/Services/User/UserService.h>
 #include <Orvane/Testing/ScopedFoundation.h>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdint>
-#include <deque>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -49,7 +47,7 @@ class CallTest : public testing::TestWithParam<std::tuple<AnswerTime, AnswerTime
 
   Result<User> fetch() {
     const Outcome<User> outcome;
-    EXPECT_TRUE(finishes(UserService(identity).fetch("17", {}, outcome.handler())));
+    EXPECT_TRUE(finishes(UserService(identity).fetch({}, {}, outcome.handler())));
     EXPECT_FALSE(outcome.isHeld());
     return outcome.result();
   }
@@ -65,11 +63,7 @@ INSTANTIATE_TEST_SUITE_P(Answers, CallTest,
 
 TEST_P(CallTest, turnsTheAnswerIntoTheRecordOrAnError) {
   const Error refused = NetworkError::invalidStatusCode(500, dateFromSeconds(1));
-  struct Row {
-    Answer answer;
-    Result<User> expected;
-  };
-  const Row rows[] = {
+  const std::pair<Answer, Result<User>> rows[] = {
       {R"({"userId":"17"})", User{.id = "17"}},
       {R"({"userId":null})", User{}},
       {"", NetworkError::noData},
@@ -85,29 +79,40 @@ TEST_P(CallTest, turnsTheAnswerIntoTheRecordOrAnError) {
       {Error(HostError{}), HostError{}},
       {Result<std::string>{}, NetworkError::invalidResponseData},
   };
-  for (const Row& row : rows) {
-    answer(row.answer);
-    EXPECT_EQ(fetch(), row.expected);
+  for (const auto& [given, expected] : rows) {
+    answer(given);
+    EXPECT_EQ(fetch(), expected);
+  }
+}
+
+TEST_P(CallTest, takesAnySuccessWhereNoRecordIsExpected) {
+  const Error refused = NetworkError::invalidStatusCode(409);
+  const std::pair<Answer, Result<Unit>> rows[] = {
+      {"", Unit{}},
+      {"{}", Unit{}},
+      {"<html>", Unit{}},
+      {refused, refused},
+      {Result<std::string>{}, NetworkError::invalidResponseData},
+  };
+  for (const auto& [given, expected] : rows) {
+    answer(given);
+    const Outcome<Unit> outcome;
+    EXPECT_TRUE(finishes(EULAService(identity).acceptTerms(outcome.handler())));
+    EXPECT_EQ(outcome.result(), expected);
   }
 }
 
 TEST_P(CallTest, sendsNothingWithoutDetailsOrURL) {
-  struct Row {
-    Details details;
-    Error expected;
-  };
   OrvaneDetails strange = exampleDetails();
   strange.userID = "\xFF";
-  const Row rows[] = {
+  const std::pair<Details, Error> rows[] = {
       {Error(HostError{}), HostError{}},
       {Error(NetworkError::invalidStatusCode(401)), NetworkError::invalidStatusCode(401)},
       {Details{}, NetworkError::unknown},
       {strange, NetworkError::malformedRequest}};
-  for (const Row& row : rows) {
-    resolveTo(row.details);
-    const Outcome<User> outcome;
-    ASSERT_TRUE(finishes(UserService(identity).fetch({}, {}, outcome.handler())));
-    EXPECT_EQ(outcome.result().error(), row.expected);
+  for (const auto& [details, expected] : rows) {
+    resolveTo(details);
+    EXPECT_EQ(fetch().error(), expected);
   }
   EXPECT_TRUE(foundation.requestManager->calls().empty());
 }

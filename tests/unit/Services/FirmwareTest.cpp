@@ -9,6 +9,7 @@
 #include <Orvane/Testing/RecordingLogger.h>
 #include <Orvane/Testing/ScopedFoundation.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -20,17 +21,20 @@
 namespace orvane {
 namespace {
 
+using testing::ElementsAre;
+
 constexpr const char* packageName = "DFU_4417_Release___2_2_2.zip";
 
 class FirmwareTest : public testing::Test {
  protected:
-  // The log as "e|i <message> @ <file>: <function>" lines.
+  // The log so far as "e|i <message> @ <function>" lines.
   [[nodiscard]] std::vector<std::string> logged() const {
     std::vector<std::string> lines;
     for (const auto& line : log_.lines()) {
       EXPECT_GT(line.line, 0U);
+      EXPECT_EQ(line.file, "Services/Wedge Firmware/WedgeFirmwareService");
       lines.push_back((line.level == Logger::Level::error ? "e " : "i ") + line.message + " @ " +
-                      line.file + ": " + line.function);
+                      line.function);
     }
     return lines;
   }
@@ -49,8 +53,6 @@ struct Downloaded {
     return [this](std::optional<std::string> version) { versions.push_back(std::move(version)); };
   }
 };
-
-using Versions = std::vector<std::optional<std::string>>;
 
 TEST_F(FirmwareTest, isBuiltFromThePublishedPackage) {
   const WedgeFirmwareService service;
@@ -71,28 +73,22 @@ TEST_F(FirmwareTest, takesTheHostFromTheContainer) {
 }
 
 TEST_F(FirmwareTest, tellsNewerVersions) {
-  struct Row {
-    const char* device;
-    bool isNewer;
-  };
-  const Row rows[] = {{"2.2.1", true},    {"2.2.2", false},  {"3.0.0", false},
-                      {"2.2", true},      {"2.10", false},   {"", true},
-                      {"2.2.2.0", false}, {"2.2.02", false}, {"1.9.9", true}};
+  const std::pair<const char*, bool> rows[] = {
+      {"2.2.1", true}, {"2.2.2", false},   {"3.0.0", false},  {"2.2", true},  {"2.10", false},
+      {"", true},      {"2.2.2.0", false}, {"2.2.02", false}, {"1.9.9", true}};
   const WedgeFirmwareService service;
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.device);
+  for (const auto& [device, isNewer] : rows) {
+    SCOPED_TRACE(device);
     const RecordingLogger log;
     std::vector<bool> told;
-    service.checkUpdateAvailability(row.device, [&](bool isNewer) { told.push_back(isNewer); });
-    EXPECT_EQ(told, std::vector{row.isNewer});
-    EXPECT_EQ(log.lines().size(), row.isNewer ? 1U : 0U);
-    EXPECT_EQ(service.updateAvailability(row.device), row.isNewer);
+    service.checkUpdateAvailability(device, [&](bool is) { told.push_back(is); });
+    EXPECT_THAT(told, ElementsAre(isNewer));
+    EXPECT_EQ(log.lines().size(), isNewer ? 1U : 0U);
+    EXPECT_EQ(service.updateAvailability(device), isNewer);
   }
   service.checkUpdateAvailability("2.2.1", nullptr);
-  EXPECT_EQ(logged(),
-            std::vector<std::string>{"i Wedge firmware update available. @ Services/Wedge "
-                                     "Firmware/WedgeFirmwareService: "
-                                     "checkUpdateAvailability(userFirmwareVersion:_:)"});
+  EXPECT_THAT(logged(), ElementsAre("i Wedge firmware update available. @ "
+                                    "checkUpdateAvailability(userFirmwareVersion:_:)"));
 }
 
 TEST_F(FirmwareTest, knowsNoUpdateWithoutAPublishedVersion) {
@@ -107,74 +103,58 @@ TEST_F(FirmwareTest, downloadsThePackageUnderItsName) {
   const std::string target = documents_ / (std::string("Documents/firmware/") + packageName);
   const WedgeFirmwareService service;
   writeFile(target, "former");
-  foundation_.downloader->answer(std::string("image"));
+  foundation_.downloader->answer("image");
   std::vector<DownloadProgress> progress;
   Downloaded downloaded;
   service.downloadFirmware([&](const DownloadProgress& now) { progress.push_back(now); },
                            downloaded.handler());
-  EXPECT_EQ(foundation_.downloader->questions(),
-            (std::vector<RecordedDownload>{{service.remoteURL(), target}}));
+  EXPECT_THAT(foundation_.downloader->questions(),
+              ElementsAre(RecordedDownload{service.remoteURL(), target}));
   EXPECT_EQ(contentsOf(target), "image");
-  EXPECT_EQ(progress, (std::vector<DownloadProgress>{{.received = 5, .total = 5}}));
-  EXPECT_EQ(downloaded.versions, Versions{"2.2.2"});
-  EXPECT_EQ(logged(),
-            std::vector<std::string>{
-                "i Downloaded new firmware. (version: Optional(\"2.2.2\")) @ Services/Wedge "
-                "Firmware/WedgeFirmwareService: downloadFirmware(_:)"});
-}
+  EXPECT_THAT(progress, ElementsAre(DownloadProgress{.received = 5, .total = 5}));
+  EXPECT_THAT(downloaded.versions, ElementsAre("2.2.2"));
+  const std::string line =
+      "i Downloaded new firmware. (version: Optional(\"2.2.2\")) @ downloadFirmware(_:)";
+  EXPECT_THAT(logged(), ElementsAre(line));
 
-TEST_F(FirmwareTest, answersThePackage) {
-  foundation_.downloader->answer(std::string("image"));
-  const WedgeFirmwareService service;
-  const Outcome<FirmwarePackage> package;
-  service.downloadPackage(nullptr, package.handler());
-  EXPECT_EQ(
-      package.result(),
-      (FirmwarePackage{documents_ / (std::string("Documents/firmware/") + packageName), "2.2.2"}));
-  EXPECT_EQ(logged().size(), 1U);
+  EXPECT_EQ(resultOf<FirmwarePackage>(
+                [&](auto then) { service.downloadPackage(nullptr, std::move(then)); }),
+            (FirmwarePackage{target, "2.2.2"}));
+  EXPECT_THAT(logged(), ElementsAre(line, line));
 }
 
 TEST_F(FirmwareTest, downloadsAnUnknownVersion) {
-  foundation_.downloader->answer(std::string("image"));
+  foundation_.downloader->answer("image");
   WedgeFirmwareService service;
   service.availableFirmwareVersion.reset();
   Downloaded downloaded;
   service.downloadFirmware(downloaded.handler());
-  EXPECT_EQ(downloaded.versions, Versions{std::nullopt});
+  EXPECT_THAT(downloaded.versions, ElementsAre(std::nullopt));
   EXPECT_EQ(log_.lines().at(0).message, "Downloaded new firmware. (version: nil)");
 }
 
 TEST_F(FirmwareTest, tellsAndLogsFailures) {
+  using Case = FirmwareDownloadError::Case;
+  const auto refused = NetworkError::invalidStatusCode(404);
+  const Result<std::string> silent;
+  const std::string known = R"(Optional("2.2.2"))";
   struct Row {
-    const char* name;
     Result<std::string> answer;
-    bool hasDownloader;
-    bool hasFolder;
-    bool hasVersion;
-    std::string message;
+    bool hasDownloader, hasFolder, hasVersion;
+    std::string version, reason;
     Error error;
   };
-  using Case = FirmwareDownloadError::Case;
-  const std::string known = "Error downloading firmware version Optional(\"2.2.2\")";
-  const auto refused = NetworkError::invalidStatusCode(404);
   const Row rows[] = {
-      {"refused", refused, true, true, true, known + ": " + refused.message(), refused},
-      {"without a reason",
-       {},
-       true,
-       true,
-       true,
-       known + ": " + NetworkError::unknown.message(),
-       NetworkError::unknown},
-      {"unknown version", refused, true, true, false,
-       "Error downloading firmware version nil: " + refused.message(), refused},
-      {"no downloader", std::string(), false, true, true, known + ": no downloader is registered",
+      {refused, true, true, true, known, refused.message(), refused},
+      {silent, true, true, true, known, NetworkError::unknown.message(), NetworkError::unknown},
+      {refused, true, true, false, "nil", refused.message(), refused},
+      {silent, false, true, true, known, "no downloader is registered",
        FirmwareDownloadError{Case::noDownloader}},
-      {"no folder", std::string(), true, false, true, known + ": there is no folder for it",
+      {silent, true, false, true, known, "there is no folder for it",
        FirmwareDownloadError{Case::noFolder}},
   };
   for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
+    SCOPED_TRACE(row.reason);
     const ScopedFoundation foundation;
     const RecordingLogger log;
     foundation.downloader->answer(row.answer);
@@ -185,19 +165,18 @@ TEST_F(FirmwareTest, tellsAndLogsFailures) {
     if (!row.hasFolder) service.firmwareLocation.reset();
     if (!row.hasVersion) service.availableFirmwareVersion.reset();
     Downloaded downloaded;
-    const RequestHandle request = service.downloadFirmware(downloaded.handler());
-    EXPECT_TRUE(request->isFinished());
-    EXPECT_EQ(downloaded.versions, Versions{std::nullopt});
-    ASSERT_EQ(log.lines().size(), 1U);
-    EXPECT_EQ(log.lines()[0].level, Logger::Level::error);
-    EXPECT_EQ(log.lines()[0].message, row.message);
-    EXPECT_EQ(log.lines()[0].function, "downloadFirmware(_:)");
-
-    const Outcome<FirmwarePackage> package;
-    service.downloadPackage(nullptr, package.handler());
-    EXPECT_EQ(package.result(), row.error);
+    EXPECT_TRUE(service.downloadFirmware(downloaded.handler())->isFinished());
+    EXPECT_THAT(downloaded.versions, ElementsAre(std::nullopt));
+    EXPECT_EQ(resultOf<FirmwarePackage>(
+                  [&](auto then) { service.downloadPackage(nullptr, std::move(then)); }),
+              row.error);
     ASSERT_EQ(log.lines().size(), 2U);
-    EXPECT_EQ(log.lines()[1].message, row.message);
+    for (const auto& line : log.lines()) {
+      EXPECT_EQ(line.level, Logger::Level::error);
+      EXPECT_EQ(line.message,
+                "Error downloading firmware version " + row.version + ": " + row.reason);
+      EXPECT_EQ(line.function, "downloadFirmware(_:)");
+    }
   }
 }
 
@@ -212,22 +191,17 @@ TEST_F(FirmwareTest, staysSilentWhenCancelled) {
 }
 
 TEST_F(FirmwareTest, printsWhyThereIsNoFolder) {
-  struct Row {
-    std::string documents;
-    std::string printed;
-  };
   writeFile(documents_ / "file", "");
-  const Row rows[] = {
-      {documents_ / "file", "error creating /Documents/firmware directory: Not a directory\n"},
-      {documents_ / "\xC3(",
-       "error creating /Documents/firmware directory: No such file or directory\n"},
-      {documents_ / "fine", ""},
+  const std::pair<std::string, std::string> rows[] = {
+      {"file", "error creating /Documents/firmware directory: Not a directory\n"},
+      {"\xC3(", "error creating /Documents/firmware directory: No such file or directory\n"},
+      {"fine", ""},
   };
-  for (const Row& row : rows) {
-    const ScopedDeviceSettings settings({.documentsDirectory = row.documents});
+  for (const auto& [documents, printed] : rows) {
+    const ScopedDeviceSettings settings({.documentsDirectory = documents_ / documents});
     testing::internal::CaptureStdout();
     const WedgeFirmwareService service;
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), row.printed);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), printed);
     EXPECT_EQ(service.availableFirmwareVersion, "2.2.2");
   }
   EXPECT_TRUE(logged().empty());

@@ -13,72 +13,40 @@ namespace {
 
 using Response = Invitation::Response;
 
-constexpr const char* jsonHeaders =
-    "Content-Type: application/json\n"
-    "X-Requested-With: XMLHttpRequest\n\n";
-
 NewInvitation toBert() {
   return {.fromUserID = "42", .toUserFirstName = "Bert", .toUserLastName = "O'Neil"};
 }
 
-RequestRow responding(Response response, const std::string& action) {
-  return {"responding with " + action,
-          [response](const Identity& identity) {
-            InvitationService(identity).respondToInvitation({.toUserId = "7",
-                                                             .invitationId = "9",
-                                                             .response = response,
-                                                             .vehicleId = "v1",
-                                                             .accountId = "a1"},
-                                                            nullptr);
-          },
-          "POST users/7/invitations/9?action=" + action};
+RequestRow<InvitationService> responding(Response response, const std::string& action) {
+  return {"POST users/7/invitations/9?action=" + action, [response](auto& invitations) {
+            invitations.respondToInvitation(
+                {.toUserId = "7", .invitationId = "9", .response = response}, nullptr);
+          }};
 }
 
 TEST(InvitationServiceTest, sendsTheseRequests) {
-  expectRequests({
-      {"invitations to vehicles, all of them",
-       [](const Identity& identity) {
-         InvitationService(identity).fetchVehicleInvites(std::nullopt, nullptr);
-       },
-       "GET users/42/invitations?type=vehicle"},
-      {"invitations to accounts, filtered",
-       [](const Identity& identity) {
-         InvitationService(identity).fetchAccountInvites("PENDING", nullptr);
-       },
-       "GET users/42/invitations?type=account&filtered=PENDING"},
-      {"a filter goes through as it is",
-       [](const Identity& identity) {
-         InvitationService(identity).fetchVehicleInvites("A&b=c d", nullptr);
-       },
-       "GET users/42/invitations?type=vehicle&filtered=A&b=c%20d"},
+  expectRequests<InvitationService>({
+      {"GET users/42/invitations?type=vehicle",
+       [](auto& invitations) { invitations.fetchVehicleInvites({}, nullptr); }},
+      {"GET users/42/invitations?type=account&filtered=PENDING",
+       [](auto& invitations) { invitations.fetchAccountInvites("PENDING", nullptr); }},
+      {"GET users/42/invitations?type=vehicle&filtered=A&b=c%20d",
+       [](auto& invitations) { invitations.fetchVehicleInvites("A&b=c d", nullptr); }},
       responding(Response::accept, "accept"),
       responding(Response::decline, "decline"),
       responding(Response::ackAccept, "accept_acknowledged"),
       responding(Response::ackDecline, "decline_acknowledged"),
-      {"cancelling tells the user and not the invitation",
-       [](const Identity& identity) {
-         InvitationService(identity).cancelVehicleInvitation("5", "9", nullptr);
-       },
-       "DELETE users/5/vehicles/"},
-      {"taking a vehicle from a guest",
-       [](const Identity& identity) {
-         InvitationService(identity).removeGuestDriverFromVehicle("5", "v1", nullptr);
-       },
-       "DELETE users/5/vehicles/v1"},
-      {"taking a guest from an account",
-       [](const Identity& identity) {
-         InvitationService(identity).removeGuestDriverFromAccount("5", "a1", nullptr);
-       },
-       "DELETE users/5/accounts/a1"},
+      // Cancelling tells the user and not the invitation.
+      {"DELETE users/5/vehicles/",
+       [](auto& invitations) { invitations.cancelVehicleInvitation("5", "9", nullptr); }},
+      {"DELETE users/5/vehicles/v1",
+       [](auto& invitations) { invitations.removeGuestDriverFromVehicle("5", "v1", nullptr); }},
+      {"DELETE users/5/accounts/a1",
+       [](auto& invitations) { invitations.removeGuestDriverFromAccount("5", "a1", nullptr); }},
   });
 }
 
 TEST(InvitationServiceTest, sendsTheseInvitations) {
-  struct Row {
-    const char* name;
-    NewInvitation invitation;
-    const char* body;
-  };
   NewInvitation everything = toBert();
   everything.toUserEmail = "bert@example.com";
   everything.toUserPhoneNumber = "+41 44 \"0\"";
@@ -88,34 +56,24 @@ TEST(InvitationServiceTest, sendsTheseInvitations) {
   toNoVehicle.vehicleIDs.emplace();
   NewInvitation toAccount = toBert();
   toAccount.accountIDs = {"a1"};
-  const Row rows[] = {
-      {"vehicles decide the type", everything,
-       R"({"invitationType":"VEHICLE","fromUserId":"42","toUserFirstName":"Bert",)"
-       R"("toUserLastName":"O'Neil","toUserEmail":"bert@example.com",)"
-       R"("toUserPhoneNumber":"+41 44 \"0\"","vehicleIds":"v1,v2","fromAccountIds":"a1,a2"})"},
-      {"vehicles are given, though none", toNoVehicle,
-       R"({"invitationType":"VEHICLE","fromUserId":"42","toUserFirstName":"Bert",)"
-       R"("toUserLastName":"O'Neil","vehicleIds":""})"},
-      {"no vehicles", toAccount,
-       R"({"invitationType":"ACCOUNT","fromUserId":"42","toUserFirstName":"Bert",)"
-       R"("toUserLastName":"O'Neil","fromAccountIds":"a1"})"},
-      {"neither vehicles nor accounts", toBert(),
-       R"({"invitationType":"ACCOUNT","fromUserId":"42","toUserFirstName":"Bert",)"
-       R"("toUserLastName":"O'Neil"})"},
+  // Vehicles, given though none, decide the type.
+  const std::string bert =
+      R"("fromUserId":"42","toUserFirstName":"Bert","toUserLastName":"O'Neil")";
+  const std::pair<NewInvitation, std::string> rows[] = {
+      {everything, R"({"invitationType":"VEHICLE",)" + bert +
+                       R"(,"toUserEmail":"bert@example.com","toUserPhoneNumber":"+41 44 \"0\"",)"
+                       R"("vehicleIds":"v1,v2","fromAccountIds":"a1,a2"})"},
+      {toNoVehicle, R"({"invitationType":"VEHICLE",)" + bert + R"(,"vehicleIds":""})"},
+      {toAccount, R"({"invitationType":"ACCOUNT",)" + bert + R"(,"fromAccountIds":"a1"})"},
+      {toBert(), R"({"invitationType":"ACCOUNT",)" + bert + "}"},
   };
-  for (const Row& row : rows) {
-    const std::string request = std::string("POST invitations\n") + jsonHeaders + row.body;
-    expectRequests({
-        {std::string(row.name) + ", to vehicles",
-         [&row](const Identity& identity) {
-           InvitationService(identity).sendVehicleInvitation(row.invitation, nullptr);
-         },
-         request},
-        {std::string(row.name) + ", to accounts",
-         [&row](const Identity& identity) {
-           InvitationService(identity).sendAccountInvitation(row.invitation, nullptr);
-         },
-         request},
+  for (const auto& [invitation, body] : rows) {
+    const std::string request =
+        "POST invitations\nContent-Type: application/json\nX-Requested-With: XMLHttpRequest\n\n" +
+        body;
+    expectRequests<InvitationService>({
+        {request, [&](auto& service) { service.sendVehicleInvitation(invitation, nullptr); }},
+        {request, [&](auto& service) { service.sendAccountInvitation(invitation, nullptr); }},
     });
   }
 }
@@ -134,54 +92,6 @@ TEST(InvitationServiceTest, refusesTextsThatAreNotUTF8) {
     EXPECT_EQ(outcome.result(), NetworkError::malformedRequest);
     EXPECT_TRUE(foundation.requestManager->questions().empty());
   }
-}
-
-TEST(InvitationServiceTest, decodesEachAnswerAsItsOwnKind) {
-  const ScopedFoundation foundation;
-  const InvitationService service(freshIdentity());
-  const Invitation pending{.invitationId = "9", .status = Invitation::Status::pending};
-
-  foundation.requestManager->answer(R"({"invitationId":"9","status":"PENDING"})");
-  const Outcome<Invitation> one;
-  service.sendVehicleInvitation(toBert(), one.handler());
-  EXPECT_EQ(one.result(), pending);
-  const Outcome<std::vector<Invitation>> noList;
-  service.sendAccountInvitation(toBert(), noList.handler());
-  EXPECT_EQ(noList.result(), NetworkError::invalidResponseData);
-
-  foundation.requestManager->answer(R"([{"invitationId":"9","status":"PENDING"}])");
-  const Outcome<std::vector<Invitation>> sent;
-  service.sendAccountInvitation(toBert(), sent.handler());
-  EXPECT_EQ(sent.result(), std::vector{pending});
-  const Outcome<std::vector<Invitation>> listed;
-  service.fetchAccountInvites(std::nullopt, listed.handler());
-  EXPECT_EQ(listed.result(), std::vector{pending});
-
-  foundation.requestManager->answer(R"([{"invitationId":"9","status":"EXPIRED"}])");
-  const Outcome<std::vector<Invitation>> unlisted;
-  service.fetchVehicleInvites(std::nullopt, unlisted.handler());
-  EXPECT_EQ(unlisted.result(), NetworkError::invalidResponseData);
-}
-
-TEST(InvitationServiceTest, takesAnySuccessForTheOperationsWithoutAValue) {
-  const ScopedFoundation foundation;
-  const InvitationService service(freshIdentity());
-  for (const char* body : {"", "{}", "<html>"}) {
-    SCOPED_TRACE(body);
-    foundation.requestManager->answer(std::string(body));
-    const Outcome<Unit> outcomes[4];
-    service.respondToInvitation(
-        {.toUserId = "7", .invitationId = "9", .response = Response::accept},
-        outcomes[0].handler());
-    service.cancelVehicleInvitation("5", "9", outcomes[1].handler());
-    service.removeGuestDriverFromVehicle("5", "v1", outcomes[2].handler());
-    service.removeGuestDriverFromAccount("5", "a1", outcomes[3].handler());
-    for (const auto& outcome : outcomes) EXPECT_EQ(outcome.result(), Unit{});
-  }
-  foundation.requestManager->answer(NetworkError::invalidStatusCode(403));
-  const Outcome<Unit> refused;
-  service.cancelVehicleInvitation("5", "9", refused.handler());
-  EXPECT_EQ(refused.result(), NetworkError::invalidStatusCode(403));
 }
 
 TEST(InvitationComposerTest, formsWhatNoOperationAsksFor) {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/Outcome.h"
 #include "tests/support/RequestRows.h"
+#include "tests/support/Values.h"
 #include "tests/unit/DeathTest.h"
 #include <Orvane/Common/CurrentDate.h>
-#include <Orvane/Common/NetworkError.h>
 #include <Orvane/Services/Scoring/ScoringAggregateService.h>
 #include <Orvane/Services/Scoring/ScoringService.h>
 #include <Orvane/Testing/Device.h>
@@ -11,9 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdint>
-#include <functional>
 #include <limits>
 #include <optional>
 #include <string>
@@ -24,20 +22,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr Date utc(std::chrono::year_month_day day, std::chrono::minutes time = 0min) {
-  return std::chrono::sys_days(day) + time;
-}
-
-const Date from = utc(2024y / 2 / 28, 12h);
-const Date to = utc(2024y / 3 / 9, 12h);
-constexpr std::uint64_t mostDays = std::numeric_limits<std::int64_t>::max();
-
-using Operation = std::function<void(const ScoringService&)>;
-
-RequestRow scoring(const std::string& resource, const Operation& operation) {
-  return {resource, [=](const Identity& identity) { operation(ScoringService(identity)); },
-          "GET " + resource};
-}
+const Date from = utc(2024y / 2 / 28);
+const Date to = utc(2024y / 3 / 9);
+constexpr std::uint64_t mostDays = most;
 
 // Puts the host's correction of the clock back.
 class ScopedCurrentDateOffset {
@@ -56,149 +43,64 @@ class ScoringServiceTest : public DeathTest {
   const ScopedCurrentDateOffset offset_{std::chrono::days(3)};
   const ScopedFoundation foundation_;
   const ScoringService service_{freshIdentity()};
-  const ScoringAggregateService aggregateService_{freshIdentity()};
 };
 
 TEST_F(ScoringServiceTest, sendsOneRequestForEachOperation) {
-  expectRequests({
-      scoring("users/42/averageScores?"
-              "reportingPeriodType=CUSTOM&startDate=2024-02-28&endDate=2024-03-09",
-              [](const auto& scores) { scores.custom(from, to, nullptr); }),
-      scoring("users/42/averageScores?userScoreWeek=0",
-              [](const auto& scores) { scores.fetchWeek(0, nullptr); }),
-      scoring("vehicles/V1/statisticScores?"
-              "startDate=2024-02-28&endDate=2024-03-09&reportingPeriodType=CUSTOM",
-              [](const auto& scores) {
-                scores.fetchAggregateScoresByVehicle("V1", from, to, nullptr);
-              }),
-      scoring(
-          "vehicles/V1/averageScores?"
-          "reportingPeriodType=CUSTOM&startDate=2024-02-28&endDate=2024-03-09",
-          [](const auto& scores) { scores.fetchAverageScoresByVehicle("V1", from, to, nullptr); }),
-      scoring("vehicles/a/b%20c%3F/averageScores?"
-              "reportingPeriodType=CUSTOM&startDate=2024-02-28&endDate=2024-03-09",
-              [](const auto& scores) {
-                scores.fetchAverageScoresByVehicle("a/b c?", from, to, nullptr);
-              }),
-      scoring("vehicles/V1/statisticScores?"
-              "startDate=2024-02-12&endDate=2024-03-13&reportingPeriodType=CUSTOM",
-              [](const auto& scores) {
-                scores.fetchLastNDaysAggregateScoresByVehicle("V1", 30, nullptr);
-              }),
-      scoring("vehicles//statisticScores?"
-              "startDate=2024-03-13&endDate=2024-03-13&reportingPeriodType=CUSTOM",
-              [](const auto& scores) {
-                scores.fetchLastNDaysAggregateScoresByVehicle("", 0, nullptr);
-              }),
-      scoring("vehicles/V1/averageScores?"
-              "reportingPeriodType=CUSTOM&startDate=2024-03-06&endDate=2024-03-13",
-              [](const auto& scores) { scores.fetchLastNDaysAverageScores("V1", 7, nullptr); }),
-      scoring("users/42/averageScores?"
-              "reportingPeriodType=CUSTOM&startDate=2024-03-06&endDate=2024-03-13",
-              [](const auto& scores) { scores.fetchLastNDaysAverageScores("", 7, nullptr); }),
-      scoring("users/42/averageScores?"
-              "reportingPeriodType=CUSTOM&startDate=2023-03-14&endDate=2024-03-13",
-              [](const auto& scores) { scores.fetchLastNDaysAverageScores({}, 365, nullptr); }),
+  const std::string average = "/averageScores?reportingPeriodType=CUSTOM&startDate=";
+  const std::string aggregate = "/statisticScores?startDate=";
+  expectRequests<ScoringService>({
+      {"GET users/42" + average + "2024-02-28&endDate=2024-03-09",
+       [](auto& scores) { scores.custom(from, to, nullptr); }},
+      {"GET users/42/averageScores?userScoreWeek=0",
+       [](auto& scores) { scores.fetchWeek(0, nullptr); }},
+      {"GET vehicles/V1" + aggregate + "2024-02-28&endDate=2024-03-09&reportingPeriodType=CUSTOM",
+       [](auto& scores) { scores.fetchAggregateScoresByVehicle("V1", from, to, nullptr); }},
+      {"GET vehicles/V1" + average + "2024-02-28&endDate=2024-03-09",
+       [](auto& scores) { scores.fetchAverageScoresByVehicle("V1", from, to, nullptr); }},
+      {"GET vehicles/a/b%20c%3F" + average + "2024-02-28&endDate=2024-03-09",
+       [](auto& scores) { scores.fetchAverageScoresByVehicle("a/b c?", from, to, nullptr); }},
+      {"GET vehicles/V1" + aggregate + "2024-02-12&endDate=2024-03-13&reportingPeriodType=CUSTOM",
+       [](auto& scores) { scores.fetchLastNDaysAggregateScoresByVehicle("V1", 30, nullptr); }},
+      {"GET vehicles/" + aggregate + "2024-03-13&endDate=2024-03-13&reportingPeriodType=CUSTOM",
+       [](auto& scores) { scores.fetchLastNDaysAggregateScoresByVehicle("", 0, nullptr); }},
+      {"GET vehicles/V1" + average + "2024-03-06&endDate=2024-03-13",
+       [](auto& scores) { scores.fetchLastNDaysAverageScores("V1", 7, nullptr); }},
+      {"GET users/42" + average + "2024-03-06&endDate=2024-03-13",
+       [](auto& scores) { scores.fetchLastNDaysAverageScores("", 7, nullptr); }},
+      {"GET users/42" + average + "2023-03-14&endDate=2024-03-13",
+       [](auto& scores) { scores.fetchLastNDaysAverageScores({}, 365, nullptr); }},
   });
 }
 
-// The same operations by both entries, on the device's own clock.
-TEST_F(ScoringServiceTest, bothEntriesSendTheSameAggregateRequests) {
-  struct Row {
-    RequestHandle (ScoringService::*operation)(Completion<ScoringAggregate>) const;
-    RequestHandle (ScoringAggregateService::*forwarded)(Completion<ScoringAggregate>) const;
-    std::string_view query;
-  };
-  using Scores = ScoringService;
-  using Aggregates = ScoringAggregateService;
-  constexpr std::string_view week =
-      "startDate=2024-03-03&endDate=2024-03-10&reportingPeriodType=last7Days";
-  constexpr std::string_view month =
-      "startDate=2024-02-09&endDate=2024-03-10&reportingPeriodType=last30Days";
-  const Row rows[] = {
-      {&Scores::last7Days, &Aggregates::last7Days, week},
-      {&Scores::lastWeek, &Aggregates::lastWeek, week},
-      {&Scores::last30Days, &Aggregates::last30Days, month},
-      {&Scores::lastMonth, &Aggregates::lastMonth, month},
-      {&Scores::last90Days, &Aggregates::last90Days,
-       "startDate=2023-12-11&endDate=2024-03-10&reportingPeriodType=last90Days"},
-      {&Scores::lastYear, &Aggregates::lastYear,
-       "startDate=2023-03-11&endDate=2024-03-10&reportingPeriodType=lastYear"},
-      {&Scores::today, &Aggregates::today,
-       "startDate=2024-03-10&endDate=2024-03-10&reportingPeriodType=today"},
-  };
-  const auto expectBoth = [](std::string_view query, const auto& operation, const auto& forwarded) {
-    const std::string request = "GET users/42/statisticScores?" + std::string(query);
-    expectRequests({
-        {"ScoringService", [&](const Identity& identity) { operation(ScoringService(identity)); },
-         request},
-        {"ScoringAggregateService",
-         [&](const Identity& identity) { forwarded(ScoringAggregateService(identity)); }, request},
-    });
-  };
-  for (const Row& row : rows) {
-    expectBoth(
-        row.query, [&](const Scores& scores) { (scores.*row.operation)(nullptr); },
-        [&](const Aggregates& scores) { (scores.*row.forwarded)(nullptr); });
-  }
-  const auto dateRange = [](const auto& scores) { scores.dateRange(from, to, nullptr); };
-  expectBoth("startDate=2024-02-28&endDate=2024-03-09&reportingPeriodType=CUSTOM", dateRange,
-             dateRange);
+// What both entries send, on the device's own clock.
+template <class Service>
+void expectAggregateRequests() {
+  const std::string start = "GET users/42/statisticScores?startDate=";
+  const std::string week = "2024-03-03&endDate=2024-03-10&reportingPeriodType=last7Days";
+  const std::string month = "2024-02-09&endDate=2024-03-10&reportingPeriodType=last30Days";
+  expectRequests<Service>({
+      {start + week, [](auto& scores) { scores.last7Days(nullptr); }},
+      {start + week, [](auto& scores) { scores.lastWeek(nullptr); }},
+      {start + month, [](auto& scores) { scores.last30Days(nullptr); }},
+      {start + month, [](auto& scores) { scores.lastMonth(nullptr); }},
+      {start + "2023-12-11&endDate=2024-03-10&reportingPeriodType=last90Days",
+       [](auto& scores) { scores.last90Days(nullptr); }},
+      {start + "2023-03-11&endDate=2024-03-10&reportingPeriodType=lastYear",
+       [](auto& scores) { scores.lastYear(nullptr); }},
+      {start + "2024-03-10&endDate=2024-03-10&reportingPeriodType=today",
+       [](auto& scores) { scores.today(nullptr); }},
+      {start + "2024-02-28&endDate=2024-03-09&reportingPeriodType=CUSTOM",
+       [](auto& scores) { scores.dateRange(from, to, nullptr); }},
+  });
 }
 
-TEST_F(ScoringServiceTest, bothEntriesSpeakForTheSameIdentity) {
+TEST_F(ScoringServiceTest, bothEntriesSendTheSameAggregateRequests) {
+  expectAggregateRequests<ScoringService>();
+  expectAggregateRequests<ScoringAggregateService>();
   const Identity identity = freshIdentity();
   const ScoringAggregateService service(identity);
   EXPECT_EQ(service.identity(), identity);
   EXPECT_EQ(service.scoringService().identity(), identity);
-  service.today(nullptr);
-  EXPECT_EQ(foundation_.detailsResolver->questions().back(), identity);
-}
-
-TEST_F(ScoringServiceTest, answersRecords) {
-  foundation_.requestManager->answerPath(
-      "/statisticScores", {std::string(R"({"highestScore":97.5,"tripScoringDailyAggregate":)"
-                                       R"([{"date":1709856000000,"score":81.25}]})")});
-  foundation_.requestManager->answerPath(
-      "/averageScores",
-      {std::string(R"({"averageScore":0.1,"tripScoringAverage":{"date":1,"trackingType":"MOBILE",)"
-                   R"("componentScores":{"harsh.braking":70}}})")});
-  const ScoringAggregate aggregate{.highestScore = 97.5,
-                                   .tripScoringDailyAggregate = std::vector<DailyAggregate>{
-                                       {.score = 81.25, .date = 1709856000000.0}}};
-  const ScoringAverage average{
-      .averageScore = 0.1,
-      .tripScoringAverage = TripScoringAverage{
-          .date = 1, .trackingType = "MOBILE", .componentScores = {.harshBraking = 70}}};
-
-  const Outcome<ScoringAggregate> days;
-  aggregateService_.lastYear(days.handler());
-  EXPECT_EQ(days.result(), aggregate);
-  const Outcome<ScoringAverage> averages;
-  service_.fetchLastNDaysAverageScores("V1", 7, averages.handler());
-  EXPECT_EQ(averages.result(), average);
-}
-
-TEST_F(ScoringServiceTest, answersWhyThereIsNoRecord) {
-  struct Row {
-    Result<std::string> response;
-    Error error;
-  };
-  const auto refused = NetworkError::invalidStatusCode(503, std::nullopt);
-  const Row rows[] = {
-      {std::string(), NetworkError::noData},
-      {std::string("{"), NetworkError::invalidResponseData},
-      {std::string(R"({"tripScoringAverage":{"date":1,"componentScores":{}}})"),
-       NetworkError::invalidResponseData},
-      {refused, refused},
-      {Result<std::string>(), NetworkError::invalidResponseData},
-  };
-  for (const Row& row : rows) {
-    foundation_.requestManager->answer(row.response);
-    const Outcome<ScoringAverage> outcome;
-    service_.fetchWeek(7, outcome.handler());
-    EXPECT_EQ(outcome.result(), Result<ScoringAverage>(row.error));
-  }
 }
 
 // The relative periods count days of 86,400 seconds back from the device's clock, the last N days
@@ -230,25 +132,22 @@ TEST_F(ScoringServiceTest, countsBackInTwoWaysFromTwoClocks) {
       {"Pacific/Kiritimati", utc(2024y / 2 / 29, 10h), -1min, "2024-02-23", "2024-03-01",
        "2024-02-22", "2024-02-29"},
       // And a clock that lost its battery.
-      {"America/New_York", utc(1970y / 1 / 8, 12h), 24h * 19789, "1970-01-01", "1970-01-08",
+      {"America/New_York", utc(1970y / 1 / 8), 24h * 19789, "1970-01-01", "1970-01-08",
        "2024-03-07", "2024-03-14"},
   };
   for (const Row& row : rows) {
     const ScopedDeviceSettings settings({.locale = "en_US", .timeZone = std::string(row.zone)});
     const ScopedCurrentDateOffset offset(row.correction);
     clock_.set(row.device);
-    expectRequests({
-        scoring("users/42/statisticScores?startDate=" + row.periodStart +
-                    "&endDate=" + row.periodEnd + "&reportingPeriodType=last7Days",
-                [](const auto& scores) { scores.last7Days(nullptr); }),
-        scoring("vehicles/V1/statisticScores?startDate=" + row.lastDaysStart +
-                    "&endDate=" + row.lastDaysEnd + "&reportingPeriodType=CUSTOM",
-                [](const auto& scores) {
-                  scores.fetchLastNDaysAggregateScoresByVehicle("V1", 7, nullptr);
-                }),
-        scoring("users/42/averageScores?reportingPeriodType=CUSTOM&startDate=" + row.lastDaysStart +
-                    "&endDate=" + row.lastDaysEnd,
-                [](const auto& scores) { scores.fetchLastNDaysAverageScores({}, 7, nullptr); }),
+    const std::string lastDays = "startDate=" + row.lastDaysStart + "&endDate=" + row.lastDaysEnd;
+    expectRequests<ScoringService>({
+        {"GET users/42/statisticScores?startDate=" + row.periodStart + "&endDate=" + row.periodEnd +
+             "&reportingPeriodType=last7Days",
+         [](auto& scores) { scores.last7Days(nullptr); }},
+        {"GET vehicles/V1/statisticScores?" + lastDays + "&reportingPeriodType=CUSTOM",
+         [](auto& scores) { scores.fetchLastNDaysAggregateScoresByVehicle("V1", 7, nullptr); }},
+        {"GET users/42/averageScores?reportingPeriodType=CUSTOM&" + lastDays,
+         [](auto& scores) { scores.fetchLastNDaysAverageScores({}, 7, nullptr); }},
     });
   }
 }
@@ -264,23 +163,17 @@ TEST_F(ScoringServiceTest, theLastDaysEndNowAndKeepTheTimeOfDay) {
 
 TEST_F(ScoringServiceTest, tellsWhyThereIsNoSuchPeriod) {
   using enum LastDaysError::Case;
-  struct Row {
-    std::uint64_t days;
-    LastDaysError::Case kind;
-  };
-  const Row rows[] = {
+  const std::pair<std::uint64_t, LastDaysError::Case> rows[] = {
       {mostDays, notInCalendar},
       {mostDays + 1, tooManyDays},
       {std::numeric_limits<std::uint64_t>::max(), tooManyDays},
       {2'200'000'000, notInCalendar},
   };
-  for (const Row& row : rows) {
-    EXPECT_EQ(ScoringService::lastDays(row.days),
-              Result<ClosedRange<Date>>(LastDaysError{row.kind}))
-        << row.days;
+  for (const auto& [days, kind] : rows) {
+    EXPECT_EQ(ScoringService::lastDays(days), LastDaysError{kind}) << days;
   }
-  const ScopedCurrentDateOffset broken{Seconds(std::numeric_limits<double>::quiet_NaN())};
-  EXPECT_EQ(ScoringService::lastDays(7), Result<ClosedRange<Date>>(LastDaysError{notInCalendar}));
+  const ScopedCurrentDateOffset broken{Seconds(notANumber)};
+  EXPECT_EQ(ScoringService::lastDays(7), LastDaysError{notInCalendar});
 }
 
 TEST_F(ScoringServiceTest, daysThatCanNotBeCountedStopTheProcess) {
