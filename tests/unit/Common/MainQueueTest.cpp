@@ -78,10 +78,10 @@ TEST(MainQueueTest, keepsTheOrderOfEachOfManyThreads) {
   std::vector<int> last(4, -1);
   std::atomic<int> left{4};
   std::vector<std::thread> threads;
-  for (std::size_t thread = 0; thread < last.size(); ++thread) {
-    threads.emplace_back([&, thread] {
+  for (int& mine : last) {
+    threads.emplace_back([&] {
       for (int i = 0; i < count; ++i) {
-        queue.async([&, thread, i] { EXPECT_EQ(std::exchange(last[thread], i), i - 1); });
+        queue.async([&mine, i] { EXPECT_EQ(std::exchange(mine, i), i - 1); });
       }
       queue.async([&] {
         if (--left == 0) queue.stop();

@@ -89,9 +89,10 @@ TEST_P(ResolversTest, passOnTheErrorOfTheStepThatFails) {
   const Error host = HostError{};
   for (const bool isKnown : {true, false}) {
     const Error expected = isKnown ? host : NetworkError::unknown;
-    transport->answer({isKnown ? Result<std::string>(host) : Result<std::string>{}, time()});
+    const Result<std::string> failure = isKnown ? Result<std::string>(host) : Result<std::string>{};
+    transport->answer({failure, time()});
     EXPECT_EQ(resolve().error(), expected);
-    tokens->answer({isKnown ? Result<std::string>(host) : Result<std::string>{}, time()});
+    tokens->answer({failure, time()});
     EXPECT_EQ(resolve().error(), expected);
     endpoints->answer({isKnown ? Result<URL>(host) : Result<URL>{}, time()});
     EXPECT_EQ(resolve().error(), expected);

@@ -34,11 +34,7 @@ class UserIdentifierTest : public testing::Test {
 
 TEST_F(UserIdentifierTest, readsTheOneMemberThatCounts) {
   const Error refused = NetworkError::invalidStatusCode(401, dateFromSeconds(1));
-  struct Row {
-    ScriptedRequestManager::Answer answer;
-    Result<std::string> expected;
-  };
-  const Row rows[] = {
+  const std::pair<ScriptedRequestManager::Answer, Result<std::string>> rows[] = {
       {R"({"userId":"42","userID":1,"other":{"userId":7}})", std::string("42")},
       {"\xEF\xBB\xBF{\"userId\":\"\\u00fc\"}", std::string("ü")},
       {R"({"userId":""})", std::string()},
@@ -56,15 +52,15 @@ TEST_F(UserIdentifierTest, readsTheOneMemberThatCounts) {
       {refused, refused},
       {Result<std::string>{}, NetworkError::unknown},
   };
-  for (const Row& row : rows) {
-    transport->answer(row.answer);
+  for (const auto& [answer, expected] : rows) {
+    transport->answer(answer);
     store->set(identity, std::nullopt);
     const Outcome<std::string> outcome;
     look(outcome);
     EXPECT_EQ(outcome.count(), 0U) << "inside the call";
     MainQueue::main().drain();
-    EXPECT_EQ(outcome.result(), row.expected);
-    EXPECT_EQ(store->get(identity), row.expected.value()) << "a failure stores nothing";
+    EXPECT_EQ(outcome.result(), expected);
+    EXPECT_EQ(store->get(identity), expected.value()) << "a failure stores nothing";
   }
   const auto requests = transport->questions();
   ASSERT_EQ(requests.size(), std::size(rows));

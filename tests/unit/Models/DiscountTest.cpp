@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/support/Printing.h"
-#include <Orvane/Coding/Coding.h>
+#include "tests/support/Records.h"
+#include "tests/support/Values.h"
 #include <Orvane/Models/Discount.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdint>
-#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,8 +20,6 @@ using Scores = std::vector<Score>;
 using Ranges = std::vector<Range>;
 
 constexpr double largest = 1.7976931348623157e308;
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 TEST(DiscountTest, isTheNumbersThatTheBackendSends) {
   constexpr std::string_view json =
@@ -35,11 +31,9 @@ TEST(DiscountTest, isTheNumbersThatTheBackendSends) {
                           .discountRangeMax = 1e23,
                           .projectedDiscountMinimum = 0,
                           .projectedDiscountMaximum = 5e-324};
-  EXPECT_EQ(decode<Discount>(json), discount);
-  EXPECT_EQ(encode(discount), std::string(json));
-
+  expectMirrored(json, discount);
+  expectMirrored("{}", Discount{});
   EXPECT_EQ(decode<Discount>(R"({"currentDiscount":null,"projectDiscount":7})"), Discount{});
-  EXPECT_EQ(encode(Discount{}), std::string("{}"));
   for (const std::string_view wrong : {R"({"currentDiscount":"12.5"})", "[]", "null", "12.5"}) {
     EXPECT_FALSE(decode<Discount>(wrong)) << wrong;
   }
@@ -51,72 +45,38 @@ TEST(DiscountMetadataTest, isReadAndWrittenWhole) {
       R"({"minimumScoreRequired":60,"projectDiscount":0.25}],"minimumKmRequired":1500.75})";
   const DiscountMetadata metadata{.discountsForScores = Scores{{80.5, 15}, {60, 0.25}},
                                   .minimumKmRequired = 1500.75};
-  EXPECT_EQ(decode<DiscountMetadata>(json), metadata);
-  EXPECT_EQ(encode(metadata), std::string(json));
-  EXPECT_EQ(decode<DiscountMetadata>("{}"), DiscountMetadata{});
-  EXPECT_EQ(encode(DiscountMetadata{}), std::string("{}"));
+  expectMirrored(json, metadata);
+  expectMirrored("{}", DiscountMetadata{});
 }
 
 TEST(DiscountMetadataTest, failsWithOneMalformedStep) {
-  struct Row {
-    std::string_view step;
-    DecodingError::Kind kind;
-    std::string_view location;
+  expectNeeds<Score>(R"({"minimumScoreRequired":5,"projectDiscount":5})",
+                     {"minimumScoreRequired", "projectDiscount"});
+  const std::pair<std::string, std::string> rows[] = {
+      {R"({"minimumScoreRequired":5,"projectedDiscount":5})",
+       "keyNotFound discountsForScores[1].projectDiscount"},
+      {R"({"minimumScoreRequired":"5","projectDiscount":5})",
+       "typeMismatch discountsForScores[1].minimumScoreRequired"},
+      {"null", "valueNotFound discountsForScores[1]"},
   };
-  using enum DecodingError::Kind;
-  const Row rows[] = {
-      {R"({"projectDiscount":5})", keyNotFound, "discountsForScores[1].minimumScoreRequired"},
-      {R"({"minimumScoreRequired":5})", keyNotFound, "discountsForScores[1].projectDiscount"},
-      {R"({"minimumScoreRequired":5,"projectedDiscount":5})", keyNotFound,
-       "discountsForScores[1].projectDiscount"},
-      {R"({"minimumScoreRequired":null,"projectDiscount":5})", valueNotFound,
-       "discountsForScores[1].minimumScoreRequired"},
-      {R"({"minimumScoreRequired":5,"projectDiscount":null})", valueNotFound,
-       "discountsForScores[1].projectDiscount"},
-      {R"({"minimumScoreRequired":"5","projectDiscount":5})", typeMismatch,
-       "discountsForScores[1].minimumScoreRequired"},
-      {"null", valueNotFound, "discountsForScores[1]"},
-  };
-  for (const Row& row : rows) {
+  for (const auto& [step, why] : rows) {
     const std::string json =
-        R"({"discountsForScores":[{"minimumScoreRequired":80,"projectDiscount":15},)" +
-        std::string(row.step) + "]}";
-    const auto result = decode<DiscountMetadata>(json);
-    const auto* error = result.error() ? result.error()->as<DecodingError>() : nullptr;
-    ASSERT_NE(error, nullptr) << row.step;
-    EXPECT_EQ(error->kind, row.kind) << row.step;
-    EXPECT_EQ(error->location, row.location) << row.step;
+        R"({"discountsForScores":[{"minimumScoreRequired":80,"projectDiscount":15},)" + step + "]}";
+    EXPECT_EQ(failure<DiscountMetadata>(json), why);
   }
 }
 
 TEST(DiscountRangeTest, isAnArrayOfItsTwoBounds) {
-  struct Row {
-    std::string_view json;
-    std::optional<Range> range;
-  };
-  const Row rows[] = {
-      {R"({"scoreRange":[60,80.5],"associatedDiscount":10})", Range{{60, 80.5}, 10}},
-      {R"({"scoreRange":[60,60],"associatedDiscount":-1})", Range{{60, 60}, -1}},
-      {R"({"scoreRange":[0,1.7976931348623157e+308],"associatedDiscount":0.1})",
-       Range{{0, largest}, 0.1}},
-      {R"({"scoreRange":[80,60],"associatedDiscount":10})", {}},
-      {R"({"scoreRange":[60],"associatedDiscount":10})", {}},
-      {R"({"scoreRange":[],"associatedDiscount":10})", {}},
-      {R"({"scoreRange":[60,70,80],"associatedDiscount":10})", {}},
-      {R"({"scoreRange":[60,null],"associatedDiscount":10})", {}},
-      {R"({"scoreRange":["60",80],"associatedDiscount":10})", {}},
-      {R"({"scoreRange":{"lower":60,"upper":80},"associatedDiscount":10})", {}},
-      {R"({"scoreRange":null,"associatedDiscount":10})", {}},
-      {R"({"associatedDiscount":10})", {}},
-      {R"({"scoreRange":[60,80],"associatedDiscount":null})", {}},
-      {R"({"scoreRange":[60,80]})", {}},
-  };
-  for (const Row& row : rows) {
-    const auto decoded = decode<Range>(row.json);
-    EXPECT_EQ(decoded.value(), row.range) << row.json;
-    if (row.range) {
-      EXPECT_EQ(encode(*row.range), std::string(row.json));
-    }
+  expectMirrored(R"({"scoreRange":[60,80.5],"associatedDiscount":10})", Range{{60, 80.5}, 10});
+  expectMirrored(R"({"scoreRange":[60,60],"associatedDiscount":-1})", Range{{60, 60}, -1});
+  expectMirrored(R"({"scoreRange":[0,1.7976931348623157e+308],"associatedDiscount":0.1})",
+                 Range{{0, largest}, 0.1});
+  expectNeeds<Range>(R"({"scoreRange":[60,80],"associatedDiscount":10})",
+                     {"scoreRange", "associatedDiscount"});
+  for (const std::string bounds : {"[80,60]", "[60]", "[]", "[60,70,80]", "[60,null]",
+                                   R"(["60",80])", R"({"lower":60,"upper":80})"}) {
+    EXPECT_FALSE(decode<Range>(R"({"scoreRange":)" + bounds + R"(,"associatedDiscount":10})"))
+        << bounds;
   }
 }
 
@@ -172,7 +132,8 @@ TEST(DiscountMetadataTest, derivesTheSameRangesFromStepsInAnyOrder) {
 TEST(DiscountMetadataTest, keepsTheOrderOfManyEqualDiscounts) {
   Scores steps;
   for (int i = 0; i < 1000; ++i) {
-    steps.push_back({double(1000 - i / 2), double(i % 2)});
+    const int pair = i / 2;
+    steps.push_back({double(1000 - pair), double(i % 2)});
   }
   const auto ranges = DiscountMetadata{.discountsForScores = steps}.scoreDiscountMap();
   ASSERT_TRUE(ranges);

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/Printing.h"
+#include "tests/support/Values.h"
 #include "tests/unit/DeathTest.h"
 #include <Orvane/Models/Polyline.h>
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <random>
 #include <string>
@@ -23,9 +23,6 @@ namespace {
 using Coordinates = std::vector<CLLocationCoordinate2D>;
 using Case = PolylineError::Case;
 
-constexpr auto smallest = std::numeric_limits<std::int64_t>::min();
-constexpr auto largest = std::numeric_limits<std::int64_t>::max();
-
 // A coordinate by its wire units, scaled as the format says.
 CLLocationCoordinate2D units(std::int64_t latitude, std::int64_t longitude) {
   return {static_cast<double>(latitude) * 1e-6, static_cast<double>(longitude) * 1e-6};
@@ -37,11 +34,7 @@ const std::string smallestValue = std::string(12, '~') + "N";
 const std::string largestValue = "}" + std::string(11, '~') + "N";
 
 TEST(PolylineTest, isDecoded) {
-  struct Row {
-    std::string text;
-    Coordinates coordinates;
-  };
-  const Row rows[] = {
+  const std::pair<std::string, Coordinates> rows[] = {
       {"", {}},
       {"??", {{0, 0}}},
       // Zigzag: 0, -1, 1, -2, 2; every coordinate is a difference.
@@ -58,21 +51,21 @@ TEST(PolylineTest, isDecoded) {
       {std::string(1, '\0') + "\x1F", {units(-1, 0)}},
       {"\x7F?\x7F@", {units(0, 16)}},
       // Bits beyond the 64th are dropped, those of the chunk across the border and whole chunks.
-      {smallestValue + "?", {units(smallest, 0)}},
-      {std::string(12, '~') + "^?", {units(smallest, 0)}},
-      {std::string(30, '~') + "^?", {units(smallest, 0)}},
-      {"?" + largestValue, {units(0, largest)}},
+      {smallestValue + "?", {units(least, 0)}},
+      {std::string(12, '~') + "^?", {units(least, 0)}},
+      {std::string(30, '~') + "^?", {units(least, 0)}},
+      {"?" + largestValue, {units(0, most)}},
       {std::string(40, '_') + "?A", {units(0, 1)}},
       // Up to the border and back.
-      {largestValue + "?" + smallestValue + "?", {units(largest, 0), units(-1, 0)}},
+      {largestValue + "?" + smallestValue + "?", {units(most, 0), units(-1, 0)}},
   };
-  for (const Row& row : rows) {
-    const auto polyline = Polyline::make(row.text);
-    ASSERT_TRUE(polyline) << row.text;
-    EXPECT_EQ(polyline->decode(), row.coordinates) << row.text;
-    EXPECT_EQ(polyline->decodeChecked(), row.coordinates) << row.text;
-    EXPECT_EQ(polyline->encodedString(), row.text);
-    EXPECT_EQ(polyline->encodedData(), row.text);
+  for (const auto& [text, coordinates] : rows) {
+    const auto polyline = Polyline::make(text);
+    ASSERT_TRUE(polyline) << text;
+    EXPECT_EQ(polyline->decode(), coordinates) << text;
+    EXPECT_EQ(polyline->decodeChecked(), coordinates) << text;
+    EXPECT_EQ(polyline->encodedString(), text);
+    EXPECT_EQ(polyline->encodedData(), text);
   }
 }
 
@@ -82,32 +75,24 @@ TEST(PolylineTest, isNoneUnlessItIsASCII) {
   }
 }
 
-struct Malformed {
-  std::string text;
-  Case why;
-};
-
-const Malformed malformed[] = {
-    {"?", Case::truncated},
-    {"_", Case::truncated},
-    {"_?", Case::truncated},
-    {"???", Case::truncated},
-    {"??_", Case::truncated},
-    {"???_", Case::truncated},
-    {"???\x7F", Case::truncated},
-    {largestValue + "?A?", Case::overflow},
-    {smallestValue + "?@?", Case::overflow},
-    {"?" + largestValue + "?A", Case::overflow},
-    {"?" + smallestValue + "?" + smallestValue, Case::overflow},
-    // Back again, but it has been out.
-    {largestValue + "?A?@?", Case::overflow},
-};
-
 TEST(PolylineTest, tellsWhyItIsNoListOfCoordinates) {
-  for (const Malformed& row : malformed) {
-    EXPECT_EQ(Polyline::make(row.text)->decodeChecked(),
-              Result<Coordinates>(PolylineError{row.why}))
-        << row.text;
+  const std::pair<std::string, Case> rows[] = {
+      {"?", Case::truncated},
+      {"_", Case::truncated},
+      {"_?", Case::truncated},
+      {"???", Case::truncated},
+      {"??_", Case::truncated},
+      {"???_", Case::truncated},
+      {"???\x7F", Case::truncated},
+      {largestValue + "?A?", Case::overflow},
+      {smallestValue + "?@?", Case::overflow},
+      {"?" + largestValue + "?A", Case::overflow},
+      {"?" + smallestValue + "?" + smallestValue, Case::overflow},
+      // Back again, but it has been out.
+      {largestValue + "?A?@?", Case::overflow},
+  };
+  for (const auto& [text, why] : rows) {
+    EXPECT_EQ(Polyline::make(text)->decodeChecked(), PolylineError{why}) << text;
   }
 }
 
@@ -121,27 +106,18 @@ TEST_F(PolylineDeathTest, stopsTheProcessWhereItIsTrusted) {
 }
 
 TEST(PolylineTest, isEncodedWithSixDecimalPlaces) {
-  struct Row {
-    Coordinates coordinates;
-    std::optional<std::string> text;
-  };
-  const double infinity = std::numeric_limits<double>::infinity();
-  const Row rows[] = {
+  const std::pair<Coordinates, std::string> rows[] = {
       {{}, ""},
       {{{3.85, -12.02}, {4.07, -12.095}, {4.3252, -12.6453}}, "_p~iF~ps|U_ulLnnqC_mqNvxq`@"},
       {{{0.0000004, -0.0000004}}, "??"},
       {{{0.0000006, -0.0000006}}, "A@"},
-      {{{std::numeric_limits<double>::quiet_NaN(), 0}}, std::nullopt},
-      {{{0, infinity}}, std::nullopt},
-      {{{1, 1}, {-infinity, 0}}, std::nullopt},
-      {{{3e12, 0}}, std::nullopt},
   };
-  for (const Row& row : rows) {
-    const auto polyline = Polyline::encode(row.coordinates);
-    ASSERT_EQ(polyline.has_value(), row.text.has_value());
-    if (polyline) {
-      EXPECT_EQ(polyline->encodedString(), *row.text);
-    }
+  for (const auto& [coordinates, text] : rows) {
+    EXPECT_EQ(Polyline::encode(coordinates), Polyline::make(text));
+  }
+  for (const Coordinates& none : std::vector<Coordinates>{
+           {{notANumber, 0}}, {{0, infinity}}, {{1, 1}, {-infinity, 0}}, {{3e12, 0}}}) {
+    EXPECT_EQ(Polyline::encode(none), std::nullopt);
   }
 }
 

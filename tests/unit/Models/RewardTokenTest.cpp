@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/support/Printing.h"
-#include <Orvane/Coding/Coding.h>
+#include "tests/support/Records.h"
 #include <Orvane/Models/RewardToken.h>
 
 #include <gtest/gtest.h>
@@ -13,17 +12,10 @@ namespace orvane {
 namespace {
 
 TEST(RewardTokenTest, isATextAsAWhole) {
-  struct Row {
-    std::string_view json;
-    std::string token;
-  };
-  const Row rows[] = {{R"("eyJhbGciOiJIUzI1NiJ9.e30.c2ln")", "eyJhbGciOiJIUzI1NiJ9.e30.c2ln"},
-                      {R"("")", ""},
-                      {R"("a\"b\\c")", R"(a"b\c)"}};
-  for (const Row& row : rows) {
-    EXPECT_EQ(decode<RewardToken>(row.json), RewardToken{row.token});
-    EXPECT_EQ(encode(RewardToken{row.token}), std::string(row.json));
-  }
+  expectMirrored(R"("eyJhbGciOiJIUzI1NiJ9.e30.c2ln")",
+                 RewardToken{"eyJhbGciOiJIUzI1NiJ9.e30.c2ln"});
+  expectMirrored(R"("")", RewardToken{""});
+  expectMirrored(R"("a\"b\\c")", RewardToken{R"(a"b\c)"});
   EXPECT_EQ(decode<RewardToken>(" \"\\u0061\"\n"), RewardToken{"a"});
   EXPECT_EQ(encode(RewardToken{}), std::string("null"));
   EXPECT_EQ(encode(std::vector<RewardToken>{{"a"}, {}}), std::string(R"(["a",null])"));

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/support/Printing.h"
-#include <Orvane/Coding/Coding.h>
+#include "tests/support/Records.h"
+#include "tests/support/Values.h"
 #include <Orvane/Models/Scoring.h>
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,19 +17,8 @@ namespace {
 using SubScore = TripScores::SubScore;
 using SubScores = TripScores::SubScores;
 
-template <class T>
-std::string place(const std::string& json) {
-  const Result<T> result = decode<T>(json);
-  if (!result.error()) return "none";
-  return result.error()->template as<DecodingError>()->location;
-}
-
 TEST(TripScoresTest, areReadFromUnderScores) {
-  struct Row {
-    std::string json;
-    TripScores scores;
-  };
-  const Row rows[] = {
+  const std::pair<std::string, TripScores> rows[] = {
       {R"({"scores":{}})", {.subScores = SubScores()}},
       {R"({"scores":{"overall":null}})", {.subScores = SubScores()}},
       {R"({"scores":{"overall":80.5},"overall":3})", {.overall = 80.5, .subScores = SubScores()}},
@@ -60,25 +48,17 @@ TEST(TripScoresTest, areReadFromUnderScores) {
       {R"({"scores":{"overall":1,"speeding":2},"scores":{"calm":3}})",
        {.subScores = SubScores{{SubScore::other("calm"), 3}}}},
   };
-  for (const Row& row : rows) EXPECT_EQ(decode<TripScores>(row.json), row.scores) << row.json;
+  for (const auto& [json, scores] : rows) EXPECT_EQ(decode<TripScores>(json), scores) << json;
 
-  const std::pair<const char*, const char*> failures[] = {
-      {"{}", "scores"},
-      {R"({"scores":null})", "scores"},
-      {R"({"scores":[]})", "scores"},
-      {R"({"scores":{"overall":"high"}})", "scores.overall"},
-      {R"({"scores":{"calm":true}})", "scores.calm"},
-      {"null", ""},
-  };
-  for (const auto& [json, where] : failures) EXPECT_EQ(place<TripScores>(json), where) << json;
+  expectNeeds<TripScores>(R"({"scores":{}})", {"scores"});
+  EXPECT_EQ(failure<TripScores>(R"({"scores":[]})"), "typeMismatch scores");
+  EXPECT_EQ(failure<TripScores>(R"({"scores":{"overall":"high"}})"), "typeMismatch scores.overall");
+  EXPECT_EQ(failure<TripScores>(R"({"scores":{"calm":true}})"), "typeMismatch scores.calm");
+  EXPECT_EQ(failure<TripScores>("null"), "valueNotFound");
 }
 
 TEST(TripScoresTest, areWrittenFlat) {
-  struct Row {
-    TripScores scores;
-    std::string json;
-  };
-  const Row rows[] = {
+  const std::pair<TripScores, std::string> rows[] = {
       {{}, "null"},
       {{.overall = 60}, "null"},
       {{.subScores = SubScores()}, "{}"},
@@ -102,9 +82,9 @@ TEST(TripScoresTest, areWrittenFlat) {
             SubScores{{SubScore::speeding(), 1}, {SubScore::other("speeding"), std::nullopt}}},
        "{}"},
   };
-  for (const Row& row : rows) {
-    EXPECT_EQ(encode(row.scores), row.json);
-    EXPECT_FALSE(decode<TripScores>(row.json)) << row.json;
+  for (const auto& [scores, json] : rows) {
+    EXPECT_EQ(encode(scores), json);
+    EXPECT_FALSE(decode<TripScores>(json)) << json;
   }
 }
 
@@ -127,10 +107,7 @@ TEST(ScoringTest, readsAndWritesWhatATripsAlgorithmSays) {
       .scoreUnit = "PERCENT",
       .overallScore = -1.5,
       .individualComponentScores = {{{.component = "braking", .componentScore = 101}, {}}}};
-  EXPECT_EQ(decode<TripScoring>(json), scoring);
-  EXPECT_EQ(encode(scoring), json);
-  EXPECT_EQ(place<TripScoring>(R"({"individualComponentScores":[{},{"componentScore":"1"}]})"),
-            "individualComponentScores[1].componentScore");
+  expectMirrored(json, scoring);
 }
 
 TEST(ScoringTest, readsAndWritesAPeriodDayByDay) {
@@ -169,15 +146,14 @@ TEST(ScoringTest, readsAndWritesAPeriodDayByDay) {
                     .distracted_driving = ScoreComponent{}},
             .scoreType = -2},
            {}}}};
-  EXPECT_EQ(decode<ScoringAggregate>(json), aggregate);
-  EXPECT_EQ(encode(aggregate), json);
+  expectMirrored(json, aggregate);
   EXPECT_EQ(decode<ScoringComponents>(
                 R"({"harsh.acceleration":{"score":1},"distracted.driving":{"score":1}})"),
             ScoringComponents{});
-  EXPECT_EQ(place<ScoringAggregate>(
+  EXPECT_EQ(failure<ScoringAggregate>(
                 R"({"tripScoringDailyAggregate":[{},{"componentScores":{"payd":{"score":"1"}}}]})"),
-            "tripScoringDailyAggregate[1].componentScores.payd.score");
-  EXPECT_EQ(place<DailyAggregate>(R"({"scoreType":1.5})"), "scoreType");
+            "typeMismatch tripScoringDailyAggregate[1].componentScores.payd.score");
+  EXPECT_EQ(failure<DailyAggregate>(R"({"scoreType":1.5})"), "typeMismatch scoreType");
 }
 
 TEST(ScoringTest, readsAndWritesAnAverage) {
@@ -207,31 +183,17 @@ TEST(ScoringTest, readsAndWritesAnAverage) {
                                                                    .speed_subscore = 10,
                                                                    .usage_subscore = 11,
                                                                    .distracted_driving = 12}}};
-  EXPECT_EQ(decode<ScoringAverage>(json), average);
-  EXPECT_EQ(encode(average), json);
+  expectMirrored(json, average);
   EXPECT_EQ(decode<TripScoringComponents>(R"({"harshAcceleration":1,"overSpeeding":2})"),
             TripScoringComponents{});
   EXPECT_EQ(decode<ScoringAverage>(R"({"tripScoringAverage":null})"), ScoringAverage{});
-  EXPECT_EQ(encode(TripScoringAverage{}),
-            std::string(R"({"date":0,"trackingType":"","componentScores":{}})"));
-
-  const std::pair<const char*, const char*> failures[] = {
-      {R"({"trackingType":"","componentScores":{}})", "date"},
-      {R"({"date":1,"componentScores":{}})", "trackingType"},
-      {R"({"date":1,"trackingType":""})", "componentScores"},
-      {R"({"date":null,"trackingType":"","componentScores":{}})", "date"},
-      {R"({"date":1,"trackingType":null,"componentScores":{}})", "trackingType"},
-      {R"({"date":1,"trackingType":"","componentScores":null})", "componentScores"},
-  };
-  for (const auto& [json_, where] : failures) {
-    EXPECT_EQ(place<ScoringAverage>(R"({"tripScoringAverage":)" + std::string(json_) + "}"),
-              "tripScoringAverage." + std::string(where));
-  }
+  const std::string zero = R"({"date":0,"trackingType":"","componentScores":{}})";
+  expectMirrored(zero, TripScoringAverage{});
+  expectNeeds<TripScoringAverage>(zero, {"date", "trackingType", "componentScores"});
 }
 
 TEST(ScoringTest, writesNoNumberThatIsNone) {
-  constexpr double infinity = std::numeric_limits<double>::infinity();
-  for (const double none : {infinity, -infinity, std::numeric_limits<double>::quiet_NaN()}) {
+  for (const double none : {infinity, -infinity, notANumber}) {
     EXPECT_FALSE(encode(TripScores{.overall = none, .subScores = SubScores()}));
     EXPECT_FALSE(encode(TripScores{.subScores = SubScores{{SubScore::braking(), none}}}));
     EXPECT_FALSE(encode(TripScoring{.overallScore = none}));

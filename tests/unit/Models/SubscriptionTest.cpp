@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/support/Printing.h"
-#include <Orvane/Coding/Coding.h>
+#include "tests/support/Records.h"
 #include <Orvane/Models/Subscription.h>
 
 #include <gtest/gtest.h>
 
-#include <optional>
 #include <string>
 
 namespace orvane {
@@ -26,26 +24,14 @@ TEST(SubscriptionTest, isReadAndWrittenWhole) {
                               .subscriptionLengthMillis = 31536000001.0,
                               .trialLengthMillis = 2592000001.0,
                               .trialEndTimestamp = 1675123200000.0};
-  EXPECT_EQ(decode<Subscription>(json), expected);
-  EXPECT_EQ(encode(expected), json);
-  EXPECT_EQ(encode(Subscription{}), std::string("{}"));
+  expectMirrored(json, expected);
+  expectMirrored("{}", Subscription{});
 }
 
 TEST(SubscriptionTest, knowsTheseTypesAndNoOthers) {
-  const std::pair<const char*, std::optional<Type>> rows[] = {
-      {"Regular", Type::Regular},
-      {"MileageOnly", Type::MileageOnly},
-      {"MileagePlus", Type::MileagePlus},
-      {"TryAndBuy", Type::TryAndBuy},
-      {"aFNOL", Type::aFNOL},
-      {"AFNOL", std::nullopt},
-      {"regular", std::nullopt},
-      {"", std::nullopt},
-  };
-  for (const auto& [text, type] : rows) EXPECT_EQ(fromWireText<Type>(text), type) << text;
-  const auto failed = decode<Subscription>(R"({"telematicSubscriptionType":"AFNOL"})");
-  ASSERT_TRUE(failed.error() && failed.error()->as<DecodingError>());
-  EXPECT_EQ(failed.error()->as<DecodingError>()->kind, DecodingError::Kind::dataCorrupted);
+  EXPECT_EQ(wireTexts<Type>(), "Regular MileageOnly MileagePlus TryAndBuy aFNOL");
+  EXPECT_EQ(failure<Subscription>(R"({"telematicSubscriptionType":"AFNOL"})"),
+            "dataCorrupted telematicSubscriptionType");
 }
 
 }  // namespace

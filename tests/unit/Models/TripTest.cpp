@@ -1,20 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 // Trips, their events and logbooks.
-#include "tests/support/Printing.h"
+#include "tests/support/Records.h"
+#include "tests/support/Values.h"
 #include "tests/unit/DeathTest.h"
-#include <Orvane/Coding/Coding.h>
 #include <Orvane/Models/Event.h>
 #include <Orvane/Models/LogbookWrapper.h>
 #include <Orvane/Models/Trip.h>
 #include <Orvane/Testing/Device.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <limits>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -23,7 +21,8 @@ namespace orvane {
 namespace {
 
 using Type = Event::EventType;
-using Severity = Event::Severity;
+using testing::HasSubstr;
+using namespace std::chrono_literals;
 
 // A trip that has what it must, and `members` besides.
 std::string tripWith(const std::string& members) {
@@ -53,18 +52,16 @@ T decoded(const std::string& json) {
   return result ? *result.value() : T{};
 }
 
-// The error's place and kind, or that there is none.
-template <class T>
-std::string failure(const std::string& json) {
-  const Result<T> result = decode<T>(json);
-  if (!result.error()) return "none";
-  const auto* error = result.error()->template as<DecodingError>();
-  return error->location + " " + std::to_string(static_cast<int>(error->kind));
+// Expects a member to be read so from each of these texts, in a record that `with` completes.
+template <class T, class Value>
+void expectRead(std::string (*with)(const std::string&), const std::string& key,
+                std::optional<Value> T::*member,
+                const std::vector<std::pair<std::string, std::optional<Value>>>& rows) {
+  for (const auto& [wire, value] : rows) {
+    const std::string json = with('"' + key + "\":" + wire);
+    EXPECT_EQ(decoded<T>(json).*member, value) << json;
+  }
 }
-
-constexpr auto mismatch = " 1";
-constexpr auto null = " 2";
-constexpr auto missing = " 3";
 
 const std::string wholeTrip =
     R"({"tripId":"6A1","tripStartTimestampUtc":1700000000008,"tripEndTimestampUtc":1700003600018,
@@ -99,7 +96,7 @@ const Trip wholeRecord{
                             {{.latitude = 3.85,
                               .longitude = -12.02,
                               .date = dateFromSeconds(1700000100.008),
-                              .severity = Severity::high,
+                              .severity = Event::Severity::high,
                               .speed = 10,
                               .averageSpeed = 0x1.bc71c71c71c72p+3,
                               .polyline = Polyline::make("??"),
@@ -159,42 +156,25 @@ TEST(TripTest, isWrittenWithoutItsScores) {
 }
 
 TEST(TripTest, needsLittle) {
+  expectNeeds<Trip>(tripWith(""), {"tripId", "tripStatus", "transportMode", "purpose"});
+  expectNeeds<Event>(eventWith(""), {"latitude", "longitude", "timeStamp", "transportMode"});
   EXPECT_EQ(decoded<Trip>(tripWith("")), smallTrip);
   EXPECT_EQ(decoded<Event>(eventWith("")), smallEvent);
   EXPECT_EQ(smallTrip.geometry(), std::nullopt);
   EXPECT_EQ(smallTrip.reconstructedStartGeometry(), std::nullopt);
   EXPECT_EQ(smallEvent.geometry(), std::nullopt);
-  for (const char* key :
+  for (const std::string key :
        {"tripStartTimestampUtc", "tripEndTimestampUtc", "tripProcessingEndTimestampUtc",
         "kilometers", "avgKilometersPerHour", "maxKilometersPerHour", "seconds",
         "timeZoneOffsetMillis", "geometry", "events", "tripScore", "tripScores", "scoring",
         "reconstructedStartGeometry", "user", "vehicleId", "vehicle"}) {
-    EXPECT_EQ(decoded<Trip>(tripWith('"' + std::string(key) + "\":null")), smallTrip) << key;
-    const std::string wrong = '"' + std::string(key) + "\":true";
-    EXPECT_EQ(failure<Trip>(tripWith(wrong)), key + std::string(mismatch));
+    EXPECT_EQ(decoded<Trip>(tripWith('"' + key + "\":null")), smallTrip) << key;
+    EXPECT_EQ(failure<Trip>(tripWith('"' + key + "\":true")), "typeMismatch " + key);
   }
-  for (const char* key :
+  for (const std::string key :
        {"level", "kmPerHour", "averageKmPerHour", "geometry", "secondsOfDriving", "kmSpeedLimit"}) {
-    EXPECT_EQ(decoded<Event>(eventWith('"' + std::string(key) + "\":null")), smallEvent) << key;
-    const std::string wrong = '"' + std::string(key) + "\":true";
-    EXPECT_EQ(failure<Event>(eventWith(wrong)), key + std::string(mismatch));
-  }
-}
-
-TEST(TripTest, cannotDoWithoutTheRest) {
-  const auto without = [](std::string json, const std::string& key) {
-    json.replace(json.find('"' + key + '"') + 1, key.size(), "renamed");
-    return json;
-  };
-  for (const std::string key : {"tripId", "tripStatus", "transportMode", "purpose"}) {
-    EXPECT_EQ(failure<Trip>(without(tripWith(""), key)), key + missing);
-    EXPECT_EQ(failure<Trip>(tripWith('"' + key + "\":null")), key + null);
-    EXPECT_EQ(failure<Trip>(tripWith('"' + key + "\":1")), key + mismatch);
-  }
-  for (const std::string key : {"latitude", "longitude", "timeStamp", "transportMode"}) {
-    EXPECT_EQ(failure<Event>(without(eventWith(""), key)), key + missing);
-    EXPECT_EQ(failure<Event>(eventWith('"' + key + "\":null")), key + null);
-    EXPECT_EQ(failure<Event>(eventWith('"' + key + "\":[]")), key + mismatch);
+    EXPECT_EQ(decoded<Event>(eventWith('"' + key + "\":null")), smallEvent) << key;
+    EXPECT_EQ(failure<Event>(eventWith('"' + key + "\":true")), "typeMismatch " + key);
   }
 }
 
@@ -207,37 +187,19 @@ TEST(TripTest, writesNullForWhatItCannotDoWithout) {
       std::string(R"({"latitude":null,"longitude":null,"timeStamp":0,"transportMode":null})"));
 }
 
+// Each of the speeds comes out differently for any other order of operations or constant.
 TEST(TripTest, convertsUnitsToTheLastBit) {
-  struct Row {
-    const char* key;
-    std::optional<double> Trip::*member;
-    const char* wire;
-    double value;
-  };
-  // Each of the speeds comes out differently for any other order of operations or constant.
-  const Row rows[] = {
-      {"kilometers", &Trip::distance, "0.5", 500},
-      {"kilometers", &Trip::distance, "0", 0},
-      {"avgKilometersPerHour", &Trip::averageSpeed, "36.0", 10},
-      {"avgKilometersPerHour", &Trip::averageSpeed, "124.58", 0x1.14d82d82d82d9p+5},
-      {"avgKilometersPerHour", &Trip::averageSpeed, "40.96", 0x1.6c16c16c16c16p+3},
-      {"maxKilometersPerHour", &Trip::maximumSpeed, "147.98", 0x1.48d82d82d82d9p+5},
-      {"maxKilometersPerHour", &Trip::maximumSpeed, "97.63", 0x1.b1e93e93e93eap+4},
-      {"seconds", &Trip::duration, "0.1", 0.1},
-      {"tripScore", &Trip::score, "-3", -3},
-  };
-  for (const Row& row : rows) {
-    const std::string json = tripWith('"' + std::string(row.key) + "\":" + row.wire);
-    EXPECT_EQ(decoded<Trip>(json).*row.member, row.value) << json;
-  }
-  const std::pair<const char*, std::optional<double> Event::*> speeds[] = {
-      {"kmPerHour", &Event::speed},
-      {"averageKmPerHour", &Event::averageSpeed},
-      {"kmSpeedLimit", &Event::speedLimit}};
-  for (const auto& [key, member] : speeds) {
-    const std::string json = eventWith('"' + std::string(key) + "\":151.15");
-    EXPECT_EQ(decoded<Event>(json).*member, 0x1.4fe38e38e38e3p+5) << key;
-  }
+  expectRead(tripWith, "kilometers", &Trip::distance, {{"0.5", 500}, {"0", 0}});
+  expectRead(tripWith, "seconds", &Trip::duration, {{"0.1", 0.1}});
+  expectRead(tripWith, "tripScore", &Trip::score, {{"-3", -3}});
+  expectRead(tripWith, "avgKilometersPerHour", &Trip::averageSpeed,
+             {{"36.0", 10}, {"124.58", 0x1.14d82d82d82d9p+5}, {"40.96", 0x1.6c16c16c16c16p+3}});
+  expectRead(tripWith, "maxKilometersPerHour", &Trip::maximumSpeed,
+             {{"147.98", 0x1.48d82d82d82d9p+5}, {"97.63", 0x1.b1e93e93e93eap+4}});
+  expectRead(eventWith, "kmPerHour", &Event::speed, {{"151.15", 0x1.4fe38e38e38e3p+5}});
+  expectRead(eventWith, "averageKmPerHour", &Event::averageSpeed,
+             {{"151.15", 0x1.4fe38e38e38e3p+5}});
+  expectRead(eventWith, "kmSpeedLimit", &Event::speedLimit, {{"151.15", 0x1.4fe38e38e38e3p+5}});
 
   // Back, where the division by a constant is not the other way's inverse.
   const Trip trip{.distance = 375.9, .averageSpeed = 2.31, .maximumSpeed = 24};
@@ -258,7 +220,6 @@ TEST(TripTest, convertsTimesToTheLastBit) {
   // The second column is the quotient; a product with 0.001 is another number.
   const std::pair<const char*, double> read[] = {
       {"1500", 1.5},
-      {"0", 0},
       {"-1", -0x1.0624dd2f1a9fcp-10},
       {"1700000000008", 0x1.954fc40008312p+30},
       {"1700000000018", 0x1.954fc400126e9p+30},
@@ -268,20 +229,17 @@ TEST(TripTest, convertsTimesToTheLastBit) {
       {"-9223372036854775808", -0x1.0624dd2f1a9fcp+53},
   };
   for (const auto& [wire, seconds] : read) {
-    for (const auto& [key, member] :
-         {std::pair("tripStartTimestampUtc", &Trip::dateStarted),
-          std::pair("tripEndTimestampUtc", &Trip::dateEnded),
-          std::pair("tripProcessingEndTimestampUtc", &Trip::dateProcessed)}) {
-      const std::string json = tripWith('"' + std::string(key) + "\":" + wire);
-      EXPECT_EQ(decoded<Trip>(json).*member, dateFromSeconds(seconds)) << json;
-    }
+    const Date date = dateFromSeconds(seconds);
+    expectRead(tripWith, "tripStartTimestampUtc", &Trip::dateStarted, {{wire, date}});
+    expectRead(tripWith, "tripEndTimestampUtc", &Trip::dateEnded, {{wire, date}});
+    expectRead(tripWith, "tripProcessingEndTimestampUtc", &Trip::dateProcessed, {{wire, date}});
   }
-  for (const char* wire : {"1.5", "9223372036854775808", "\"1500\""}) {
-    EXPECT_EQ(failure<Trip>(tripWith("\"tripStartTimestampUtc\":" + std::string(wire))),
-              "tripStartTimestampUtc" + std::string(mismatch));
+  for (const std::string wire : {"1.5", "9223372036854775808", "\"1500\""}) {
+    EXPECT_EQ(failure<Trip>(tripWith("\"tripStartTimestampUtc\":" + wire)),
+              "typeMismatch tripStartTimestampUtc");
   }
 
-  const std::pair<double, const char*> written[] = {
+  const std::pair<double, std::string> written[] = {
       {1.5, "1500"},
       {0.0015, "2"},
       {-0.0015, "-2"},
@@ -289,48 +247,41 @@ TEST(TripTest, convertsTimesToTheLastBit) {
       {0.0005, "1"},
       {-0.0005, "-1"},
       {0.00049, "0"},
-      {1.0004999, "1000"},
-      {9007199254740.993, "9007199254740992"},
       {-2.5, "-2500"},
+      {1.0004999, "1000"},
       {1700000000.0085, "1700000000009"},
+      {9007199254740.993, "9007199254740992"},
   };
   for (const auto& [seconds, wire] : written) {
-    const std::string encoded = *encode(Event{.date = dateFromSeconds(seconds)}).value();
-    EXPECT_NE(encoded.find("\"timeStamp\":" + std::string(wire) + ","), std::string::npos)
-        << encoded;
+    EXPECT_THAT(*encode(Event{.date = dateFromSeconds(seconds)}).value(),
+                HasSubstr("\"timeStamp\":" + wire + ","));
   }
 }
 
 TEST(TripTest, knowsItsTimeZoneByItsOffset) {
-  const std::pair<const char*, std::optional<std::int64_t>> rows[] = {
-      {"0", 0},
-      {"3600000", 3600},
-      {"999", 0},
-      {"-999", 0},
-      {"-1500", -1},
-      {"-1999", -1},
-      {"64800999", 64800},
-      {"64801000", std::nullopt},
-      {"-64800999", -64800},
-      {"-64801000", std::nullopt},
-      {"9223372036854775807", std::nullopt},
-      {"-9223372036854775808", std::nullopt},
-  };
-  for (const auto& [wire, seconds] : rows) {
-    const Trip trip = decoded<Trip>(tripWith("\"timeZoneOffsetMillis\":" + std::string(wire)));
-    EXPECT_EQ(trip.timeZone, seconds ? TimeZone::fromSeconds(*seconds) : std::nullopt) << wire;
-  }
+  const auto east = TimeZone::fromSeconds(64800);
+  const auto west = TimeZone::fromSeconds(-64800);
+  expectRead(tripWith, "timeZoneOffsetMillis", &Trip::timeZone,
+             {{"0", TimeZone::fromSeconds(0)},
+              {"3600000", TimeZone::fromSeconds(3600)},
+              {"999", TimeZone::fromSeconds(0)},
+              {"-999", TimeZone::fromSeconds(0)},
+              {"-1500", TimeZone::fromSeconds(-1)},
+              {"-1999", TimeZone::fromSeconds(-1)},
+              {"64800999", east},
+              {"64801000", std::nullopt},
+              {"-64800999", west},
+              {"-64801000", std::nullopt},
+              {"9223372036854775807", std::nullopt},
+              {"-9223372036854775808", std::nullopt}});
 }
 
 TEST(TripTest, writesTheOffsetThatIsInForce) {
-  const std::pair<double, const char*> rows[] = {{1705320000, "3600000"},   // 2024-01-15
-                                                 {1721044800, "7200000"}};  // 2024-07-15
-  for (const auto& [now, wire] : rows) {
-    const MovableClock clock(dateFromSeconds(now));
-    const Trip trip{.dateStarted = Date(), .timeZone = TimeZone::named("Europe/Zurich")};
-    EXPECT_NE(encode(trip).value()->find("\"timeZoneOffsetMillis\":" + std::string(wire)),
-              std::string::npos);
-  }
+  const Trip trip{.dateStarted = Date(), .timeZone = TimeZone::named("Europe/Zurich")};
+  MovableClock clock(utc(2024y / 1 / 15));
+  EXPECT_THAT(*encode(trip).value(), HasSubstr("\"timeZoneOffsetMillis\":3600000"));
+  clock.set(utc(2024y / 7 / 15));
+  EXPECT_THAT(*encode(trip).value(), HasSubstr("\"timeZoneOffsetMillis\":7200000"));
 }
 
 TEST(TripTest, hasNoRouteThatIsNotASCII) {
@@ -345,86 +296,51 @@ TEST(TripTest, hasNoRouteThatIsNotASCII) {
 }
 
 TEST(TripTest, readsAnyTextOfAnEnumeration) {
-  const std::pair<const char*, Trip::Status> states[] = {
-      {"STARTED", Trip::Status::inProgress}, {"FINISHED", Trip::Status::complete},
-      {"UNKNOWN", Trip::Status::unknown},    {"finished", Trip::Status::unknown},
-      {"", Trip::Status::unknown},
-  };
-  for (const auto& [text, status] : states) {
-    EXPECT_EQ(decode<Trip::Status>('"' + std::string(text) + '"'), status) << text;
-  }
-  const std::pair<const char*, Trip::Purpose> purposes[] = {
-      {"PERSONAL", Trip::Purpose::personal},
-      {"BUSINESS", Trip::Purpose::business},
-      {"UNKNOWN", Trip::Purpose::unknown},
-      {"COMMUTE", Trip::Purpose::unknown},
-  };
-  for (const auto& [text, purpose] : purposes) {
-    EXPECT_EQ(decode<Trip::Purpose>('"' + std::string(text) + '"'), purpose) << text;
-  }
-  EXPECT_EQ(encode(Trip::Status::unknown), std::string("\"UNKNOWN\""));
-  EXPECT_EQ(encode(Trip::Purpose::unknown), std::string("\"UNKNOWN\""));
+  EXPECT_EQ(wireTexts<Trip::Status>(), "STARTED FINISHED UNKNOWN");
+  EXPECT_EQ(wireTexts<Trip::Purpose>(), "UNKNOWN PERSONAL BUSINESS");
+  EXPECT_EQ(decode<Trip::Status>(R"("finished")"), Trip::Status::unknown);
+  EXPECT_EQ(decode<Trip::Status>(R"("")"), Trip::Status::unknown);
+  EXPECT_EQ(decode<Trip::Purpose>(R"("COMMUTE")"), Trip::Purpose::unknown);
+  EXPECT_EQ(encode(Trip::Purpose::unknown), std::string(R"("UNKNOWN")"));
 }
 
 TEST(TransportModeTest, isATextOnTheWireAndANumberElsewhere) {
-  const std::pair<TransportMode, const char*> rows[] = {
-      {TransportMode::unknown, ""},
-      {TransportMode::driver, "DRIVER"},
-      {TransportMode::passenger, "CAR_PASSENGER"},
-      {TransportMode::train, "TRAIN"},
-      {TransportMode::bus, "BUS"},
-      {TransportMode::airplane, "AIRPLANE"},
-      {TransportMode::taxi, "TAXI"},
-      {TransportMode::motorcycle, "MOTORCYCLE"},
-      {TransportMode::boat, "BOAT"},
-      {TransportMode::walk, "WALK"},
-      {TransportMode::bicycle, "BICYCLE"},
-      {TransportMode::publicTransit, "PUBLIC_TRANSPORTATION"},
-      {TransportMode::other, "OTHER"},
-  };
-  std::int64_t raw = 0;
-  for (const auto& [mode, text] : rows) {
-    const std::string json = '"' + std::string(text) + '"';
-    EXPECT_EQ(decode<TransportMode>(json), mode);
-    EXPECT_EQ(encode(mode), json);
-    EXPECT_EQ(rawValue(mode), raw);
-    EXPECT_EQ(fromRawValue<TransportMode>(raw++), mode);
-  }
+  EXPECT_EQ(wireTexts<TransportMode>(),
+            " DRIVER CAR_PASSENGER TRAIN BUS AIRPLANE TAXI MOTORCYCLE BOAT WALK BICYCLE "
+            "PUBLIC_TRANSPORTATION OTHER");
+  EXPECT_EQ(encode(TransportMode::unknown), std::string(R"("")"));
   for (const std::int64_t none : {-1, 13, 256}) {
     EXPECT_EQ(fromRawValue<TransportMode>(none), std::nullopt) << none;
   }
   for (const char* json : {R"("UNKNOWN")", R"("driver")", R"("DRIVER ")"}) {
     EXPECT_EQ(decode<TransportMode>(json), TransportMode::unknown) << json;
   }
-  EXPECT_EQ(failure<TransportMode>("1"), mismatch);
+  EXPECT_EQ(failure<TransportMode>("1"), "typeMismatch");
 }
 
 TEST(EventTest, takesAnyIntegerForASeverity) {
-  const std::pair<const char*, Severity> rows[] = {
-      {"0", Severity::veryLow},
-      {"1", Severity::veryLow},
-      {"2", Severity::low},
-      {"3", Severity::medium},
-      {"4", Severity::high},
-      {"5", Severity::veryHigh},
-      {"6", Severity::veryLow},
-      {"7", Severity::veryLow},
-      {"-3", Severity::veryLow},
-      {"5.0", Severity::veryHigh},
-      {"-9223372036854775808", Severity::veryLow},
+  using enum Event::Severity;
+  const std::pair<std::string, Event::Severity> rows[] = {
+      {"0", veryLow},
+      {"1", veryLow},
+      {"2", low},
+      {"3", medium},
+      {"4", high},
+      {"5", veryHigh},
+      {"6", veryLow},
+      {"7", veryLow},
+      {"-3", veryLow},
+      {"5.0", veryHigh},
+      {"-9223372036854775808", veryLow},
   };
   for (const auto& [wire, severity] : rows) {
-    EXPECT_EQ(decoded<Event>(eventWith("\"level\":" + std::string(wire))).severity, severity)
-        << wire;
-    EXPECT_EQ(decode<Severity>(wire), severity);
+    EXPECT_EQ(decoded<Event>(eventWith("\"level\":" + wire)).severity, severity) << wire;
   }
-  EXPECT_EQ(failure<Event>(eventWith(R"("level":"3")")), "level" + std::string(mismatch));
+  EXPECT_EQ(failure<Event>(eventWith(R"("level":"3")")), "typeMismatch level");
   for (std::int64_t raw = -1; raw <= 7; ++raw) {
-    const auto severity = fromRawValue<Severity>(raw);
+    const auto severity = fromRawValue<Event::Severity>(raw);
     EXPECT_EQ(severity.has_value(), raw >= 1 && raw <= 5) << raw;
-    if (severity) {
-      EXPECT_EQ(encode(*severity), std::to_string(raw));
-    }
+    EXPECT_TRUE(!severity || encode(*severity) == std::to_string(raw)) << raw;
   }
 }
 
@@ -446,7 +362,7 @@ TEST(EventTest, standsAloneInOneFormAndIsReadFromAnother) {
   for (const Row& row : rows) {
     EXPECT_EQ(decode<Type>('"' + row.name + '"'), row.type) << row.name;
     EXPECT_EQ(encode(row.type), row.alone);
-    EXPECT_EQ(failure<Type>(row.alone), mismatch);
+    EXPECT_EQ(failure<Type>(row.alone), "typeMismatch");
   }
   EXPECT_EQ(std::unordered_set<Type>({Type::braking(), Type::other("braking"), Type::other("x"),
                                       Type::braking(), Type::other("x"), Type::speeding()})
@@ -480,18 +396,15 @@ TEST(TripTest, keepsEventsUnderTheBackendsNames) {
 }
 
 TEST(TripTest, failsWithTheLeastOfItsEvents) {
-  EXPECT_EQ(failure<Trip>(tripWith(R"("events":[])")), "events" + std::string(mismatch));
-  EXPECT_EQ(failure<Trip>(tripWith(R"("events":{"Horn":null})")),
-            "events.Horn" + std::string(null));
-  EXPECT_EQ(failure<Trip>(tripWith(R"("events":{"Horn":{}})")),
-            "events.Horn" + std::string(mismatch));
+  EXPECT_EQ(failure<Trip>(tripWith(R"("events":[])")), "typeMismatch events");
+  EXPECT_EQ(failure<Trip>(tripWith(R"("events":{"Horn":null})")), "valueNotFound events.Horn");
+  EXPECT_EQ(failure<Trip>(tripWith(R"("events":{"Horn":{}})")), "typeMismatch events.Horn");
 
   const std::string good = eventWith("");
   std::string page = "[";
   for (int i = 0; i < 17; ++i) page += tripWith("") + ",";
   page += tripWith(R"("events":{"Horn":[)" + good + R"(],"MultiLevelBrakingViolation":[)" + good +
-                   "," + good + "," +
-                   R"({"latitude":1,"longitude":2,"transportMode":"BUS","timeStamp":"soon"}]})") +
+                   "," + good + "," + eventWith(R"("timeStamp":"soon")") + "]}") +
           "," + tripWith("") + "]";
   const auto trips = decode<std::vector<Trip>>(page);
   const auto* error = trips.error()->as<DecodingError>();
@@ -504,10 +417,11 @@ TEST(TripTest, failsWithTheLeastOfItsEvents) {
                 .location = "[17].events.MultiLevelBrakingViolation[2].timeStamp",
             }));
   // A broken record within fails the trip, too.
-  EXPECT_EQ(failure<Trip>(tripWith(R"("tripScores":{})")), "tripScores.scores 3");
-  EXPECT_EQ(failure<Trip>(tripWith(R"("user":{"driverType":"PILOT"})")), "user.driverType 4");
+  EXPECT_EQ(failure<Trip>(tripWith(R"("tripScores":{})")), "keyNotFound tripScores.scores");
+  EXPECT_EQ(failure<Trip>(tripWith(R"("user":{"driverType":"PILOT"})")),
+            "dataCorrupted user.driverType");
   EXPECT_EQ(failure<Trip>(tripWith(R"("vehicle":{"timeZoneOffset":3600})")),
-            "vehicle.timeZoneOffset" + std::string(mismatch));
+            "typeMismatch vehicle.timeZoneOffset");
 }
 
 TEST(TripTest, isComparedButForItsVehiclesMembers) {
@@ -520,24 +434,22 @@ TEST(TripTest, isComparedButForItsVehiclesMembers) {
 
 TEST(LogbookTest, isReadAndWrittenPlainly) {
   const std::string json = R"({"items":[{"trip":)" + tripWith("") + R"(},{}]})";
-  const LogbookWrapper logbook{.tripWrappers = {{{.trip = smallTrip}, {}}}};
-  EXPECT_EQ(decode<LogbookWrapper>(json), logbook);
-  EXPECT_EQ(encode(logbook), json);
+  expectMirrored(json, LogbookWrapper{.tripWrappers = {{{.trip = smallTrip}, {}}}});
   for (const char* empty : {"{}", R"({"items":null})"}) {
     EXPECT_EQ(decode<LogbookWrapper>(empty), LogbookWrapper{}) << empty;
   }
   EXPECT_EQ(encode(LogbookWrapper{}), std::string("{}"));
-  EXPECT_EQ(failure<LogbookWrapper>(R"({"items":[{"trip":{}}]})"), "items[0].trip.tripId 3");
+  EXPECT_EQ(failure<LogbookWrapper>(R"({"items":[{"trip":{}}]})"),
+            "keyNotFound items[0].trip.tripId");
 }
 
 class TripDeathTest : public DeathTest {};
 
 TEST_F(TripDeathTest, stopsTheProcessWhereItIsWritten) {
   const auto write = [](const auto& record) { (void)encode(record); };
-  constexpr double infinity = std::numeric_limits<double>::infinity();
   constexpr auto tooFar = "Fatal error: a point in time does not fit in 64 bits of milliseconds";
-  for (const double seconds : {std::numeric_limits<double>::quiet_NaN(), infinity, -infinity,
-                               9223372036854776.0, -9223372036854778.0}) {
+  for (const double seconds :
+       {notANumber, infinity, -infinity, 9223372036854776.0, -9223372036854778.0}) {
     const Date date = dateFromSeconds(seconds);
     for (const Trip& trip :
          {Trip{.dateStarted = date}, Trip{.dateEnded = date}, Trip{.dateProcessed = date}}) {

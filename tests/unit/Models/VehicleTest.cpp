@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Vehicles and devices.
-#include "tests/support/Printing.h"
-#include <Orvane/Coding/Coding.h>
+#include "tests/support/Records.h"
 #include <Orvane/Models/Device.h>
 #include <Orvane/Models/Vehicle.h>
 
@@ -26,9 +25,8 @@ TEST(DeviceTest, isReadAndWrittenWhole) {
                       .pushNotificationToken = "abc",
                       .pushNotificationsAreEnabled = true,
                       .dataCollectionIsActive = false};
-  EXPECT_EQ(decode<Device>(json), device);
-  EXPECT_EQ(encode(device), json);
-  EXPECT_EQ(encode(Device{}), std::string("{}"));
+  expectMirrored(json, device);
+  expectMirrored("{}", Device{});
   EXPECT_EQ(decode<Device>(R"({"pushNotificationsAreEnabled":1,"dataCollectionIsActive":"x"})"),
             Device{});
 }
@@ -55,11 +53,9 @@ TEST(VehicleTest, isReadAndWrittenWhole) {
       R"("timeZoneOffset":"+01:00","enrollmentDate":1700000000000.25,)"
       R"("usersByRole":{"OWNER":[{"userId":"42"}]},"backgroundImageEnabled":false,)"
       R"("devices":[{"identifier":"D1"}],"requireOdometerSnapshot":true})";
-  const auto decoded = decode<Vehicle>(json);
-  ASSERT_TRUE(decoded);
-  EXPECT_TRUE(decoded.value()->isIdentical(vehicle));
-  EXPECT_EQ(encode(vehicle), json);
-  EXPECT_EQ(encode(Vehicle{}), std::string("{}"));
+  expectMirrored(json, vehicle);
+  EXPECT_TRUE(decode<Vehicle>(json).value()->isIdentical(vehicle));
+  expectMirrored("{}", Vehicle{});
   EXPECT_FALSE(decode<Vehicle>(R"({"timeZoneOffset":3600})"));
   EXPECT_FALSE(decode<Vehicle>(R"({"year":"2021"})"));
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "tests/support/Values.h"
 #include <Orvane/Platform/Calendar.h>
 #include <Orvane/Testing/Device.h>
 
@@ -6,7 +7,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -58,22 +58,18 @@ TEST(CalendarTest, theShortCutRefusesTheDaysThatTheCalendarRefuses) {
 
 TEST(CalendarTest, formsADayOfItsComponents) {
   const ScopedDeviceSettings settings({.locale = "de_DE", .timeZone = "America/Sao_Paulo"});
-  struct Row {
-    DateComponents components;
-    std::optional<std::string> text;
+  const std::pair<DateComponents, std::optional<std::string>> rows[] = {
+      {{2024, 2, 29}, "2024-02-29"},   {{2023, 2, 29}, std::nullopt},
+      {{2024, 13, 1}, std::nullopt},   {{2024, {}, {}}, "2024-01-01"},
+      {{2024, 7, {}}, "2024-07-01"},   {{2024, {}, 5}, "2024-01-05"},
+      {{{}, 7, 5}, std::nullopt},      {{}, std::nullopt},
+      {{2017, 10, 15}, "2017-10-15"},  {{1500, 2, 29}, "1500-02-29"},
+      {{12345, 1, 2}, "12345-01-02"},  {{most, 1, 1}, std::nullopt},
+      {{2024, most, 1}, std::nullopt}, {{2024, 1, -most}, std::nullopt},
   };
-  constexpr auto far = std::numeric_limits<std::int64_t>::max();
-  const Row rows[] = {
-      {{2024, 2, 29}, "2024-02-29"},  {{2023, 2, 29}, std::nullopt},
-      {{2024, 13, 1}, std::nullopt},  {{2024, {}, {}}, "2024-01-01"},
-      {{2024, 7, {}}, "2024-07-01"},  {{2024, {}, 5}, "2024-01-05"},
-      {{{}, 7, 5}, std::nullopt},     {{}, std::nullopt},
-      {{2017, 10, 15}, "2017-10-15"}, {{1500, 2, 29}, "1500-02-29"},
-      {{12345, 1, 2}, "12345-01-02"}, {{far, 1, 1}, std::nullopt},
-      {{2024, far, 1}, std::nullopt}, {{2024, 1, -far}, std::nullopt},
-  };
-  for (const Row& row : rows)
-    EXPECT_EQ(dayText(row.components), row.text) << row.text.value_or("-");
+  for (const auto& [components, text] : rows) {
+    EXPECT_EQ(dayText(components), text) << text.value_or("-");
+  }
 }
 
 TEST(CalendarTest, readsOnlyTextsThatAreExactlyADay) {
@@ -155,7 +151,7 @@ TEST(CalendarTest, movesByCalendarDaysAcrossDaylightSaving) {
         << row.from;
   }
   EXPECT_EQ(addingDays(dateFromSeconds(0), std::int64_t{1} << 31), std::nullopt);
-  EXPECT_EQ(addingDays(dateFromSeconds(0), std::numeric_limits<std::int64_t>::min()), std::nullopt);
+  EXPECT_EQ(addingDays(dateFromSeconds(0), least), std::nullopt);
 }
 
 // Samoa left out 2011-12-30 when it crossed the date line. A day that was not does not count.
@@ -195,8 +191,6 @@ TEST(CalendarTest, movesByTheDaysThatThereWere) {
 
 TEST(CalendarTest, hasNoTextAndNoNeighbourForWhatLiesBeyondIt) {
   const ScopedDeviceSettings settings({.locale = "en_US", .timeZone = "UTC"});
-  constexpr double infinity = std::numeric_limits<double>::infinity();
-  constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
   for (const double seconds : {infinity, -infinity, notANumber, 1e300, -1e300, 1.9e14, -1.9e14}) {
     for (const std::string_view pattern : {"yyyy-MM-dd", "YYYY-MM-dd", "Hmm"}) {
       EXPECT_EQ(formatDate(dateFromSeconds(seconds), pattern), std::nullopt) << seconds;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/unit/DeathTest.h"
+#include "tests/support/Values.h"
 #include <Orvane/Common/CurrentDate.h>
 #include <Orvane/Platform/Date.h>
 #include <Orvane/Platform/TimeZone.h>
@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <string_view>
 
@@ -16,22 +15,20 @@ namespace orvane {
 namespace {
 
 TEST(DateTest, roundsHalfMillisecondsAwayFromZero) {
-  struct Row {
-    double seconds;
-    std::int64_t milliseconds;
+  const std::pair<double, std::int64_t> rows[] = {
+      {0.0005, 1},
+      {-0.0005, -1},
+      {0.0004999, 0},
+      {0.0025, 3},
+      {-0.0025, -3},
+      {-0.0004999, 0},
+      {-0.0, 0},
+      {1.5e9, 1'500'000'000'000},
+      {-0x1p63 / 1000, least},
+      {9.2e15, 9'200'000'000'000'000'000},
   };
-  const Row rows[] = {{0.0005, 1},
-                      {-0.0005, -1},
-                      {0.0004999, 0},
-                      {0.0025, 3},
-                      {-0.0025, -3},
-                      {-0.0004999, 0},
-                      {1.5e9, 1'500'000'000'000},
-                      {-0x1p63 / 1000, INT64_MIN},
-                      {-0.0, 0},
-                      {9.2e15, 9'200'000'000'000'000'000}};
-  for (const Row& row : rows) {
-    EXPECT_EQ(millisecondsSince1970(dateFromSeconds(row.seconds)), row.milliseconds) << row.seconds;
+  for (const auto& [seconds, milliseconds] : rows) {
+    EXPECT_EQ(millisecondsSince1970(dateFromSeconds(seconds)), milliseconds) << seconds;
   }
   for (const std::int64_t whole : {0LL, 1LL, -1LL, 1'499'999'999'999LL, 253'402'300'799'999LL}) {
     EXPECT_EQ(millisecondsSince1970(dateFromMilliseconds(whole)), whole);
@@ -40,8 +37,7 @@ TEST(DateTest, roundsHalfMillisecondsAwayFromZero) {
 
 TEST(DateTest, hasNoMillisecondsOutside64Bits) {
   for (const double seconds :
-       {0x1p63 / 1000, -0x1.0000001p63 / 1000, 1e300, std::numeric_limits<double>::infinity(),
-        std::numeric_limits<double>::quiet_NaN()}) {
+       {0x1p63 / 1000, -0x1.0000001p63 / 1000, 1e300, infinity, notANumber}) {
     EXPECT_EQ(millisecondsSince1970(dateFromSeconds(seconds)), std::nullopt) << seconds;
   }
 }
@@ -64,24 +60,21 @@ TEST(DeviceClockTest, canBeMovedAndIsPutBack) {
 }
 
 TEST(TimeZoneTest, fixedOffsetsReachFrom18HoursWestTo18HoursEast) {
-  struct Row {
-    std::int64_t seconds;
-    std::string_view identifier;
-  };
-  const Row rows[] = {{0, "GMT"},
-                      {19'800, "GMT+5:30"},
-                      {-34'200, "GMT-9:30"},
-                      {64'800, "GMT+18:00"},
-                      {-64'800, "GMT-18:00"},
-                      {3'661, "GMT+1:01:01"},
-                      {-59, "GMT-0:00:59"}};
+  const std::pair<std::int64_t, std::string_view> rows[] = {{0, "GMT"},
+                                                            {19'800, "GMT+5:30"},
+                                                            {-34'200, "GMT-9:30"},
+                                                            {64'800, "GMT+18:00"},
+                                                            {-64'800, "GMT-18:00"},
+                                                            {3'661, "GMT+1:01:01"},
+                                                            {-59, "GMT-0:00:59"}};
   for (const auto& [seconds, identifier] : rows) {
     const auto zone = TimeZone::fromSeconds(seconds);
     ASSERT_TRUE(zone) << seconds;
     EXPECT_EQ(zone->secondsFromGMT(dateFromSeconds(0)), seconds);
     EXPECT_EQ(zone->identifier(), identifier);
   }
-  for (const std::int64_t refused : {64'801L, -64'801L, INT64_MAX, INT64_MIN, 0x1'0000'0000L}) {
+  for (const std::int64_t refused :
+       {std::int64_t{64'801}, std::int64_t{-64'801}, most, least, std::int64_t{1} << 32}) {
     EXPECT_FALSE(TimeZone::fromSeconds(refused)) << refused;
   }
 }

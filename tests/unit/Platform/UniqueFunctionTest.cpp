@@ -46,7 +46,7 @@ TYPED_TEST(UniqueFunctionTest, movesCallsAndDestroysItsCallableOnce) {
     EXPECT_EQ(alive, 1);
     UniqueFunction<void()> second = std::move(first);
     EXPECT_EQ(alive, 1);
-    first();
+    first();  // NOLINT(bugprone-use-after-move): a function that was moved from does nothing
     EXPECT_EQ(calls, 0);
     second();
     first = std::move(second);
