@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <string>
 #include <vector>
@@ -14,11 +15,21 @@ namespace orvane::test {
 
 using Words = std::vector<std::string>;
 
-/// Runs `orvane` to its end.
-[[nodiscard]] Ending orvane(const Words& arguments, const Environment& environment = {});
+/// The words of a command line: between blanks, or between single quotes.
+[[nodiscard]] Words wordsOf(const std::string& line);
 
-/// Settings for the first of the sandbox's people, as a user would export them.
-[[nodiscard]] Environment settingsOf(const SandboxProcess& sandbox);
+/// Runs `orvane` with the words of `line` to its end.
+[[nodiscard]] Ending orvane(const std::string& line, const Environment& environment = {});
+
+/// Runs `orvane --json`, which must succeed, and answers what it printed.
+[[nodiscard]] nlohmann::json jsonOf(const std::string& line, const Environment& environment);
+
+/// What a command printed for other programs: the cells of every line, between tabs.
+[[nodiscard]] std::vector<Words> cellsOf(const std::string& output);
+
+/// Settings for one of the sandbox's people, as a user would export them. Anna is the first.
+[[nodiscard]] Environment settingsOf(const SandboxProcess& sandbox,
+                                     const std::string& user = "anna.keller");
 
 /// An environment with some variables changed, or without one.
 [[nodiscard]] Environment with(Environment environment, const Environment& changes);
@@ -27,13 +38,25 @@ using Words = std::vector<std::string>;
 /// An error is one line on standard error.
 MATCHER(IsOneLine, "") { return arg.starts_with("orvane: ") && arg.find('\n') == arg.size() - 1; }
 
+/// A text that contains all of `texts`.
+template <class... Texts>
+[[nodiscard]] testing::Matcher<std::string> has(const Texts&... texts) {
+  return testing::AllOf(testing::HasSubstr(texts)...);
+}
+
 /// A command line, and what it should come to.
 struct CommandRow {
-  Words arguments;
-  int exitCode = 0;
-  testing::Matcher<std::string> output = testing::IsEmpty();
-  testing::Matcher<std::string> errors = testing::IsEmpty();
+  std::string line;
+  int exitCode;
+  testing::Matcher<std::string> output;
+  testing::Matcher<std::string> errors;
 };
+
+/// A command that succeeds and prints something.
+[[nodiscard]] CommandRow prints(std::string line, testing::Matcher<std::string> output);
+
+/// A command that fails with one line, of which `said` is a part, and prints nothing else.
+[[nodiscard]] CommandRow fails(std::string line, int exitCode, const std::string& said = {});
 
 /// Runs the rows one after the other.
 void check(const std::vector<CommandRow>& rows, const Environment& environment);

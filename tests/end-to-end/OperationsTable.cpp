@@ -1,22 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "OperationsTable.h"
 
+#include "tests/support/TemporaryFolder.h"
+
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <regex>
-#include <stdexcept>
 
 namespace orvane::test {
 namespace {
 
 const std::filesystem::path root = ORVANE_SOURCE_DIR;
-
-std::string contentsOf(const std::filesystem::path& path) {
-  std::ifstream file(path);
-  if (!file) throw std::runtime_error(path.string() + " can't be read");
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // What `pattern` finds in `text`, each match as its first group, or the first two of them.
 std::vector<std::string> findAll(const std::string& text, const char* pattern) {

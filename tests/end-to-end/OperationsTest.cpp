@@ -3,7 +3,6 @@
 #include "CommandLine.h"
 #include "OperationsTable.h"
 #include "SandboxProcess.h"
-#include "tests/support/Outcome.h"
 #include <Orvane/Common/Await.h>
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Orvane.h>
@@ -20,7 +19,12 @@
 #include <iterator>
 #include <map>
 #include <optional>
-#include <sstream>
+#include <set>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
 
 namespace orvane::test {
 namespace {
@@ -33,39 +37,53 @@ const Identity anna{"sandbox-api-key", "anna.keller"};
 const Identity daniel{"sandbox-api-key", "daniel.meier"};
 const Identity nora{"sandbox-api-key", "nora.frei"};
 
-// Runs an operation and answers its value.
-template <class T, class Start>
-T answer(Start start) {
-  Result<T> result = wait<T>(std::move(start));
+// What an operation answers: what the handler is given that it takes last.
+template <class T>
+T answered(const Completion<T>&);
+template <class... Parameters>
+using Answer = decltype(answered(
+    std::declval<std::tuple_element_t<sizeof...(Parameters) - 1, std::tuple<Parameters...>>>()));
+
+// Calls an operation of a person's service and waits for what comes of it.
+template <class Service, class... Parameters, class... Arguments>
+Result<Answer<Parameters...>> call(RequestHandle (Service::*operation)(Parameters...) const,
+                                   const Identity& identity, const Arguments&... arguments) {
+  return wait<Answer<Parameters...>>(
+      [&](auto then) { return (Service(identity).*operation)(arguments..., std::move(then)); });
+}
+
+// The same for an operation that must succeed: its value.
+template <class Operation, class... Arguments>
+auto ask(Operation operation, const Identity& identity, const Arguments&... arguments) {
+  auto result = call(operation, identity, arguments...);
   EXPECT_TRUE(result) << result.errorOr(NetworkError::unknown).message();
-  return result.value() ? *std::move(result).value() : T{};
+  using Value = std::decay_t<decltype(*result.value())>;
+  return result.value() ? *std::move(result).value() : Value{};
 }
 
-template <class Start>
-void succeeds(Start start) {
-  answer<Unit>(std::move(start));
+// The status with which the backend refuses an operation.
+template <class Operation, class... Arguments>
+std::int64_t refusal(Operation operation, const Identity& identity, const Arguments&... arguments) {
+  const auto result = call(operation, identity, arguments...);
+  return result.errorOr(NetworkError::unknown).template as<NetworkError>()->statusCode();
 }
 
-// The status with which the backend refuses an operation; 0 when it does not.
-template <class Start>
-std::int64_t refusal(Start start) {
-  const Result<Unit> result = wait<Unit>(std::move(start));
-  const auto* error = result.error() ? result.error()->as<NetworkError>() : nullptr;
-  return error == nullptr ? 0 : error->statusCode();
-}
+// No expansion, no filter.
+struct None {
+  template <class T>
+  operator std::set<T>() const {
+    return {};
+  }
+};
+constexpr None none;
 
 User userOf(const Identity& identity) {
-  return answer<User>(
-      [&](auto then) { return UserService(identity).fetch(std::nullopt, {}, std::move(then)); });
+  return ask(&UserService::fetch, identity, std::nullopt, none);
 }
 
-std::vector<std::string> vehicleInvitations(const Identity& identity, const char* states) {
-  const auto invitations = answer<std::vector<Invitation>>([&](auto then) {
-    return InvitationService(identity).fetchVehicleInvites(states, std::move(then));
-  });
+std::vector<std::string> vehicleInvitations(const char* states) {
   std::vector<std::string> ids;
-  ids.reserve(invitations.size());
-  for (const Invitation& invitation : invitations) {
+  for (const Invitation& invitation : ask(&InvitationService::fetchVehicleInvites, anna, states)) {
     ids.push_back(invitation.invitationId.value_or(""));
   }
   return ids;
@@ -78,31 +96,36 @@ NewInvitation toNora() {
           .toUserEmail = "nora.frei@example.com"};
 }
 
-std::vector<Trip> latestTrips(std::int64_t count) {
-  return answer<std::vector<Trip>>([&](auto then) {
-    return TripService(anna).fetch(std::nullopt, {TripService::Filter::cursor(count, 0)}, {},
-                                   std::move(then));
-  });
+using Trips = std::vector<Trip>;
+
+// Those that share a name with others.
+constexpr RequestHandle (TripService::*fetchTrip)(std::string, std::set<TripService::Expansion>,
+                                                  Completion<Trip>) const = &TripService::fetch;
+constexpr RequestHandle (TripService::*fetchTrips)(const std::optional<User>&,
+                                                   std::set<TripService::Filter>,
+                                                   std::set<TripService::Expansion>,
+                                                   Completion<Trips>) const = &TripService::fetch;
+constexpr RequestHandle (TripService::*fetchPages)(TripPages, Completion<Trips>) const =
+    &TripService::fetchPages;
+constexpr RequestHandle (TripService::*updateTrip)(std::string, std::optional<TransportMode>,
+                                                   std::optional<Trip::Purpose>,
+                                                   Completion<Trip>) const = &TripService::update;
+
+Trips latestTrips(std::int64_t count) {
+  return ask(fetchTrips, anna, std::nullopt, std::set{TripService::Filter::cursor(count, 0)}, none);
 }
 
-std::string latestTrip() {
-  const auto trips = latestTrips(1);
-  return trips.empty() ? std::string() : trips.front().id.value_or("");
-}
+std::string latestTrip() { return latestTrips(1).at(0).id.value_or(""); }
 
 Date now() { return DeviceClock::now(); }
 Date daysAgo(int days) { return now() - std::chrono::hours(24 * days); }
 
-DateComponents today() {
-  const std::chrono::year_month_day day(
-      std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now()));
-  return {static_cast<int>(day.year()), static_cast<unsigned>(day.month()),
-          static_cast<unsigned>(day.day())};
-}
-
 Leaderboard leaderboard() {
-  return answer<Leaderboard>(
-      [](auto then) { return LeaderboardService(anna).fetch(today(), {}, std::move(then)); });
+  const std::chrono::year_month_day today(
+      std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now()));
+  const DateComponents day{static_cast<int>(today.year()), static_cast<unsigned>(today.month()),
+                           static_cast<unsigned>(today.day())};
+  return ask(&LeaderboardService::fetch, anna, day, none);
 }
 
 // A period of scores that people with a history have.
@@ -116,481 +139,308 @@ void expectScores(const ScoringAverage& scores) {
   EXPECT_GE(scores.highestScore.value_or(0), scores.lowestScore.value_or(101));
 }
 
-using Aggregate = Completion<ScoringAggregate>;
-
-// An operation, called once, with a look at what it answered or did.
-struct Operation {
-  std::string name;
-  std::function<void()> run;
-};
-
-std::vector<Operation> ofPeople() {
-  return {
-      {"UserService.fetch",
-       [] {
-         const User user = userOf(anna);
-         EXPECT_EQ(user.id, "1001");
-         EXPECT_EQ(user.firstName, "Anna");
-       }},
-      {"UserService.update",
-       [] {
-         const User user = answer<User>([](auto then) {
-           return UserService(anna).update({.displayName = "Zoë"}, std::move(then));
-         });
-         EXPECT_EQ(user.displayName, "Zoë");
-       }},
-      {"UserService.updateAddress",
-       [] {
-         const User user = answer<User>([](auto then) {
-           return UserService(anna).updateAddress({.city = "Bern"}, std::move(then));
-         });
-         EXPECT_EQ(user.city, "Bern");
-       }},
-      {"InvitationService.fetchVehicleInvites",
-       [] { EXPECT_EQ(vehicleInvitations(anna, "DECLINED"), std::vector<std::string>{"9003"}); }},
-      {"InvitationService.fetchAccountInvites",
-       [] {
-         const auto invitations = answer<std::vector<Invitation>>([](auto then) {
-           return InvitationService(anna).fetchAccountInvites(std::nullopt, std::move(then));
-         });
-         ASSERT_THAT(invitations, SizeIs(1));
-         EXPECT_EQ(invitations[0].invitationId, "9008");
-         EXPECT_EQ(invitations[0].account->accountId, "2003");
-       }},
-      {"InvitationService.sendVehicleInvitation",
-       [] {
-         NewInvitation draft = toNora();
-         draft.vehicleIDs = {"3006"};
-         const auto sent = answer<Invitation>([&](auto then) {
-           return InvitationService(anna).sendVehicleInvitation(draft, std::move(then));
-         });
-         EXPECT_EQ(sent.invitationId, "9011");
-         EXPECT_EQ(sent.status, Invitation::Status::pending);
-         EXPECT_EQ(sent.toUser->userId, "1007");
-         EXPECT_EQ(sent.vehicle->vehicleId, "3006");
-       }},
-      {"InvitationService.sendAccountInvitation",
-       [] {
-         const auto sent = answer<std::vector<Invitation>>([](auto then) {
-           return InvitationService(anna).sendAccountInvitation(toNora(), std::move(then));
-         });
-         ASSERT_THAT(sent, SizeIs(1));
-         EXPECT_EQ(sent[0].account->accountId, "2001");
-       }},
-      {"InvitationService.respondToInvitation",
-       [] {
-         succeeds([](auto then) {
-           return InvitationService(nora).respondToInvitation(
-               {.toUserId = "1007",
-                .invitationId = "9011",
-                .response = Invitation::Response::accept},
-               std::move(then));
-         });
-         EXPECT_THAT(vehicleInvitations(anna, "ACCEPTED"), Contains("9011"));
-       }},
-      {"InvitationService.cancelVehicleInvitation",
-       [] {
-         succeeds([](auto then) {
-           return InvitationService(anna).cancelVehicleInvitation("1001", "9001", std::move(then));
-         });
-         EXPECT_THAT(vehicleInvitations(anna, "PENDING"), Not(Contains("9001")));
-       }},
-      {"InvitationService.removeGuestDriverFromVehicle",
-       [] {
-         const auto remove = [](auto then) {
-           return InvitationService(anna).removeGuestDriverFromVehicle("1007", "3006",
-                                                                       std::move(then));
-         };
-         succeeds(remove);
-         EXPECT_EQ(refusal(remove), 404);
-       }},
-      {"InvitationService.removeGuestDriverFromAccount",
-       [] {
-         const auto remove = [](auto then) {
-           return InvitationService(daniel).removeGuestDriverFromAccount("1106", "2002",
-                                                                         std::move(then));
-         };
-         succeeds(remove);
-         EXPECT_EQ(refusal(remove), 404);
-       }},
-      {"ActivationService.activate",
-       [] {
-         succeeds([](auto then) {
-           return ActivationService(nora).activate("ACT-1007", "424242", "nora@example.com",
-                                                   std::move(then));
-         });
-         const User user = userOf(nora);
-         EXPECT_EQ(user.activated, true);
-         EXPECT_EQ(user.displayName, "nora@example.com");
-       }},
-      {"EULAService.acceptTerms",
-       [] {
-         succeeds([](auto then) { return EULAService(nora).acceptTerms(std::move(then)); });
-         EXPECT_EQ(userOf(nora).acceptedTerms, true);
-       }},
-      {"DeviceService.fetch",
-       [] {
-         const auto device =
-             answer<Device>([](auto then) { return DeviceService(nora).fetch(std::move(then)); });
-         EXPECT_TRUE(device.identifier);
-         EXPECT_EQ(device.dataCollectionIsActive, true) << "since the activation";
-       }},
-      {"DeviceService.deactivate",
-       [] {
-         const auto device = answer<Device>(
-             [](auto then) { return DeviceService(nora).deactivate(std::move(then)); });
-         EXPECT_EQ(device.dataCollectionIsActive, false);
-       }},
-      {"DeviceService.activate",
-       [] {
-         const auto device = answer<Device>(
-             [](auto then) { return DeviceService(nora).activate(std::move(then)); });
-         EXPECT_EQ(device.dataCollectionIsActive, true);
-       }},
-      {"PushNotificationService.setToken",
-       [] {
-         const auto device = answer<Device>([](auto then) {
-           return PushNotificationService(nora).setToken("abc 1+2", std::move(then));
-         });
-         EXPECT_EQ(device.pushNotificationToken, "abc 1+2");
-         EXPECT_EQ(device.pushNotificationsAreEnabled, true);
-       }},
-      {"SubscriptionService.fetchContractDates",
-       [] {
-         const auto subscriptions = answer<std::vector<Subscription>>([](auto then) {
-           return SubscriptionService(anna).fetchContractDates(std::move(then));
-         });
-         ASSERT_THAT(subscriptions, SizeIs(5));
-         EXPECT_EQ(subscriptions[4].telematicSubscriptionType,
-                   Subscription::SubscriptionType::aFNOL);
-       }},
-      {"NamedDriverService.fetch",
-       [] {
-         const auto drivers = answer<std::vector<NamedDriver>>(
-             [](auto then) { return NamedDriverService(anna).fetch(std::move(then)); });
-         ASSERT_THAT(drivers, SizeIs(3));
-         EXPECT_EQ(drivers[2].firstName, "Otto");
-       }},
-      {"NamedDriverService.updateNamedDriver",
-       [] {
-         const auto driver = answer<NamedDriver>([](auto then) {
-           return NamedDriverService(anna).updateNamedDriver(1201, "otto@example.com", "",
-                                                             std::move(then));
-         });
-         EXPECT_EQ(driver.userId, 1201);
-         EXPECT_EQ(driver.email, "otto@example.com");
-         EXPECT_FALSE(driver.phone);
-       }},
-  };
-}
-
-std::vector<Operation> ofDriving() {
-  return {
-      {"TripService.fetch (a user's)", [] { EXPECT_THAT(latestTrips(3), SizeIs(3)); }},
-      {"TripService.fetch (one)",
-       [] {
-         const std::string id = latestTrip();
-         const auto trip = answer<Trip>([&](auto then) {
-           return TripService(anna).fetch(id, {TripService::Expansion::geometry}, std::move(then));
-         });
-         EXPECT_EQ(trip.id, id);
-         ASSERT_TRUE(trip.polyline);
-         EXPECT_GT(trip.polyline->decodeChecked().value()->size(), 10U);
-       }},
-      {"TripService.fetchAll",
-       [] {
-         const auto trips = answer<std::vector<Trip>>([](auto then) {
-           return TripService(anna).fetchAll({TripService::Filter::cursor(2, 1)}, {},
-                                             std::move(then));
-         });
-         EXPECT_THAT(trips, SizeIs(2));
-       }},
-      {"TripService.fetchAllChecked",
-       [] {
-         const auto trips = answer<std::vector<Trip>>(
-             [](auto then) { return TripService(nora).fetchAllChecked({}, {}, std::move(then)); });
-         EXPECT_THAT(trips, SizeIs(0)) << "who never drove has an empty logbook";
-       }},
-      {"TripService.fetchPages",
-       [] {
-         const auto all = answer<std::vector<Trip>>(
-             [](auto then) { return TripService(anna).fetchAll({}, {}, std::move(then)); });
-         const auto paged = answer<std::vector<Trip>>([](auto then) {
-           return TripService(anna).fetchPages(TripPages{.pageSize = 3}, std::move(then));
-         });
-         EXPECT_GT(paged.size(), 3U);
-         EXPECT_EQ(paged, all);
-       }},
-      {"TripService.update",
-       [] {
-         const std::string id = latestTrip();
-         const auto trip = answer<Trip>([&](auto then) {
-           return TripService(anna).update(id, std::nullopt, Trip::Purpose::business,
-                                           std::move(then));
-         });
-         EXPECT_EQ(trip.id, id);
-         EXPECT_EQ(trip.purpose, Trip::Purpose::business);
-       }},
-      {"TripService.fetchTripsByVehicle",
-       [] {
-         const auto trips = answer<std::vector<Trip>>([](auto then) {
-           return TripService(anna).fetchTripsByVehicle({.startDate = "2000-01-01",
-                                                         .endDate = "2999-12-31",
-                                                         .vehicleId = "3001",
-                                                         .vehicleTripsLimit = 2,
-                                                         .userId = "1001"},
-                                                        std::move(then));
-         });
-         ASSERT_THAT(trips, SizeIs(2));
-         EXPECT_EQ(trips[0].vehicleId, "3001");
-       }},
-      {"LocationService.fetchLastKnownLocation",
-       [] {
-         const auto location = answer<Location>([](auto then) {
-           return LocationService(anna).fetchLastKnownLocation(std::move(then));
-         });
-         EXPECT_NEAR(location.latitude.value_or(0), 47.5, 1);
-         EXPECT_GT(location.date.value_or(Date()), daysAgo(15));
-       }},
-      {"VehicleService.getAllVehicles",
-       [] {
-         const auto vehicles = answer<std::vector<Vehicle>>(
-             [](auto then) { return VehicleService(anna).getAllVehicles({}, std::move(then)); });
-         EXPECT_EQ(vehicles, (std::vector<Vehicle>{{.vehicleId = "3001"}, {.vehicleId = "3006"}}));
-       }},
-      {"VehicleService.getVehicleFor",
-       [] {
-         const auto vehicle = answer<Vehicle>([](auto then) {
-           return VehicleService(anna).getVehicleFor("3001", {}, "BS 30461", std::move(then));
-         });
-         EXPECT_EQ(vehicle.model, "Octavia");
-       }},
-      {"DrivingSummaryService.fetch",
-       [] {
-         const auto summary = answer<DrivingSummary>([](auto then) {
-           return DrivingSummaryService(anna).fetch(
-               {}, {DrivingSummaryService::Expansion::driverDetection}, std::move(then));
-         });
-         EXPECT_GT(summary.distanceDriven.value_or(0), 0);
-         EXPECT_TRUE(summary.driverDetection);
-       }},
-      {"DrivingSummaryService.fetchList",
-       [] {
-         const auto periods = answer<std::vector<DrivingSummaryResult>>([](auto then) {
-           return DrivingSummaryService(anna).fetchList({}, "DAY", std::move(then));
-         });
-         EXPECT_GT(periods.size(), 1U);
-       }},
-      {"DrivingAlertService.registerAlertSetting",
-       [] {
-         const auto set = [](const char* driver) {
-           return [driver](auto then) {
-             return DrivingAlertService(anna).registerAlertSetting(
-                 DrivingAlertType::braking(driver, DrivingEventSeverity::medium), std::move(then));
-           };
-         };
-         succeeds(set("1001"));
-         EXPECT_EQ(refusal(set("nobody")), 404);
-       }},
-  };
-}
-
-// The operations that score days are those of two services.
-template <class Service>
-std::vector<Operation> ofScoredDays(const std::string& service) {
-  using Call = RequestHandle (*)(const Service&, Aggregate);
-  struct Row {
-    const char* name;
-    Call call;
-  };
-  const Row rows[] = {
-      {"dateRange",
-       [](const Service& scores, Aggregate then) {
-         return scores.dateRange(daysAgo(7), now(), std::move(then));
-       }},
-      {"last7Days",
-       [](const Service& scores, Aggregate then) { return scores.last7Days(std::move(then)); }},
-      {"lastWeek",
-       [](const Service& scores, Aggregate then) { return scores.lastWeek(std::move(then)); }},
-      {"last30Days",
-       [](const Service& scores, Aggregate then) { return scores.last30Days(std::move(then)); }},
-      {"lastMonth",
-       [](const Service& scores, Aggregate then) { return scores.lastMonth(std::move(then)); }},
-      {"last90Days",
-       [](const Service& scores, Aggregate then) { return scores.last90Days(std::move(then)); }},
-      {"lastYear",
-       [](const Service& scores, Aggregate then) { return scores.lastYear(std::move(then)); }},
-  };
-  std::vector<Operation> operations;
-  for (const Row& row : rows) {
-    operations.push_back({service + "." + row.name, [call = row.call] {
-                            expectScores(answer<ScoringAggregate>(
-                                [&](auto then) { return call(Service(anna), std::move(then)); }));
-                          }});
-  }
-  operations.push_back({service + ".today", [] {
-                          const auto scores = answer<ScoringAggregate>(
-                              [](auto then) { return Service(anna).today(std::move(then)); });
-                          ASSERT_TRUE(scores.tripScoringDailyAggregate);
-                          EXPECT_LE(scores.tripScoringDailyAggregate->size(), 1U);
-                        }});
-  return operations;
-}
-
-std::vector<Operation> ofIncentives() {
-  return {
-      {"ScoringService.custom",
-       [] {
-         expectScores(answer<ScoringAverage>([](auto then) {
-           return ScoringService(anna).custom(daysAgo(7), now(), std::move(then));
-         }));
-       }},
-      {"ScoringService.fetchWeek",
-       [] {
-         const auto week = answer<ScoringAverage>(
-             [](auto then) { return ScoringService(anna).fetchWeek(0, std::move(then)); });
-         EXPECT_GT(week.periodStartDate.value_or(0), 0);
-       }},
-      {"ScoringService.fetchAggregateScoresByVehicle",
-       [] {
-         expectScores(answer<ScoringAggregate>([](auto then) {
-           return ScoringService(anna).fetchAggregateScoresByVehicle("3001", daysAgo(7), now(),
-                                                                     std::move(then));
-         }));
-       }},
-      {"ScoringService.fetchLastNDaysAggregateScoresByVehicle",
-       [] {
-         expectScores(answer<ScoringAggregate>([](auto then) {
-           return ScoringService(anna).fetchLastNDaysAggregateScoresByVehicle("3001", 7,
-                                                                              std::move(then));
-         }));
-       }},
-      {"ScoringService.fetchAverageScoresByVehicle",
-       [] {
-         expectScores(answer<ScoringAverage>([](auto then) {
-           return ScoringService(anna).fetchAverageScoresByVehicle("3001", daysAgo(7), now(),
-                                                                   std::move(then));
-         }));
-       }},
-      {"ScoringService.fetchLastNDaysAverageScores",
-       [] {
-         const auto average = [](std::optional<std::string> vehicle) {
-           return answer<ScoringAverage>([&](auto then) {
-             return ScoringService(anna).fetchLastNDaysAverageScores(vehicle, 7, std::move(then));
-           });
-         };
-         expectScores(average("3001"));
-         expectScores(average(std::nullopt));
-       }},
-      {"LeaderboardService.optOut",
-       [] {
-         succeeds([](auto then) { return LeaderboardService(anna).optOut(std::move(then)); });
-         EXPECT_EQ(leaderboard().isOptedIn, false);
-       }},
-      {"LeaderboardService.optIn",
-       [] {
-         succeeds([](auto then) { return LeaderboardService(anna).optIn(std::move(then)); });
-         EXPECT_EQ(leaderboard().isOptedIn, true);
-       }},
-      {"LeaderboardService.fetch",
-       [] {
-         const Leaderboard board = leaderboard();
-         ASSERT_TRUE(board.entries && !board.entries->empty());
-         EXPECT_EQ(board.entries->front().position, 1);
-       }},
-      {"DiscountService.fetchDiscount",
-       [] {
-         const auto discount = answer<Discount>([](auto then) {
-           return DiscountService(anna).fetchDiscount({DiscountService::Expansion::scores},
-                                                      std::move(then));
-         });
-         EXPECT_GT(discount.discountRangeMax.value_or(0), 0);
-       }},
-      {"DiscountMetadataService.fetchDiscountMetadata",
-       [] {
-         const auto scheme = answer<DiscountMetadata>([](auto then) {
-           return DiscountMetadataService(anna).fetchDiscountMetadata(std::move(then));
-         });
-         ASSERT_TRUE(scheme.scoreDiscountMap());
-         EXPECT_GT(scheme.scoreDiscountMap()->size(), 1U);
-       }},
-      {"RewardsService.fetchToken",
-       [] {
-         const auto token = answer<RewardToken>(
-             [](auto then) { return RewardsService(anna).fetchToken(std::move(then)); });
-         EXPECT_THAT(token.token.value_or(""), testing::MatchesRegex("[^.]+.[^.]+.[^.]+"))
-             << "signed";
-       }},
-  };
-}
-
 // The package as the sandbox has it is some 2 MB.
 void expectPackage(const std::string& path) {
   EXPECT_GT(std::filesystem::file_size(path), 2'000'000U);
   std::filesystem::remove(path);
 }
 
-std::vector<Operation> ofContent() {
-  return {
-      {"ContentService.fetch",
-       [] {
-         const auto content = answer<Content>([](auto then) {
-           return ContentService(anna).fetch(ContentService::Key::faqPageTitle, "de_CH",
-                                             std::move(then));
-         });
-         EXPECT_EQ(content.body, "Häufige Fragen");
-       }},
-      {"ContentService.allCases<ContentService::Key>()",
-       [] { EXPECT_EQ(std::size(allCases<ContentService::Key>()), 32U); }},
-      {"WedgeFirmwareService.checkUpdateAvailability",
-       [] {
-         std::vector<bool> told;
-         const auto tell = [&](bool isNewer) { told.push_back(isNewer); };
-         const WedgeFirmwareService service;
-         service.checkUpdateAvailability("2.2.1", tell);
-         service.checkUpdateAvailability("2.2.2", tell);
-         EXPECT_EQ(told, (std::vector{true, false}));
-       }},
-      {"WedgeFirmwareService.downloadFirmware",
-       [] {
-         const WedgeFirmwareService service;
-         std::optional<std::string> version;
-         MainQueue::main().wait(service.downloadFirmware(
-             [&](std::optional<std::string> downloaded) { version = std::move(downloaded); }));
-         EXPECT_EQ(version, "2.2.2");
-         expectPackage(*service.firmwareLocation->filePath() + "/DFU_4417_Release___2_2_2.zip");
-       }},
-      {"WedgeFirmwareService.downloadPackage",
-       [] {
-         const auto package = answer<FirmwarePackage>([](auto then) {
-           return WedgeFirmwareService().downloadPackage(nullptr, std::move(then));
-         });
-         EXPECT_EQ(package.version, "2.2.2");
-         expectPackage(package.path);
-       }},
-  };
+// Operations by name, each called once, with a look at what it answered or did.
+using Operations = std::vector<std::pair<std::string, std::function<void()>>>;
+
+void addPeople(Operations& all) {
+  all.emplace_back("UserService.fetch", [] {
+    const User user = userOf(anna);
+    EXPECT_EQ(user.id, "1001");
+    EXPECT_EQ(user.firstName, "Anna");
+  });
+  all.emplace_back("UserService.update", [] {
+    // Texts that a form could stumble over.
+    User expected = userOf(anna);
+    expected.displayName = "Zoë \"Z\" – 测试";
+    expected.email = "zoe+orvane@example.org";
+    expected.selfDescription = "first line\r\nsecond line";
+    expected.dateOfBirth = DateComponents{1990, 5, 17};
+    expected.gender = User::Gender::custom("non-binary");
+    const UserUpdate update{.displayName = expected.displayName,
+                            .gender = expected.gender,
+                            .dateOfBirth = expected.dateOfBirth,
+                            .email = expected.email,
+                            .selfDescription = expected.selfDescription};
+    EXPECT_EQ(ask(&UserService::update, anna, update), expected);
+    EXPECT_EQ(userOf(anna), expected);
+  });
+  all.emplace_back("UserService.updateAddress", [] {
+    const UserAddressUpdate update{.city = "Zürich", .formattedAddress = "Langstrasse 1\nZürich"};
+    const User user = ask(&UserService::updateAddress, anna, update);
+    EXPECT_EQ(user.city, update.city);
+    EXPECT_EQ(user.formattedAddress, update.formattedAddress);
+  });
+  all.emplace_back("InvitationService.fetchVehicleInvites", [] {
+    EXPECT_EQ(vehicleInvitations("DECLINED"), std::vector<std::string>{"9003"});
+  });
+  all.emplace_back("InvitationService.fetchAccountInvites", [] {
+    const auto invitations = ask(&InvitationService::fetchAccountInvites, anna, std::nullopt);
+    ASSERT_THAT(invitations, SizeIs(1));
+    EXPECT_EQ(invitations[0].invitationId, "9008");
+    EXPECT_EQ(invitations[0].account->accountId, "2003");
+  });
+  all.emplace_back("InvitationService.sendVehicleInvitation", [] {
+    NewInvitation draft = toNora();
+    draft.vehicleIDs = {"3006"};
+    const Invitation sent = ask(&InvitationService::sendVehicleInvitation, anna, draft);
+    EXPECT_EQ(sent.invitationId, "9011");
+    EXPECT_EQ(sent.status, Invitation::Status::pending);
+    EXPECT_EQ(sent.toUser->userId, "1007");
+    EXPECT_EQ(sent.vehicle->vehicleId, "3006");
+  });
+  all.emplace_back("InvitationService.sendAccountInvitation", [] {
+    const auto sent = ask(&InvitationService::sendAccountInvitation, anna, toNora());
+    ASSERT_THAT(sent, SizeIs(1));
+    EXPECT_EQ(sent[0].account->accountId, "2001");
+  });
+  all.emplace_back("InvitationService.respondToInvitation", [] {
+    const InvitationReply reply{
+        .toUserId = "1007", .invitationId = "9011", .response = Invitation::Response::accept};
+    ask(&InvitationService::respondToInvitation, nora, reply);
+    EXPECT_THAT(vehicleInvitations("ACCEPTED"), Contains("9011"));
+  });
+  all.emplace_back("InvitationService.cancelVehicleInvitation", [] {
+    ask(&InvitationService::cancelVehicleInvitation, anna, "1001", "9001");
+    EXPECT_THAT(vehicleInvitations("PENDING"), Not(Contains("9001")));
+  });
+  all.emplace_back("InvitationService.removeGuestDriverFromVehicle", [] {
+    constexpr auto remove = &InvitationService::removeGuestDriverFromVehicle;
+    ask(remove, anna, "1007", "3006");
+    EXPECT_EQ(refusal(remove, anna, "1007", "3006"), 404);
+  });
+  all.emplace_back("InvitationService.removeGuestDriverFromAccount", [] {
+    constexpr auto remove = &InvitationService::removeGuestDriverFromAccount;
+    ask(remove, daniel, "1106", "2002");
+    EXPECT_EQ(refusal(remove, daniel, "1106", "2002"), 404);
+  });
+  all.emplace_back("ActivationService.activate", [] {
+    ask(&ActivationService::activate, nora, "ACT-1007", "424242", "nora@example.com");
+    const User user = userOf(nora);
+    EXPECT_EQ(user.activated, true);
+    EXPECT_EQ(user.displayName, "nora@example.com");
+  });
+  all.emplace_back("EULAService.acceptTerms", [] {
+    ask(&EULAService::acceptTerms, nora);
+    EXPECT_EQ(userOf(nora).acceptedTerms, true);
+  });
+  all.emplace_back("DeviceService.fetch", [] {
+    const Device device = ask(&DeviceService::fetch, nora);
+    EXPECT_TRUE(device.identifier);
+    EXPECT_EQ(device.dataCollectionIsActive, true) << "since the activation";
+  });
+  all.emplace_back("DeviceService.deactivate", [] {
+    EXPECT_EQ(ask(&DeviceService::deactivate, nora).dataCollectionIsActive, false);
+  });
+  all.emplace_back("DeviceService.activate", [] {
+    EXPECT_EQ(ask(&DeviceService::activate, nora).dataCollectionIsActive, true);
+  });
+  all.emplace_back("PushNotificationService.setToken", [] {
+    const Device device = ask(&PushNotificationService::setToken, nora, "abc 1+2");
+    EXPECT_EQ(device.pushNotificationToken, "abc 1+2");
+    EXPECT_EQ(device.pushNotificationsAreEnabled, true);
+  });
+  all.emplace_back("SubscriptionService.fetchContractDates", [] {
+    const auto subscriptions = ask(&SubscriptionService::fetchContractDates, anna);
+    ASSERT_THAT(subscriptions, SizeIs(5));
+    EXPECT_EQ(subscriptions[4].telematicSubscriptionType, Subscription::SubscriptionType::aFNOL);
+  });
+  all.emplace_back("NamedDriverService.fetch", [] {
+    const auto drivers = ask(&NamedDriverService::fetch, anna);
+    ASSERT_THAT(drivers, SizeIs(3));
+    EXPECT_EQ(drivers[2].firstName, "Otto");
+  });
+  all.emplace_back("NamedDriverService.updateNamedDriver", [] {
+    const NamedDriver driver =
+        ask(&NamedDriverService::updateNamedDriver, anna, 1201, "otto@example.com", "");
+    EXPECT_EQ(driver.userId, 1201);
+    EXPECT_EQ(driver.email, "otto@example.com");
+    EXPECT_FALSE(driver.phone);
+  });
 }
 
-std::vector<Operation> allOperations() {
-  std::vector<Operation> all;
-  const auto add = [&](const auto& operations) {
-    all.insert(all.end(), std::begin(operations), std::end(operations));
-  };
-  add(ofPeople());
-  add(ofDriving());
-  add(ofScoredDays<ScoringService>("ScoringService"));
-  add(ofScoredDays<ScoringAggregateService>("ScoringAggregateService"));
-  add(ofIncentives());
-  add(ofContent());
-  return all;
+void addDriving(Operations& all) {
+  all.emplace_back("TripService.fetch (a user's)", [] { EXPECT_THAT(latestTrips(3), SizeIs(3)); });
+  all.emplace_back("TripService.fetch (one)", [] {
+    const std::string id = latestTrip();
+    const Trip trip = ask(fetchTrip, anna, id, std::set{TripService::Expansion::geometry});
+    EXPECT_EQ(trip.id, id);
+    ASSERT_TRUE(trip.polyline);
+    EXPECT_GT(trip.polyline->decodeChecked().value()->size(), 10U);
+  });
+  all.emplace_back("TripService.fetchAll", [] {
+    const std::set page{TripService::Filter::cursor(2, 1)};
+    EXPECT_THAT(ask(&TripService::fetchAll, anna, page, none), SizeIs(2));
+  });
+  all.emplace_back("TripService.fetchAllChecked", [] {
+    EXPECT_THAT(ask(&TripService::fetchAllChecked, nora, none, none), SizeIs(0))
+        << "who never drove has an empty logbook";
+  });
+  all.emplace_back("TripService.fetchPages", [] {
+    const Trips paged = ask(fetchPages, anna, TripPages{.pageSize = 3});
+    EXPECT_GT(paged.size(), 3U);
+    EXPECT_EQ(paged, ask(&TripService::fetchAll, anna, none, none));
+  });
+  all.emplace_back("TripService.update", [] {
+    const std::string id = latestTrip();
+    const Trip trip = ask(updateTrip, anna, id, std::nullopt, Trip::Purpose::business);
+    EXPECT_EQ(trip.id, id);
+    EXPECT_EQ(trip.purpose, Trip::Purpose::business);
+  });
+  all.emplace_back("TripService.fetchTripsByVehicle", [] {
+    const Trips trips = ask(&TripService::fetchTripsByVehicle, anna,
+                            TripsByVehicle{.startDate = "2000-01-01",
+                                           .endDate = "2999-12-31",
+                                           .vehicleId = "3001",
+                                           .vehicleTripsLimit = 2,
+                                           .userId = "1001"});
+    ASSERT_THAT(trips, SizeIs(2));
+    EXPECT_EQ(trips[0].vehicleId, "3001");
+  });
+  all.emplace_back("LocationService.fetchLastKnownLocation", [] {
+    const Location location = ask(&LocationService::fetchLastKnownLocation, anna);
+    EXPECT_NEAR(location.latitude.value_or(0), 47.5, 1);
+    EXPECT_GT(location.date.value_or(Date()), daysAgo(15));
+  });
+  all.emplace_back("VehicleService.getAllVehicles", [] {
+    EXPECT_EQ(ask(&VehicleService::getAllVehicles, anna, none),
+              (std::vector<Vehicle>{{.vehicleId = "3001"}, {.vehicleId = "3006"}}));
+  });
+  all.emplace_back("VehicleService.getVehicleFor", [] {
+    EXPECT_EQ(ask(&VehicleService::getVehicleFor, anna, "3001", none, "BS 30461").model, "Octavia");
+  });
+  all.emplace_back("DrivingSummaryService.fetch", [] {
+    const std::set detection{DrivingSummaryService::Expansion::driverDetection};
+    const DrivingSummary summary = ask(&DrivingSummaryService::fetch, anna, none, detection);
+    EXPECT_GT(summary.distanceDriven.value_or(0), 0);
+    EXPECT_TRUE(summary.driverDetection);
+  });
+  all.emplace_back("DrivingSummaryService.fetchList", [] {
+    EXPECT_GT(ask(&DrivingSummaryService::fetchList, anna, none, "DAY").size(), 1U);
+  });
+  all.emplace_back("DrivingAlertService.registerAlertSetting", [] {
+    constexpr auto set = &DrivingAlertService::registerAlertSetting;
+    ask(set, anna, DrivingAlertType::braking("1001", DrivingEventSeverity::medium));
+    const auto nobody = DrivingAlertType::braking("nobody", DrivingEventSeverity::medium);
+    EXPECT_EQ(refusal(set, anna, nobody), 404);
+  });
 }
 
-std::set<std::string> names(const std::vector<Operation>& operations) {
-  std::set<std::string> names;
-  for (const Operation& operation : operations) {
-    EXPECT_TRUE(names.insert(operation.name).second) << operation.name << " is there twice";
+// The operations that score days are those of two services.
+template <class Service>
+void addScoredDays(const std::string& service, Operations& all) {
+  using Period = RequestHandle (Service::*)(Completion<ScoringAggregate>) const;
+  const std::pair<const char*, Period> periods[] = {
+      {"last7Days", &Service::last7Days},   {"lastWeek", &Service::lastWeek},
+      {"last30Days", &Service::last30Days}, {"lastMonth", &Service::lastMonth},
+      {"last90Days", &Service::last90Days}, {"lastYear", &Service::lastYear},
+  };
+  for (const auto& [name, period] : periods) {
+    all.emplace_back(service + "." + name, [period = period] { expectScores(ask(period, anna)); });
   }
-  return names;
+  all.emplace_back(service + ".dateRange",
+                   [] { expectScores(ask(&Service::dateRange, anna, daysAgo(7), now())); });
+  all.emplace_back(service + ".today", [] {
+    const ScoringAggregate scores = ask(&Service::today, anna);
+    ASSERT_TRUE(scores.tripScoringDailyAggregate);
+    EXPECT_LE(scores.tripScoringDailyAggregate->size(), 1U);
+  });
+}
+
+void addIncentives(Operations& all) {
+  using Scores = ScoringService;
+  all.emplace_back("ScoringService.custom",
+                   [] { expectScores(ask(&Scores::custom, anna, daysAgo(7), now())); });
+  all.emplace_back("ScoringService.fetchWeek", [] {
+    EXPECT_GT(ask(&Scores::fetchWeek, anna, 0U).periodStartDate.value_or(0), 0);
+  });
+  all.emplace_back("ScoringService.fetchAggregateScoresByVehicle", [] {
+    expectScores(ask(&Scores::fetchAggregateScoresByVehicle, anna, "3001", daysAgo(7), now()));
+  });
+  all.emplace_back("ScoringService.fetchLastNDaysAggregateScoresByVehicle", [] {
+    expectScores(ask(&Scores::fetchLastNDaysAggregateScoresByVehicle, anna, "3001", 7U));
+  });
+  all.emplace_back("ScoringService.fetchAverageScoresByVehicle", [] {
+    expectScores(ask(&Scores::fetchAverageScoresByVehicle, anna, "3001", daysAgo(7), now()));
+  });
+  all.emplace_back("ScoringService.fetchLastNDaysAverageScores", [] {
+    expectScores(ask(&Scores::fetchLastNDaysAverageScores, anna, "3001", 7U));
+    expectScores(ask(&Scores::fetchLastNDaysAverageScores, anna, std::nullopt, 7U));
+  });
+  all.emplace_back("LeaderboardService.optOut", [] {
+    ask(&LeaderboardService::optOut, anna);
+    EXPECT_EQ(leaderboard().isOptedIn, false);
+  });
+  all.emplace_back("LeaderboardService.optIn", [] {
+    ask(&LeaderboardService::optIn, anna);
+    EXPECT_EQ(leaderboard().isOptedIn, true);
+  });
+  all.emplace_back("LeaderboardService.fetch", [] {
+    const Leaderboard board = leaderboard();
+    ASSERT_TRUE(board.entries && !board.entries->empty());
+    EXPECT_EQ(board.entries->front().position, 1);
+  });
+  all.emplace_back("DiscountService.fetchDiscount", [] {
+    const std::set scores{DiscountService::Expansion::scores};
+    EXPECT_GT(ask(&DiscountService::fetchDiscount, anna, scores).discountRangeMax.value_or(0), 0);
+  });
+  all.emplace_back("DiscountMetadataService.fetchDiscountMetadata", [] {
+    const auto scheme = ask(&DiscountMetadataService::fetchDiscountMetadata, anna);
+    ASSERT_TRUE(scheme.scoreDiscountMap());
+    EXPECT_GT(scheme.scoreDiscountMap()->size(), 1U);
+  });
+  all.emplace_back("RewardsService.fetchToken", [] {
+    const RewardToken token = ask(&RewardsService::fetchToken, anna);
+    EXPECT_THAT(token.token.value_or(""), testing::MatchesRegex("[^.]+.[^.]+.[^.]+")) << "signed";
+  });
+}
+
+void addContent(Operations& all) {
+  all.emplace_back("ContentService.fetch", [] {
+    constexpr auto title = ContentService::Key::faqPageTitle;
+    EXPECT_EQ(ask(&ContentService::fetch, anna, title, "de_CH").body, "Häufige Fragen");
+  });
+  all.emplace_back("ContentService.allCases<ContentService::Key>()",
+                   [] { EXPECT_EQ(std::size(allCases<ContentService::Key>()), 32U); });
+  all.emplace_back("WedgeFirmwareService.checkUpdateAvailability", [] {
+    std::vector<bool> told;
+    const auto tell = [&](bool isNewer) { told.push_back(isNewer); };
+    const WedgeFirmwareService service;
+    service.checkUpdateAvailability("2.2.1", tell);
+    service.checkUpdateAvailability("2.2.2", tell);
+    EXPECT_EQ(told, (std::vector{true, false}));
+  });
+  all.emplace_back("WedgeFirmwareService.downloadFirmware", [] {
+    const WedgeFirmwareService service;
+    std::optional<std::string> version;
+    MainQueue::main().wait(service.downloadFirmware(
+        [&](std::optional<std::string> downloaded) { version = std::move(downloaded); }));
+    EXPECT_EQ(version, "2.2.2");
+    expectPackage(*service.firmwareLocation->filePath() + "/DFU_4417_Release___2_2_2.zip");
+  });
+  all.emplace_back("WedgeFirmwareService.downloadPackage", [] {
+    const auto package = wait<FirmwarePackage>(
+        [](auto then) { return WedgeFirmwareService().downloadPackage(nullptr, std::move(then)); });
+    ASSERT_TRUE(package) << package.error()->message();
+    EXPECT_EQ(package.value()->version, "2.2.2");
+    expectPackage(package.value()->path);
+  });
+}
+
+Operations allOperations() {
+  Operations all;
+  addPeople(all);
+  addDriving(all);
+  addScoredDays<ScoringService>("ScoringService", all);
+  addScoredDays<ScoringAggregateService>("ScoringAggregateService", all);
+  addIncentives(all);
+  addContent(all);
+  return all;
 }
 
 // Every documented operation by its name.
@@ -623,24 +473,22 @@ TEST(OperationsTest, AreDocumentedAllOfThem) {
 
 // Whether `orvane` knows a command as it is documented: "scores average --days N [--vehicle ID]".
 bool isKnown(const std::string& command) {
-  Words words;                    // resource and verb
-  std::vector<std::string> more;  // options, and arguments that are words of their own
-  std::istringstream stream(command);
-  for (std::string word; stream >> word;) {
+  Words words;  // resource and verb
+  Words more;   // options, and arguments that are words of their own
+  for (std::string word : wordsOf(command)) {
     std::erase_if(word, [](char character) { return character == '[' || character == ']'; });
     const bool isOption = word.starts_with("--");
     if (!isOption && (word[0] < 'a' || word[0] > 'z')) continue;
     (isOption || words.size() == 2 ? more : words).push_back(word);
   }
-  std::string usage = "Usage: orvane ";
-  for (const std::string& word : words) usage += word + " ";
-  words.emplace_back("--help");
-  const Ending help = orvane(words);
+  std::string line;
+  for (const std::string& word : words) line += word + " ";
+  const Ending help = orvane(line + "--help");
   const auto tells = [&](const std::string& text) {
     return help.output.find(text) != std::string::npos;
   };
   // Asked about a command that it does not know it tells of the one above.
-  return help.exitCode == 0 && tells(usage) && std::ranges::all_of(more, tells);
+  return help.exitCode == 0 && tells("Usage: orvane " + line) && std::ranges::all_of(more, tells);
 }
 
 TEST(OperationsTest, HaveTheirCommands) {
@@ -653,29 +501,33 @@ TEST(OperationsTest, HaveTheirCommands) {
 }
 
 TEST(OperationsTest, EachDoesWhatItSaysAndAsksWhatIsDocumented) {
-  const std::vector<Operation> operations = allOperations();
+  const Operations operations = allOperations();
   const auto rows = documented();
+  std::set<std::string> names;
+  for (const auto& [name, run] : operations) {
+    EXPECT_TRUE(names.insert(name).second) << name << " is there twice";
+  }
   std::set<std::string> documentedNames;
   for (const auto& [name, row] : rows) documentedNames.insert(name);
-  expectSame(names(operations), documentedNames);
+  expectSame(names, documentedNames);
   ASSERT_FALSE(HasFailure());
 
   SandboxProcess sandbox;
   const ScopedDeviceSettings settings(
-      {.timeZone = "UTC", .documentsDirectory = sandbox.folder().path() + "/documents"});
+      {.timeZone = "UTC", .documentsDirectory = sandbox.folder() / "documents"});
   const Result<Runtime> runtime =
       Runtime::install({.baseURL = sandbox.baseURL(),
                         .tokens = SelfSignedTokenResolver::make(
                             {.key = bytesFromHexadecimal(sandbox.signingKey()).value_or("")}),
                         .transport = {.caFile = sandbox.caFile()},
                         .firmwareHost = sandbox.baseURL(),
-                        .deviceIdentifierFile = sandbox.folder().path() + "/device"});
+                        .deviceIdentifierFile = sandbox.folder() / "device"});
   ASSERT_TRUE(runtime) << runtime.error()->message();
-  for (const Operation& operation : operations) {
-    SCOPED_TRACE(operation.name);
+  for (const auto& [name, run] : operations) {
+    SCOPED_TRACE(name);
     sandbox.behave();
-    operation.run();
-    const OperationRow& row = rows.at(operation.name);
+    run();
+    const OperationRow& row = rows.at(name);
     const auto arrivals = sandbox.arrivals();
     const bool hasAsked = std::ranges::any_of(arrivals, [&](const auto& arrival) {
       const auto blank = arrival.request.find(' ');

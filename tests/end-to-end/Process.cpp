@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/inotify.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -10,10 +11,6 @@
 
 #include <array>
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <stdexcept>
 #include <system_error>
 
 namespace orvane::test {
@@ -144,25 +141,22 @@ Ending Process::wait() {
   return ending;
 }
 
+FileWatch::FileWatch(const std::string& path, std::uint32_t events)
+    : descriptor_(::inotify_init1(IN_CLOEXEC)) {
+  if (::inotify_add_watch(descriptor_, path.c_str(), events) < 0) fail("inotify_add_watch");
+}
+
+FileWatch::~FileWatch() { ::close(descriptor_); }
+
+bool FileWatch::wait(const Process& process) const {
+  std::array<pollfd, 2> polled{{{descriptor_, POLLIN, 0}, {process.endDescriptor(), POLLIN, 0}}};
+  ::poll(polled.data(), polled.size(), millisecondsUntil(Clock::now() + patience));
+  return polled[0].revents != 0;
+}
+
 Ending run(const std::string& program, const std::vector<std::string>& arguments,
            const Environment& environment) {
   return Process(program, arguments, environment, Process::Streams::captured).wait();
-}
-
-TemporaryFolder::TemporaryFolder() {
-  path_ = (std::filesystem::temp_directory_path() / "orvane-XXXXXX").string();
-  if (::mkdtemp(path_.data()) == nullptr) fail("mkdtemp");
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
-
-std::string TemporaryFolder::write(const std::string& name, const std::string& text) const {
-  std::string path = path_ + "/" + name;
-  std::ofstream(path) << text;
-  return path;
 }
 
 }  // namespace orvane::test

@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
@@ -67,24 +68,24 @@ class Process {
   Pipe errors_;
 };
 
+/// Tells when something happens to a file, or in a folder.
+class FileWatch {
+ public:
+  /// `events` as inotify(7) names them.
+  FileWatch(const std::string& path, std::uint32_t events);
+  ~FileWatch();
+  FileWatch(const FileWatch&) = delete;
+  FileWatch& operator=(const FileWatch&) = delete;
+
+  /// Waits for it. False when the process ends first, or patience does.
+  [[nodiscard]] bool wait(const Process& process) const;
+
+ private:
+  int descriptor_;
+};
+
 /// Runs a program to its end.
 [[nodiscard]] Ending run(const std::string& program, const std::vector<std::string>& arguments,
                          const Environment& environment = {});
-
-/// A folder that is gone afterwards.
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  ~TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  [[nodiscard]] const std::string& path() const noexcept { return path_; }
-  /// Writes a file and answers its path.
-  [[nodiscard]] std::string write(const std::string& name, const std::string& text) const;
-
- private:
-  std::string path_;
-};
 
 }  // namespace orvane::test

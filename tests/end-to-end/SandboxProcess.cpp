@@ -3,9 +3,7 @@
 
 #include <Orvane/Common/Await.h>
 
-#include <poll.h>
 #include <sys/inotify.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
@@ -15,30 +13,6 @@
 
 namespace orvane::test {
 namespace {
-
-// Tells when a file is moved into a folder.
-class Arrivals {
- public:
-  explicit Arrivals(const std::string& folder) : descriptor_(::inotify_init1(IN_CLOEXEC)) {
-    if (::inotify_add_watch(descriptor_, folder.c_str(), IN_MOVED_TO) < 0) {
-      throw std::runtime_error("inotify does not watch " + folder);
-    }
-  }
-  ~Arrivals() { ::close(descriptor_); }
-  Arrivals(const Arrivals&) = delete;
-  Arrivals& operator=(const Arrivals&) = delete;
-
-  // Waits for one. False when the process ends first, or patience does.
-  [[nodiscard]] bool wait(const Process& process) const {
-    std::array<pollfd, 2> polled{{{descriptor_, POLLIN, 0}, {process.endDescriptor(), POLLIN, 0}}};
-    const auto limit = std::chrono::milliseconds(patience).count();
-    ::poll(polled.data(), polled.size(), static_cast<int>(limit));
-    return polled[0].revents != 0;
-  }
-
- private:
-  int descriptor_;
-};
 
 Environment inheritedPath() {
   const char* path = std::getenv("PATH");
@@ -50,9 +24,9 @@ Environment inheritedPath() {
 SandboxProcess::SandboxProcess(const std::vector<std::string>& arguments) {
   // A folder of its own: nothing but the file is moved into it.
   const TemporaryFolder announced;
-  const std::string readyFile = announced.path() + "/ready.json";
-  const Arrivals arrivals(announced.path());
-  std::vector<std::string> words{"--data", folder_.path() + "/data", "--ready-file", readyFile};
+  const std::string readyFile = announced / "ready.json";
+  const FileWatch arrivals(announced.path(), IN_MOVED_TO);
+  std::vector<std::string> words{"--data", folder_ / "data", "--ready-file", readyFile};
   words.insert(words.end(), arguments.begin(), arguments.end());
   if (std::ranges::find(words, "--weeks") == words.end())
     words.insert(words.end(), {"--weeks", "1"});
@@ -73,15 +47,6 @@ SandboxProcess::~SandboxProcess() {
 
 std::string SandboxProcess::text(const char* member) const {
   return description_.at(member).get<std::string>();
-}
-
-Identity SandboxProcess::identity() const {
-  const auto& first = description_.at("identities").at(0);
-  return {text("apiKey"), first.at("externalReferenceId").get<std::string>()};
-}
-
-std::string SandboxProcess::userID() const {
-  return description_.at("identities").at(0).at("userId").get<std::string>();
 }
 
 std::string SandboxProcess::developmentToken() const {

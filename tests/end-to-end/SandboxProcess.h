@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Process.h"
-#include <Orvane/Common/Identity.h>
+#include "tests/support/TemporaryFolder.h"
 #include <Orvane/Runtime/CurlRequestManager.h>
 
 #include <nlohmann/json.hpp>
@@ -28,10 +28,8 @@ class SandboxProcess {
   [[nodiscard]] std::string signingKeyFile() const { return text("signingKeyFile"); }
   /// In hexadecimal digits.
   [[nodiscard]] std::string signingKey() const { return text("signingKey"); }
-  /// The first of the people whom the data is laid around.
-  [[nodiscard]] Identity identity() const;
-  [[nodiscard]] std::string userID() const;
-  /// Accepted whatever the clocks say.
+  [[nodiscard]] std::string apiKey() const { return text("apiKey"); }
+  /// The first person's: Anna's, user 1001. Accepted whatever the clocks say.
   [[nodiscard]] std::string developmentToken() const;
   [[nodiscard]] const TemporaryFolder& folder() const noexcept { return folder_; }
 
