@@ -3,8 +3,6 @@
 
 #include "Admin.h"
 
-#include <stdlib.h>  // NOLINT(modernize-deprecated-headers): mkdtemp is of POSIX
-
 namespace orvane::sandbox::test {
 
 namespace {
@@ -17,17 +15,6 @@ Answer answerFrom(const httplib::Result& result) {
 }
 
 }  // namespace
-
-TemporaryFolder::TemporaryFolder() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "sandbox-XXXXXX").string();
-  if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
-  path_ = pattern;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  remove_all(path_, ignored);
-}
 
 std::string Answer::header(const std::string& name) const {
   const auto found = headers.find(name);
@@ -59,13 +46,25 @@ httplib::Headers SandboxTest::authorized(httplib::Headers headers) const {
   return headers;
 }
 
-Answer SandboxTest::get(const std::string& path, httplib::Headers headers) {
-  return answerFrom(client_->Get(root + path, authorized(std::move(headers))));
+Answer SandboxTest::send(const std::string& request, std::string body,
+                         const std::string& contentType, httplib::Headers headers) {
+  const std::size_t blank = request.find(' ');
+  httplib::Request sent;
+  sent.method = request.substr(0, blank);
+  sent.path = root + request.substr(blank + 1);
+  sent.headers = authorized(std::move(headers));
+  if (!contentType.empty()) sent.set_header("Content-Type", contentType);
+  sent.body = std::move(body);
+  return answerFrom(client_->send(sent));
 }
 
-Answer SandboxTest::post(const std::string& path, const std::string& body,
-                         const std::string& contentType, httplib::Headers headers) {
-  return answerFrom(client_->Post(root + path, authorized(std::move(headers)), body, contentType));
+Answer SandboxTest::get(const std::string& path, httplib::Headers headers) {
+  return send("GET " + path, "", "", std::move(headers));
+}
+
+Answer SandboxTest::post(const std::string& path, std::string body,
+                         const std::string& contentType) {
+  return send("POST " + path, std::move(body), contentType);
 }
 
 Answer SandboxTest::postForm(const std::string& path,
@@ -73,12 +72,12 @@ Answer SandboxTest::postForm(const std::string& path,
   return answerFrom(client_->Post(root + path, authorized({}), items));
 }
 
-Answer SandboxTest::put(const std::string& path) {
-  return answerFrom(client_->Put(root + path, authorized({}), "", ""));
-}
-
-Answer SandboxTest::remove(const std::string& path) {
-  return answerFrom(client_->Delete(root + path, authorized({})));
+void SandboxTest::refuses(int status, const std::vector<std::string>& requests) {
+  for (const std::string& request : requests) {
+    const Answer answer = send(request);
+    EXPECT_EQ(answer.status, status) << request;
+    EXPECT_TRUE(answer.parsed()["message"].is_string()) << request;
+  }
 }
 
 Answer SandboxTest::admin(const std::string& path, const json& body) {

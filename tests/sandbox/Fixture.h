@@ -4,33 +4,22 @@
 #pragma once
 
 #include "Sandbox.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 #include <httplib.h>
 #include <nlohmann/json.hpp>
 
-#include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace orvane::sandbox::test {
 
 using nlohmann::json;
 
 inline constexpr std::string_view fixedNow = "2025-06-18T12:00:00Z";  // a Wednesday
-
-/// A folder that is gone afterwards.
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  ~TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
 
 struct Answer {
   int status = 0;
@@ -48,14 +37,16 @@ class SandboxTest : public testing::Test {
   /// Starts the sandbox on the test's folder, a second time as well.
   void start(SandboxOptions options = {});
 
-  /// Requests below the API root as the current user.
-  Answer get(const std::string& path, httplib::Headers headers = {});
-  Answer post(const std::string& path, const std::string& body = "",
+  /// Requests below the API root as the current user: "PUT namedDrivers/1201".
+  Answer send(const std::string& request, std::string body = "",
               const std::string& contentType = "", httplib::Headers headers = {});
+  Answer get(const std::string& path, httplib::Headers headers = {});
+  Answer post(const std::string& path, std::string body = "", const std::string& contentType = "");
   Answer postForm(const std::string& path, const httplib::MultipartFormDataItems& items);
-  Answer put(const std::string& path);
-  Answer remove(const std::string& path);
   Answer admin(const std::string& path, const json& body);
+
+  /// Sends requests without a body: each must be refused with the status, and be told why.
+  void refuses(int status, const std::vector<std::string>& requests);
 
   /// The body of a GET that must succeed.
   json read(const std::string& path);
@@ -64,7 +55,6 @@ class SandboxTest : public testing::Test {
   void useToken(std::string token) { token_ = std::move(token); }
 
   [[nodiscard]] Sandbox& sandbox() { return *sandbox_; }
-  [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
   [[nodiscard]] httplib::SSLClient client() const;
 
  private:

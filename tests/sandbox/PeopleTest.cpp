@@ -6,19 +6,19 @@
 #include <gmock/gmock.h>
 
 #include <set>
+#include <tuple>
 
 namespace orvane::sandbox::test {
 namespace {
 
-using testing::Each;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
 class Invitations : public SandboxTest {
  protected:
   Answer send(const json& body) {
-    return post("invitations", body.dump(), "application/json",
-                {{"X-Requested-With", "XMLHttpRequest"}});
+    return SandboxTest::send("POST invitations", body.dump(), "application/json",
+                             {{"X-Requested-With", "XMLHttpRequest"}});
   }
 
   static json draft() {
@@ -29,37 +29,26 @@ class Invitations : public SandboxTest {
             {"toUserEmail", "Priya.Nair@example.com"},
             {"vehicleIds", "3001"}};
   }
-
-  int answer(const std::string& toUser, const std::string& id, const std::string& action) {
-    return post("users/" + toUser + "/invitations/" + id + "?action=" + action).status;
-  }
 };
 
-TEST_F(Invitations, AVehicleInvitationLivesFromSendingToRemoval) {
+TEST_F(Invitations, OnlyWhoIsInvitedAnswersAndOnlyOnce) {
   const Answer sent = send(draft());
   ASSERT_EQ(sent.status, 200) << sent.body;
-  const std::string id = sent.parsed()["invitationId"];
-  EXPECT_EQ(sent.parsed()["status"], "PENDING");
   EXPECT_EQ(sent.parsed()["toUser"]["userId"], "1005") << "known by the e-mail address";
-  EXPECT_EQ(sent.parsed()["vehicle"]["vehicleId"], "3001");
   EXPECT_EQ(send(draft()).status, 409) << "still waiting for an answer";
-  EXPECT_EQ(answer("1005", id, "accept"), 403) << "not the sender's to accept";
+  const std::string path = "POST users/1005/invitations/" +
+                           sent.parsed()["invitationId"].get<std::string>() + "?action=";
+  refuses(403, {path + "accept"});
 
   actAs("1005");
-  EXPECT_EQ(get("users/1005/vehicles/3001").status, 404);
-  EXPECT_EQ(answer("1005", id, "accept_acknowledged"), 409);
-  EXPECT_EQ(answer("1005", id, "accept"), 200);
-  EXPECT_EQ(answer("1005", id, "decline"), 409);
+  refuses(404, {"GET users/1005/vehicles/3001"});
+  refuses(409, {path + "accept_acknowledged"});
+  EXPECT_EQ(SandboxTest::send(path + "accept").status, 200);
+  refuses(409, {path + "decline"});
   EXPECT_EQ(get("users/1005/vehicles/3001").status, 200);
-
   actAs("1001");
-  EXPECT_EQ(answer("1005", id, "accept_acknowledged"), 200);
-  const json acknowledged =
-      read("users/1001/invitations?type=vehicle&filtered=ACCEPTED_ACKNOWLEDGED");
-  EXPECT_EQ(acknowledged[0]["invitationId"], id);
-  EXPECT_EQ(remove("users/1001/vehicles/3001").status, 409) << "the owner is no guest";
-  EXPECT_EQ(remove("users/1005/vehicles/3001").status, 204);
-  EXPECT_EQ(remove("users/1005/vehicles/3001").status, 404);
+  EXPECT_EQ(SandboxTest::send(path + "accept_acknowledged").status, 200);
+  refuses(409, {"DELETE users/1001/vehicles/3001"});  // the owner is no guest
 }
 
 TEST_F(Invitations, AnAccountInvitationMakesAnAssociatedUser) {
@@ -67,30 +56,14 @@ TEST_F(Invitations, AnAccountInvitationMakesAnAssociatedUser) {
   body.erase("vehicleIds");
   body["invitationType"] = "ACCOUNT";
   body["fromAccountIds"] = "2001";
-  const Answer sent = send(body);
-  ASSERT_EQ(sent.status, 200) << sent.body;
-  ASSERT_TRUE(sent.parsed().is_array()) << "account invitations are answered with a list";
-  const std::string id = sent.parsed()[0]["invitationId"];
-  EXPECT_EQ(sent.parsed()[0]["account"]["accountId"], "2001");
-  EXPECT_EQ(get("users/1005").status, 403);
-
+  const std::string id = send(body).parsed()[0]["invitationId"];
+  refuses(403, {"GET users/1005"});
   actAs("1005");
-  EXPECT_EQ(answer("1005", id, "accept"), 200);
+  EXPECT_EQ(post("users/1005/invitations/" + id + "?action=accept").status, 200);
   EXPECT_EQ(get("users/1001").status, 200);
   actAs("1001");
   EXPECT_THAT(read("users/1001?expand=associatedUsers")["associatedUsers"], SizeIs(3));
-  EXPECT_EQ(remove("users/1002/accounts/2001").status, 409) << "at home there";
-  EXPECT_EQ(remove("users/1005/accounts/2001").status, 204);
-  EXPECT_EQ(get("users/1005").status, 403);
-}
-
-TEST_F(Invitations, CancellingCallsBackEveryUnansweredVehicleInvitation) {
-  EXPECT_FALSE(read("users/1001/invitations?type=vehicle&filtered=PENDING").size() < 2);
-  EXPECT_EQ(remove("users/1001/vehicles/").status, 204);
-  const json left = read("users/1001/invitations?type=vehicle&filtered=PENDING");
-  ASSERT_THAT(left, SizeIs(1));
-  EXPECT_EQ(left[0]["toUser"]["userId"], "1001") << "those of others stay";
-  EXPECT_EQ(remove("users/1002/vehicles/").status, 403);
+  refuses(409, {"DELETE users/1002/accounts/2001"});  // at home there
 }
 
 TEST_F(Invitations, EveryStateAndTypeIsThereToSee) {
@@ -100,100 +73,78 @@ TEST_F(Invitations, EveryStateAndTypeIsThereToSee) {
   }
   EXPECT_THAT(states, UnorderedElementsAre("PENDING", "ACCEPTED", "DECLINED", "UNKNOWN",
                                            "ACCEPTED_ACKNOWLEDGED", "DECLINED_ACKNOWLEDGED"));
-  EXPECT_THAT(read("users/1001/invitations?type=account"), SizeIs(1));
   EXPECT_THAT(read("users/1001/invitations?type=leaderboard"), SizeIs(1));
-  for (const char* query :
-       {"", "?type=VEHICLE", "?type=vehicle&filtered=pending", "?type=vehicle&filtered="}) {
-    EXPECT_EQ(get(std::string{"users/1001/invitations"} + query).status, 400) << query;
-  }
-  EXPECT_EQ(get("users/1002/invitations?type=vehicle").status, 403);
 }
 
 TEST_F(Invitations, DraftsAreChecked) {
-  const auto with = [this](const char* name, const json& value) {
-    json body = draft();
-    value.is_null() ? static_cast<void>(body.erase(name)) : static_cast<void>(body[name] = value);
-    return send(body).status;
+  // A member that is null is left out.
+  const std::tuple<const char*, json, int> rows[] = {
+      {"toUserFirstName", nullptr, 400},
+      {"toUserEmail", nullptr, 400},  // nobody can be reached
+      {"vehicleIds", nullptr, 400},
+      {"vehicleIds", json::array({"3001"}), 400},  // ids are joined with commas
+      {"vehicleIds", "3001,9", 404},
+      {"vehicleIds", "3003", 403},
+      {"invitationType", "vehicle", 400},
+      {"fromUserId", "1002", 403},
+      {"message", "hello", 400},
+      {"vehicleIds", "3001,3006", 200},
   };
-  EXPECT_EQ(with("toUserFirstName", nullptr), 400);
-  EXPECT_EQ(with("toUserEmail", nullptr), 400) << "nobody can be reached";
-  EXPECT_EQ(with("vehicleIds", nullptr), 400);
-  EXPECT_EQ(with("vehicleIds", json::array({"3001"})), 400) << "ids are joined with commas";
-  EXPECT_EQ(with("vehicleIds", "3001,9"), 404);
-  EXPECT_EQ(with("vehicleIds", "3003"), 403);
-  EXPECT_EQ(with("invitationType", "vehicle"), 400);
-  EXPECT_EQ(with("fromUserId", "1002"), 403);
-  EXPECT_EQ(with("message", "hello"), 400);
+  for (const auto& [name, value, status] : rows) {
+    json body = draft();
+    body[name] = value;
+    if (value.is_null()) body.erase(name);
+    EXPECT_EQ(send(body).status, status) << name << ' ' << value;
+  }
   EXPECT_EQ(post("invitations", draft().dump(), "application/json").status, 400);
   EXPECT_EQ(post("invitations", draft().dump(), "text/plain").status, 415);
-  EXPECT_EQ(with("vehicleIds", "3001,3006"), 200);
 }
 
-class Enrolment : public SandboxTest {
- protected:
-  int activate(const std::string& id, const std::string& code, const std::string& more = "") {
-    return post("activation?activationId=" + id + "&activationCode=" + code +
-                "&email=nora@example.com" + more +
-                "&displayName=nora@example.com&phoneIdentifier=phone-7")
-        .status;
-  }
-};
+class Enrolment : public SandboxTest {};
 
 TEST_F(Enrolment, ACodeActivatesOnceAndOnlyItsOwner) {
-  EXPECT_EQ(activate("ACT-1007", "424242"), 403) << "Nora's, not Anna's";
+  const auto activation = [](const std::string& id, const std::string& code) {
+    return "POST activation?activationId=" + id + "&activationCode=" + code +
+           "&email=nora@example.com&displayName=nora@example.com&phoneIdentifier=phone-7";
+  };
+  const std::string good = activation("ACT-1007", "424242");
+  refuses(403, {good});  // Nora's, not Anna's
   actAs("1007");
+  refuses(400, {activation("ACT-1007", "")});
+  refuses(403, {activation("ACT-1007", "000000"), good + "&accountId=anna.keller"});
+  refuses(404, {activation("ACT-9", "424242")});
+  refuses(409, {activation("ACT-USED", "111111")});
   EXPECT_EQ(read("users/1007")["activated"], false);
-  EXPECT_EQ(activate("ACT-9", "424242"), 404);
-  EXPECT_EQ(activate("ACT-1007", "000000"), 403);
-  EXPECT_EQ(activate("ACT-USED", "111111"), 409);
-  EXPECT_EQ(activate("ACT-1007", "424242", "&accountId=anna.keller"), 403);
-  EXPECT_EQ(activate("ACT-1007", ""), 400);
-  EXPECT_EQ(read("users/1007")["activated"], false);
-  EXPECT_EQ(activate("ACT-1007", "424242", "&accountId=nora.frei"), 200);
-  const json user = read("users/1007");
-  EXPECT_EQ(user["activated"], true);
-  EXPECT_EQ(user["email"], "nora@example.com");
+  EXPECT_EQ(SandboxTest::send(good + "&accountId=nora.frei").status, 200);
+  EXPECT_EQ(read("users/1007")["email"], "nora@example.com");
   EXPECT_EQ(read("users/1007/devices/phone-7")["activeForDataCollection"], true);
-  EXPECT_EQ(activate("ACT-1007", "424242"), 409);
+  refuses(409, {good});
 }
 
 TEST_F(Enrolment, TermsAreAcceptedByTheOneFormPart) {
   actAs("1007");
   EXPECT_EQ(read("users/1007/eula")["acceptedTerms"], false);
+  refuses(415, {"POST users/1007/eula"});
   EXPECT_EQ(postForm("users/1007/eula", {{"acceptedTerms", "true", "", ""}}).status, 400);
-  EXPECT_EQ(post("users/1007/eula").status, 415);
   EXPECT_EQ(postForm("users/1001/eula", {{"acceptedTerms", "accept", "", ""}}).status, 403);
-  const Answer accepted = postForm("users/1007/eula", {{"acceptedTerms", "accept", "", ""}});
-  EXPECT_EQ(accepted.status, 204);
-  EXPECT_EQ(accepted.body, "");
-  EXPECT_EQ(read("users/1007")["acceptedTerms"], true);
+  EXPECT_EQ(postForm("users/1007/eula", {{"acceptedTerms", "accept", "", ""}}).status, 204);
   EXPECT_EQ(read("users/1007")["acceptedTermsDate"], parseTimestamp(fixedNow).value());
 }
 
 class Devices : public SandboxTest {};
 
 TEST_F(Devices, OnlyOnePhoneCollectsAndTokensComeAndGo) {
-  EXPECT_EQ(get("users/1001/devices/new").status, 404);
-  EXPECT_EQ(post("users/1001/devices/new?action=deactivate").status, 404);
-  const Answer activated = post("users/1001/devices/new?action=activateLimitOne");
-  EXPECT_EQ(activated.parsed()["activeForDataCollection"], true);
+  const std::string phone = "users/1001/devices/new";
+  refuses(404, {"GET " + phone, "POST " + phone + "?action=deactivate"});
+  EXPECT_EQ(post(phone + "?action=activateLimitOne").parsed()["activeForDataCollection"], true);
   EXPECT_EQ(read("users/1001/devices/phone-1001")["activeForDataCollection"], false);
   EXPECT_THAT(read("users/1001/devices"), SizeIs(3));
 
-  const Answer token = post("users/1001/devices/new?deviceToken=t%20%2B1&appId=1");
-  EXPECT_EQ(token.parsed()["pushNotificationToken"], "t +1");
-  EXPECT_EQ(token.parsed()["enablePushNotifications"], true);
-  const json without = post("users/1001/devices/new?deviceToken=&appId=1").parsed();
+  EXPECT_EQ(post(phone + "?deviceToken=t%20%2B1&appId=1").parsed()["pushNotificationToken"],
+            "t +1");
+  const json without = post(phone + "?deviceToken=&appId=1").parsed();
   EXPECT_EQ(without["enablePushNotifications"], false);
   EXPECT_FALSE(without.contains("pushNotificationToken"));
-  EXPECT_EQ(post("users/1001/devices/new?action=deactivate").parsed()["activeForDataCollection"],
-            false);
-
-  for (const char* query : {"", "?action=activate", "?deviceToken=t", "?deviceToken=t&appId=x",
-                            "?action=deactivate&deviceToken=t&appId=1", "?appId=1"}) {
-    EXPECT_EQ(post(std::string{"users/1001/devices/new"} + query).status, 400) << query;
-  }
-  EXPECT_EQ(get("users/1002/devices/phone-1002").status, 403);
 }
 
 class Policy : public SandboxTest {};
@@ -208,23 +159,34 @@ TEST_F(Policy, SubscriptionsOfEveryTypeAreThere) {
   }
   EXPECT_THAT(types,
               UnorderedElementsAre("Regular", "MileageOnly", "MileagePlus", "TryAndBuy", "aFNOL"));
-  actAs("1007");
-  EXPECT_EQ(read("users/1007/subscriptions"), json::array());
 }
 
 TEST_F(Policy, NamedDriversAreThePolicyHoldersToCorrect) {
-  EXPECT_THAT(read("namedDrivers"), SizeIs(3));
-  const Answer changed =
-      put("namedDrivers/1201?namedDriverEmail=otto+k@example.com&namedDriverPhone=");
-  ASSERT_EQ(changed.status, 200) << changed.body;
-  EXPECT_EQ(changed.parsed()["email"], "otto+k@example.com") << "a plus is a plus";
-  EXPECT_FALSE(changed.parsed().contains("phone"));
-  EXPECT_EQ(changed.parsed()["userId"], 1201) << "a number, unlike everywhere else";
-  EXPECT_EQ(read("namedDrivers")[2], changed.parsed());
-  EXPECT_EQ(put("namedDrivers/1201?namedDriverEmail=otto@example.com").status, 400);
-  EXPECT_EQ(put("namedDrivers/1201?namedDriverEmail=otto&namedDriverPhone=").status, 400);
-  EXPECT_EQ(put("namedDrivers/otto?namedDriverEmail=&namedDriverPhone=").status, 400);
-  EXPECT_EQ(put("namedDrivers/7?namedDriverEmail=&namedDriverPhone=").status, 404);
+  const json changed =
+      send("PUT namedDrivers/1201?namedDriverEmail=otto+k@example.com&namedDriverPhone=").parsed();
+  EXPECT_EQ(changed["email"], "otto+k@example.com") << "a plus is a plus";
+  EXPECT_FALSE(changed.contains("phone"));
+  EXPECT_EQ(changed["userId"], 1201) << "a number, unlike everywhere else";
+  EXPECT_EQ(read("namedDrivers")[2], changed);
+}
+
+class Refusals : public SandboxTest {};
+
+TEST_F(Refusals, OfWhatPeopleDo) {
+  const std::string invitations = "GET users/1001/invitations";
+  const std::string phone = "POST users/1001/devices/phone-1001";
+  const std::string driver = "PUT namedDrivers/";
+  refuses(400, {invitations, invitations + "?type=VEHICLE",
+                invitations + "?type=vehicle&filtered=pending",
+                invitations + "?type=vehicle&filtered=", phone, phone + "?action=activate",
+                phone + "?deviceToken=t", phone + "?deviceToken=t&appId=x",
+                phone + "?action=deactivate&deviceToken=t&appId=1", phone + "?appId=1",
+                driver + "1201?namedDriverEmail=otto@example.com",
+                driver + "1201?namedDriverEmail=otto&namedDriverPhone=",
+                driver + "otto?namedDriverEmail=&namedDriverPhone="});
+  refuses(403, {"GET users/1002/invitations?type=vehicle", "DELETE users/1002/vehicles/",
+                "GET users/1002/devices/phone-1002"});
+  refuses(404, {driver + "7?namedDriverEmail=&namedDriverPhone="});
 }
 
 }  // namespace

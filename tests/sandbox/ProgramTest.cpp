@@ -48,8 +48,8 @@ class Program {
 
 TEST(Program, TellsHowToReachItAndStopsWhenAsked) {
   const TemporaryFolder folder;
-  const std::string data = (folder.path() / "data").string();
-  const std::string ready = (folder.path() / "ready.json").string();
+  const std::string data = folder / "data";
+  const std::string ready = folder / "ready.json";
   Program program{"--data " + data + " --weeks 1 --now 2025-06-18 --ready-file " + ready};
   ASSERT_THAT(program.readLine(), HasSubstr("listening"));
   const json description = json::parse(std::ifstream{ready});
