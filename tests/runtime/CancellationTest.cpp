@@ -72,9 +72,7 @@ TEST(CancellationTest, EitherHandlesOrCancelsWhenBothAreTriedAtOnce) {
 
 TEST(CancellationTest, HoldsWhileAnswersArrive) {
   constexpr std::size_t count = 4'000;
-  const TestServer server([](ServerConnection& connection, const ReceivedRequest&) {
-    connection.answer(200, "answer");
-  });
+  const TestServer server(answering("answer"));
   const auto manager = managerWith({});
   std::deque<Fate> fates(count);
   std::atomic<int> late = 0;
@@ -98,17 +96,15 @@ TEST(CancellationTest, HoldsWhileAnswersArrive) {
 }
 
 TEST(CancellationTest, LetsGoOfTheHandlerAndStopsTheTransfer) {
-  std::promise<void> arrived;
   std::promise<void> closed;
   const TestServer server([&](ServerConnection& connection, const ReceivedRequest&) {
-    arrived.set_value();
     connection.waitUntilClosed();
     closed.set_value();
   });
   const auto manager = managerWith({});
   const Outcome<std::string> outcome;
   const RequestHandle request = manager->get(*URL::parse(server.url()), {}, outcome.handler());
-  arrived.get_future().wait();
+  server.waitForRequests(1);
   EXPECT_FALSE(request->isFinished());
 
   EXPECT_TRUE(request->cancel());
@@ -120,9 +116,7 @@ TEST(CancellationTest, LetsGoOfTheHandlerAndStopsTheTransfer) {
 }
 
 TEST(CancellationTest, ComesTooLateInsideTheHandler) {
-  const TestServer server([](ServerConnection& connection, const ReceivedRequest&) {
-    connection.answer(200, "answer");
-  });
+  const TestServer server(answering("answer"));
   const auto manager = managerWith({});
   std::promise<RequestHandle> self;
   std::promise<bool> cancelled;
@@ -139,20 +133,15 @@ TEST(CancellationTest, ComesTooLateInsideTheHandler) {
 
 // Handlers run on the transport's own thread and may do with it what they like.
 TEST(CancellationTest, WorksFromAnotherRequestsHandler) {
-  std::promise<void> arrived;
-  const TestServer server([&](ServerConnection& connection, const ReceivedRequest& request) {
-    if (request.target() == "/slow") {
-      arrived.set_value();
-      connection.waitUntilClosed();
-    } else {
-      connection.answer(200, request.target());
-    }
+  const TestServer server([](ServerConnection& connection, const ReceivedRequest& request) {
+    if (request.target() == "/slow") return connection.waitUntilClosed();
+    connection.answer(200, request.target());
   });
   const auto manager = managerWith({});
   const Outcome<std::string> slow;
   const RequestHandle slowRequest =
       manager->get(*URL::parse(server.url("/slow")), {}, slow.handler());
-  arrived.get_future().wait();
+  server.waitForRequests(1);
 
   std::promise<bool> cancelled;
   std::promise<Result<std::string>> next;

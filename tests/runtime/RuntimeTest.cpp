@@ -7,7 +7,6 @@
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Common/Stores.h>
 #include <Orvane/Core/OrvaneDetails.h>
-#include <Orvane/Core/UserIdentifier.h>
 #include <Orvane/Runtime.h>
 #include <Orvane/Services/User/UserService.h>
 #include <Orvane/Testing/Device.h>
@@ -17,7 +16,6 @@
 #include <gtest/gtest.h>
 
 #include <future>
-#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -27,35 +25,27 @@ namespace {
 using testing::ElementsAre;
 using testing::SizeIs;
 
-// Knows who has which token, refuses all others, and keeps what it was asked.
+// The bearer of a request.
+std::string tokenOf(const ReceivedRequest& request) {
+  return request.header("Authorization").substr(std::string_view("Bearer ").size());
+}
+
+// Takes a token for a name, and answers who has it.
 class Backend {
  public:
   [[nodiscard]] std::string url(std::string_view path = "") const { return server_.url(path); }
 
   [[nodiscard]] std::vector<std::string> targets() const {
-    const std::scoped_lock lock(mutex_);
-    return targets_;
+    std::vector<std::string> targets;
+    for (const ReceivedRequest& request : server_.requests()) targets.push_back(request.target());
+    return targets;
   }
 
  private:
-  void serve(ServerConnection& connection, const ReceivedRequest& request) {
-    {
-      const std::scoped_lock lock(mutex_);
-      targets_.push_back(request.target());
-    }
-    const std::size_t token = request.head.find("Authorization: Bearer ") + 22;
-    const std::string name = request.head.substr(token, request.head.find("\r\n", token) - token);
-    if (request.target() == "/base/kavra/api/sdk/identity") {
-      connection.answer(200, R"({"userId":"id-of-)" + name + "\"}");
-    } else {
-      connection.answer(200, R"({"userId":")" + name + "\"}");
-    }
-  }
-
-  mutable std::mutex mutex_;
-  std::vector<std::string> targets_;
-  const TestServer server_{[this](ServerConnection& connection, const ReceivedRequest& request) {
-    serve(connection, request);
+  const TestServer server_{[](ServerConnection& connection, const ReceivedRequest& request) {
+    const bool isLookup = request.target() == "/base/kavra/api/sdk/identity";
+    const std::string start = isLookup ? R"({"userId":"id-of-)" : R"({"userId":")";
+    connection.answer(200, start + tokenOf(request) + "\"}");
   }};
 };
 
@@ -96,20 +86,16 @@ TEST(RuntimeTest, ServesServices) {
 
 TEST(RuntimeTest, CorrectsAWrongClockOnce) {
   const MovableClock clock(dateFromSeconds(784111777 - 300));
-  std::vector<std::string> tokens;
-  const TestServer server([&](ServerConnection& connection, const ReceivedRequest& request) {
-    const std::size_t token = request.head.find("Bearer ") + 7;
-    tokens.push_back(request.head.substr(token, request.head.find("\r\n", token) - token));
-    if (tokens.size() == 1) {
-      connection.answer(401, "", "Date: Sun, 06 Nov 1994 08:49:37 GMT\r\n");
-    } else {
-      connection.answer(200, R"({"userId":"42"})");
-    }
+  const TestServer server([](ServerConnection& connection, const ReceivedRequest& request) {
+    if (tokenOf(request).ends_with("+300")) return connection.answer(200, R"({"userId":"42"})");
+    connection.answer(401, "", "Date: Sun, 06 Nov 1994 08:49:37 GMT\r\n");
   });
   const Runtime runtime = install({.baseURL = server.url(), .tokens = namedToken});
   const Identity identity = freshIdentity();
   EXPECT_TRUE(fetch(identity));
   EXPECT_TRUE(fetch(identity));
+  std::vector<std::string> tokens;
+  for (const ReceivedRequest& request : server.requests()) tokens.push_back(tokenOf(request));
   const std::string& name = identity.apiKey;
   EXPECT_THAT(tokens, ElementsAre(name, name + "+300", name + "+300", name + "+300"));
   EXPECT_TRUE(runtime.shutdown());
@@ -135,34 +121,6 @@ TEST(RuntimeTest, SigningOutForgetsThePerson) {
   EXPECT_EQ(fetch(phone).value()->id, "bob");
   EXPECT_EQ(backend.targets().back(), "/base/kavra/api/sdk/users/id-of-bob");
   EXPECT_TRUE(runtime.shutdown());
-}
-
-TEST(RuntimeTest, AsksAgainForAnIdentifierThatHasExpired) {
-  const Backend backend;
-  const auto manager = CurlRequestManager::make().value().value();
-  TimeMonitor::TimePoint now{};
-  CachedUserIdentifier identifier(
-      manager, std::make_shared<TimeMonitoringUserIDStore>(std::make_shared<IntervalTimeMonitor>(
-                   std::chrono::minutes(10), [&] { return now; })));
-  const Identity ann = freshIdentity();
-  const auto ask = [&] {
-    const auto answered = std::make_shared<RequestBox>();
-    Result<std::string> answer;
-    identifier.userID(ann, *URL::parse(backend.url("/base/kavra/api/sdk")),
-                      {{"Authorization", "Bearer ann"}}, [&](Result<std::string> result) {
-                        answer = std::move(result);
-                        answered->cancel();
-                      });
-    EXPECT_TRUE(finishes(answered));
-    return answer;
-  };
-  for (const std::size_t lookups : {1U, 1U}) {
-    EXPECT_EQ(ask(), std::string("id-of-ann"));
-    EXPECT_THAT(backend.targets(), SizeIs(lookups));
-  }
-  now += std::chrono::minutes(10);
-  EXPECT_EQ(ask(), std::string("id-of-ann"));
-  EXPECT_THAT(backend.targets(), SizeIs(2));
 }
 
 TEST(RuntimeTest, FindsTheBackendOfAnAPIKey) {
@@ -191,8 +149,9 @@ TEST(RuntimeTest, RefusesOptionsThatCannotWork) {
   struct Row {
     EndpointSource baseURL;
     TokenSource tokens;
-    std::string caFile;
-    std::string message;
+    const char* caFile;
+    const char* message;
+    const char* firmwareHost = "";
   };
   const std::string url = "https://backend.example";
   const std::vector<Row> rows = {
@@ -215,12 +174,15 @@ TEST(RuntimeTest, RefusesOptionsThatCannotWork) {
       {url, SelfSignedTokenResolver::make({.key = "short"}), "",
        "the key that signs tokens is shorter than 32 bytes"},
       {url, "token", "/no/such/file", "caFile can't be read: /no/such/file"},
+      {url, "token", "", "firmwareHost is no URL", "no host"},
   };
   const auto before = Container::common()->find<RequestManager>();
   for (const Row& row : rows) {
     const RecordingLogger logger;
-    const auto installed = Runtime::install(
-        {.baseURL = row.baseURL, .tokens = row.tokens, .transport = {.caFile = row.caFile}});
+    const auto installed = Runtime::install({.baseURL = row.baseURL,
+                                             .tokens = row.tokens,
+                                             .transport = {.caFile = row.caFile},
+                                             .firmwareHost = row.firmwareHost});
     EXPECT_EQ(installed.error()->message(), row.message);
     EXPECT_THAT(logger.lines(), SizeIs(1));
   }
@@ -230,8 +192,7 @@ TEST(RuntimeTest, RefusesOptionsThatCannotWork) {
 // An answer that nobody fetches would hang its call without a word: the transport's thread, which
 // has nothing else to do, says so after the queue's patience of five seconds.
 TEST(RuntimeTest, SaysThatNobodyDrainsTheMainQueue) {
-  const TestServer server(
-      [](ServerConnection& connection, const ReceivedRequest&) { connection.answer(200, "x"); });
+  const TestServer server(answering("x"));
   const auto manager = CurlRequestManager::make().value().value();
   std::promise<std::string> logged;
   const auto former = Logger::setShared(std::make_shared<FunctionLogger>(

@@ -18,38 +18,13 @@ using std::chrono_literals::operator""s;
 
 const Error shutDown = TransportError(TransportError::Kind::cancelled);
 
-// Tells when so many requests have arrived, and answers none of them.
-class SilentServer {
- public:
-  explicit SilentServer(int expected) : missing_(expected) {}
-
-  void waitForRequests() { all_.get_future().wait(); }
-  [[nodiscard]] std::string url() const { return server_.url(); }
-
- private:
-  std::atomic<int> missing_;
-  std::promise<void> all_;
-  const TestServer server_{[this](ServerConnection& connection, const ReceivedRequest&) {
-    if (--missing_ == 0) all_.set_value();
-    connection.waitUntilClosed();
-  }};
-};
-
-std::string echo(const ReceivedRequest& request) { return request.target(); }
-
-TestServer::Handler echoing() {
-  return [](ServerConnection& connection, const ReceivedRequest& request) {
-    connection.answer(200, echo(request));
-  };
-}
-
 TEST(ShutdownTest, AnswersWhatIsPending) {
-  SilentServer server(2);
+  const TestServer server(keepSilent);
   const auto manager = managerWith({.maximumConnectionsPerHost = 2});
   std::vector<std::future<Result<std::string>>> results;
   // The last ones wait for a connection.
   for (int i = 0; i < 5; ++i) results.push_back(start(*manager, Verb::post, server.url(), "x"));
-  server.waitForRequests();
+  server.waitForRequests(2);
   EXPECT_TRUE(manager->shutdown(30s));
   for (auto& result : results) {
     ASSERT_EQ(result.wait_for(0s), std::future_status::ready);
@@ -62,7 +37,7 @@ TEST(ShutdownTest, AnswersWhatIsPending) {
 TEST(ShutdownTest, NeedsNoRequestBefore) { EXPECT_TRUE(managerWith({})->shutdown(0ms)); }
 
 TEST(ShutdownTest, WaitsNoLongerThanItIsTold) {
-  const TestServer server(echoing());
+  const TestServer server(answering("/"));
   const auto manager = managerWith({});
   std::promise<void> entered;
   std::promise<void> gate;
@@ -79,7 +54,7 @@ TEST(ShutdownTest, WaitsNoLongerThanItIsTold) {
 }
 
 TEST(ShutdownTest, WorksFromAHandlerAndFromSeveralThreadsAtOnce) {
-  const TestServer server(echoing());
+  const TestServer server(answering("/"));
   const auto manager = managerWith({});
   std::promise<bool> inside;
   manager->get(*URL::parse(server.url()), {},
@@ -91,15 +66,15 @@ TEST(ShutdownTest, WorksFromAHandlerAndFromSeveralThreadsAtOnce) {
 }
 
 TEST(ShutdownTest, LetsAHandlerDropTheManager) {
-  const TestServer server(echoing());
+  const TestServer server(answering("/"));
   for (int i = 0; i < 20; ++i) {
     auto manager = managerWith({});
     CurlRequestManager& reference = *manager;
     std::promise<void> dropped;
     // Another request is pending when the manager goes.
-    SilentServer silent(1);
+    const TestServer silent(keepSilent);
     auto pending = start(reference, Verb::get, silent.url());
-    silent.waitForRequests();
+    silent.waitForRequests(1);
     reference.get(*URL::parse(server.url()), {},
                   [&dropped, last = std::move(manager)](Result<std::string> result) mutable {
                     EXPECT_EQ(result, std::string("/"));
@@ -112,21 +87,21 @@ TEST(ShutdownTest, LetsAHandlerDropTheManager) {
 }
 
 TEST(ShutdownTest, LetsCancellationDropTheManager) {
-  SilentServer server(1);
+  const TestServer server(keepSilent);
   auto manager = managerWith({});
   CurlRequestManager& reference = *manager;
   const RequestHandle request = reference.get(*URL::parse(server.url()), {},
                                               [last = std::move(manager)](Result<std::string>) {});
-  server.waitForRequests();
+  server.waitForRequests(1);
   EXPECT_TRUE(request->cancel());
 }
 
 TEST(ShutdownTest, HandlesOutliveTheManager) {
-  SilentServer server(1);
+  const TestServer server(keepSilent);
   const Outcome<std::string> outcome;
   auto manager = managerWith({});
   const RequestHandle request = manager->get(*URL::parse(server.url()), {}, outcome.handler());
-  server.waitForRequests();
+  server.waitForRequests(1);
   manager.reset();
   EXPECT_EQ(outcome.result(), shutDown);
   EXPECT_TRUE(request->isFinished());
@@ -135,7 +110,7 @@ TEST(ShutdownTest, HandlesOutliveTheManager) {
 
 // Threads that come and go with their managers, while requests are started and cancelled.
 TEST(ShutdownTest, MayComeAtAnyMoment) {
-  const TestServer server(echoing());
+  const TestServer server(answering("/"));
   for (int round = 0; round < 50; ++round) {
     auto manager = managerWith({});
     std::vector<std::future<Result<std::string>>> results;

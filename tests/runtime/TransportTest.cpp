@@ -3,15 +3,16 @@
 #include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/TestServer.h"
 #include <Orvane/Common/NetworkError.h>
-#include <Orvane/Runtime/TransportError.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <zlib.h>
 
 #include <algorithm>
+#include <map>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace orvane {
@@ -42,29 +43,6 @@ std::vector<std::string> headerLines(const ReceivedRequest& request) {
   return lines;
 }
 
-// Answers with 200 and keeps what it received.
-class Recorder {
- public:
-  [[nodiscard]] TestServer::Handler handler() {
-    return [this](ServerConnection& connection, const ReceivedRequest& request) {
-      {
-        const std::scoped_lock lock(mutex_);
-        requests_.push_back(request);
-      }
-      connection.answer(200, "ok");
-    };
-  }
-
-  [[nodiscard]] std::vector<ReceivedRequest> requests() const {
-    const std::scoped_lock lock(mutex_);
-    return requests_;
-  }
-
- private:
-  mutable std::mutex mutex_;
-  std::vector<ReceivedRequest> requests_;
-};
-
 std::string gzipped(const std::string& text) {
   z_stream stream{};
   deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY);
@@ -81,8 +59,7 @@ std::string gzipped(const std::string& text) {
 }
 
 TEST(TransportTest, SendsWhatItIsGivenAndNothingElse) {
-  Recorder recorder;
-  const TestServer server(recorder.handler());
+  const TestServer server(answering("ok"));
   const auto manager = managerWith({});
   const std::string large(std::size_t{2} << 20U, 'x');
 
@@ -124,7 +101,7 @@ TEST(TransportTest, SendsWhatItIsGivenAndNothingElse) {
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(wireText(row.verb)) + " " + row.target);
     EXPECT_EQ(await(*manager, row.verb, server.url(row.target), row.body, row.headers), ok);
-    const ReceivedRequest request = recorder.requests().back();
+    const ReceivedRequest request = server.requests().back();
     EXPECT_EQ(request.method(), wireText(row.verb));
     EXPECT_EQ(request.target(), row.target);
     EXPECT_EQ(headerLines(request), row.lines);
@@ -134,28 +111,21 @@ TEST(TransportTest, SendsWhatItIsGivenAndNothingElse) {
 }
 
 TEST(TransportTest, NamesItselfOnlyWhenAskedTo) {
-  Recorder recorder;
-  const TestServer server(recorder.handler());
+  const TestServer server(answering("ok"));
   EXPECT_TRUE(get(*managerWith({.userAgent = "Drive/2.1"}), server.url()));
-  EXPECT_THAT(headerLines(recorder.requests().back()), ElementsAre("User-Agent: Drive/2.1"));
+  EXPECT_THAT(headerLines(server.requests().back()), ElementsAre("User-Agent: Drive/2.1"));
 }
 
 TEST(TransportTest, NeverSendsWhatIsMalformed) {
-  Recorder recorder;
-  const TestServer server(recorder.handler());
+  const TestServer server(answering("ok"));
   const auto manager = managerWith({});
 
-  struct Row {
-    std::string url;
-    Headers headers;
-    Error error;
-  };
   const Error malformed = NetworkError::malformedRequest;
   const Error insecure = TransportError(Kind::insecure, "it must be https");
   const Error plain =
       TransportError(Kind::insecure, "http is for this machine only, unless the options allow it");
   const std::string good = server.url();
-  const std::vector<Row> rows = {
+  const std::tuple<std::string, Headers, Error> rows[] = {
       {good, {{"", "x"}}, malformed},
       {good, {{"X Y", "x"}}, malformed},
       {good, {{"X:", "x"}}, malformed},
@@ -181,16 +151,15 @@ TEST(TransportTest, NeverSendsWhatIsMalformed) {
       {"http://[::2]/", {}, plain},
       {"http://0.0.0.0/", {}, plain},
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.url + testing::PrintToString(row.headers));
-    EXPECT_EQ(await(*manager, Verb::post, row.url, "body", row.headers), row.error);
+  for (const auto& [url, headers, error] : rows) {
+    SCOPED_TRACE(url + testing::PrintToString(headers));
+    EXPECT_EQ(await(*manager, Verb::post, url, "body", headers), error);
   }
-  EXPECT_TRUE(recorder.requests().empty());
+  EXPECT_TRUE(server.requests().empty());
 }
 
 TEST(TransportTest, SpeaksPlainHTTPToThisMachineWithoutAProxy) {
-  Recorder recorder;
-  const TestServer server(recorder.handler());
+  const TestServer server(answering("ok"));
   // Nobody listens on the proxy's port.
   const auto manager = managerWith({.proxy = "http://127.0.0.1:1"});
   for (const std::string host : {"127.0.0.1", "localhost", "LOCALHOST", "some.localhost"}) {
@@ -198,22 +167,16 @@ TEST(TransportTest, SpeaksPlainHTTPToThisMachineWithoutAProxy) {
         << host;
   }
   const auto open = managerWith({.allowsPlainHTTP = true, .proxy = "http://127.0.0.1:1"});
-  const auto elsewhere = get(*open, "http://backend.example/");
-  EXPECT_EQ(elsewhere.error()->as<TransportError>()->kind(), Kind::connection)
+  EXPECT_EQ(kindOf(get(*open, "http://backend.example/")), Kind::connection)
       << "only the proxy may be asked for other hosts";
 }
 
 TEST(TransportTest, AnswersRefusalsWithStatusAndServerClock) {
   constexpr Date date = dateFromSeconds(784111777);
-  struct Row {
-    int status;
-    std::string headers;
-    Result<std::string> outcome;
-  };
   const auto refused = [](int status, std::optional<Date> serverDate = {}) {
     return Error(NetworkError::invalidStatusCode(status, serverDate));
   };
-  const std::vector<Row> rows = {
+  const std::vector<std::tuple<int, std::string, Result<std::string>>> rows = {
       {200, "", std::string("body")},
       {201, "Date: Sun, 06 Nov 1994 08:49:37 GMT\r\n", std::string("body")},
       {299, "", std::string("body")},
@@ -231,56 +194,50 @@ TEST(TransportTest, AnswersRefusalsWithStatusAndServerClock) {
       {999, "", refused(999)},
   };
   std::atomic<std::size_t> row = 0;
-  std::atomic<std::size_t> count = 0;
   const TestServer server([&](ServerConnection& connection, const ReceivedRequest&) {
-    ++count;
-    connection.answer(rows[row].status, "body", rows[row].headers);
+    const auto& [status, headers, outcome] = rows[row];
+    connection.answer(status, "body", headers);
   });
   const auto manager = managerWith({});
   for (row = 0; row < rows.size(); ++row) {
-    SCOPED_TRACE(std::to_string(rows[row].status) + " " + rows[row].headers);
-    EXPECT_EQ(get(*manager, server.url()), rows[row].outcome);
+    const auto& [status, headers, outcome] = rows[row];
+    SCOPED_TRACE(std::to_string(status) + " " + headers);
+    EXPECT_EQ(get(*manager, server.url()), outcome);
   }
-  EXPECT_EQ(count, rows.size()) << "nothing is to be asked twice, nor elsewhere";
+  EXPECT_EQ(server.requests().size(), rows.size()) << "nothing is to be asked twice, nor elsewhere";
 }
 
 TEST(TransportTest, ReadsEveryFormOfAnswer) {
   const std::string text = "some text that is worth compressing, worth compressing";
   const std::string packed = gzipped(text);
-  struct Row {
-    std::string name;
-    std::string answer;
-    std::string body;
-  };
-  const std::vector<Row> rows = {
-      {"empty", "HTTP/1.1 204 No Content\r\n\r\n", ""},
-      {"length", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc", "abc"},
-      {"chunks",
-       "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n2\r\nde\r\n0\r\n\r\n",
+  // What is sent, and the body that it holds.
+  const std::vector<std::pair<std::string, std::string>> rows = {
+      {"HTTP/1.1 204 No Content\r\n\r\n", ""},
+      {"HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc", "abc"},
+      {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n2\r\nde\r\n0\r\n\r\n",
        "abcde"},
-      {"interim",
-       "HTTP/1.1 103 Early Hints\r\nLink: </x>\r\n\r\nHTTP/1.1 200 OK\r\nContent-Length: "
+      {"HTTP/1.1 103 Early Hints\r\nLink: </x>\r\n\r\nHTTP/1.1 200 OK\r\nContent-Length: "
        "1\r\n\r\nx",
        "x"},
-      {"compressed",
-       "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: " +
+      {"HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: " +
            std::to_string(packed.size()) + "\r\n\r\n" + packed,
        text},
-      {"until the end", "HTTP/1.1 200 OK\r\n\r\nall of it", "all of it"},
+      {"HTTP/1.1 200 OK\r\n\r\nall of it", "all of it"},  // until the connection ends
   };
   const TestServer server([&](ServerConnection& connection, const ReceivedRequest& request) {
-    const Row& row = rows[std::stoul(request.target().substr(1))];
-    connection.send(row.answer);
-    if (row.name == "until the end") connection.cut();
+    const std::size_t row = std::stoul(request.target().substr(1));
+    connection.send(rows[row].first);
+    if (row + 1 == rows.size()) connection.cut();
   });
   const auto manager = managerWith({});
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    SCOPED_TRACE(rows[i].name);
-    const auto result = get(*manager, server.url("/" + std::to_string(i)));
-    EXPECT_EQ(result, rows[i].body);
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    const auto& [answer, body] = rows[row];
+    SCOPED_TRACE(answer);
+    const auto result = get(*manager, server.url("/" + std::to_string(row)));
+    EXPECT_EQ(result, body);
     // Room for the parser, so that decoding copies nothing.
-    if (rows[i].body.empty()) continue;
-    EXPECT_GE(result.value()->capacity(), rows[i].body.size() + 64);
+    if (body.empty()) continue;
+    EXPECT_GE(result.value()->capacity(), body.size() + 64);
   }
 }
 
@@ -320,35 +277,24 @@ TEST(TransportTest, TellsFailuresApart) {
   const Authority authority;
   const Authority unknown;
   const auto handler = [](ServerConnection& connection, const ReceivedRequest& request) {
+    // Sent before the connection is cut.
+    const std::map<std::string, const char*> answers = {
+        {"/nothing", ""},
+        {"/short", "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc"},
+        {"/short-chunk", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n9\r\nabc"},
+        {"/short-refusal", "HTTP/1.1 403 Forbidden\r\nContent-Length: 9\r\n\r\nabc"},
+        {"/garbage", "what is this\r\n\r\n"},
+        {"/encoding", "HTTP/1.1 200 OK\r\nContent-Encoding: sloth\r\nContent-Length: 3\r\n\r\nabc"},
+        {"/endless-refusal", "HTTP/1.1 403 Forbidden\r\n\r\n"},
+    };
     const std::string target = request.target().substr(0, request.target().find('?'));
-    if (target == "/nothing") return connection.cut();
-    if (target == "/short") {
-      connection.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc");
-      return connection.cut();
+    const auto answer = answers.find(target);
+    if (answer == answers.end()) return connection.waitUntilClosed();
+    connection.send(answer->second);
+    const std::string bytes(65536, 'x');
+    while (target == "/endless-refusal" && connection.send(bytes)) {
     }
-    if (target == "/short-chunk") {
-      connection.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n9\r\nabc");
-      return connection.cut();
-    }
-    if (target == "/short-refusal") {
-      connection.send("HTTP/1.1 403 Forbidden\r\nContent-Length: 9\r\n\r\nabc");
-      return connection.cut();
-    }
-    if (target == "/endless-refusal") {
-      connection.send("HTTP/1.1 403 Forbidden\r\n\r\n");
-      const std::string bytes(65536, 'x');
-      while (connection.send(bytes)) {
-      }
-      return;
-    }
-    if (target == "/garbage") {
-      connection.send("what is this\r\n\r\n");
-      return connection.cut();
-    }
-    if (target == "/encoding") {
-      return connection.answer(200, "abc", "Content-Encoding: sloth\r\n");
-    }
-    connection.waitUntilClosed();
+    connection.cut();
   };
   const TestServer good(handler, authority.issue({}));
   const TestServer expired(handler, authority.issue({.expiresIn = -3600}));
@@ -357,25 +303,14 @@ TEST(TransportTest, TellsFailuresApart) {
   const TestServer plain(handler);  // mute for who speaks TLS
   const std::string port = std::to_string(plain.port());
 
-  TransportOptions impatient;
-  impatient.connectTimeout = std::chrono::milliseconds(100);
-  impatient.caPEM = authority.pem();
-  TransportOptions hurried;
-  hurried.totalTimeout = std::chrono::milliseconds(100);
-  hurried.caPEM = authority.pem();
-  TransportOptions restless;
-  restless.idleTimeout = std::chrono::seconds(1);
-  restless.caPEM = authority.pem();
-  const TransportOptions usual = {.caPEM = authority.pem()};
+  using std::chrono_literals::operator""ms;
+  const TransportOptions usual{.caPEM = authority.pem()};
+  const TransportOptions impatient{.connectTimeout = 100ms, .caPEM = authority.pem()};
+  const TransportOptions hurried{.totalTimeout = 100ms, .caPEM = authority.pem()};
+  const TransportOptions restless{.idleTimeout = std::chrono::seconds(1), .caPEM = authority.pem()};
 
-  struct Row {
-    std::string url;
-    TransportOptions options;
-    std::optional<Kind> kind;
-    Error refusal = NetworkError::unknown;
-  };
-  const Error forbidden = NetworkError::invalidStatusCode(403);
-  const std::vector<Row> rows = {
+  // Without a kind it is the refusal.
+  const std::tuple<std::string, TransportOptions, std::optional<Kind>> rows[] = {
       // Longer than a label may be (RFC 1035), so that no name server is asked.
       {"https://" + std::string(64, 'x') + ".example/", usual, Kind::nameLookup},
       {"https://127.0.0.1:1/", usual, Kind::connection},
@@ -391,29 +326,20 @@ TEST(TransportTest, TellsFailuresApart) {
       {good.url("/short-chunk"), usual, Kind::cutOff},
       {good.url("/garbage"), usual, Kind::protocol},
       {good.url("/encoding"), usual, Kind::protocol},
-      {good.url("/short-refusal"), usual, {}, forbidden},
-      {good.url("/endless-refusal"), usual, {}, forbidden},
+      {good.url("/short-refusal"), usual, {}},
+      {good.url("/endless-refusal"), usual, {}},
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.url);
-    const auto result = get(*managerWith(row.options), row.url + "?q=hidden");
+  for (const auto& [url, options, kind] : rows) {
+    SCOPED_TRACE(url);
+    const auto result = get(*managerWith(options), url + "?q=hidden");
     ASSERT_TRUE(result.error());
-    if (row.kind) {
-      const auto* error = result.error()->as<TransportError>();
-      ASSERT_NE(error, nullptr) << result.error()->message();
-      EXPECT_EQ(error->kind(), *row.kind) << error->message();
-      EXPECT_THAT(error->message(), AllOf(HasSubstr(": "), Not(HasSubstr("hidden"))));
+    EXPECT_EQ(kindOf(result), kind);
+    if (!kind) {
+      EXPECT_EQ(result.error(), NetworkError::invalidStatusCode(403));
     } else {
-      EXPECT_EQ(*result.error(), row.refusal);
+      EXPECT_THAT(result.error()->message(), AllOf(HasSubstr(": "), Not(HasSubstr("hidden"))));
     }
   }
-}
-
-TEST(TransportTest, TrustsTheGivenAuthority) {
-  const Authority authority;
-  Recorder recorder;
-  const TestServer server(recorder.handler(), authority.issue({}));
-  EXPECT_EQ(get(*managerWith({.caPEM = authority.pem()}), server.url()), ok);
 }
 
 // Requests that wait for a connection are not yet connecting: only the total time-out is theirs.
@@ -431,7 +357,7 @@ TEST(TransportTest, SharesAFewConnectionsPatiently) {
   for (int i = 0; i < 20; ++i) results.push_back(start(*manager, Verb::get, server.url()));
   // Ends when the connect time-out has run out for all of them, too.
   const auto late = get(*manager, "https://127.0.0.1:" + std::to_string(mute.port()) + "/");
-  ASSERT_EQ(late.error()->as<TransportError>()->kind(), Kind::timeOut);
+  ASSERT_EQ(kindOf(late), Kind::timeOut);
   gate.set_value();
   for (auto& result : results) EXPECT_EQ(result.get(), ok);
   EXPECT_EQ(server.connectionCount(), 2U);
@@ -439,33 +365,28 @@ TEST(TransportTest, SharesAFewConnectionsPatiently) {
 
 // The wait for a connection counts as well.
 TEST(TransportTest, LetsNoRequestWaitBeyondItsTime) {
-  const TestServer server(
-      [](ServerConnection& connection, const ReceivedRequest&) { connection.waitUntilClosed(); });
+  const TestServer server(keepSilent);
   const auto manager = managerWith({.idleTimeout = std::chrono::seconds(0),
                                     .totalTimeout = std::chrono::milliseconds(200),
                                     .maximumConnectionsPerHost = 1});
   std::vector<std::future<Result<std::string>>> results;
   for (int i = 0; i < 5; ++i) results.push_back(start(*manager, Verb::get, server.url()));
-  for (auto& result : results) {
-    EXPECT_EQ(result.get().error()->as<TransportError>()->kind(), Kind::timeOut);
-  }
+  for (auto& result : results) EXPECT_EQ(kindOf(result.get()), Kind::timeOut);
 }
 
 TEST(TransportTest, LetsNoRequestWaitForASlowAnswer) {
   const Authority authority;
   for (const bool isEncrypted : {false, true}) {
     SCOPED_TRACE(isEncrypted ? "https" : "http");
-    std::promise<void> arrived;
     const TestServer server(
-        [&](ServerConnection& connection, const ReceivedRequest& request) {
+        [](ServerConnection& connection, const ReceivedRequest& request) {
           if (request.target() == "/quick") return connection.answer(200, "ok");
-          arrived.set_value();
           connection.waitUntilClosed();
         },
         isEncrypted ? std::optional(authority.issue({})) : std::nullopt);
     const auto manager = managerWith({.caPEM = authority.pem()});
     auto slow = start(*manager, Verb::get, server.url("/slow"));
-    arrived.get_future().wait();
+    server.waitForRequests(1);
     EXPECT_EQ(get(*manager, server.url("/quick")), ok);
     EXPECT_TRUE(manager->shutdown());
     EXPECT_EQ(slow.get(), Error(TransportError(Kind::cancelled)));
@@ -473,19 +394,15 @@ TEST(TransportTest, LetsNoRequestWaitForASlowAnswer) {
 }
 
 TEST(TransportTest, RefusesOptionsThatCannotWork) {
-  struct Row {
-    TransportOptions options;
-    std::string message;
-  };
-  const std::vector<Row> rows = {
+  const std::pair<TransportOptions, const char*> rows[] = {
       {{.connectTimeout = std::chrono::milliseconds(-1)}, "a time-out is negative"},
       {{.caFile = "/no/such/file"}, "caFile can't be read: /no/such/file"},
       {{.caFile = "/dev/null"}, "caFile holds no certificate: /dev/null"},
       {{.caPEM = "no certificate"}, "caPEM holds no certificate"},
       {{.caFile = "/dev/null", .caPEM = "x"}, "caFile and caPEM exclude one another"},
   };
-  for (const Row& row : rows) {
-    EXPECT_EQ(CurlRequestManager::make(row.options).error()->message(), row.message);
+  for (const auto& [options, message] : rows) {
+    EXPECT_EQ(CurlRequestManager::make(options).error()->message(), message);
   }
 }
 

@@ -5,10 +5,12 @@
 #include "tests/support/Printing.h"
 #include <Orvane/Common/RequestManager.h>
 #include <Orvane/Runtime/CurlRequestManager.h>
+#include <Orvane/Runtime/TransportError.h>
 
 #include <chrono>
 #include <future>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -39,6 +41,14 @@ namespace orvane {
                                                const std::string& url, std::string body = {},
                                                Headers headers = {}) {
   return start(manager, verb, url, std::move(body), std::move(headers)).get();
+}
+
+/// The kind of a transport's failure; absent for other errors, and for none.
+template <class T>
+[[nodiscard]] std::optional<TransportError::Kind> kindOf(const Result<T>& result) {
+  const auto* error = result.error() ? result.error()->template as<TransportError>() : nullptr;
+  if (error == nullptr) return std::nullopt;
+  return error->kind();
 }
 
 [[nodiscard]] inline Result<std::string> get(RequestManager& manager, const std::string& url) {

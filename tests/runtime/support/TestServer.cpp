@@ -50,6 +50,14 @@ std::string ReceivedRequest::word(int place) const {
   return word;
 }
 
+std::string ReceivedRequest::header(const std::string& name) const {
+  const std::string start = "\r\n" + name + ": ";
+  const std::size_t place = head.find(start);
+  if (place == std::string::npos) return {};
+  const std::size_t value = place + start.size();
+  return head.substr(value, head.find('\r', value) - value);
+}
+
 ServerConnection::ServerConnection(int socket, SSL_CTX* context)
     : socket_(socket), tls_(context != nullptr ? SSL_new(context) : nullptr, &SSL_free) {
   const int on = 1;
@@ -157,6 +165,16 @@ std::size_t TestServer::connectionCount() const {
   return connections_.size();
 }
 
+std::vector<ReceivedRequest> TestServer::requests() const {
+  const std::scoped_lock lock(mutex_);
+  return requests_;
+}
+
+void TestServer::waitForRequests(std::size_t count) const {
+  std::unique_lock lock(mutex_);
+  arrived_.wait(lock, [&] { return requests_.size() >= count; });
+}
+
 void TestServer::accept() {
   while (true) {
     const int socket = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
@@ -176,9 +194,20 @@ void TestServer::serve(ServerConnection& connection, std::size_t number) {
   ignoreBrokenPipes();
   while (auto request = connection.receive()) {
     request->connection = number;
+    {
+      const std::scoped_lock lock(mutex_);
+      requests_.push_back(*request);
+    }
+    arrived_.notify_all();
     handler_(connection, *request);
   }
   connection.cut();
+}
+
+TestServer::Handler answering(std::string body) {
+  return [body = std::move(body)](ServerConnection& connection, const ReceivedRequest&) {
+    connection.answer(200, body);
+  };
 }
 
 }  // namespace orvane

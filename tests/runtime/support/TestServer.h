@@ -4,6 +4,7 @@
 
 #include "tests/runtime/support/Certificates.h"
 
+#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -31,6 +32,8 @@ struct ReceivedRequest {
 
   [[nodiscard]] std::string method() const { return word(0); }
   [[nodiscard]] std::string target() const { return word(1); }
+  /// Empty when it was not sent. `name` as it was written.
+  [[nodiscard]] std::string header(const std::string& name) const;
 
  private:
   [[nodiscard]] std::string word(int place) const;
@@ -84,6 +87,10 @@ class TestServer {
   [[nodiscard]] std::string url(std::string_view target = "/") const;
   [[nodiscard]] std::uint16_t port() const noexcept { return port_; }
   [[nodiscard]] std::size_t connectionCount() const;
+  /// What has come in, in the order of arrival.
+  [[nodiscard]] std::vector<ReceivedRequest> requests() const;
+  /// Waits until so many requests have come in.
+  void waitForRequests(std::size_t count) const;
 
  private:
   void accept();
@@ -95,9 +102,19 @@ class TestServer {
   std::uint16_t port_ = 0;
   mutable std::mutex mutex_;
   bool isStopping_ = false;
+  mutable std::condition_variable arrived_;
+  std::vector<ReceivedRequest> requests_;
   std::vector<std::shared_ptr<ServerConnection>> connections_;
   std::vector<std::thread> threads_;
   std::thread acceptor_;
 };
+
+/// Answers every request with 200 and `body`.
+[[nodiscard]] TestServer::Handler answering(std::string body);
+
+/// Answers nothing.
+inline void keepSilent(ServerConnection& connection, const ReceivedRequest&) {
+  connection.waitUntilClosed();
+}
 
 }  // namespace orvane
