@@ -9,6 +9,7 @@
 #include <cmath>
 #include <limits>
 #include <regex>
+#include <tuple>
 
 namespace orvane::cli {
 namespace {
@@ -33,12 +34,7 @@ std::string labelsOf(const std::optional<ValueAxis>& axis) {
 
 TEST(ChartAxesTest, ValuesAreRound) {
   constexpr Usual percent = std::pair(0.0, 100.0);
-  struct Row {
-    std::vector<double> values;
-    Usual usual;
-    std::string labels;
-  };
-  const Row rows[] = {
+  const std::tuple<std::vector<double>, Usual, const char*> rows[] = {
       {{81.3, 97.6}, percent, "80 85 90 95 100 "},
       {{0, 100}, percent, "0 50 100 "},
       {{88}, percent, "80 85 90 95 "},
@@ -55,9 +51,8 @@ TEST(ChartAxesTest, ValuesAreRound) {
       {{largest}, {}, "none"},
       {{5e-324}, {}, "none"},
   };
-  for (const Row& row : rows) {
-    EXPECT_EQ(labelsOf(valueAxis(row.values, 4, row.usual)), row.labels)
-        << testing::PrintToString(row.values);
+  for (const auto& [values, usual, labels] : rows) {
+    EXPECT_EQ(labelsOf(valueAxis(values, 4, usual)), labels) << testing::PrintToString(values);
   }
 }
 
@@ -77,30 +72,25 @@ TEST(ChartAxesTest, EveryValueLiesOnItsAxis) {
 }
 
 TEST(ChartAxesTest, DaysAreThoseThatPeopleLookAt) {
-  struct Row {
-    sys_days first;
-    int days;
-    std::size_t most;
-    std::string labels;
+  constexpr std::size_t most = 5;
+  const std::tuple<sys_days, int, std::string> rows[] = {
+      {start, 1, "11 May "},
+      {start, 5, "11 May 12 May 13 May 14 May 15 May "},
+      {start, 6, "11 May 13 May 15 May "},
+      {start, 31, "13 May 20 May 27 May 3 Jun 10 Jun "},
+      {start, 62, "13 May 27 May 10 Jun 24 Jun 8 Jul "},
+      {start, 120, "Jun Jul Aug Sep "},
+      {start, 366, "Jul Oct 2025 Apr "},
+      {2023y / 1 / 1, 366, "2023 Apr Jul Oct 2024 "},
+      {1961y / 7 / 2, 9000, "1965 1970 1975 1980 1985 "},
+      {1y / 1 / 1, 3652000, "5000 "},
+      {1960y / 1 / 1, 31, "4 Jan 11 Jan 18 Jan 25 Jan "},
   };
-  const Row rows[] = {
-      {start, 1, 5, "11 May "},
-      {start, 5, 5, "11 May 12 May 13 May 14 May 15 May "},
-      {start, 6, 5, "11 May 13 May 15 May "},
-      {start, 31, 5, "13 May 20 May 27 May 3 Jun 10 Jun "},
-      {start, 62, 5, "13 May 27 May 10 Jun 24 Jun 8 Jul "},
-      {start, 120, 5, "Jun Jul Aug Sep "},
-      {start, 366, 5, "Jul Oct 2025 Apr "},
-      {2023y / 1 / 1, 366, 5, "2023 Apr Jul Oct 2024 "},
-      {1961y / 7 / 2, 9000, 5, "1965 1970 1975 1980 1985 "},
-      {1y / 1 / 1, 3652000, 5, "5000 "},
-      {1960y / 1 / 1, 31, 5, "4 Jan 11 Jan 18 Jan 25 Jan "},
-  };
-  for (const Row& row : rows) {
+  for (const auto& [first, count, expected] : rows) {
+    const auto ticks = dayTicks(first, first + days(count - 1), most);
     std::string labels;
-    const auto ticks = dayTicks(row.first, row.first + days(row.days - 1), row.most);
     for (const DayTick& tick : ticks) labels += tick.label + " ";
-    EXPECT_EQ(labels, ticks.size() > row.most ? "too many" : row.labels) << row.days;
+    EXPECT_EQ(labels, ticks.size() > most ? "too many" : expected) << count;
   }
 }
 

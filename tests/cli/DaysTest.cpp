@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace orvane::cli {
 namespace {
 
@@ -17,12 +19,7 @@ class DaysTest : public testing::Test {
 };
 
 TEST_F(DaysTest, NoonIsTheDevices) {
-  struct Row {
-    std::string zone;
-    DateComponents day;
-    double seconds;
-  };
-  const Row rows[] = {
+  const std::tuple<std::string, DateComponents, double> rows[] = {
       {"UTC", {1970, 1, 1}, 43200},
       {"Asia/Kolkata", {1970, 1, 2}, 86400 + 43200 - 19800},
       {"Pacific/Kiritimati", {2024, 5, 17}, 1715896800},  // UTC+14
@@ -31,29 +28,24 @@ TEST_F(DaysTest, NoonIsTheDevices) {
       {"Pacific/Auckland", {2024, 9, 29}, 1727564400},    // the same, at noon before by UTC
       {"America/New_York", {1900, 1, 1}, -2208927600},
   };
-  for (const Row& row : rows) {
-    DeviceSettings::set({.timeZone = row.zone});
-    EXPECT_EQ(secondsSince1970(noonOf(row.day)), row.seconds) << row.zone;
+  for (const auto& [zone, day, seconds] : rows) {
+    DeviceSettings::set({.timeZone = zone});
+    EXPECT_EQ(secondsSince1970(noonOf(day)), seconds) << zone;
   }
 }
 
 TEST_F(DaysTest, TheNextTimeOfDay) {
   DeviceSettings::set({.timeZone = "Europe/Zurich"});
-  struct Row {
-    TimeOfDay time;
-    double seconds;
-  };
   // 2024-03-30 23:00 in Zurich; at 2:00 the clock is put forward to 3:00.
   DeviceClock::setSource([] { return dateFromSeconds(1711836000); });
-  const Row rows[] = {
+  const std::pair<TimeOfDay, double> rows[] = {
       {{23, 0}, 1711836000},
       {{22, 30}, 1711917000},
       {{6, 5}, 1711857900},
       {{2, 30}, 1711931400},  // on the day after the next: the next has no such time
   };
-  for (const Row& row : rows) {
-    EXPECT_EQ(secondsSince1970(next(row.time)), row.seconds)
-        << row.time.hour << ":" << row.time.minute;
+  for (const auto& [time, seconds] : rows) {
+    EXPECT_EQ(secondsSince1970(next(time)), seconds) << time.hour << ":" << time.minute;
   }
 }
 

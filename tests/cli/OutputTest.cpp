@@ -18,11 +18,7 @@ namespace orvane::cli {
 namespace {
 
 TEST(TextTest, ShowsWhatWouldSteerATerminal) {
-  struct Row {
-    std::string text;
-    std::string shown;
-  };
-  const Row rows[] = {
+  const std::pair<std::string, const char*> rows[] = {
       {"", ""},
       {"plain, Zürich – 测试 😀", "plain, Zürich – 测试 😀"},
       {"\x1b[2J", "\\x1b[2J"},
@@ -34,7 +30,7 @@ TEST(TextTest, ShowsWhatWouldSteerATerminal) {
       {"\xed\xa0\x80", "\uFFFD\uFFFD\uFFFD"},  // half of a surrogate pair
       {"\xf0\x9f\x98", "\uFFFD\uFFFD\uFFFD"},  // cut short
   };
-  for (const Row& row : rows) EXPECT_EQ(visible(row.text), row.shown);
+  for (const auto& [text, shown] : rows) EXPECT_EQ(visible(text), shown);
 }
 
 TEST(TextTest, WritesJSON) {
@@ -82,11 +78,7 @@ TEST(TextTest, TimesWhateverTheBackendSends) {
 
 TEST(TextTest, TimesOfATripAreThoseOfItsPlace) {
   DeviceSettings::set({.timeZone = "America/New_York"});
-  struct Row {
-    std::optional<TimeZone> zone;
-    std::string shown;
-  };
-  const Row rows[] = {
+  const std::pair<std::optional<TimeZone>, std::string> rows[] = {
       {TimeZone::fromSeconds(19800), "2017-07-14 08:10:00 +05:30"},
       {TimeZone::fromSeconds(-12600), "2017-07-13 23:10:00 -03:30"},
       {TimeZone::fromSeconds(-1800), "2017-07-14 02:10:00 -00:30"},
@@ -94,10 +86,10 @@ TEST(TextTest, TimesOfATripAreThoseOfItsPlace) {
       {std::nullopt, "2017-07-13 22:40:00 -04:00"},
   };
   const Date date = dateFromSeconds(1500000000);
-  for (const Row& row : rows) {
-    EXPECT_EQ(localTime(date, row.zone), row.shown);
-    EXPECT_EQ(localMinute(date, row.zone), row.shown.substr(0, 16));
-    EXPECT_EQ(localTimeOfDay(date, row.zone), row.shown.substr(11, 8));
+  for (const auto& [zone, shown] : rows) {
+    EXPECT_EQ(localTime(date, zone), shown);
+    EXPECT_EQ(localMinute(date, zone), shown.substr(0, 16));
+    EXPECT_EQ(localTimeOfDay(date, zone), shown.substr(11, 8));
   }
   EXPECT_EQ(localMinute(dateFromSeconds(1e18), std::nullopt), "1000000000000000000 s after 1970");
   DeviceSettings::set({});
@@ -209,11 +201,8 @@ TEST(OutputTest, TablesThatAreTooWide) {
             "started\tdistance\tscore\tpurpose\n"
             "2017-07-14 04:40\t123456.7 km\t\ta long text\n"
             "\t\t\t\n");
-  EXPECT_EQ(printed({.format = OutputStyle::Format::table},
-                    [](Output& output) {
-                      output.table(Table{"id", "mode"});
-                    }),
-            "id  mode\n");
+  const auto empty = [](Output& output) { output.table(Table{"id", "mode"}); };
+  EXPECT_EQ(printed({.format = OutputStyle::Format::table}, empty), "id  mode\n");
   DeviceSettings::set({});
 }
 

@@ -5,18 +5,14 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <tuple>
 
 namespace orvane::cli {
 namespace {
 
 TEST(ProgressTest, FitsItsLine) {
   constexpr auto most = std::numeric_limits<std::int64_t>::max();
-  struct Row {
-    DownloadProgress progress;
-    std::size_t columns;
-    const char* line;
-  };
-  const Row rows[] = {
+  const std::tuple<DownloadProgress, std::size_t, const char*> rows[] = {
       {{0, 2'000'000}, 48, "file [....................]   0 %  0.0 of 2.0 MB"},
       {{1'999'999, 2'000'000}, 48, "file [###################.]  99 %  1.9 of 2.0 MB"},
       {{2'000'000, 2'000'000}, 48, "file [####################] 100 %  2.0 of 2.0 MB"},
@@ -35,8 +31,8 @@ TEST(ProgressTest, FitsItsLine) {
        78,
        "file [##########################] 100 %  9223372036854.7 of 9223372036854.7 MB"},
   };
-  for (const Row& row : rows) {
-    EXPECT_EQ(progressLine("file", row.progress, row.columns), row.line) << row.columns;
+  for (const auto& [progress, columns, line] : rows) {
+    EXPECT_EQ(progressLine("file", progress, columns), line) << columns;
   }
 }
 

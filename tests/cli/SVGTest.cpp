@@ -4,15 +4,15 @@
 #include "ExitCode.h"
 #include "OutputFile.h"
 #include "SVG.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
-#include <sys/stat.h>
 
 #include <clocale>
-#include <cstdlib>
-#include <fstream>
+#include <filesystem>
+#include <iterator>
 #include <limits>
-#include <sstream>
+#include <utility>
 
 namespace orvane::cli {
 namespace {
@@ -20,11 +20,7 @@ namespace {
 using testing::HasSubstr;
 
 TEST(SVGTest, EscapesTexts) {
-  struct Row {
-    std::string text;
-    std::string written;
-  };
-  const Row rows[] = {
+  constexpr std::pair<const char*, const char*> rows[] = {
       {"Zürich – 测试 😀", "Zürich – 测试 😀"},
       {"</title><script>alert('1')&\"2\"",
        "&lt;/title&gt;&lt;script&gt;alert(&apos;1&apos;)&amp;"
@@ -34,7 +30,7 @@ TEST(SVGTest, EscapesTexts) {
       {"\xff\xef\xbf", "\uFFFD\uFFFD\uFFFD"},                          // no UTF-8
       {"]]>", "]]&gt;"},
   };
-  for (const Row& row : rows) EXPECT_EQ(SVG::escaped(row.text), row.written) << row.text;
+  for (const auto& [text, written] : rows) EXPECT_EQ(SVG::escaped(text), written) << text;
 }
 
 TEST(SVGTest, WritesNumbersWhateverTheLocale) {
@@ -59,74 +55,59 @@ TEST(SVGTest, IsOneDocument) {
   const std::string text = std::move(drawing).take();
   EXPECT_THAT(text, testing::StartsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns="));
   EXPECT_THAT(text, testing::EndsWith("</svg>\n"));
-  EXPECT_THAT(text, HasSubstr("viewBox=\"0 0 200 100\""));
-  EXPECT_THAT(text, HasSubstr("<title id=\"title\">A &amp; B</title>"));
-  EXPECT_THAT(text, HasSubstr("<desc id=\"description\">What is &lt;seen&gt;</desc>"));
-  EXPECT_THAT(text, HasSubstr("<g class=\"high\">\n<circle cx=\"1.5\" r=\"4\"><title>&quot;hover"
-                              "&quot;</title></circle>\n<path d=\"M0,0\"/>\n</g>"));
-  EXPECT_THAT(text, HasSubstr("<text x=\"10\" y=\"20\" text-anchor=\"end\">x &lt; y</text>"));
+  for (const char* part :
+       {"viewBox=\"0 0 200 100\"", "<title id=\"title\">A &amp; B</title>",
+        "<desc id=\"description\">What is &lt;seen&gt;</desc>",
+        "<g class=\"high\">\n<circle cx=\"1.5\" r=\"4\"><title>&quot;hover&quot;</title></circle>\n"
+        "<path d=\"M0,0\"/>\n</g>",
+        "<text x=\"10\" y=\"20\" text-anchor=\"end\">x &lt; y</text>"}) {
+    EXPECT_THAT(text, HasSubstr(part));
+  }
   const std::size_t dark = text.find("prefers-color-scheme:dark");
   EXPECT_LT(text.find(".high{color:#d1242f}"), dark);
   EXPECT_GT(text.find(".high{color:#f85149}"), dark);
 }
 
-class OutputFileTest : public testing::Test {
- protected:
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "orvane-output-XXXXXX";
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
+// What is in the folder.
+std::size_t countOf(const TemporaryFolder& folder) {
+  const std::filesystem::directory_iterator files(folder.path());
+  return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+}
 
-  static std::string contents(const std::filesystem::path& file) {
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    return text.str();
-  }
-  [[nodiscard]] std::size_t files() const {
-    const std::filesystem::directory_iterator all(folder_);
-    return static_cast<std::size_t>(std::distance(begin(all), end(all)));
-  }
-  static int failing(const std::filesystem::path& file) {
-    Output output(stdout, {});
-    try {
-      writeDocument(file, "text", output);
-    } catch (const Failure& failure) {
-      EXPECT_THAT(failure.what(), HasSubstr(file.string()));
-      return static_cast<int>(failure.code());
-    }
-    return 0;
-  }
-
-  std::filesystem::path folder_;
-};
-
-TEST_F(OutputFileTest, ReplacesTheWholeFileAndNothingElse) {
-  const auto file = folder_ / "route.svg";
+TEST(OutputFileTest, ReplacesTheWholeFileAndNothingElse) {
+  const TemporaryFolder folder;
+  const std::string file = folder / "route.svg";
+  const std::string link = folder / "link.svg";
   Output output(stdout, {});
   writeDocument(file, "one", output);
-  EXPECT_EQ(contents(file), "one");
-  ::chmod(file.c_str(), 0640);
-  const auto link = folder_ / "link.svg";
+  EXPECT_EQ(contentsOf(file), "one");
+  std::filesystem::permissions(file, std::filesystem::perms(0640));
   std::filesystem::create_symlink("route.svg", link);
   writeDocument(link, "a second one", output);
   EXPECT_TRUE(std::filesystem::is_symlink(link));
-  EXPECT_EQ(contents(file), "a second one");
+  EXPECT_EQ(contentsOf(file), "a second one");
   EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0640));
-  EXPECT_EQ(files(), 2U);
+  EXPECT_EQ(countOf(folder), 2U);
 
   // What is no file can't be replaced.
   writeDocument("/dev/null", "text", output);
   EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }
 
-TEST_F(OutputFileTest, FailsWithoutALeftover) {
-  EXPECT_EQ(failing(folder_), 74);
-  EXPECT_EQ(failing(folder_ / "missing" / "route.svg"), 74);
-  EXPECT_EQ(failing("/dev/full"), 74);
-  EXPECT_EQ(failing("/proc/route.svg"), 74);
-  EXPECT_EQ(files(), 0U);
+TEST(OutputFileTest, FailsWithoutALeftover) {
+  const TemporaryFolder folder;
+  Output output(stdout, {});
+  for (const std::string& file : {folder.path().string(), folder / "missing/route.svg",
+                                  std::string("/dev/full"), std::string("/proc/route.svg")}) {
+    try {
+      writeDocument(file, "text", output);
+      ADD_FAILURE() << file << " was written";
+    } catch (const Failure& failure) {
+      EXPECT_EQ(failure.code(), ExitCode::output);
+      EXPECT_THAT(failure.what(), HasSubstr(file));
+    }
+  }
+  EXPECT_EQ(countOf(folder), 0U);
 }
 
 }  // namespace
