@@ -19,8 +19,12 @@ NewInvitation toBert() {
 
 RequestRow<InvitationService> responding(Response response, const std::string& action) {
   return {"POST users/7/invitations/9?action=" + action, [response](auto& invitations) {
-            invitations.respondToInvitation(
-                {.toUserId = "7", .invitationId = "9", .response = response}, nullptr);
+            invitations.respondToInvitation({.toUserId = "7",
+                                             .invitationId = "9",
+                                             .response = response,
+                                             .vehicleId = "v1",
+                                             .accountId = "a1"},
+                                            nullptr);
           }};
 }
 
@@ -72,8 +76,10 @@ TEST(InvitationServiceTest, sendsTheseInvitations) {
         "POST invitations\nContent-Type: application/json\nX-Requested-With: XMLHttpRequest\n\n" +
         body;
     expectRequests<InvitationService>({
-        {request, [&](auto& service) { service.sendVehicleInvitation(invitation, nullptr); }},
-        {request, [&](auto& service) { service.sendAccountInvitation(invitation, nullptr); }},
+        {request,
+         [&to = invitation](auto& service) { service.sendVehicleInvitation(to, nullptr); }},
+        {request,
+         [&to = invitation](auto& service) { service.sendAccountInvitation(to, nullptr); }},
     });
   }
 }

@@ -161,8 +161,9 @@ TEST(TripServiceTest, sendsNoRangeThatIsNone) {
   };
   for (const auto& [range, warning] : rows) {
     const RecordingLogger logger;
+    const std::set<Filter> filters{Filter(range), Filter::cursor(5, 0)};
     expectRequest("GET users/42/logbook/trips?limit=5&offset=0", [&](const Identity& identity) {
-      TripService(identity).fetchAll({Filter(range), Filter::cursor(5, 0)}, {}, nullptr);
+      TripService(identity).fetchAll(filters, {}, nullptr);
     });
     const auto lines = logger.lines();
     ASSERT_EQ(lines.size(), 1U);
