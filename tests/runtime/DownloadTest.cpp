@@ -138,18 +138,19 @@ class DownloadTest : public testing::Test {
   }
 
   // Downloads, and answers what comes of it.
-  [[nodiscard]] Result<Unit> download(Downloader& downloader, const std::string& url) {
+  [[nodiscard]] Result<Unit> download(Downloader& downloader, const std::string& url,
+                                      const std::string& target) {
     std::promise<Result<Unit>> promise;
     auto outcome = promise.get_future();
     progress_.clear();
     downloader.download(
-        *URL::parse(url), target_,
+        *URL::parse(url), target,
         [this](const DownloadProgress& progress) { progress_.push_back(progress); },
         [&promise](Result<Unit> result) { promise.set_value(std::move(result)); });
     return outcome.get();
   }
   [[nodiscard]] Result<Unit> download(const std::string& url) {
-    return download(*downloader_, url);
+    return download(*downloader_, url, target_);
   }
 
   // The names of what is in the folder.
@@ -351,11 +352,13 @@ TEST_F(DownloadTest, trustsTheGivenAuthorityOnly) {
   const Publisher publisher({}, authority.issue({}));
   writeFile(target_, "former");
   for (const std::string& trusted : {std::string(), stranger.pem()}) {
-    EXPECT_EQ(kindOf(download(*downloaderWith({.caPEM = trusted}), publisher.url())), Kind::tls);
+    EXPECT_EQ(kindOf(download(*downloaderWith({.caPEM = trusted}), publisher.url(), target_)),
+              Kind::tls);
     EXPECT_EQ(contentsOf(target_), "former");
     EXPECT_THAT(names(), ElementsAre("image.zip"));
   }
-  EXPECT_EQ(download(*downloaderWith({.caPEM = authority.pem()}), publisher.url()), Unit{});
+  EXPECT_EQ(download(*downloaderWith({.caPEM = authority.pem()}), publisher.url(), target_),
+            Unit{});
   EXPECT_TRUE(contentsOf(target_) == publisher.file);
 }
 
@@ -368,7 +371,7 @@ TEST_F(DownloadTest, takesAsLongAsBytesKeepComing) {
   publisher.file = madeUpBytes(4'000'000);
   const auto hurried =
       downloaderWith({.totalTimeout = std::chrono::milliseconds(1), .maximumAnswerSize = 1000});
-  EXPECT_EQ(download(*hurried, publisher.url()), Unit{});
+  EXPECT_EQ(download(*hurried, publisher.url(), target_), Unit{});
   EXPECT_TRUE(contentsOf(target_) == publisher.file);
 }
 
@@ -413,13 +416,14 @@ TEST_F(DownloadTest, keepsOthersFromTheSameFile) {
   first.start(*downloader_, publisher.url(), target_);
   const auto other = downloaderWith({});
   for (Downloader* second : {downloader_.get(), other.get()}) {
-    EXPECT_EQ(download(*second, publisher.url()), DownloadError(DownloadError::Kind::busy));
+    EXPECT_EQ(download(*second, publisher.url(), target_),
+              DownloadError(DownloadError::Kind::busy));
   }
   EXPECT_THAT(names(), UnorderedElementsAre("image.zip.part", "image.zip.part.from"));
   EXPECT_TRUE(downloader_->shutdown());
   EXPECT_EQ(first.outcome.get_future().get(), TransportError(Kind::cancelled));
   EXPECT_EQ(download(publisher.url()), TransportError(Kind::cancelled));
-  EXPECT_EQ(download(*other, publisher.url()), Unit{});
+  EXPECT_EQ(download(*other, publisher.url(), target_), Unit{});
 }
 
 TEST_F(DownloadTest, tellsWhatIsWrongWithTheFile) {
@@ -428,10 +432,7 @@ TEST_F(DownloadTest, tellsWhatIsWrongWithTheFile) {
   std::filesystem::create_symlink("elsewhere", folder_ / "linked.part");
   for (const char* name : {"missing/image.zip", "folder", "linked"}) {
     SCOPED_TRACE(name);
-    std::promise<Result<Unit>> promise;
-    downloader_->download(*URL::parse(publisher.url()), folder_ / name, nullptr,
-                          [&](Result<Unit> result) { promise.set_value(std::move(result)); });
-    const auto result = promise.get_future().get();
+    const auto result = download(*downloader_, publisher.url(), folder_ / name);
     ASSERT_TRUE(result.error() && result.error()->as<DownloadError>());
     EXPECT_EQ(result.error()->as<DownloadError>()->kind(), DownloadError::Kind::file);
     EXPECT_THAT(result.error()->message(), Not(HasSubstr(folder_.path().string())));

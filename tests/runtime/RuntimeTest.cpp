@@ -16,7 +16,6 @@
 #include <gtest/gtest.h>
 
 #include <future>
-#include <thread>
 #include <vector>
 
 namespace orvane {
@@ -183,6 +182,7 @@ TEST(RuntimeTest, RefusesOptionsThatCannotWork) {
                                              .tokens = row.tokens,
                                              .transport = {.caFile = row.caFile},
                                              .firmwareHost = row.firmwareHost});
+    ASSERT_TRUE(installed.error()) << row.message;
     EXPECT_EQ(installed.error()->message(), row.message);
     EXPECT_THAT(logger.lines(), SizeIs(1));
   }

@@ -155,7 +155,7 @@ TEST_F(Foundation, ChangesOutliveARestartAndAResetUndoesThem) {
   const std::string trip = read("users/1001/trips?limit=1")[0]["tripId"];
   ASSERT_EQ(postForm("users/1001", {{"publicDisplayName", "Änn", "", ""}}).status, 200);
   for (const std::string& change :
-       {"POST trips/" + trip + "?transportMode=BUS",
+       {"POST trips/" + trip + "?purpose=BUSINESS",
         std::string{"POST leaderboards?userId=1001&action=optout"},
         std::string{"POST users/1001/devices/new?action=activateLimitOne"},
         std::string{"POST users/1001/settings?targetId=1001&targetType=USER&eventAlertBraking=1"},

@@ -10,7 +10,6 @@
 #include <csignal>
 #include <cstdio>
 #include <fstream>
-#include <memory>
 
 namespace orvane::sandbox::test {
 namespace {

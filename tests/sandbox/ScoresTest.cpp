@@ -36,23 +36,20 @@ TEST_F(Scores, TheTwoAlgorithmsNameTheirComponentsDifferently) {
 TEST_F(Scores, PeriodsCountBackFromToday) {
   const auto days = [this](const std::string& query) {
     const json average = read("users/1001/averageScores?" + query);
-    return std::pair{formatDay(dayOf(average["periodStartDate"].get<std::int64_t>())),
-                     formatDay(dayOf(average["periodEndDate"].get<std::int64_t>()))};
+    return formatDay(dayOf(average["periodStartDate"].get<std::int64_t>())) + ".." +
+           formatDay(dayOf(average["periodEndDate"].get<std::int64_t>()));
   };
-  using Days = std::pair<std::string, std::string>;
-  EXPECT_EQ(days("userScoreWeek=0"), (Days{"2025-06-16", "2025-06-22"}));
-  EXPECT_EQ(days("userScoreWeek=25"), (Days{"2024-12-23", "2024-12-29"}));
-  EXPECT_EQ(days("reportingPeriodType=DAY"), (Days{"2025-06-18", "2025-06-18"}));
-  EXPECT_EQ(days("reportingPeriodType=DAY&reportingPeriodCount=3"),
-            (Days{"2025-06-16", "2025-06-18"}));
-  EXPECT_EQ(days("reportingPeriodType=MONTH&reportingPeriodCount=7"),
-            (Days{"2024-12-01", "2025-06-18"}));
+  EXPECT_EQ(days("userScoreWeek=0"), "2025-06-16..2025-06-22");
+  EXPECT_EQ(days("userScoreWeek=25"), "2024-12-23..2024-12-29");
+  EXPECT_EQ(days("reportingPeriodType=DAY"), "2025-06-18..2025-06-18");
+  EXPECT_EQ(days("reportingPeriodType=DAY&reportingPeriodCount=3"), "2025-06-16..2025-06-18");
+  EXPECT_EQ(days("reportingPeriodType=MONTH&reportingPeriodCount=7"), "2024-12-01..2025-06-18");
 }
 
 TEST_F(Scores, APeriodWithoutTripsHasNoScore) {
   const json average = read(
-      "users/1001/"
-      "averageScores?reportingPeriodType=CUSTOM&startDate=2567-01-01&endDate=2567-02-01");
+      "users/1001/averageScores?reportingPeriodType=CUSTOM"
+      "&startDate=2567-01-01&endDate=2567-02-01");
   EXPECT_FALSE(average.contains("averageScore"));
   EXPECT_FALSE(average.contains("tripScoringAverage"));
   EXPECT_EQ(read("users/1001/statisticScores?startDate=2567-01-01&endDate=2567-01-01"

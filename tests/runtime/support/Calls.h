@@ -7,12 +7,10 @@
 #include <Orvane/Runtime/CurlRequestManager.h>
 #include <Orvane/Runtime/TransportError.h>
 
-#include <chrono>
 #include <future>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace orvane {

@@ -14,7 +14,6 @@
 #include <string>
 #include <string_view>
 #include <thread>
-#include <utility>
 #include <vector>
 
 using SSL = struct ssl_st;
