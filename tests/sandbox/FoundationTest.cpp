@@ -153,7 +153,7 @@ TEST_F(Foundation, ChangesOutliveARestartAndAResetUndoesThem) {
   };
   const json before = all();
   const std::string trip = read("users/1001/trips?limit=1")[0]["tripId"];
-  ASSERT_EQ(postForm("users/1001", {{"publicDisplayName", "Änn", "", ""}}).status, 200);
+  ASSERT_EQ(postForm("users/1001", {{"lastName", "Käller", "", ""}}).status, 200);
   for (const std::string& change :
        {"POST trips/" + trip + "?purpose=BUSINESS",
         std::string{"POST leaderboards?userId=1001&action=optout"},
