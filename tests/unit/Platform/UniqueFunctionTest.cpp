@@ -46,7 +46,8 @@ TYPED_TEST(UniqueFunctionTest, movesCallsAndDestroysItsCallableOnce) {
     EXPECT_EQ(alive, 1);
     UniqueFunction<void()> second = std::move(first);
     EXPECT_EQ(alive, 1);
-    first();  // NOLINT(bugprone-use-after-move): a function that was moved from does nothing
+    // Moved from, it does nothing.
+    first();  // NOLINT(bugprone-use-after-move,clang-analyzer-cplusplus.Move)
     EXPECT_EQ(calls, 0);
     second();
     first = std::move(second);
