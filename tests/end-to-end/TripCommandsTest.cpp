@@ -48,7 +48,7 @@ TEST(TripCommandsTest, ShowAndCorrectTrips) {
               "trips show " + id + " --expand events,scores,geometry,user,vehicles",
               AllOf(ContainsRegex("\nroute\t[0-9]+ points\n"),
                     ContainsRegex("\nscores: overall\t[0-9.]+\n"),
-                    ContainsRegex("\nscores: harsh.braking\t[0-9.]+\n"),
+                    ContainsRegex("\nscores: harsh braking\t[0-9.]+\n"),
                     has("\nscoring: algorithm\tIMS\n", "\ndriver: first name\tAnna\n",
                         "\nvehicle: make\t", "time\tevent\tseverity\tspeed\tlimit\tfor\tplace\n"),
                     ContainsRegex("\n[0-9:]{8}\tharsh braking\t(very )?(low|medium|high)\t[0-9]+ "

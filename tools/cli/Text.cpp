@@ -144,6 +144,24 @@ std::string toText(const Event::EventType& type) {
   return "above the limit";
 }
 
+std::string toText(const TripScores::SubScore& score) {
+  using enum TripScores::KnownSubScore;
+  const auto* known = score.as<TripScores::KnownSubScore>();
+  if (known == nullptr) return std::string(score.wireText());
+  switch (*known) {
+    case acceleration:
+      return "harsh acceleration";
+    case braking:
+      return "harsh braking";
+    case cornering:
+      return "harsh cornering";
+    case postedSpeedLimit:
+      return "over-speeding";
+    default:
+      return std::string(score.wireText());
+  }
+}
+
 std::string toText(Event::Severity severity) {
   switch (severity) {
     case Event::Severity::veryLow:

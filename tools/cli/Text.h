@@ -5,6 +5,7 @@
 #include "Arguments.h"
 #include <Orvane/Models/DriverDetection.h>
 #include <Orvane/Models/Event.h>
+#include <Orvane/Models/Scoring.h>
 #include <Orvane/Models/TransportMode.h>
 #include <Orvane/Models/User.h>
 #include <Orvane/Platform/Date.h>
@@ -35,6 +36,8 @@ namespace orvane::cli {
 /// "harsh braking"; a kind that is not known under the backend's name.
 [[nodiscard]] std::string toText(const Event::EventType& type);
 [[nodiscard]] std::string toText(Event::Severity severity);
+/// "harsh braking"; a score without such a name under the backend's.
+[[nodiscard]] std::string toText(const TripScores::SubScore& score);
 [[nodiscard]] std::string toText(DriverDetection::Status status);
 
 [[nodiscard]] inline std::string toText(const std::string& text) {

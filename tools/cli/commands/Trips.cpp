@@ -54,7 +54,7 @@ Block scoresOf(const TripScores& scores) {
   block.row("overall", scores.overall, scoreText);
   if (!scores.subScores) return block;
   for (const auto& [component, score] : *scores.subScores) {
-    block.row(std::string(component.wireText()), score ? scoreText(*score) : "-");
+    block.row(toText(component), score ? scoreText(*score) : "-");
   }
   return block;
 }
@@ -66,7 +66,8 @@ Block scoringOf(const TripScoring& scoring) {
       .row("overall", scoring.overallScore, scoreText);
   if (!scoring.individualComponentScores) return block;
   for (const IndividualComponentScores& part : *scoring.individualComponentScores) {
-    block.row(part.component.value_or("-"),
+    const auto& name = part.component;
+    block.row(name ? toText(TripScores::SubScore::fromWireText(*name)) : "-",
               part.componentScore ? scoreText(*part.componentScore) : "-");
   }
   return block;
