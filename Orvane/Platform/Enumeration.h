@@ -69,11 +69,26 @@ template <Enumeration E>
   return std::nullopt;
 }
 
+/// An enumeration that has a case for any other text, and so no table.
+template <class E>
+concept OpenEnumeration = requires(const E& value) {
+  { value.wireText() } -> std::same_as<std::string_view>;
+};
+
+template <class Stream>
+concept TextStream = requires(Stream& stream, std::string_view text) {
+  stream.write(text.data(), 0);
+};
+
 /// Prints the wire text.
-template <class Stream, Enumeration E>
-  requires requires(Stream& stream, std::string_view text) { stream.write(text.data(), 0); }
+template <TextStream Stream, Enumeration E>
 Stream& operator<<(Stream& stream, E value) {
   stream << wireText(value);
+  return stream;
+}
+template <TextStream Stream, OpenEnumeration E>
+Stream& operator<<(Stream& stream, const E& value) {
+  stream << value.wireText();
   return stream;
 }
 

@@ -142,8 +142,8 @@ TEST(EnumerationTest, hasTheTextsOfItsTable) {
   EXPECT_EQ(fromWireText<Verb>("get"), std::nullopt);
   EXPECT_EQ(fromRawValue<Verb>(-1), std::nullopt);
   std::ostringstream printed;
-  printed << Verb::put;
-  EXPECT_EQ(printed.str(), "PUT");
+  printed << Verb::put << ' ' << User::Gender::custom("any");
+  EXPECT_EQ(printed.str(), "PUT any");
 }
 
 }  // namespace
