@@ -183,8 +183,8 @@ std::optional<orvane::Date> date(const nlohmann::json& object, const char* key) 
 }
 
 std::optional<Polyline> polyline(const nlohmann::json& object, const char* key) {
-  auto text = member<std::string>(object, key);
-  return text ? Polyline::make(*std::move(text)) : std::nullopt;
+  const auto text = member<std::string>(object, key);
+  return text ? Polyline::make(*text) : std::nullopt;
 }
 
 orvane::TransportMode mode(const nlohmann::json& object) {
@@ -264,7 +264,7 @@ BENCHMARK(decodePolyline);
 // The algorithm as it is usually written down.
 void decodePolylineStraightforwardly(benchmark::State& state) {
   for (auto _ : state) {
-    const std::string& text = route().encodedString();
+    const std::string_view text = route().encodedString();
     std::vector<CLLocationCoordinate2D> coordinates;
     std::size_t index = 0;
     std::int64_t latitude = 0;

@@ -30,7 +30,7 @@ bool areOnEarth(const std::vector<CLLocationCoordinate2D>& coordinates) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const auto polyline = Polyline::make(std::string(reinterpret_cast<const char*>(data), size));
+  const auto polyline = Polyline::make({reinterpret_cast<const char*>(data), size});
   if (!polyline) return 0;
   const auto coordinates = polyline->decodeChecked();
   if (!coordinates) return 0;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <Orvane/Coding/DecodingError.h>
+#include <Orvane/Coding/TextPool.h>
 #include <Orvane/Platform/JSON.h>
 
 #include <cstddef>
@@ -30,6 +31,9 @@ class Decoder {
   bool failedAt(std::string_view key);
   bool failedAt(std::size_t index);
 
+  /// A copy of a text of the document, for a value that shares its memory with others.
+  SharedText keep(std::string_view text) { return texts_.keep(text); }
+
   /// The failure, places in order from the root.
   [[nodiscard]] DecodingError takeError() &&;
 
@@ -39,6 +43,7 @@ class Decoder {
   DecodingError error_;
   std::vector<std::string> innermostFirst_;
   bool tellsPath_ = true;
+  TextPool texts_;
 };
 
 }  // namespace orvane

@@ -7,11 +7,16 @@
 #include <Orvane/Coding/Values.h>
 #include <Orvane/Platform/Date.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <iterator>
 #include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 namespace orvane {
 
@@ -24,16 +29,104 @@ struct KeyRow {
   void (*encode)(const void* record, std::string_view key, json::Writer& writer);
 };
 
-/// Reads the members of an object into `record`. Of duplicate members the last one counts.
-bool decodeObject(json::Element element, void* record, std::span<const KeyRow> rows,
-                  Decoder& decoder);
+/// The rows by which a record is read.
+struct KeyTable {
+  std::span<const KeyRow> rows;
+  std::uint64_t requiredRows =
+      0;  ///< A bit for each row, from the lowest on: whether it must be there.
+
+  template <std::size_t count>
+  constexpr KeyTable(const KeyRow (&keys)[count])
+      : rows(keys) {  // NOLINT(google-explicit-constructor)
+    static_assert(count <= 64, "the walk over an object notes the rows it has met in 64 bits");
+    for (std::size_t row = 0; row < count; ++row) {
+      requiredRows |= std::uint64_t{keys[row].isRequired} << row;
+    }
+  }
+};
+
+/// How far the members of an object have been read.
+struct ObjectWalk {
+  json::Object::iterator member;
+  json::Object::iterator end;
+  std::size_t expected = 0;  ///< The row behind the last one met.
+  std::uint64_t seen = 0;    ///< A bit for each row that has been met.
+};
+
+/// Reads the members of an object that are left into `record`. Of duplicate members the last one
+/// counts.
+bool decodeMembers(ObjectWalk walk, void* record, const KeyTable& table, Decoder& decoder);
+
+/// Reads an object into `record`.
+bool decodeObject(json::Element element, void* record, const KeyTable& table, Decoder& decoder);
+
+namespace detail {
+
+template <class Word>
+Word wordAt(const char* position) noexcept {
+  Word word = 0;
+  std::memcpy(&word, position, sizeof word);
+  return word;
+}
+
+// The last word may overlap the one before it.
+template <class Word>
+bool isSameInWords(const char* left, const char* right, std::size_t size) noexcept {
+  for (std::size_t at = 0; at + sizeof(Word) < size; at += sizeof(Word)) {
+    if (wordAt<Word>(left + at) != wordAt<Word>(right + at)) return false;
+  }
+  const std::size_t last = size - sizeof(Word);
+  return wordAt<Word>(left + last) == wordAt<Word>(right + last);
+}
+
+// Whether two keys are the same: what == says, in place, since for texts as short as keys a call
+// would cost more than the comparison.
+inline bool isSameKey(std::string_view left, std::string_view right) noexcept {
+  const std::size_t size = left.size();
+  if (size != right.size()) return false;
+  if (size >= 8) return isSameInWords<std::uint64_t>(left.data(), right.data(), size);
+  if (size >= 4) return isSameInWords<std::uint32_t>(left.data(), right.data(), size);
+  return std::equal(left.begin(), left.end(), right.begin());
+}
+
+// Reads the member that the walk has come to if it is the one of the row, and goes on behind it.
+// False where the member could not be read.
+template <const auto& rows, std::size_t row>
+bool decodeIfNext(ObjectWalk& walk, void* record, Decoder& decoder) {
+  if (walk.member == walk.end || !isSameKey(rows[row].key, walk.member.key())) return true;
+  if (!rows[row].decode(walk.member.value(), record, decoder)) return false;
+  ++walk.member;
+  walk.expected = row + 1;
+  walk.seen |= std::uint64_t{1} << row;
+  return true;
+}
+
+template <const auto& rows, std::size_t... row>
+void decodeWhileInOrder(ObjectWalk& walk, void* record, Decoder& decoder,
+                        std::index_sequence<row...> /*all*/) {
+  (void)(decodeIfNext<rows, row>(walk, record, decoder) && ...);
+}
+
+}  // namespace detail
+
+/// What `decodeObject` does with the table of `rows`, in straight-line code as long as the members
+/// stand in their order: larger and faster, for a record of which a page holds thousands.
+template <const auto& rows>
+[[gnu::flatten]] bool decodeInOrder(json::Element element, void* record, Decoder& decoder) {
+  json::Object object;
+  if (element.get(object) != simdjson::SUCCESS) return decoder.typeMismatch("an object", element);
+  ObjectWalk walk{object.begin(), object.end()};
+  detail::decodeWhileInOrder<rows>(walk, record, decoder,
+                                   std::make_index_sequence<std::size(rows)>());
+  return decodeMembers(walk, record, rows, decoder);
+}
 
 /// Writes an object with the members of `rows`, in their order.
 void encodeObject(const void* record, std::span<const KeyRow> rows, json::Writer& writer);
 
 /// The tables of a record: one for both directions where they mirror each other, or one for each.
 struct KeyTables {
-  std::span<const KeyRow> decoding;
+  KeyTable decoding;
   std::span<const KeyRow> encoding;
 
   template <std::size_t count>
@@ -41,9 +134,7 @@ struct KeyTables {
       : KeyTables(both, both) {}
   template <std::size_t first, std::size_t second>
   constexpr KeyTables(const KeyRow (&whenDecoding)[first], const KeyRow (&whenEncoding)[second])
-      : decoding(whenDecoding), encoding(whenEncoding) {
-    static_assert(first <= 64, "the walk over an object notes the rows it has met in 64 bits");
-  }
+      : decoding(whenDecoding), encoding(whenEncoding) {}
 };
 
 /// Names a record when its tables are asked for: `keysOf(RecordTag<User>{})`.
@@ -114,7 +205,11 @@ bool decodeConverted(json::Element element, Member& member, Decoder& decoder) {
     if constexpr (requires { C::isLenient; }) return C::isLenient;
     return false;
   }
-  member = C::fromWire(wire);
+  if constexpr (requires { C::fromWire(wire, decoder); }) {
+    member = C::fromWire(wire, decoder);
+  } else {
+    member = C::fromWire(wire);
+  }
   return true;
 }
 

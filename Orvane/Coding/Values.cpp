@@ -12,9 +12,9 @@ bool decodeInexactInteger(json::Element element, std::int64_t& value, Decoder& d
   return static_cast<double>(value) == number || decoder.typeMismatch("an integer", element);
 }
 
-bool appearsAgain(const json::Object& object, json::Object::iterator position) {
+bool appearsAgain(json::Object::iterator position, json::Object::iterator end) {
   const std::string_view key = position.key();
-  for (++position; position != object.end(); ++position) {
+  for (++position; position != end; ++position) {
     if (position.key() == key) return true;
   }
   return false;

@@ -57,9 +57,9 @@ inline void encodeValue(const std::string& value, json::Writer& writer) {
   writer.value(std::string_view(value));
 }
 
-/// Whether the key at `position` appears once more behind it: then the later one counts, and a
+/// Whether the key at `position` appears once more before `end`: then the later one counts, and a
 /// failure of this one does not matter.
-[[nodiscard]] bool appearsAgain(const json::Object& object, json::Object::iterator position);
+[[nodiscard]] bool appearsAgain(json::Object::iterator position, json::Object::iterator end);
 
 /// An enumeration is a text of its table. What happens with another text the table says too: a
 /// member `fallback` is taken instead, a member `reportedName` names the type in the error.
@@ -134,8 +134,9 @@ template <class Visit>
 bool decodeEntries(json::Element element, Decoder& decoder, Visit visit) {
   json::Object object;
   if (element.get(object) != simdjson::SUCCESS) return decoder.typeMismatch("an object", element);
-  for (auto entry = object.begin(); entry != object.end(); ++entry) {
-    if (!visit(entry.key(), entry.value()) && !appearsAgain(object, entry)) {
+  const auto end = object.end();
+  for (auto entry = object.begin(); entry != end; ++entry) {
+    if (!visit(entry.key(), entry.value()) && !appearsAgain(entry, end)) {
       return decoder.failedAt(entry.key());
     }
   }

@@ -47,6 +47,7 @@ KeyTables keysOf(RecordTag<TripScoringAverage>);
 KeyTables keysOf(RecordTag<ScoringAverage>);
 
 KeyTables keysOf(RecordTag<Event>);
+bool decodeValue(json::Element element, Event& event, Decoder& decoder);
 bool decodeValue(json::Element element, Event::Severity& severity, Decoder& decoder);
 void encodeValue(Event::Severity severity, json::Writer& writer);
 bool decodeValue(json::Element element, Event::EventType& type, Decoder& decoder);

@@ -3,7 +3,9 @@
 // How the units and texts of trips and events stand on the wire.
 #pragma once
 
+#include <Orvane/Coding/Decoder.h>
 #include <Orvane/Models/Polyline.h>
+#include <Orvane/Platform/Text.h>
 
 #include <optional>
 #include <string>
@@ -29,7 +31,10 @@ struct KilometresPerHour {
 /// A text that is not ASCII leaves the member absent.
 struct EncodedPolyline {
   using Wire = std::string_view;
-  static std::optional<Polyline> fromWire(Wire text) { return Polyline::make(std::string(text)); }
+  static std::optional<Polyline> fromWire(Wire text, Decoder& decoder) {
+    if (!isASCII(text)) return std::nullopt;
+    return Polyline(decoder.keep(text));
+  }
   static Wire toWire(const Polyline& polyline) { return polyline.encodedString(); }
 };
 

@@ -99,6 +99,11 @@ void encodeValue(const Event::EventType& type, json::Writer& writer) {
   writer.endObject();
 }
 
+// A page of trips holds thousands of events.
+bool decodeValue(json::Element element, Event& event, Decoder& decoder) {
+  return decodeInOrder<eventKeys>(element, &event, decoder);
+}
+
 KeyTables keysOf(RecordTag<Event>) { return eventKeys; }
 
 template struct RecordCoding<Event>;

@@ -126,9 +126,9 @@ std::string PolylineError::message() const {
   return {};
 }
 
-std::optional<Polyline> Polyline::make(std::string encodedString) {
+std::optional<Polyline> Polyline::make(std::string_view encodedString) {
   if (!isASCII(encodedString)) return std::nullopt;
-  return Polyline(std::move(encodedString));
+  return Polyline(SharedText(encodedString));
 }
 
 std::optional<Polyline> Polyline::encode(std::span<const CLLocationCoordinate2D> coordinates) {
@@ -149,18 +149,18 @@ std::optional<Polyline> Polyline::encode(std::span<const CLLocationCoordinate2D>
       return std::nullopt;
     }
   }
-  return Polyline(std::move(text));
+  return Polyline(SharedText(text));
 }
 
 std::vector<CLLocationCoordinate2D> Polyline::decode() const {
   std::vector<CLLocationCoordinate2D> coordinates;
-  if (const auto error = decodeInto(coordinates, text_)) fatal(error->message());
+  if (const auto error = decodeInto(coordinates, encodedString())) fatal(error->message());
   return coordinates;
 }
 
 Result<std::vector<CLLocationCoordinate2D>> Polyline::decodeChecked() const {
   std::vector<CLLocationCoordinate2D> coordinates;
-  if (const auto error = decodeInto(coordinates, text_)) return *error;
+  if (const auto error = decodeInto(coordinates, encodedString())) return *error;
   return coordinates;
 }
 

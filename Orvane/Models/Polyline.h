@@ -5,12 +5,14 @@
 #include <Orvane/Platform/CLLocation.h>
 #include <Orvane/Platform/Export.h>
 #include <Orvane/Platform/Result.h>
+#include <Orvane/Platform/SharedText.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -30,21 +32,22 @@ struct ORVANE_EXPORT PolylineError {
 };
 
 /// A route as an encoded polyline (the Encoded Polyline Algorithm Format, but with six decimal
-/// places instead of the usual five). Holds the text as it came; it is decoded anew by each call.
+/// places instead of the usual five). Holds the text as it came, which copies share; it is decoded
+/// anew by each call.
 class ORVANE_EXPORT Polyline {
  public:
   /// Holds `encodedString`, whatever it says. Absent when the text is not ASCII.
-  [[nodiscard]] static std::optional<Polyline> make(std::string encodedString);
+  [[nodiscard]] static std::optional<Polyline> make(std::string_view encodedString);
 
   /// The polyline of a list of coordinates, each rounded to six decimal places. Absent when one is
   /// not finite, or beyond 2 x 10^12 degrees.
   [[nodiscard]] static std::optional<Polyline> encode(
       std::span<const CLLocationCoordinate2D> coordinates);
 
-  /// The text as it came.
-  [[nodiscard]] const std::string& encodedString() const noexcept { return text_; }
+  /// The text as it came; valid as long as this polyline or a copy of it.
+  [[nodiscard]] std::string_view encodedString() const noexcept { return text_.view(); }
   /// The same as bytes in ASCII.
-  [[nodiscard]] const std::string& encodedData() const noexcept { return text_; }
+  [[nodiscard]] std::string_view encodedData() const noexcept { return text_.view(); }
 
   /// The coordinates. A text that is none of a list of coordinates is a programming fault that
   /// stops the process: see `decodeChecked` for texts from elsewhere.
@@ -56,9 +59,10 @@ class ORVANE_EXPORT Polyline {
   friend bool operator==(const Polyline&, const Polyline&) = default;
 
  private:
-  explicit Polyline(std::string text) : text_(std::move(text)) {}
+  friend struct EncodedPolyline;
+  explicit Polyline(SharedText text) noexcept : text_(std::move(text)) {}
 
-  std::string text_;
+  SharedText text_;
 };
 
 }  // namespace orvane

@@ -3,6 +3,8 @@
 
 #include <simdjson.h>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -13,25 +15,30 @@ bool isUTF8(std::string_view text) noexcept {
 }
 
 bool isASCII(std::string_view text) noexcept {
-  constexpr std::size_t word = sizeof(std::uint64_t);
-  const auto wordAt = [&text](std::size_t at) {
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, text.data() + at, word);
+  // Sixteen bytes at once, what a register of any processor holds, and no way out in between.
+  using Bytes = std::array<std::uint64_t, 2>;
+  constexpr std::size_t step = sizeof(Bytes);
+  const auto bytesAt = [&text](std::size_t at) {
+    Bytes bytes{};
+    std::memcpy(&bytes, text.data() + at, step);
     return bytes;
   };
-  // All bits at once, without a way out in between.
-  std::uint64_t bits = 0;
-  if (text.size() < word) {
-    for (const char c : text) bits |= static_cast<unsigned char>(c);
+  const auto either = [](Bytes a, Bytes b) { return Bytes{a[0] | b[0], a[1] | b[1]}; };
+
+  Bytes seen{};
+  if (text.size() < step) {
+    for (const char c : text) seen[0] |= static_cast<unsigned char>(c);
   } else {
     std::size_t at = 0;
-    for (; at + 4 * word <= text.size(); at += 4 * word) {
-      bits |= wordAt(at) | wordAt(at + word) | wordAt(at + 2 * word) | wordAt(at + 3 * word);
+    for (; at + 4 * step <= text.size(); at += 4 * step) {
+      const Bytes first = either(bytesAt(at), bytesAt(at + step));
+      const Bytes second = either(bytesAt(at + 2 * step), bytesAt(at + 3 * step));
+      seen = either(seen, either(first, second));
     }
-    for (; at + word < text.size(); at += word) bits |= wordAt(at);
-    bits |= wordAt(text.size() - word);
+    for (; at + step < text.size(); at += step) seen = either(seen, bytesAt(at));
+    seen = either(seen, bytesAt(text.size() - step));
   }
-  return (bits & 0x8080808080808080U) == 0;
+  return ((seen[0] | seen[1]) & 0x8080808080808080U) == 0;
 }
 
 std::string concatenated(std::initializer_list<std::string_view> pieces) {

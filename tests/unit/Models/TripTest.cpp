@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <unordered_set>
@@ -175,6 +176,45 @@ TEST(TripTest, needsLittle) {
        {"level", "kmPerHour", "averageKmPerHour", "geometry", "secondsOfDriving", "kmSpeedLimit"}) {
     EXPECT_EQ(decoded<Event>(eventWith('"' + key + "\":null")), smallEvent) << key;
     EXPECT_EQ(failure<Event>(eventWith('"' + key + "\":true")), "typeMismatch " + key);
+  }
+}
+
+// Members in the backend's order are read by code of their own, from which any other order leaves.
+TEST(EventTest, isReadInAnyOrderOfItsMembers) {
+  std::vector<std::string> members = {R"("latitude":47.5)",   R"("longitude":-8.25)",
+                                      R"("timeStamp":1500)",  R"("level":4)",
+                                      R"("kmPerHour":36)",    R"("averageKmPerHour":18)",
+                                      R"("geometry":"??")",   R"("secondsOfDriving":12)",
+                                      R"("kmSpeedLimit":72)", R"("transportMode":"TAXI")"};
+  const Event expected{.latitude = 47.5,
+                       .longitude = -8.25,
+                       .date = dateFromSeconds(1.5),
+                       .severity = Event::Severity::high,
+                       .speed = 10,
+                       .averageSpeed = 5,
+                       .polyline = Polyline::make("??"),
+                       .duration = 12,
+                       .speedLimit = 20,
+                       .transportMode = TransportMode::taxi};
+  const auto object = [&members] {
+    std::string text;
+    for (const std::string& member : members) text += (text.empty() ? "{" : ",") + member;
+    return text + '}';
+  };
+  for (std::size_t i = 0; i < members.size(); ++i) {
+    std::rotate(members.begin(), members.begin() + 1, members.end());
+    EXPECT_EQ(decoded<Event>(object()), expected);
+    std::string& member = members[i];
+    const std::string right = member;
+    const std::string key = right.substr(0, right.find(':'));
+    // One that nobody knows, and one that is broken but comes again.
+    for (const std::string& more : {std::string(R"("unknown":{"level":1})"), key + ":[]"}) {
+      member = more + ',' + right;
+      EXPECT_EQ(decoded<Event>(object()), expected) << member;
+    }
+    member = right + ',' + key + ":[]";
+    EXPECT_EQ(failure<Event>(object()), "typeMismatch " + key.substr(1, key.size() - 2));
+    member = right;
   }
 }
 
