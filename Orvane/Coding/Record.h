@@ -118,7 +118,9 @@ template <const auto& rows>
   ObjectWalk walk{object.begin(), object.end()};
   detail::decodeWhileInOrder<rows>(walk, record, decoder,
                                    std::make_index_sequence<std::size(rows)>());
-  return decodeMembers(walk, record, rows, decoder);
+  constexpr KeyTable table = rows;
+  if (walk.member == walk.end && (table.requiredRows & ~walk.seen) == 0) return true;
+  return decodeMembers(walk, record, table, decoder);
 }
 
 /// Writes an object with the members of `rows`, in their order.

@@ -17,7 +17,8 @@ SharedText TextPool::keep(std::string_view text) {
   if (text.size() > longestInBlock) return SharedText(text);
   if (blockSize_ - used_ < text.size()) {
     blockSize_ = std::clamp(2 * blockSize_, std::max(smallestBlock, text.size()), largestBlock);
-    block_ = std::make_shared_for_overwrite<char[]>(blockSize_);
+    // Not `make_shared_for_overwrite`, which walks over every byte of an array all the same.
+    block_ = std::make_unique_for_overwrite<char[]>(blockSize_);
     used_ = 0;
   }
   char* const place = block_.get() + used_;
