@@ -120,7 +120,21 @@ TEST_F(Foundation, FaultsSpoilExactlyTheRequestsTheyAreMeantFor) {
   }
   EXPECT_EQ(admin("misbehave", {{"body", "nonsense"}}).status, 400);
   EXPECT_EQ(admin("misbehave", {{"path", "("}}).status, 400);
+  EXPECT_EQ(admin("misbehave", {{"drop", true}, {"times", 0}}).status, 400);
   EXPECT_EQ(get("identity").status, 200);
+}
+
+TEST(Reset, LaysTheDataAroundTheTimeOfTheClockThatItSetsBack) {
+  const TemporaryFolder folder;
+  BackendOptions options;
+  options.folder = folder.path();
+  options.weeks = 1;
+  Backend backend{options};
+  const Milliseconds start = backend.laidAround();
+  backend.clock().setSkew(millisPerDay);
+  backend.reset();
+  EXPECT_GE(backend.laidAround(), start);
+  EXPECT_LT(backend.laidAround(), start + millisPerDay);
 }
 
 TEST_F(Foundation, AdminRequestsNeedTheKeyAndHideTokens) {

@@ -5,6 +5,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <cmath>
+
 namespace orvane::sandbox::test {
 namespace {
 
@@ -92,6 +95,24 @@ TEST_F(Leaderboards, EntriesAreRankedAndNumbersTravelAsTexts) {
     points = mine;
     EXPECT_TRUE(entry["leaderboardEntryId"].is_string());
     EXPECT_FALSE(entry["publicUserResource"].contains("email")) << "strangers see it";
+  }
+}
+
+TEST_F(Leaderboards, PointsAreOfTheFourWeeksThatEndWithTheDay) {
+  for (int weeksLater = 0; weeksLater < 4; ++weeksLater) {
+    const Day last = *parseDay("2025-06-18") + std::chrono::weeks{weeksLater};
+    const std::string first = formatDay(last - std::chrono::days{27});
+    const json average =
+        read("users/1001/averageScores?reportingPeriodType=CUSTOM&startDate=" + first +
+             "&endDate=" + formatDay(last));
+    const json board = read("leaderboards?userId=1001&localDate=" + formatDay(last));
+    const auto own = std::ranges::find_if(board["leaderboardEntries"], [](const json& entry) {
+      return entry["publicUserResource"]["userId"] == "1001";
+    });
+    ASSERT_NE(own, board["leaderboardEntries"].end());
+    EXPECT_EQ(own->at("points"),
+              std::to_string(std::llround(average["averageScore"].get<double>() * 10)))
+        << first;
   }
 }
 

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 namespace orvane::sandbox::test {
@@ -188,24 +189,28 @@ TEST_F(Driving, AlertSettingsAreKeptAndRaiseAlerts) {
       marc + "&enableLateNightDrivingAlert=true&lateNightDrivingAlertStart=22";
   EXPECT_EQ(read("users/1002/trips?expand=alerts&limit=1")[0]["alerts"], json::array());
   EXPECT_EQ(send(marc + "&eventAlertBraking=1").status, 200);
+  EXPECT_EQ(send(marc + "&thresholdAlertSpeeding=60").status, 200);
   EXPECT_EQ(send(lateNight + "30&lateNightDrivingAlertEnd=605").status, 200);
   EXPECT_EQ(read("users/1002/settings"), json({{"targetId", "1002"},
                                                {"targetType", "USER"},
                                                {"eventAlertBraking", "1"},
                                                {"enableLateNightDrivingAlert", "true"},
                                                {"lateNightDrivingAlertStart", "2230"},
-                                               {"lateNightDrivingAlertEnd", "605"}}));
-  std::size_t alerts = 0;
-  std::size_t strong = 0;
+                                               {"lateNightDrivingAlertEnd", "605"},
+                                               {"thresholdAlertSpeeding", "60"}}));
+  std::map<std::string, int> alerts;
+  std::map<std::string, int> meant;
   for (const json& trip : read("users/1002/trips?expand=alerts&expand=events")) {
-    alerts += trip["alerts"].size();
-    const json harsh = trip["events"].value("MultiLevelBrakingViolation", json::array());
-    for (const json& event : harsh) {
-      if (event["level"] > 1) ++strong;
+    for (const json& alert : trip["alerts"]) ++alerts[alert["type"]];
+    for (const json& event : trip["events"].value("MultiLevelBrakingViolation", json::array())) {
+      if (event["level"] > 1) ++meant["eventAlertBraking"];
+    }
+    for (const json& event : trip["events"].value("MultiLevelSpeedViolation", json::array())) {
+      if (event["averageKmPerHour"] > 60) ++meant["thresholdAlertSpeeding"];
     }
   }
-  EXPECT_GT(alerts, 0U);
-  EXPECT_EQ(alerts, strong);
+  EXPECT_EQ(meant.size(), 2U);
+  EXPECT_EQ(alerts, meant);
 
   const std::string settings = "POST users/1001/settings?";
   refuses(400,

@@ -53,19 +53,20 @@ void Backend::layDataIfNeeded() {
 }
 
 void Backend::lay(DatabaseConnection& database) {
-  laidAround_ = now();
+  const Milliseconds around = now();
   Transaction transaction{database};
   clearTables(database);
-  layData(database, laidAround_, options_.weeks);
-  database.execute("INSERT INTO laid VALUES (?, ?)", laidAround_, options_.now.has_value());
+  layData(database, around, options_.weeks);
+  database.execute("INSERT INTO laid VALUES (?, ?)", around, options_.now.has_value());
   transaction.commit();
+  laidAround_ = around;
 }
 
 void Backend::reset() {
+  clock_.setSkew(options_.skewSeconds);  // first: the data is laid around the clock's time
   lay(*database_.lease());
   misbehaviours_.reset();
   requests_.clear();
-  clock_.setSkew(options_.skewSeconds);
 }
 
 std::string Backend::authenticate(DatabaseConnection& database, const Request& request,

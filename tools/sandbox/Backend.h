@@ -10,6 +10,7 @@
 #include "security/Tokens.h"
 #include "store/Database.h"
 
+#include <atomic>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -74,7 +75,7 @@ class Backend {
   Misbehaviours misbehaviours_;
   RequestLog requests_;
   Router router_;
-  Milliseconds laidAround_ = 0;
+  std::atomic<Milliseconds> laidAround_ = 0;
 };
 
 inline constexpr std::string_view apiRoot = "/kavra/api/sdk/";

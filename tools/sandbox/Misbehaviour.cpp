@@ -102,6 +102,7 @@ void read(Fault& fault, const std::string& name, const nlohmann::json& value) {
     fault.date = value.get<bool>();
   } else if (name == "times") {
     fault.times = value.get<std::int64_t>();
+    if (fault.times < 1) throw badRequest("\"times\" is less than 1");
   } else if (name == "method") {
     fault.method = value.get<std::string>();
   } else if (name == "path") {
@@ -158,7 +159,6 @@ Reply Fault::spoil(Reply reply) const {
 }
 
 void Misbehaviours::add(Fault fault) {
-  if (fault.times == 0) return;
   const std::lock_guard lock{mutex_};
   faults_.push_back(std::move(fault));
   any_ = true;

@@ -23,6 +23,11 @@ struct Period {
   std::optional<Day> last;
 };
 
+/// So many days, of which `last` is the last.
+[[nodiscard]] inline Period daysUpTo(Day last, std::int64_t count) {
+  return {last - std::chrono::days{count - 1}, last};
+}
+
 class Query {
  public:
   /// Throws a 400 for an item without "=", a broken escape, a name that is not among `allowed`, and

@@ -8,9 +8,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <array>
-#include <set>
-
 namespace orvane::sandbox {
 
 namespace {
@@ -29,6 +26,7 @@ bool isTimeOfDay(std::string_view text) {
          *number % 100 < 60;
 }
 
+/// A speed in km/h.
 bool isThreshold(std::string_view text) {
   const auto number = nlohmann::json::parse(text, nullptr, false);
   return number.is_number() && number.get<double>() >= 0;
@@ -103,8 +101,7 @@ const char* settingFor(std::string_view eventType) {
 
 bool raisesAlert(std::string_view setting, std::string_view value, const nlohmann::json& event) {
   if (setting == speeding) {
-    const double over = event.value("averageKmPerHour", 0.0) - event.value("kmSpeedLimit", 0.0);
-    return over > nlohmann::json::parse(value).get<double>();
+    return event.value("averageKmPerHour", 0.0) > nlohmann::json::parse(value).get<double>();
   }
   const std::int64_t severity = parseInteger(value).value_or(0);  // low, medium, high: 1, 2, 3
   return severity > 0 && event.value("level", 0) > severity;

@@ -13,7 +13,7 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::chrono::days rankedDays{28};
+constexpr std::int64_t rankedDays = 28;
 constexpr std::int64_t tripsToRank = 3;
 constexpr std::size_t topPositions = 10;
 constexpr std::int64_t oldestAge = 150;
@@ -61,7 +61,7 @@ std::vector<Ranked> rank(Call& call, const Filter& filter, Day day) {
   std::vector<Ranked> ranking;
   for (std::string& userId : candidates(call, filter, day)) {
     const ScoreTotals totals =
-        totalsOf(call.database, {ScoreSubject::Kind::user, userId}, {day - rankedDays, day});
+        totalsOf(call.database, {ScoreSubject::Kind::user, userId}, daysUpTo(day, rankedDays));
     if (totals.trips < tripsToRank) continue;
     const double score = totals.average(ScoreKind::overall).value_or(0);
     ranking.push_back({std::move(userId), std::llround(score * 10)});

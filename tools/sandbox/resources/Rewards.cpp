@@ -12,7 +12,7 @@ namespace orvane::sandbox {
 
 namespace {
 
-constexpr std::chrono::days assessedDays{90};
+constexpr std::int64_t assessedDays = 90;
 constexpr std::int64_t rewardTokenSeconds = 600;
 constexpr double uncertainty = 4;  // points that the score may still move
 
@@ -21,7 +21,7 @@ Reply readDiscount(Call& call) {
   const auto expansions = call.query.expansions({"scores"});
   const Day today = dayOf(call.backend.now());
   const ScoreTotals totals =
-      totalsOf(call.database, {ScoreSubject::Kind::user, userId}, {today - assessedDays, today});
+      totalsOf(call.database, {ScoreSubject::Kind::user, userId}, daysUpTo(today, assessedDays));
   const auto score = totals.average(ScoreKind::overall);
   const double projected = discountFor(score);
   JsonWriter json;

@@ -166,7 +166,7 @@ Period averagePeriod(const Call& call) {
   if (*type == "CUSTOM") return requiredPeriod(call);
   if (hasDates) throw badRequest("only CUSTOM takes dates");
   if (*type == "MONTH") return monthsPeriod(today, count.value_or(1));
-  return {today - std::chrono::days{count.value_or(1) - 1}, today};
+  return daysUpTo(today, count.value_or(1));
 }
 
 Reply average(Call& call, const ScoreSubject& subject) {

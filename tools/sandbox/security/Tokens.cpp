@@ -102,9 +102,10 @@ bool equalInConstantTime(std::string_view left, std::string_view right) {
 
 SigningKey::SigningKey(const std::filesystem::path& file) {
   if (!exists(file)) {
-    std::ofstream{file} << randomHex(keyBytes) << '\n';
+    std::ofstream stream{file};
     using std::filesystem::perms;
     permissions(file, perms::owner_read | perms::owner_write);
+    stream << randomHex(keyBytes) << '\n';
   }
   std::ifstream{file} >> hex_;
   if (hex_.size() != 2 * keyBytes ||
