@@ -4,7 +4,6 @@
 // were rendered when the data was laid, so no tree of values is built on the way.
 #pragma once
 
-#include <concepts>
 #include <cstdint>
 #include <optional>
 #include <string>

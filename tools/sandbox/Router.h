@@ -10,7 +10,6 @@
 #include "store/Database.h"
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>

@@ -9,7 +9,6 @@
 
 #include <filesystem>
 #include <memory>
-#include <optional>
 #include <string>
 
 namespace orvane::sandbox {

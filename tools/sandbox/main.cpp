@@ -12,6 +12,7 @@
 #include <csignal>
 #include <cstdio>
 #include <fstream>
+#include <iomanip>
 #include <iostream>
 #include <map>
 
@@ -29,7 +30,7 @@ struct Flags {
   SandboxOptions options;
 };
 
-constexpr Milliseconds staleDays = 7;
+constexpr std::int64_t staleDays = 7;
 
 constexpr const char* footer = R"(
 Tokens: a JSON Web Token signed with HS256 and the key whose 64 hexadecimal digits stand in

@@ -5,7 +5,6 @@
 
 #include <span>
 #include <string>
-#include <string_view>
 
 namespace orvane::sandbox {
 

@@ -8,7 +8,6 @@
 #include "data/Random.h"
 #include "data/Roads.h"
 
-#include <string>
 #include <vector>
 
 namespace orvane::sandbox {

@@ -36,6 +36,13 @@ constexpr std::array<Invitation, 10> allInvitations{{
     {"LEADERBOARD", "PENDING", "1108", "1001", "Anna", "Keller", nullptr, nullptr},
 }};
 
+struct ActivationCode {
+  const char* activationId;
+  const char* code;
+  const char* userId;  // null: anybody's
+  bool used;
+};
+
 constexpr std::array<ActivationCode, 3> codes{{
     {"ACT-1007", "424242", "1007", false},
     {"ACT-OPEN", "777777", nullptr, false},
@@ -124,8 +131,6 @@ void layNamedDrivers(DatabaseConnection& database, Milliseconds now) {
 }
 
 }  // namespace
-
-std::span<const ActivationCode> activationCodes() { return codes; }
 
 void layPapers(DatabaseConnection& database, Milliseconds now) {
   layInvitations(database, now);

@@ -6,18 +6,7 @@
 #include "Time.h"
 #include "store/Database.h"
 
-#include <span>
-
 namespace orvane::sandbox {
-
-struct ActivationCode {
-  const char* activationId;
-  const char* code;
-  const char* userId;  // null: anybody's
-  bool used;
-};
-
-[[nodiscard]] std::span<const ActivationCode> activationCodes();
 
 /// People and vehicles must have been laid.
 void layPapers(DatabaseConnection& database, Milliseconds now);

@@ -6,7 +6,6 @@
 
 #include "data/Geometry.h"
 
-#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>

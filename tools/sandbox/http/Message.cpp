@@ -4,7 +4,6 @@
 #include "JsonWriter.h"
 
 #include <algorithm>
-#include <cstdint>
 
 namespace orvane::sandbox {
 

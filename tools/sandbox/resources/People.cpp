@@ -76,6 +76,22 @@ void writeColumn(JsonWriter& json, const Rows& user, int index, const Column& co
   }
 }
 
+bool userExists(DatabaseConnection& database, std::string_view userId) {
+  return database.query("SELECT 1 FROM users WHERE user_id = ?", userId).next();
+}
+
+bool shareAccount(DatabaseConnection& database, std::string_view userId, std::string_view otherId) {
+  return database
+      .query(
+          "SELECT account_id FROM users WHERE user_id = ?1"
+          " UNION SELECT account_id FROM account_guests WHERE user_id = ?1"
+          " INTERSECT SELECT account_id FROM ("
+          "SELECT account_id FROM users WHERE user_id = ?2"
+          " UNION SELECT account_id FROM account_guests WHERE user_id = ?2)",
+          userId, otherId)
+      .next();
+}
+
 void requireUser(Call& call, const std::string& userId) {
   if (!userExists(call.database, userId)) throw notFound("there is no such user");
 }
@@ -97,22 +113,6 @@ void writePublicUser(JsonWriter& json, const Rows& user) {
     ++index;
   }
   json.endObject();
-}
-
-bool userExists(DatabaseConnection& database, std::string_view userId) {
-  return database.query("SELECT 1 FROM users WHERE user_id = ?", userId).next();
-}
-
-bool shareAccount(DatabaseConnection& database, std::string_view userId, std::string_view otherId) {
-  return database
-      .query(
-          "SELECT account_id FROM users WHERE user_id = ?1"
-          " UNION SELECT account_id FROM account_guests WHERE user_id = ?1"
-          " INTERSECT SELECT account_id FROM ("
-          "SELECT account_id FROM users WHERE user_id = ?2"
-          " UNION SELECT account_id FROM account_guests WHERE user_id = ?2)",
-          userId, otherId)
-      .next();
 }
 
 const std::string& readableUser(Call& call, const std::string& userId) {

@@ -27,8 +27,4 @@ const std::string& readableUser(Call& call, const std::string& userId);
 /// The caller's own id and no other. Throws a 404 or a 403.
 const std::string& ownUser(Call& call, const std::string& userId);
 
-[[nodiscard]] bool userExists(DatabaseConnection& database, std::string_view userId);
-[[nodiscard]] bool shareAccount(DatabaseConnection& database, std::string_view userId,
-                                std::string_view otherId);
-
 }  // namespace orvane::sandbox

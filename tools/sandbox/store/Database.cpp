@@ -53,10 +53,6 @@ std::optional<double> Rows::optionalReal(int column) const {
   return isNull(column) ? std::nullopt : std::optional{real(column)};
 }
 
-std::optional<bool> Rows::optionalBoolean(int column) const {
-  return isNull(column) ? std::nullopt : std::optional{boolean(column)};
-}
-
 DatabaseConnection::DatabaseConnection(const std::filesystem::path& file) {
   sqlite3* handle = nullptr;
   constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;

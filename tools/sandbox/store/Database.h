@@ -6,7 +6,6 @@
 
 #include <sqlite3.h>
 
-#include <concepts>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -38,7 +37,6 @@ class Rows {
   [[nodiscard]] std::optional<std::string_view> optionalText(int column) const;
   [[nodiscard]] std::optional<std::int64_t> optionalInteger(int column) const;
   [[nodiscard]] std::optional<double> optionalReal(int column) const;
-  [[nodiscard]] std::optional<bool> optionalBoolean(int column) const;
 
  private:
   sqlite3_stmt* statement_;
