@@ -10,6 +10,7 @@
 #include <curl/curl.h>
 
 #include <array>
+#include <atomic>
 #include <memory>
 #include <string>
 

@@ -11,6 +11,7 @@
 #include <rapidjson/document.h>
 #include <simdjson.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <optional>

@@ -60,6 +60,9 @@ install(
   DESTINATION ${orvane_package_dir}
   COMPONENT Orvane_Development)
 
+# From where the pkg-config files are to the prefix: the folder of libraries may be several levels deep.
+file(RELATIVE_PATH module_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" module_prefix "${module_prefix}")
 foreach(target IN LISTS orvane_installed_targets)
   set(module orvane)
   set(module_description ${PROJECT_DESCRIPTION})
