@@ -204,8 +204,8 @@ class Checker:
         reported = set()
         for program in sorted(programs):
             folders = ("Orvane/", "tests/support/", program + "/")
-            if program == "tests/sandbox":
-                folders += ("tools/sandbox/",)
+            if program in ("tests/cli", "tests/sandbox"):
+                folders += (program.replace("tests/", "tools/", 1) + "/",)
             first = {}
             for source in self.sources.values():
                 if not source.path.startswith(folders):
