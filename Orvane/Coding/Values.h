@@ -10,6 +10,8 @@
 #include <Orvane/Platform/Indirect.h>
 #include <Orvane/Platform/JSON.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -87,12 +89,16 @@ void encodeValue(E value, json::Writer& writer) {
   writer.value(wireText(value));
 }
 
+/// Up to so many bytes memory is taken for the elements of a list before they have been read: a
+/// short text may hold a great many that are none.
+inline constexpr std::size_t mostReservedBytes = std::size_t{1} << 20U;
+
 template <class T>
 bool decodeValue(json::Element element, std::vector<T>& values, Decoder& decoder) {
   json::Array array;
   if (element.get(array) != simdjson::SUCCESS) return decoder.typeMismatch("an array", element);
   values.clear();
-  values.reserve(array.size());
+  values.reserve(std::min(array.size(), mostReservedBytes / sizeof(T) + 1));
   for (const json::Element entry : array) {
     if (!decodeValue(entry, values.emplace_back(), decoder)) {
       return decoder.failedAt(values.size() - 1);

@@ -165,6 +165,21 @@ TEST(CodingTest, anIntegerIsAnyNumberWithThatValue) {
   EXPECT_EQ(decode<std::string>(" \"bare\" ").value(), "bare");
 }
 
+// As many numbers as fit into a text of a few megabytes would be gigabytes of records.
+TEST(CodingTest, takesNoMemoryForElementsThatAreNone) {
+  std::string text = "[0";
+  for (int i = 1; i < 100'000; ++i) text += ",0";
+  text += ']';
+  const json::Document document(text);
+  Decoder decoder;
+  std::vector<TestSample> samples;
+  EXPECT_FALSE(decodeValue(document.root(), samples, decoder));
+  EXPECT_LE(samples.capacity() * sizeof(TestSample), std::size_t{2} << 20U);
+  std::vector<double> numbers;
+  EXPECT_TRUE(decodeValue(document.root(), numbers, decoder));
+  EXPECT_EQ(numbers.capacity(), 100'000U) << "what does fit is taken at once";
+}
+
 TEST(CodingTest, aRequiredMemberMustBeThere) {
   constexpr std::string_view text =
       R"({"must":1,"record":{"a":1},"nullable":"n","indispensable":"i"})";
