@@ -12,7 +12,7 @@ RequestHandle TripWalk::start(const TripService& service, TripPages pages, TripP
   const auto walk =
       std::make_shared<TripWalk>(service, std::move(pages), std::move(onPage), std::move(then));
   walk->askForPages();
-  return RequestHandle(walk, &walk->box_);
+  return walk->box_;
 }
 
 TripWalk::TripWalk(const TripService& service, TripPages pages, TripPageHandler onPage,
@@ -26,7 +26,7 @@ TripWalk::TripWalk(const TripService& service, TripPages pages, TripPageHandler 
 void TripWalk::askForPages() {
   do {
     progress_.store(Progress::asking);
-    box_.step([this] { return askForPage(); });
+    box_->step([this] { return askForPage(); });
   } while (progress_.exchange(Progress::waiting) == Progress::answered);
 }
 
@@ -43,7 +43,7 @@ RequestHandle TripWalk::askForPage() {
 }
 
 void TripWalk::pageArrived(Result<std::vector<Trip>> answer) {
-  if (box_.cancelled()) return;
+  if (box_->cancelled()) return;
   if (!answer) return finish(answer.errorOr(NetworkError::unknown));
 
   std::vector<Trip>& page = *answer.value();
@@ -56,7 +56,7 @@ void TripWalk::pageArrived(Result<std::vector<Trip>> answer) {
 
   onPage_(std::move(page));
   if (isLast) return finish(Unit{});
-  if (box_.cancelled()) return;
+  if (box_->cancelled()) return;
   offset_ += static_cast<std::int64_t>(ids.size());
   formerIDs_ = std::move(ids);
   if (progress_.exchange(Progress::answered) == Progress::waiting) askForPages();
@@ -64,7 +64,7 @@ void TripWalk::pageArrived(Result<std::vector<Trip>> answer) {
 
 void TripWalk::finish(Result<Unit> outcome) {
   onPage_ = nullptr;
-  box_.complete(then_, std::move(outcome));
+  box_->complete(then_, std::move(outcome));
 }
 
 }  // namespace orvane

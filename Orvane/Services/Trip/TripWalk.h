@@ -14,7 +14,8 @@
 
 namespace orvane {
 
-/// Asks for one page after the other. The closure of the request under way owns it.
+/// Asks for one page after the other. The closure of the request under way owns it; its box is
+/// apart, so that who keeps the handle does not keep the handlers.
 class TripWalk : public std::enable_shared_from_this<TripWalk> {
  public:
   /// Starts a walk and answers its handle.
@@ -41,7 +42,7 @@ class TripWalk : public std::enable_shared_from_this<TripWalk> {
   const std::int64_t pageSize_;
   TripPageHandler onPage_;
   Completion<Unit> then_;
-  RequestBox box_;
+  const std::shared_ptr<RequestBox> box_ = std::make_shared<RequestBox>();
   std::atomic<Progress> progress_{Progress::asking};
   std::int64_t offset_ = 0;
   TripIDs formerIDs_;

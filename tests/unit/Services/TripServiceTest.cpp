@@ -390,6 +390,7 @@ TEST_F(TripPagesTest, endWhenTheyAreCancelled) {
   EXPECT_EQ(foundation_.requestManager->answerWaiting(), 1U);
   EXPECT_FALSE(request->isFinished());
   EXPECT_TRUE(request->cancel() && request->isFinished());
+  EXPECT_FALSE(outcome.isHeld()) << "by the handle, which is still there";
   const auto calls = foundation_.requestManager->calls();
   ASSERT_EQ(calls.size(), 2U);
   EXPECT_TRUE(calls[1]->isCancelled());
