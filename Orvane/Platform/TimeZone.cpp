@@ -12,9 +12,21 @@ namespace {
 // The widest offset that a zone may have, in seconds.
 constexpr std::int64_t widestOffset = 18L * 60 * 60;
 
+icu::UnicodeString icuText(std::string_view text) {
+  return icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
+}
+
+// ICU makes zones of "GMT+23:00" and the like, too, which no database has.
+bool isInDatabase(std::string_view name) {
+  icu::UnicodeString canonical;
+  UBool isSystemID = 0;
+  UErrorCode status = U_ZERO_ERROR;
+  icu::TimeZone::getCanonicalID(icuText(name), canonical, isSystemID, status);
+  return U_SUCCESS(status) != 0 && isSystemID != 0;
+}
+
 std::unique_ptr<icu::TimeZone> icuZone(std::string_view name) {
-  return std::unique_ptr<icu::TimeZone>(icu::TimeZone::createTimeZone(
-      icu::UnicodeString::fromUTF8({name.data(), static_cast<std::int32_t>(name.size())})));
+  return std::unique_ptr<icu::TimeZone>(icu::TimeZone::createTimeZone(icuText(name)));
 }
 
 void appendTwoDigits(std::string& text, std::int64_t number) {
@@ -30,7 +42,7 @@ std::optional<TimeZone> TimeZone::fromSeconds(std::int64_t secondsFromGMT) {
 }
 
 std::optional<TimeZone> TimeZone::named(std::string_view name) {
-  if (*icuZone(name) == icu::TimeZone::getUnknown()) return std::nullopt;
+  if (!isInDatabase(name)) return std::nullopt;
   return TimeZone(std::make_shared<const std::string>(name), 0);
 }
 

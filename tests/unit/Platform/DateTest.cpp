@@ -88,7 +88,9 @@ TEST(TimeZoneTest, namedZonesFollowTheirDaylightSaving) {
   EXPECT_EQ(*zurich, *TimeZone::named("Europe/Zurich"));
   EXPECT_NE(*zurich, *TimeZone::named("Europe/Berlin"));
   EXPECT_NE(*TimeZone::named("UTC"), *TimeZone::fromSeconds(0));
-  for (const std::string_view refused : {"", "Europe/Nowhere", "europe zurich"}) {
+  EXPECT_TRUE(TimeZone::named("GMT") && TimeZone::named("Etc/GMT+5"));
+  for (const std::string_view refused :
+       {"", "Europe/Nowhere", "europe zurich", "GMT+23:00", "GMT-5", "Etc/Unknown"}) {
     EXPECT_FALSE(TimeZone::named(refused)) << refused;
   }
 }
