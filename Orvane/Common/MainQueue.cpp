@@ -2,9 +2,9 @@
 #include <Orvane/Common/Logger.h>
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Common/Request.h>
+#include <Orvane/Platform/Deadline.h>
 #include <Orvane/Platform/Fatal.h>
 
-#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <deque>
@@ -18,13 +18,6 @@ namespace {
 using TimePoint = std::chrono::steady_clock::time_point;
 
 constexpr std::chrono::milliseconds patience{5000};
-
-// The moment at which a time limit runs out; a limit beyond what the clock can tell never does.
-TimePoint endOf(std::chrono::milliseconds limit) {
-  const TimePoint now = std::chrono::steady_clock::now();
-  const auto rest = std::chrono::floor<std::chrono::milliseconds>(TimePoint::max() - now);
-  return limit < rest ? now + std::max(limit, std::chrono::milliseconds::zero()) : TimePoint::max();
-}
 
 }  // namespace
 
@@ -113,7 +106,7 @@ void MainQueue::runUntil(const std::shared_ptr<Request>& request) {
 
 bool MainQueue::runUntil(const std::shared_ptr<Request>& request, std::chrono::milliseconds limit) {
   if (!request) return true;
-  const TimePoint end = endOf(limit);
+  const TimePoint end = deadlineAfter(limit);
   state_->waiters.fetch_add(1, std::memory_order_seq_cst);
   std::unique_lock lock(state_->mutex);
   state_->becomeDrainer();

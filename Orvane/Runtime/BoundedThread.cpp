@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Platform/Deadline.h>
 #include <Orvane/Runtime/BoundedThread.h>
 
 #include <atomic>
@@ -24,7 +25,7 @@ struct BoundedThread::State {
 
   bool waitForEnd(std::chrono::milliseconds timeout) {
     std::unique_lock lock(mutex);
-    return ended.wait_for(lock, timeout, [this] { return !isRunning; });
+    return ended.wait_until(lock, deadlineAfter(timeout), [this] { return !isRunning; });
   }
 };
 

@@ -11,7 +11,8 @@ IntervalTimeMonitor::IntervalTimeMonitor(std::chrono::milliseconds interval, Clo
 TimeMonitor::TimePoint IntervalTimeMonitor::now() const { return clock_(); }
 
 bool IntervalTimeMonitor::hasExpired(TimePoint stored) const {
-  return clock_() - stored >= interval_;
+  // In the interval's unit: in the clock's, which is finer, a long one would not fit.
+  return std::chrono::floor<std::chrono::milliseconds>(clock_() - stored) >= interval_;
 }
 
 }  // namespace orvane

@@ -19,6 +19,9 @@ namespace {
 // RFC 7518, section 3.2: as long as the hash.
 constexpr std::size_t shortestKey = 32;
 
+// Beyond it a token is valid for ever, and its times get too large to be computed.
+constexpr std::chrono::seconds longestLifetime = std::chrono::years(100);
+
 constexpr std::string_view header = R"({"alg":"HS256","typ":"JWT"})";
 
 // RFC 4648, section 5, without padding.
@@ -63,6 +66,9 @@ Result<std::shared_ptr<SelfSignedTokenResolver>> SelfSignedTokenResolver::make(
   }
   if (options.lifetime < std::chrono::seconds(1)) {
     return ConfigurationError("the lifetime of tokens is shorter than a second");
+  }
+  if (options.lifetime > longestLifetime) {
+    return ConfigurationError("the lifetime of tokens is longer than 100 years");
   }
   options.reuse = std::min(options.reuse, options.lifetime * 9 / 10);
   return std::shared_ptr<SelfSignedTokenResolver>(new SelfSignedTokenResolver(std::move(options)));

@@ -20,7 +20,7 @@ namespace orvane {
 struct ORVANE_EXPORT SelfSignedTokenOptions {
   /// The bytes shared with the backend; at least 32 of them (RFC 7518, section 3.2).
   std::string key{};
-  /// How long a token is valid.
+  /// How long a token is valid: a second to 100 years.
   std::chrono::seconds lifetime{std::chrono::minutes(10)};
   /// How long a token is used before the next one is made; in any case not beyond nine tenths of
   /// its lifetime.
@@ -32,7 +32,7 @@ struct ORVANE_EXPORT SelfSignedTokenOptions {
 /// clock plus the offset; "exp", the end of the lifetime. Answers inside the call.
 class ORVANE_EXPORT SelfSignedTokenResolver final : public KeepingTokenResolver {
  public:
-  /// A key that is too short or a lifetime below one second is answered with a
+  /// A key that is too short or a lifetime out of range is answered with a
   /// `ConfigurationError`.
   [[nodiscard]] static Result<std::shared_ptr<SelfSignedTokenResolver>> make(
       SelfSignedTokenOptions options);

@@ -125,6 +125,8 @@ TEST(SelfSignedTokenResolverTest, RefusesWhatItCannotSign) {
             "the key that signs tokens is shorter than 32 bytes");
   EXPECT_EQ(problem({.key = key, .lifetime = std::chrono::seconds(0)}),
             "the lifetime of tokens is shorter than a second");
+  EXPECT_EQ(problem({.key = key, .lifetime = std::chrono::seconds::max()}),
+            "the lifetime of tokens is longer than 100 years");
 
   const Error unsignable = TokenError(TokenError::Kind::signing);
   EXPECT_EQ(tokenOf(*signing(), {"app", "\xFF"}), unsignable) << "no JSON text holds that";
