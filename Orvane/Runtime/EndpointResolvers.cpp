@@ -1,32 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Platform/Fatal.h>
 #include <Orvane/Runtime/ConfigurationError.h>
+#include <Orvane/Runtime/ConfiguredURL.h>
 #include <Orvane/Runtime/EndpointResolvers.h>
-#include <Orvane/Runtime/OutgoingRequest.h>
 
-#include <optional>
 #include <utility>
 
 namespace orvane {
-namespace {
-
-// A base URL as an application writes it into its options.
-Result<URL> baseURLFrom(const std::string& text) {
-  std::optional<URL> url = URL::parse(text);
-  if (!url || url->host().empty()) return ConfigurationError("baseURL is no URL with a host");
-  if (url->scheme() != "https" && url->scheme() != "http") {
-    return ConfigurationError("baseURL must be https");
-  }
-  if (url->query()) return ConfigurationError("baseURL must not have a query");
-  OutgoingRequest request{Verb::get, *url, {}, {}};
-  if (check(request, true)) {
-    return ConfigurationError("baseURL has a port that does not exist, or a user or password");
-  }
-  return *std::move(url);
-}
-
-}  // namespace
-
 std::string UnknownAPIKey::message() const { return "no backend is known for the API key"; }
 
 FunctionEndpointResolver::FunctionEndpointResolver(Function function)
@@ -41,7 +21,7 @@ RequestHandle FunctionEndpointResolver::resolveOrvaneURL(const std::string& apiK
 }
 
 EndpointSource EndpointSource::fixed(const std::string& baseURL) {
-  Result<URL> url = baseURLFrom(baseURL);
+  Result<URL> url = configuredURL("baseURL", baseURL);
   if (!url.value()) return EndpointSource(Made(*std::move(url).error()));
   return EndpointSource(
       [url = *std::move(url).value()](const std::string&) -> Result<URL> { return url; });
@@ -50,7 +30,7 @@ EndpointSource EndpointSource::fixed(const std::string& baseURL) {
 EndpointSource EndpointSource::mapped(const std::map<std::string, std::string>& byAPIKey) {
   std::map<std::string, URL> urls;
   for (const auto& [apiKey, baseURL] : byAPIKey) {
-    Result<URL> url = baseURLFrom(baseURL);
+    Result<URL> url = configuredURL("baseURL", baseURL);
     if (!url.value()) return EndpointSource(Made(*std::move(url).error()));
     urls.emplace(apiKey, *std::move(url).value());
   }

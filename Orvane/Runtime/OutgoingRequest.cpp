@@ -29,14 +29,6 @@ bool isToken(std::string_view text) {
   });
 }
 
-// RFC 9110, section 5.5.
-bool isFieldValue(std::string_view text) {
-  return isUTF8(text) && std::none_of(text.begin(), text.end(), [](char c) {
-           const auto code = static_cast<unsigned char>(c);
-           return (code < 0x20 && c != '\t') || code == 0x7F;
-         });
-}
-
 bool isWellFormed(const Headers& headers, std::size_t bodySize) {
   return std::all_of(headers.begin(), headers.end(), [&](const auto& header) {
     const auto& [name, value] = header;
@@ -90,6 +82,13 @@ bool isThisMachine(std::string host) {
 }
 
 }  // namespace
+
+bool isFieldValue(std::string_view text) {
+  return isUTF8(text) && std::none_of(text.begin(), text.end(), [](char c) {
+           const auto code = static_cast<unsigned char>(c);
+           return (code < 0x20 && c != '\t') || code == 0x7F;
+         });
+}
 
 bool isHeader(const std::string& name, std::string_view expected) {
   return std::equal(name.begin(), name.end(), expected.begin(), expected.end(),

@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace orvane {
 
@@ -27,6 +28,10 @@ struct OutgoingRequest {
 
 /// Checks a request. Answers why it must not be sent; absent when it may.
 [[nodiscard]] std::optional<Error> check(OutgoingRequest& request, bool allowsPlainHTTP);
+
+/// True when a header may have the value `text`: UTF-8 without control characters but the tab
+/// (RFC 9110, section 5.5).
+[[nodiscard]] bool isFieldValue(std::string_view text);
 
 /// True when the header `name` is `expected` (in lower case): names have no case (RFC 9110).
 [[nodiscard]] bool isHeader(const std::string& name, std::string_view expected);

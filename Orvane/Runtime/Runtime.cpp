@@ -3,8 +3,10 @@
 #include <Orvane/Common/FirmwareHost.h>
 #include <Orvane/Common/Stores.h>
 #include <Orvane/Core/Resolvers.h>
+#include <Orvane/Platform/Deadline.h>
 #include <Orvane/Platform/DeviceSettings.h>
 #include <Orvane/Runtime/ConfigurationError.h>
+#include <Orvane/Runtime/ConfiguredURL.h>
 #include <Orvane/Runtime/CurlDownloader.h>
 #include <Orvane/Runtime/FileDeviceIdentifier.h>
 #include <Orvane/Runtime/IntervalTimeMonitor.h>
@@ -40,7 +42,8 @@ std::string deviceIdentifierFile(const RuntimeOptions& options) {
 
 Result<std::shared_ptr<FirmwareHost>> firmwareHost(const RuntimeOptions& options) {
   if (options.firmwareHost.empty()) return std::shared_ptr<FirmwareHost>();
-  if (!URL::parse(options.firmwareHost)) return ConfigurationError("firmwareHost is no URL");
+  const auto url = configuredURL("firmwareHost", options.firmwareHost);
+  if (!url.value()) return *url.error();
   return std::make_shared<FirmwareHost>(FirmwareHost{options.firmwareHost});
 }
 
@@ -118,7 +121,7 @@ void Runtime::signOut(const Identity& identity) const {
 }
 
 bool Runtime::shutdown(std::chrono::milliseconds timeout) const {
-  const Clock::time_point end = Clock::now() + timeout;
+  const Clock::time_point end = deadlineAfter(timeout);
   const auto left = [end] {
     return std::max(std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()),
                     std::chrono::milliseconds::zero());

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Runtime/OutgoingRequest.h>
 #include <Orvane/Runtime/TransportProblems.h>
 
 #include <openssl/bio.h>
@@ -56,6 +57,9 @@ std::optional<ConfigurationError> problemWith(const TransportOptions& options) {
   if (options.connectTimeout.count() < 0 || options.idleTimeout.count() < 0 ||
       options.totalTimeout.count() < 0) {
     return ConfigurationError("a time-out is negative");
+  }
+  if (!isFieldValue(options.userAgent)) {
+    return ConfigurationError("userAgent is not UTF-8, or holds control characters");
   }
   return problemWithAuthorities(options);
 }

@@ -79,7 +79,7 @@ TEST(RuntimeTest, ServesServices) {
                           "/base/kavra/api/sdk/users/id-of-" + name));
   const std::string device = Container::common()->inject<DeviceIdentifier>()->current();
   EXPECT_EQ(contentsOf(folder / "device-id"), device + "\n");
-  EXPECT_TRUE(runtime.shutdown());
+  EXPECT_TRUE(runtime.shutdown(std::chrono::milliseconds::max()));
   EXPECT_EQ(fetch(identity).error(), Error(TransportError(TransportError::Kind::cancelled)));
 }
 
@@ -173,7 +173,9 @@ TEST(RuntimeTest, RefusesOptionsThatCannotWork) {
       {url, SelfSignedTokenResolver::make({.key = "short"}), "",
        "the key that signs tokens is shorter than 32 bytes"},
       {url, "token", "/no/such/file", "caFile can't be read: /no/such/file"},
-      {url, "token", "", "firmwareHost is no URL", "no host"},
+      {url, "token", "", "firmwareHost is no URL with a host", "no host"},
+      {url, "token", "", "firmwareHost is no URL with a host", "firmware.example"},
+      {url, "token", "", "firmwareHost must be https", "ftp://firmware.example"},
   };
   const auto before = Container::common()->find<RequestManager>();
   for (const Row& row : rows) {

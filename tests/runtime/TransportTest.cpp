@@ -399,6 +399,7 @@ TEST(TransportTest, RefusesOptionsThatCannotWork) {
       {{.caFile = "/no/such/file"}, "caFile can't be read: /no/such/file"},
       {{.caFile = "/dev/null"}, "caFile holds no certificate: /dev/null"},
       {{.caPEM = "no certificate"}, "caPEM holds no certificate"},
+      {{.userAgent = "a\r\nX-Other: b"}, "userAgent is not UTF-8, or holds control characters"},
       {{.caFile = "/dev/null", .caPEM = "x"}, "caFile and caPEM exclude one another"},
   };
   for (const auto& [options, message] : rows) {
