@@ -35,11 +35,12 @@ class Descriptor {
   const int number_;
 };
 
+// RFC 9562, section 4: written in lower case, read in either.
 bool isUUID(std::string_view text) {
   constexpr std::string_view form = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
   return std::equal(text.begin(), text.end(), form.begin(), form.end(), [](char c, char expected) {
     if (expected == '-') return c == '-';
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
   });
 }
 

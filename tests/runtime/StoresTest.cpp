@@ -64,10 +64,12 @@ TEST(FileDeviceIdentifierTest, IsTheSameForAllWhoAskAtOnce) {
 
 TEST(FileDeviceIdentifierTest, TakesAnIdentifierAsItWasWritten) {
   const TemporaryFolder folder;
-  constexpr auto written = "01234567-89ab-4cde-8f01-23456789abcd";
-  for (const std::string end : {"", "\n"}) {
-    writeFile(folder / "device-id", written + end);
-    EXPECT_EQ(FileDeviceIdentifier(folder / "device-id").current(), written);
+  for (const std::string written :
+       {"01234567-89ab-4cde-8f01-23456789abcd", "01234567-89AB-4CDE-8F01-23456789ABCD"}) {
+    for (const std::string end : {"", "\n"}) {
+      writeFile(folder / "device-id", written + end);
+      EXPECT_EQ(FileDeviceIdentifier(folder / "device-id").current(), written);
+    }
   }
 }
 
@@ -117,6 +119,8 @@ TEST(IntervalTimeMonitorTest, ExpiresAfterItsInterval) {
   now += std::chrono::nanoseconds(1);
   EXPECT_TRUE(monitor.hasExpired(stored));
   EXPECT_FALSE(monitor.hasExpired(monitor.now()));
+  const auto never = std::chrono::milliseconds::max();
+  EXPECT_FALSE(IntervalTimeMonitor(never, [&] { return now; }).hasExpired(stored));
 }
 
 TEST(LoggersTest, WriteFromTheLeastLevelUp) {
