@@ -24,18 +24,19 @@ constexpr long mostConnections = 64;
 
 TransportError shutDown() { return TransportError(TransportError::Kind::cancelled); }
 
-void prepareProcess() {
-  static const bool isDone = [] {
+// To come before anything else that asks something of OpenSSL: its first initialisation decides.
+// False when libcurl can't be initialised.
+bool prepareProcess() {
+  static const bool isPrepared = [] {
     // Without OpenSSL's cleanup on exit, which would pull the ground from under a thread that is
     // still transferring when `main` returns.
     OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
     return curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
   }();
-  static_cast<void>(isDone);
+  return isPrepared;
 }
 
 CURLM* makeMulti(const TransportOptions& options) {
-  prepareProcess();
   CURLM* multi = curl_multi_init();
   if (multi == nullptr) return nullptr;
   const long perHost = static_cast<long>(options.maximumConnectionsPerHost);
@@ -59,9 +60,11 @@ void blockSignals() {
 }  // namespace
 
 Result<std::shared_ptr<TransferLoop>> TransferLoop::make(TransportOptions options) {
+  const ConfigurationError noLibcurl("libcurl can't be initialised");
+  if (!prepareProcess()) return noLibcurl;
   if (auto problem = problemWith(options)) return *std::move(problem);
   auto loop = std::make_shared<TransferLoop>(std::move(options));
-  if (loop->multi_ == nullptr) return ConfigurationError("libcurl can't be initialised");
+  if (loop->multi_ == nullptr) return noLibcurl;
   return loop;
 }
 
