@@ -46,10 +46,10 @@ std::string validatorIn(const CurlEasy& easy) {
   return isStrong(modified, headerOf(easy, "Date")) ? modified : std::string();
 }
 
-// RFC 9110, section 14.4: "bytes 500-999/1234", or "*" for an unknown length.
+// RFC 9110, section 14.4: "bytes 500-999/1234", or "*" for an unknown length. Where it ends is
+// seen from the bytes that come.
 struct ContentRange {
   std::int64_t first;
-  std::int64_t last;
   std::optional<std::int64_t> total;
 };
 
@@ -71,12 +71,11 @@ std::optional<ContentRange> contentRange(std::string_view text) {
   if (!takeText(text, "bytes ")) return std::nullopt;
   const auto first = takeNumber(text);
   if (!first || !takeText(text, "-")) return std::nullopt;
-  const auto last = takeNumber(text);
-  if (!last || !takeText(text, "/")) return std::nullopt;
-  if (text == "*") return ContentRange{*first, *last, std::nullopt};
+  if (!takeNumber(text) || !takeText(text, "/")) return std::nullopt;
+  if (text == "*") return ContentRange{*first, std::nullopt};
   const auto total = takeNumber(text);
   if (!total || !text.empty()) return std::nullopt;
-  return ContentRange{*first, *last, total};
+  return ContentRange{*first, total};
 }
 
 Completion<std::string> withoutText(Completion<Unit> then) {

@@ -53,12 +53,6 @@ void syncFolder(const std::string& target) {
 
 }  // namespace
 
-std::string DownloadError::message() const {
-  const std::string text = kind_ == Kind::file ? "the file can't be written"
-                                               : "another download to the same file is under way";
-  return message_.empty() ? text : text + ": " + message_;
-}
-
 Result<std::shared_ptr<PartialFile>> PartialFile::open(std::string target, const URL& source) {
   const std::shared_ptr<PartialFile> file(new PartialFile(std::move(target), source));
   if (auto error = file->lock()) return *std::move(error);
@@ -79,6 +73,7 @@ std::optional<DownloadError> PartialFile::lock() {
         ::open(path().c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW, 0644);
     if (descriptor_ < 0) return fileError(errno);
     if (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
+      if (errno != EWOULDBLOCK) return fileError(errno);
       return DownloadError(DownloadError::Kind::busy);
     }
     // Another download may have finished in between: then this is the target by now, and the
