@@ -10,7 +10,8 @@ namespace {
 
 using Level = Logger::Level;
 
-class StandardErrorLogger final : public Logger {
+// What writes until the application says where to.
+class InitialLogger final : public Logger {
  public:
   void write(const Entry& entry) override {
     if (entry.level == Level::information) return;
@@ -21,7 +22,7 @@ class StandardErrorLogger final : public Logger {
 
 struct State {
   std::mutex mutex;
-  std::shared_ptr<Logger> logger = std::make_shared<StandardErrorLogger>();
+  std::shared_ptr<Logger> logger = std::make_shared<InitialLogger>();
 };
 
 // Never destroyed: lines may still come while the process ends.
@@ -47,7 +48,7 @@ void write(Level level, std::string_view message, const SourceLocation& place) {
 Logger::~Logger() = default;
 
 std::shared_ptr<Logger> Logger::setShared(std::shared_ptr<Logger> logger) {
-  if (!logger) logger = std::make_shared<StandardErrorLogger>();
+  if (!logger) logger = std::make_shared<InitialLogger>();
   State& shared = state();
   const std::scoped_lock lock(shared.mutex);
   shared.logger.swap(logger);
