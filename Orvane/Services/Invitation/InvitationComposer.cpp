@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Common/NetworkError.h>
-#include <Orvane/Platform/JSON.h>
+#include <Orvane/Platform/JSONWriter.h>
 #include <Orvane/Platform/OneOf.h>
 #include <Orvane/Platform/Text.h>
 #include <Orvane/Services/Invitation/InvitationComposer.h>
