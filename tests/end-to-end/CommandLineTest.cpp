@@ -59,7 +59,8 @@ TEST(CommandLineTest, EveryErrorHasItsExitCodeAndOneLine) {
           fails("user update --share-user-profile maybe", 64, "choices: yes, no"),
           fails("user update --phone", 64, "--phone needs a value"),
           fails("user show --timeout soon", 64, "not a number"),
-          fails("user show --timeout 0", 64, "the timeout has to be"),
+          fails("user show --timeout 0", 64, "is not from 0.001"),
+          fails("user show ''", 64, "an identifier"),
           fails("user show --base-url http://example.org", 78, "http is for this machine only"),
           fails("user show --base-url 'not a URL'", 78, "baseURL"),
           fails("user show --ca-file /nowhere.pem", 78, "/nowhere.pem"),
@@ -79,6 +80,11 @@ TEST(CommandLineTest, EveryErrorHasItsExitCodeAndOneLine) {
           fails("user show \xC3\x28", 20, "formed"),
       },
       settingsOf(sandbox));
+
+  for (const char* timeout : {"soon", "0", "nan"}) {
+    check({fails("user show", 78, "ORVANE_TIMEOUT: timeout is")},
+          with(settingsOf(sandbox), {{"ORVANE_TIMEOUT", timeout}}));
+  }
 
   const std::tuple<const char*, nlohmann::json, int> faults[] = {
       {"status", 500, 50},      {"status", 302, 40},     {"cutAfterBytes", 20, 14},

@@ -31,8 +31,8 @@ struct Argument<std::string> {
   [[nodiscard]] static std::optional<std::string> parse(std::string_view text);
 };
 
-/// An identifier of the backend's. It stands in paths, where an empty one would address what is
-/// above it: all vehicles instead of one.
+/// An identifier of the backend's, which is never empty. Most stand in paths, where an empty one
+/// would address what is above it: all vehicles instead of one.
 struct Identifier {
   std::string text;
 };

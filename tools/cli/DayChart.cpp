@@ -8,9 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdint>
-#include <map>
-#include <span>
 #include <string_view>
 
 namespace orvane::cli {

@@ -8,7 +8,7 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 

@@ -142,6 +142,8 @@ TransportOptions Session::transport() const {
   TransportOptions transport;
   transport.caFile = settings_.text(Setting::caFile).value_or("");
   transport.totalTimeout = timeout();
+  // A silent backend has all of that, too: none of its own.
+  transport.idleTimeout = {};
   transport.userAgent = "orvane/" ORVANE_CLI_VERSION;
   if (isVerbose_) transport.observer = traceExchange;
   return transport;
@@ -164,8 +166,8 @@ std::chrono::milliseconds Session::timeout() const {
   // Long enough for everything, and small enough for every clock.
   constexpr double longest = 1e6;
   const double seconds = settings_.number(Setting::timeout).value_or(longest);
-  if (seconds < 0.001 || seconds > longest) {
-    throw Failure(ExitCode::usage, "the timeout has to be from 0.001 to 1000000 seconds");
+  if (!(seconds >= 0.001 && seconds <= longest)) {
+    throw settings_.refusal(Setting::timeout, "is not from 0.001 to 1000000 seconds");
   }
   return std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000.0));
 }

@@ -129,12 +129,14 @@ std::optional<double> Settings::number(Setting setting) const {
   const auto& found = text(setting);
   if (!found) return std::nullopt;
   const auto number = Argument<double>::parse(*found);
-  if (!number) {
-    throw Failure(source(setting) == Source::flag ? ExitCode::usage : ExitCode::configuration,
-                  origin(setting) + ": " + std::string(rowOf(setting).name) + " is '" + *found +
-                      "', which is not a number");
-  }
+  if (!number) throw refusal(setting, "is not a number");
   return number;
+}
+
+Failure Settings::refusal(Setting setting, const std::string& reason) const {
+  return {source(setting) == Source::flag ? ExitCode::usage : ExitCode::configuration,
+          origin(setting) + ": " + std::string(rowOf(setting).name) + " is '" +
+              text(setting).value_or("") + "', which " + reason};
 }
 
 Settings::Value& Settings::value(Setting setting) {

@@ -13,6 +13,8 @@
 
 namespace orvane::cli {
 
+class Failure;
+
 enum class Setting : std::uint8_t {
   baseURL,
   apiKey,
@@ -70,6 +72,9 @@ class Settings {
   [[nodiscard]] std::string required(Setting setting) const;
   /// The value as a number; absent where there is none, a `Failure` for any other text.
   [[nodiscard]] std::optional<double> number(Setting setting) const;
+  /// What to throw about a value that can't be used, because it "is not …": a mistake in the
+  /// command line or in what surrounds it, depending on where the value comes from.
+  [[nodiscard]] Failure refusal(Setting setting, const std::string& reason) const;
 
   /// The file that is read, whether or not it is there; empty where no home folder is known.
   [[nodiscard]] const std::filesystem::path& file() const noexcept { return file_; }

@@ -11,7 +11,7 @@ struct SetsAlert {
   using Answer = Unit;
   static constexpr std::string_view done = "The alert is set.";
 
-  std::string driver;
+  Identifier driver;
 
   void declareDriver(Options& options) {
     options.positional("DRIVER", driver, "Whose driving: a user");
@@ -36,7 +36,7 @@ struct AlertOfAcceleration : SetsAlert {
   }
 
   RequestHandle start(const Identity& identity, Completion<Unit> then) const {
-    return set(identity, DrivingAlertType::acceleration(driver, severity), std::move(then));
+    return set(identity, DrivingAlertType::acceleration(driver.text, severity), std::move(then));
   }
 };
 
@@ -53,7 +53,7 @@ struct AlertOfBraking : SetsAlert {
   }
 
   RequestHandle start(const Identity& identity, Completion<Unit> then) const {
-    return set(identity, DrivingAlertType::braking(driver, severity), std::move(then));
+    return set(identity, DrivingAlertType::braking(driver.text, severity), std::move(then));
   }
 };
 
@@ -70,7 +70,7 @@ struct AlertOfSpeeding : SetsAlert {
   }
 
   RequestHandle start(const Identity& identity, Completion<Unit> then) const {
-    return set(identity, DrivingAlertType::speeding(driver, threshold), std::move(then));
+    return set(identity, DrivingAlertType::speeding(driver.text, threshold), std::move(then));
   }
 };
 
@@ -101,7 +101,7 @@ struct AlertOfLateNight : SetsAlert {
     std::optional<Date> end;
     if (from) begin = next(*from);
     if (to) end = next(*to);
-    return set(identity, DrivingAlertType::lateNight(driver, isEnabled, begin, end),
+    return set(identity, DrivingAlertType::lateNight(driver.text, isEnabled, begin, end),
                std::move(then));
   }
 };

@@ -20,7 +20,8 @@ void printScript(Session& session, Script script) {
 struct Bash {
   static constexpr std::string_view name = "bash";
   static constexpr std::string_view summary = "Print the script for bash";
-  static constexpr Example examples[] = {{"completion bash > /etc/bash_completion.d/orvane", ""}};
+  static constexpr Example examples[] = {
+      {"completion bash > /etc/bash_completion.d/orvane", "for everybody on this machine"}};
   void run(Session& session) const { printScript(session, bashCompletion); }
 };
 

@@ -5,8 +5,6 @@
 #include "StandardOutputSilence.h"
 #include <Orvane/Services/WedgeFirmware/WedgeFirmwareService.h>
 
-#include <filesystem>
-
 namespace orvane::cli {
 
 /// Numbers with points between them.

@@ -237,7 +237,8 @@ struct RemoveFromVehicle {
   static constexpr std::string_view name = "remove-from-vehicle";
   static constexpr std::string_view summary = "Take a vehicle from a guest driver";
   static constexpr std::string_view done = "The guest no longer drives the vehicle.";
-  static constexpr Example examples[] = {{"invitations remove-from-vehicle 1004 3006", ""}};
+  static constexpr Example examples[] = {
+      {"invitations remove-from-vehicle 1004 3006", "1004 drives 3006 no longer"}};
 
   Identifier user;
   Identifier vehicle;
@@ -258,7 +259,8 @@ struct RemoveFromAccount {
   static constexpr std::string_view name = "remove-from-account";
   static constexpr std::string_view summary = "Remove a guest driver from an account";
   static constexpr std::string_view done = "The guest no longer belongs to the account.";
-  static constexpr Example examples[] = {{"invitations remove-from-account 1106 2002", ""}};
+  static constexpr Example examples[] = {
+      {"invitations remove-from-account 1106 2002", "1106 drives for 2002 no longer"}};
 
   Identifier user;
   Identifier account;

@@ -200,7 +200,7 @@ struct ListTrips : AnswersTrips {
       {"trips list --all --json | jq length", "how many there are at all"},
   };
 
-  std::optional<std::string> user;
+  std::optional<Identifier> user;
   ListOptions list;
 
   void declare(Options& options) {
@@ -211,7 +211,7 @@ struct ListTrips : AnswersTrips {
   RequestHandle start(const Identity& identity, Completion<Trips> then) const {
     const TripService service(identity);
     std::optional<User> owner;
-    if (user) owner.emplace().id = user;
+    if (user) owner.emplace().id = user->text;
     if (list.isAll) {
       TripPages pages;
       pages.list = TripPages::List::trips;
@@ -249,21 +249,26 @@ struct ListTripsByVehicle : AnswersTrips {
        "what one of its drivers did with it in May"},
   };
 
+  Identifier vehicle;
+  std::optional<Identifier> user;
   TripsByVehicle trips;
 
   void declare(Options& options) {
-    options.positional("VEHICLE", trips.vehicleId, "The vehicle");
+    options.positional("VEHICLE", vehicle, "The vehicle");
     options.required("--from", trips.startDate, "The first day, sent as it stands: 2024-05-01");
     options.required("--to", trips.endDate, "The last day, sent as it stands");
     options.option("--limit", trips.vehicleTripsLimit, "How many at most; left out, 100");
     options.option("--offset", trips.offset, "How many of the latest to leave out");
     options.option("--role", trips.role, "Only of drivers in this role: OWNER or OPERATOR");
-    options.option("--user", trips.userId, "Only of this driver");
+    options.option("--user", user, "Only of this driver");
     options.option("--expand", trips.expansions, "What to embed in the trips");
   }
 
   RequestHandle start(const Identity& identity, Completion<Trips> then) const {
-    return TripService(identity).fetchTripsByVehicle(trips, std::move(then));
+    TripsByVehicle chosen = trips;
+    chosen.vehicleId = vehicle.text;
+    if (user) chosen.userId = user->text;
+    return TripService(identity).fetchTripsByVehicle(std::move(chosen), std::move(then));
   }
 };
 
@@ -276,7 +281,7 @@ struct ShowTrip {
       {"trips show 42 --geojson - > trip.geojson", "the same for maps"},
   };
 
-  std::string id;
+  Identifier id;
   Expansions expansions;
   std::optional<std::filesystem::path> geoJSON;
   std::optional<std::filesystem::path> svg;
@@ -296,7 +301,7 @@ struct ShowTrip {
     }
     session.connect();
     const Trip trip = session.call<Trip>([&](Completion<Trip> then) {
-      return TripService(session.identity()).fetch(id, everyExpansion(), std::move(then));
+      return TripService(session.identity()).fetch(id.text, everyExpansion(), std::move(then));
     });
     // All of them are made before one is written.
     const auto text = [&](const auto& file, auto make) {
@@ -329,7 +334,7 @@ struct UpdateTrip : AnswersTrip {
       {"trips update 42 --purpose business", "for the tax office"},
   };
 
-  std::string id;
+  Identifier id;
   std::optional<TransportMode> transportMode;
   std::optional<Trip::Purpose> purpose;
 
@@ -343,7 +348,7 @@ struct UpdateTrip : AnswersTrip {
     if (!transportMode && !purpose) {
       throw Failure(ExitCode::usage, "either --transport-mode or --purpose is required");
     }
-    return TripService(identity).update(id, transportMode, purpose, std::move(then));
+    return TripService(identity).update(id.text, transportMode, purpose, std::move(then));
   }
 };
 

@@ -96,7 +96,7 @@ struct ShowUser : AnswersUser {
       {"user show --json | jq .publicDisplayName", "one member of the record"},
   };
 
-  std::optional<std::string> id;
+  std::optional<Identifier> id;
   std::set<UserService::Expansion> expansions;
 
   void declare(Options& options) {
@@ -105,7 +105,8 @@ struct ShowUser : AnswersUser {
   }
 
   RequestHandle start(const Identity& identity, Completion<User> then) const {
-    return UserService(identity).fetch(id, expansions, std::move(then));
+    const auto user = id ? std::optional(id->text) : std::nullopt;
+    return UserService(identity).fetch(user, expansions, std::move(then));
   }
 };
 

@@ -79,7 +79,7 @@ struct ShowVehicle {
       {"vehicles show 3001 --expand usersByRole,devices", "with its drivers and devices"},
   };
 
-  std::string id;
+  Identifier id;
   Expansions expansions;
   std::optional<std::string> plate;
 
@@ -90,7 +90,7 @@ struct ShowVehicle {
   }
 
   RequestHandle start(const Identity& identity, Completion<Vehicle> then) const {
-    return VehicleService(identity).getVehicleFor(id, expansions, plate, std::move(then));
+    return VehicleService(identity).getVehicleFor(id.text, expansions, plate, std::move(then));
   }
 
   static void print(const Vehicle& vehicle, Output& output) {
