@@ -22,7 +22,7 @@ std::string_view summary(TransportError::Kind kind) {
     case tooLarge:
       return "the answer is too large";
     case cancelled:
-      return "the transport has been shut down";
+      return "the request was cancelled, or the transport shut down";
     case insecure:
       return "the URL's scheme is not allowed";
     case protocol:

@@ -20,7 +20,7 @@ class ORVANE_EXPORT TransportError {
     timeOut,    ///< One of the time-outs of `TransportOptions` ran out.
     cutOff,     ///< The connection ended before the answer was complete.
     tooLarge,   ///< The answer is larger than `TransportOptions::maximumAnswerSize`.
-    cancelled,  ///< The transport has been shut down.
+    cancelled,  ///< The request was cancelled, or the transport shut down.
     insecure,   ///< The URL's scheme is not https, and not http to where that is allowed.
     protocol,   ///< What answered does not speak HTTP, or compresses in no known way.
     other,      ///< Anything else: see `message()`.
