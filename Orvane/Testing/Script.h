@@ -6,6 +6,7 @@
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Common/Request.h>
 #include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/Fatal.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Platform/UniqueFunction.h>
 
@@ -102,8 +103,10 @@ class Script {
   /// What every question is answered from now on, unless one of `answerWhere`'s applies.
   void answer(Answer answer) { answerInTurn({std::move(answer)}); }
 
-  /// The same with one answer for each question: the last one stays. At least one.
+  /// The same with one answer for each question: the last one stays. None at all, here and below,
+  /// is a programming fault.
   void answerInTurn(std::vector<Answer> answers) {
+    precondition(!answers.empty(), "a double needs an answer");
     const std::scoped_lock lock(mutex_);
     rules_.front() = {nullptr, std::move(answers), 0};
   }
@@ -111,6 +114,7 @@ class Script {
   /// What the questions that fulfil `condition` are answered, in turn. Later conditions go before
   /// earlier ones.
   void answerWhere(Condition condition, std::vector<Answer> answers) {
+    precondition(!answers.empty(), "a double needs an answer");
     const std::scoped_lock lock(mutex_);
     rules_.push_back({std::move(condition), std::move(answers), 0});
   }

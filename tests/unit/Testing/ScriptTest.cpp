@@ -46,6 +46,12 @@ TEST_F(ScriptTest, answersInTurnAndByPath) {
   EXPECT_TRUE(transport.questions().empty());
 }
 
+TEST_F(ScriptTest, stopsTheProcessWhereNothingIsToBeAnswered) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  EXPECT_DEATH(transport.answerInTurn({}), "Fatal error: a double needs an answer");
+  EXPECT_DEATH(transport.answerPath("/a", {}), "Fatal error: a double needs an answer");
+}
+
 TEST_F(ScriptTest, answersWhenToldThoseThatAreNotCancelled) {
   transport.answer({"late", AnswerTime::whenTold});
   const RequestHandle first = get("1");
