@@ -21,7 +21,8 @@ class Request;
 class ORVANE_EXPORT MainQueue {
  public:
   using Job = UniqueFunction<void()>;
-  /// Posts a job to a loop; called from any thread, the job to be run later on the loop's.
+  /// Posts a job to a loop; called from any thread, the job to be run later on the loop's. Inside
+  /// the call it must neither run nor let go of the job, nor use the queue, which is locked.
   using Post = UniqueFunction<void(Job)>;
 
   /// The main queue of the process, made on first use and never destroyed.
@@ -69,8 +70,8 @@ class ORVANE_EXPORT MainQueue {
   [[nodiscard]] bool isDrainedByThisThread() const;
 
   /// Warns through `log` when jobs have been waiting for long, once for each such jam. Answers
-  /// after what time it is worth asking again (zero: no job is waiting). For threads that wait
-  /// anyway.
+  /// after what time it is worth asking again; zero: not before the queue moves, since no job is
+  /// waiting, or this jam has been warned about. For threads that wait anyway.
   std::chrono::milliseconds warnWhenStalled();
 
   /// For implementers of `Request`: makes `runUntil` look at its request again.

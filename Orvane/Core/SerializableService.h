@@ -19,8 +19,8 @@ class OrvaneDetailsResolver;
 /// A service keeps no state between calls. Any thread may call it, copies are cheap and share the
 /// collaborators, and a call under way goes on when its service is gone. Every operation returns a
 /// cancellable handle at once and calls its handler exactly once, unless the handle is cancelled
-/// before: failures of the resolution on the main queue, everything else on the thread on which the
-/// transport answers. What can arrive there:
+/// before: what fails before anything is sent, on the main queue; everything else on the thread on
+/// which the transport answers. What can arrive:
 ///
 /// - the resolver's error, or `NetworkError::unknown` where it has none;
 /// - `NetworkError::malformedRequest`: the arguments do not form a URL;

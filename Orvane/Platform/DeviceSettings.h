@@ -12,7 +12,8 @@ namespace orvane {
 
 /// Locale, time zone, calendar and folders of the device. What is left empty is taken from the
 /// system when the settings are first used, or set, and stays: an application that hears of a new
-/// time zone or locale calls `DeviceSettings::set({})`.
+/// time zone calls `set`. A new locale it must name there: ICU, asked for the system's, keeps the
+/// one that it has found first.
 struct ORVANE_EXPORT DeviceSettings {
   /// A locale identifier (CLDR), for example "en_US" or "de_DE".
   std::string locale{};

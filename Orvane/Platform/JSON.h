@@ -19,7 +19,7 @@ using Array = simdjson::dom::array;
 using Object = simdjson::dom::object;
 using Type = simdjson::dom::element_type;
 
-/// What stands in the text, in words for an error message: "the text \"abc\"", "a number", "null".
+/// What stands in the text, in words for an error: "the text \"abc\"", "the number 3.5", "null".
 [[nodiscard]] std::string describe(Element element);
 
 /// A JSON text that has been parsed as a whole, and the memory behind it. The parser comes from the

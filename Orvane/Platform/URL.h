@@ -46,7 +46,7 @@ class ORVANE_EXPORT URL {
 
   /// This URL with another query, or none. "&", "=", "+", "/" and "?" stay as they are; what a
   /// query may not contain, the percent sign included, is percent-encoded. Absent when `query` is
-  /// not UTF-8.
+  /// not UTF-8, and when nothing but the former query was there and none takes its place.
   [[nodiscard]] std::optional<URL> settingQuery(std::optional<std::string_view> query) const;
 
   [[nodiscard]] HashValue hashValue() const { return hashOf(text_); }

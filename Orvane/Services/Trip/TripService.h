@@ -85,8 +85,9 @@ class ORVANE_EXPORT TripService : public SerializableService {
 
   /// Fetches a list of trips of any length, page by page and one request at a time, until a page
   /// comes that is not full. `onPage` receives each page on the thread on which its answer arrives;
-  /// then `then` is called, or with the first error. Cancelling the request ends the walk between
-  /// two pages or within one: neither handler is called from then on (one that is running goes on).
+  /// `then` is called after the last one, or with the first error. Cancelling the request ends the
+  /// walk between two pages or within one: neither handler is called from then on (one that is
+  /// running goes on).
   RequestHandle fetchPages(TripPages pages, TripPageHandler onPage, Completion<Unit> then) const;
 
   /// The same, with all trips in one list.

@@ -96,6 +96,7 @@ TEST(URLTest, setsAQueryEncodingWhatItMayNotContain) {
       {"https://h", "a=b=c+/?&@:", "https://h?a=b=c+/?&@:"},
       {"https://h", "a b%41#\"[]\xC3\xBC", "https://h?a%20b%2541%23%22%5B%5D%C3%BC"},
       {"https://h", "a=\xFF", "absent"},
+      {"?old", std::nullopt, "absent"},
   };
   for (const Row& row : rows) {
     EXPECT_EQ(text(URL::parse(row.url)->settingQuery(row.query)), row.expected)
