@@ -50,15 +50,14 @@ TEST(SharedTextTest, isComparedByWhatItSays) {
 }
 
 TEST(SharedTextTest, hasOnePlaceWithItsCopiesAndLeavesNothingBehind) {
-  SharedText text("text");
-  const SharedText copy = text;
-  EXPECT_EQ(copy.view().data(), text.view().data());
-  SharedText moved = std::move(text);
+  std::vector<SharedText> texts{SharedText("text"), SharedText("other")};
+  const SharedText copy = texts[0];
+  EXPECT_EQ(copy.view().data(), texts[0].view().data());
+  texts[1] = std::move(texts[0]);
+  EXPECT_EQ(texts[0], SharedText());
+  const SharedText moved = std::move(texts[1]);
+  EXPECT_EQ(texts[1], SharedText());
   EXPECT_EQ(moved, copy);
-  EXPECT_EQ(text, SharedText());  // NOLINT(bugprone-use-after-move)
-  text = std::move(moved);
-  EXPECT_EQ(text, copy);
-  EXPECT_EQ(moved, SharedText());  // NOLINT(bugprone-use-after-move)
 }
 
 }  // namespace
