@@ -141,7 +141,7 @@ TEST_F(FirmwareCommandsTest, TellsFailuresAndKeepsTheFormerPackage) {
           fails("firmware download --firmware-host https://orvane.invalid", 10, "looked up"),
           fails("firmware download --firmware-host https://127.0.0.1:1", 11, "reached"),
           fails("firmware download --ca-file /etc/ssl/certs/ca-certificates.crt", 12),
-          fails("firmware download --firmware-host mailto:nobody", 20, "formed"),
+          fails("firmware download --firmware-host mailto:nobody", 78, "no URL with a host"),
           fails("firmware download --firmware-host " + sandbox_.baseURL() + "/store", 44, "(404)"),
           fails("firmware download --documents-dir " + documents_ / "file", 74, "Not a directory"),
           fails("firmware download --firmware-host http://firmware.example", 78, "http"),
