@@ -106,7 +106,7 @@ class Options {
     if constexpr (requires { Argument<Value>::choices(); }) {
       option.choices = Argument<Value>::choices();
     }
-    option.label = Argument<Value>::label;
+    option.label = std::string(Argument<Value>::label);
     if (option.label.empty()) option.label = joined(option.choices, "|");
     option.isRequired = isRequired;
     option.isList = isListOf<T>;
