@@ -183,8 +183,12 @@ TEST(CodingTest, takesNoMemoryForElementsThatAreNone) {
 TEST(CodingTest, aRequiredMemberMustBeThere) {
   constexpr std::string_view text =
       R"({"must":1,"record":{"a":1},"nullable":"n","indispensable":"i"})";
-  const TestStrict whole{.must = 1, .record = {.a = 1}, .nullable = "n", .indispensable = "i"};
-  expectMirrored(text, whole);
+  TestStrict strict;
+  strict.must = 1;
+  strict.record.a = 1;
+  strict.nullable = "n";
+  strict.indispensable = "i";
+  expectMirrored(text, strict);
   expectNeeds<TestStrict>(text, {"must", "record", "nullable", "indispensable"});
 
   // A record that takes the place of an earlier duplicate has none of its members.
@@ -195,13 +199,12 @@ TEST(CodingTest, aRequiredMemberMustBeThere) {
           ->record,
       TestInner{});
 
-  TestStrict incomplete = whole;
-  incomplete.nullable.reset();
+  strict.nullable.reset();
   EXPECT_EQ(
-      encode(incomplete),
+      encode(strict),
       Result<std::string>(R"({"must":1,"record":{"a":1},"nullable":null,"indispensable":"i"})"));
-  incomplete.indispensable.reset();
-  EXPECT_EQ(encodeChecked(incomplete).error(),
+  strict.indispensable.reset();
+  EXPECT_EQ(encodeChecked(strict).error(),
             Error(EncodingError{"a record without \"indispensable\" can't be encoded"}));
 }
 
