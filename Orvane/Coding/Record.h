@@ -32,12 +32,12 @@ struct KeyRow {
 /// The rows by which a record is read.
 struct KeyTable {
   std::span<const KeyRow> rows;
-  std::uint64_t requiredRows =
-      0;  ///< A bit for each row, from the lowest on: whether it must be there.
+  /// A bit for each row, from the lowest on: whether it must be there.
+  std::uint64_t requiredRows = 0;
 
   template <std::size_t count>
-  constexpr KeyTable(const KeyRow (&keys)[count])
-      : rows(keys) {  // NOLINT(google-explicit-constructor)
+  // NOLINTNEXTLINE(google-explicit-constructor)
+  constexpr KeyTable(const KeyRow (&keys)[count]) : rows(keys) {
     static_assert(count <= 64, "the walk over an object notes the rows it has met in 64 bits");
     for (std::size_t row = 0; row < count; ++row) {
       requiredRows |= std::uint64_t{keys[row].isRequired} << row;

@@ -8,7 +8,6 @@
 #include <Orvane/Platform/Text.h>
 
 #include <optional>
-#include <string>
 #include <string_view>
 
 namespace orvane {
