@@ -19,8 +19,6 @@ namespace urls = boost::urls;
 constexpr auto pathCharacters = urls::pchars + '/';
 constexpr auto queryCharacters = urls::pchars + '/' + '?';
 
-urls::string_view view(std::string_view text) { return {text.data(), text.size()}; }
-
 // The text has been parsed before, so this can't fail.
 urls::url_view parsed(const std::string& text) { return urls::parse_uri_reference(text).value(); }
 
@@ -32,7 +30,7 @@ std::size_t pathEnd(std::string_view text) {
 // RFC 3986, section 3.3: a path behind an authority is empty or begins with a slash. Boost 1.81
 // reads "//host:port/" as a host, an empty port and the path "port/".
 bool beginsPathWithSlash(const urls::url_view& url) {
-  const urls::string_view path = url.encoded_path();
+  const auto path = url.encoded_path();
   return !url.has_authority() || path.empty() || path.front() == '/';
 }
 
@@ -40,14 +38,14 @@ template <class Characters>
 void appendEncoded(std::string& text, std::string_view raw, const Characters& allowed) {
   const bool isPlain = std::all_of(raw.begin(), raw.end(),
                                    [&](char c) { return allowed(static_cast<unsigned char>(c)); });
-  isPlain ? text.append(raw) : text.append(urls::encode(view(raw), allowed));
+  isPlain ? text.append(raw) : text.append(urls::encode(raw, allowed));
 }
 
 }  // namespace
 
 std::optional<URL> URL::parse(std::string_view text) {
   if (text.empty()) return std::nullopt;
-  const auto url = urls::parse_uri_reference(view(text));
+  const auto url = urls::parse_uri_reference(text);
   if (url.has_error() || !beginsPathWithSlash(*url)) return std::nullopt;
   return URL(std::string(text));
 }

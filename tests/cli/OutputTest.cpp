@@ -227,7 +227,7 @@ TEST(OutputTest, IndentedJSONIsTheSameJSON) {
   User user;
   user.id = R"(a "quoted\" {text}, [with: everything])";
   user.associatedUsers = {User{}, User{.activated = true}};
-  user.userRole = UserRole{.roleNames = {{}}};
+  user.userRole = UserRole{.roleNames = std::vector<UserRole::RoleName>{}};
   const std::string compact = *encode(user).value();
   EXPECT_EQ(decode<User>(indented(compact)), user);
   EXPECT_EQ(

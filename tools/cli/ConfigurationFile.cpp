@@ -29,7 +29,7 @@ struct Malformed {
   std::string message;
 };
 
-std::string quoted(std::string_view text) {
+std::string unquoted(std::string_view text) {
   const std::size_t end = text.find(text.front(), 1);
   if (end == std::string_view::npos) throw Malformed{"a quotation mark is not closed"};
   const std::string_view rest = trimmed(text.substr(end + 1));
@@ -38,7 +38,7 @@ std::string quoted(std::string_view text) {
 }
 
 std::string valueIn(std::string_view text) {
-  if (text.starts_with('"') || text.starts_with('\'')) return quoted(text);
+  if (text.starts_with('"') || text.starts_with('\'')) return unquoted(text);
   const std::size_t blank = std::min(text.find_first_of(blanks), text.size());
   const std::string_view rest = trimmed(text.substr(blank));
   if (!rest.empty() && rest.front() != '#' && !text.starts_with('#')) {

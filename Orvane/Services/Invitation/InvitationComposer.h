@@ -36,7 +36,10 @@ class InvitationComposer final : public URLComposer {
   using RequestType =
       std::variant<FetchInvitations, SendInvitation, DeleteInvitation, RespondToInvitation>;
 
-  explicit InvitationComposer(RequestType type, std::optional<std::string> filter = {})
+  // Two of them, since GCC 14 takes the destruction of an absent filter, as a default argument, for
+  // that of a text.
+  explicit InvitationComposer(RequestType type) : requestType(std::move(type)) {}
+  InvitationComposer(RequestType type, std::optional<std::string> filter)
       : requestType(std::move(type)), filtered(std::move(filter)) {}
 
   [[nodiscard]] std::string path(std::string_view userID) const override;
@@ -45,7 +48,7 @@ class InvitationComposer final : public URLComposer {
 
   RequestType requestType;
   /// Narrows a list of invitations.
-  std::optional<std::string> filtered;
+  std::optional<std::string> filtered{};
 };
 
 template <>

@@ -33,8 +33,11 @@ class TripComposer final : public URLComposer {
   };
   using RequestType = std::variant<Resource, Collection, Update>;
 
-  explicit TripComposer(RequestType type, std::set<TripService::Expansion> expanded = {})
-      : requestType(std::move(type)), expansions(std::move(expanded)) {}
+  /// One of the request types: as it is, since GCC 12 takes the move of a variant whose collection
+  /// names nobody for that of a text (at -O3, for arm64).
+  template <class Type>
+  explicit TripComposer(Type type, std::set<TripService::Expansion> expanded = {})
+      : requestType(std::in_place_type<Type>, std::move(type)), expansions(std::move(expanded)) {}
 
   [[nodiscard]] std::string path(std::string_view userID) const override;
   [[nodiscard]] std::optional<std::string> query() const override;

@@ -55,7 +55,8 @@ TYPED_TEST(UniqueFunctionTest, movesCallsAndDestroysItsCallableOnce) {
     EXPECT_EQ(calls, 2);
     first = TypeParam();
     EXPECT_EQ(alive, 1);
-    first = std::move(*&first);
+    UniqueFunction<void()>& itself = first;
+    first = std::move(itself);
     first();
     EXPECT_EQ(calls, 3);
   }

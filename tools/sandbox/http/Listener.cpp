@@ -185,13 +185,24 @@ class Listener::Server : public httplib::Server {
       const bool last = open_ >= options_.threads;
       bool closed = false;
       const bool complete =
-          process_request(connection, last, closed,
-                          [&](httplib::Request& request) { prepare(request, connection); });
+          process(connection, last, closed,
+                  [&](httplib::Request& request) { prepare(request, connection); });
       if (!connection.flush() || !complete) return;  // cut off: no goodbye
       if (last || closed || connection.exchange.closeAfterwards) break;
     }
     connection.sayGoodbye();
     if (connection.exchange.closeAfterwards) connection.drain();
+  }
+
+  // Newer versions of cpp-httplib are told the addresses of both ends, which nobody here asks for.
+  template <class Setup>
+  bool process(Connection& connection, bool last, bool& closed, const Setup& setup) {
+    if constexpr (requires { this->process_request(connection, last, closed, setup); }) {
+      return process_request(connection, last, closed, setup);
+    } else {
+      const std::string nobody;
+      return process_request(connection, nobody, 0, nobody, 0, last, closed, setup);
+    }
   }
 
   static void prepare(httplib::Request& request, Connection& connection) {

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view expand = "expand";
 
-std::string quoted(std::string_view name) { return "\"" + std::string{name} + "\""; }
+std::string inQuotes(std::string_view name) { return "\"" + std::string{name} + "\""; }
 
 }  // namespace
 
@@ -40,14 +40,14 @@ Query::Query(std::string_view text, const std::vector<std::string_view>& allowed
     if (item.empty()) continue;
     const auto equals = item.find('=');
     if (equals == std::string_view::npos) {
-      throw badRequest("the query item " + quoted(percentDecode(item)) + " has no value");
+      throw badRequest("the query item " + inQuotes(percentDecode(item)) + " has no value");
     }
     std::string name = percentDecode(item.substr(0, equals));
     if (std::ranges::find(allowed, name) == allowed.end()) {
-      throw badRequest("the parameter " + quoted(name) + " is unknown here");
+      throw badRequest("the parameter " + inQuotes(name) + " is unknown here");
     }
     if (name != expand && this->text(name)) {
-      throw badRequest("the parameter " + quoted(name) + " is given twice");
+      throw badRequest("the parameter " + inQuotes(name) + " is given twice");
     }
     items_.emplace_back(std::move(name), percentDecode(item.substr(equals + 1)));
   }
@@ -60,7 +60,7 @@ std::optional<std::string> Query::text(std::string_view name) const {
 
 std::string Query::requiredText(std::string_view name) const {
   auto value = text(name);
-  if (!value || value->empty()) throw badRequest("the parameter " + quoted(name) + " is missing");
+  if (!value || value->empty()) throw badRequest("the parameter " + inQuotes(name) + " is missing");
   return *std::move(value);
 }
 
@@ -69,9 +69,9 @@ std::optional<std::int64_t> Query::integer(std::string_view name, std::int64_t l
   const auto value = text(name);
   if (!value) return std::nullopt;
   const auto number = parseInteger(*value);
-  if (!number) throw badRequest(quoted(name) + " is not a number");
+  if (!number) throw badRequest(inQuotes(name) + " is not a number");
   if (*number < least || *number > most) {
-    throw badRequest(quoted(name) + " is not between " + std::to_string(least) + " and " +
+    throw badRequest(inQuotes(name) + " is not between " + std::to_string(least) + " and " +
                      std::to_string(most));
   }
   return number;
@@ -86,7 +86,7 @@ std::optional<Day> Query::day(std::string_view name) const {
   const auto value = text(name);
   if (!value) return std::nullopt;
   const auto day = parseDay(*value);
-  if (!day) throw badRequest(quoted(name) + " is not a day written yyyy-MM-dd in digits");
+  if (!day) throw badRequest(inQuotes(name) + " is not a day written yyyy-MM-dd in digits");
   return day;
 }
 
@@ -94,7 +94,7 @@ std::optional<std::string> Query::oneOf(std::string_view name,
                                         std::initializer_list<std::string_view> choices) const {
   auto value = text(name);
   if (value && std::ranges::find(choices, *value) == choices.end()) {
-    throw badRequest(quoted(name) + " has an unknown value");
+    throw badRequest(inQuotes(name) + " has an unknown value");
   }
   return value;
 }
@@ -113,7 +113,7 @@ std::set<std::string> Query::expansions(std::initializer_list<std::string_view> 
     if (name != expand) continue;
     for (const std::string_view expansion : split(value, ',')) {
       if (std::ranges::find(known, expansion) == known.end()) {
-        throw badRequest("the expansion " + quoted(expansion) + " is unknown here");
+        throw badRequest("the expansion " + inQuotes(expansion) + " is unknown here");
       }
       found.emplace(expansion);
     }
