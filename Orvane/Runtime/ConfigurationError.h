@@ -2,7 +2,7 @@
 // The error of options that can't work.
 #pragma once
 
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Runtime/Export.h>
 
 #include <string>
 #include <utility>
@@ -10,7 +10,7 @@
 namespace orvane {
 
 /// An option given to the Runtime can't work: a base URL that is none, a file that can't be read.
-class ORVANE_EXPORT ConfigurationError {
+class ORVANE_RUNTIME_EXPORT ConfigurationError {
  public:
   explicit ConfigurationError(std::string message) : message_(std::move(message)) {}
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <Orvane/Common/Downloader.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Runtime/Export.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Runtime/CurlRequestManager.h>
 
@@ -29,7 +29,7 @@ class TransferLoop;
 ///
 /// `TransportOptions::totalTimeout` and `maximumAnswerSize` do not apply: a download may take as
 /// long as bytes keep coming.
-class ORVANE_EXPORT CurlDownloader final : public Downloader {
+class ORVANE_RUNTIME_EXPORT CurlDownloader final : public Downloader {
  public:
   /// A downloader, or the `ConfigurationError` that tells which option can't work. Starts no
   /// thread.

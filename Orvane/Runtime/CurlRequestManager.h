@@ -3,7 +3,7 @@
 #pragma once
 
 #include <Orvane/Common/RequestManager.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Runtime/Export.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Runtime/Exchange.h>
 
@@ -18,7 +18,7 @@ namespace orvane {
 class TransferLoop;
 
 /// How requests travel. Everything has a default.
-struct ORVANE_EXPORT TransportOptions {
+struct ORVANE_RUNTIME_EXPORT TransportOptions {
   /// The longest time to look up, reach and trust the server. Zero: libcurl's own, 5 minutes.
   std::chrono::milliseconds connectTimeout{std::chrono::seconds(15)};
   /// The longest time in which not a byte moves. Zero: no limit.
@@ -65,7 +65,7 @@ struct ORVANE_EXPORT TransportOptions {
 /// A handler may cancel, start requests, and let go of the manager. An idempotent or not yet
 /// answered request may be sent once more when a kept connection turns out to have been closed by
 /// the server before a byte of the answer came.
-class ORVANE_EXPORT CurlRequestManager final : public RequestManager {
+class ORVANE_RUNTIME_EXPORT CurlRequestManager final : public RequestManager {
  public:
   /// A manager, or the `ConfigurationError` that tells which option can't work. Starts no thread.
   [[nodiscard]] static Result<std::shared_ptr<CurlRequestManager>> make(

@@ -2,7 +2,7 @@
 // What can go wrong with the file of a download.
 #pragma once
 
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Runtime/Export.h>
 
 #include <cstdint>
 #include <string>
@@ -12,7 +12,7 @@ namespace orvane {
 
 /// A download came to nothing on this side. What goes wrong on the way is a `TransportError`, or
 /// `NetworkError::invalidStatusCode`.
-class ORVANE_EXPORT DownloadError {
+class ORVANE_RUNTIME_EXPORT DownloadError {
  public:
   enum class Kind : std::uint8_t {
     file,  ///< The file can't be created, written or renamed.

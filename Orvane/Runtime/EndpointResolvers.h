@@ -3,7 +3,7 @@
 #pragma once
 
 #include <Orvane/Common/Resolvers.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Runtime/Export.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Platform/URL.h>
 
@@ -17,14 +17,14 @@
 namespace orvane {
 
 /// The application has no backend for an API key.
-struct ORVANE_EXPORT UnknownAPIKey {
+struct ORVANE_RUNTIME_EXPORT UnknownAPIKey {
   [[nodiscard]] std::string message() const;
   friend constexpr bool operator==(const UnknownAPIKey&, const UnknownAPIKey&) = default;
 };
 
 /// Asks a function of the application's, which any thread may call, several at once too. Answers
 /// inside the call.
-class ORVANE_EXPORT FunctionEndpointResolver final : public EndpointResolver {
+class ORVANE_RUNTIME_EXPORT FunctionEndpointResolver final : public EndpointResolver {
  public:
   using Function = UniqueFunction<Result<URL>(const std::string& apiKey)>;
 
@@ -39,7 +39,7 @@ class ORVANE_EXPORT FunctionEndpointResolver final : public EndpointResolver {
 
 /// What `RuntimeOptions::baseURL` can be given; each of these turns into it by itself. An empty
 /// function and a null resolver count as nothing.
-class ORVANE_EXPORT EndpointSource {
+class ORVANE_RUNTIME_EXPORT EndpointSource {
  public:
   /// Nothing: not enough to install the Runtime.
   EndpointSource() = default;

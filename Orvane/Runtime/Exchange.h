@@ -5,7 +5,7 @@
 #include <Orvane/Common/RequestManager.h>
 #include <Orvane/Platform/Date.h>
 #include <Orvane/Platform/Error.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Runtime/Export.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -19,7 +19,7 @@ namespace orvane {
 
 /// A request that went out and what came of it. Unless the application asks for secrets, the values
 /// of queries, of "Authorization" and of cookies read "…", and the bodies are empty.
-struct ORVANE_EXPORT Exchange {
+struct ORVANE_RUNTIME_EXPORT Exchange {
   Verb verb = Verb::get;
   std::string url;
   Headers requestHeaders;

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <Orvane/Common/Resolvers.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Runtime/Export.h>
 
 #include <mutex>
 #include <string>
@@ -17,7 +17,7 @@ namespace orvane {
 /// - a file that holds anything but a UUID is replaced;
 /// - a file that can't be read is left alone, and one that can't be written is given up: the
 ///   identifier then lasts as long as this object.
-class ORVANE_EXPORT FileDeviceIdentifier final : public DeviceIdentifier {
+class ORVANE_RUNTIME_EXPORT FileDeviceIdentifier final : public DeviceIdentifier {
  public:
   /// Folders that are missing on the way to `path` are made. An empty path: no file.
   explicit FileDeviceIdentifier(std::string path);

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <Orvane/Common/Stores.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Runtime/Export.h>
 
 #include <chrono>
 #include <functional>
@@ -11,7 +11,7 @@
 namespace orvane {
 
 /// Expires what is older than an interval, by a clock that nobody sets. Any thread.
-class ORVANE_EXPORT IntervalTimeMonitor final : public TimeMonitor {
+class ORVANE_RUNTIME_EXPORT IntervalTimeMonitor final : public TimeMonitor {
  public:
   /// Reads a clock that never goes back; any thread may call it.
   using Clock = std::function<TimePoint()>;

@@ -3,13 +3,13 @@
 #pragma once
 
 #include <Orvane/Common/Logger.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Runtime/Export.h>
 #include <Orvane/Platform/UniqueFunction.h>
 
 namespace orvane {
 
 /// Writes lines to standard error with time, level and place. Any thread.
-class ORVANE_EXPORT StandardErrorLogger final : public Logger {
+class ORVANE_RUNTIME_EXPORT StandardErrorLogger final : public Logger {
  public:
   /// Lines less severe than `least` are dropped: an information is less severe than a warning, and
   /// a warning than an error.
@@ -22,7 +22,7 @@ class ORVANE_EXPORT StandardErrorLogger final : public Logger {
 };
 
 /// Hands lines to a function of the application's, which any thread may call, several at once too.
-class ORVANE_EXPORT FunctionLogger final : public Logger {
+class ORVANE_RUNTIME_EXPORT FunctionLogger final : public Logger {
  public:
   using Function = UniqueFunction<void(const Entry&)>;
 

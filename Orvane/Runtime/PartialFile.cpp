@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <system_error>
@@ -17,6 +18,9 @@
 
 namespace orvane {
 namespace {
+
+// A firmware may be larger than 2 GiB on 32-bit, too.
+static_assert(sizeof(off_t) >= sizeof(std::int64_t));
 
 DownloadError fileError(int code) {
   return DownloadError(DownloadError::Kind::file, std::generic_category().message(code));

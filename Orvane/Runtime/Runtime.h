@@ -4,7 +4,7 @@
 
 #include <Orvane/Common/Identity.h>
 #include <Orvane/Common/Logger.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Runtime/Export.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Runtime/CurlRequestManager.h>
 #include <Orvane/Runtime/EndpointResolvers.h>
@@ -17,7 +17,7 @@
 namespace orvane {
 
 /// What the Runtime is made of. Only `baseURL` and `tokens` are needed.
-struct ORVANE_EXPORT RuntimeOptions {
+struct ORVANE_RUNTIME_EXPORT RuntimeOptions {
   /// Where the backend is: a URL, a map from API keys to URLs, or a function.
   EndpointSource baseURL{};
   /// Where bearer tokens come from: a token, a function, or a resolver.
@@ -42,7 +42,7 @@ struct ORVANE_EXPORT RuntimeOptions {
 
 /// The installed Runtime. A handle: copies stand for the same one, and letting go of them changes
 /// nothing.
-class ORVANE_EXPORT Runtime {
+class ORVANE_RUNTIME_EXPORT Runtime {
  public:
   /// Registers transport, downloader, resolvers, stores and the device identifier in
   /// `Container::common()`, so that services can be made; replaces what was registered before.

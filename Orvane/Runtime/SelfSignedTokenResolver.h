@@ -3,7 +3,7 @@
 #pragma once
 
 #include <Orvane/Platform/Date.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Runtime/Export.h>
 #include <Orvane/Runtime/TokenResolvers.h>
 
 #include <chrono>
@@ -17,7 +17,7 @@
 namespace orvane {
 
 /// How tokens are signed. Only the key is needed.
-struct ORVANE_EXPORT SelfSignedTokenOptions {
+struct ORVANE_RUNTIME_EXPORT SelfSignedTokenOptions {
   /// The bytes shared with the backend; at least 32 of them (RFC 7518, section 3.2).
   std::string key{};
   /// How long a token is valid: a second to 100 years.
@@ -30,7 +30,7 @@ struct ORVANE_EXPORT SelfSignedTokenOptions {
 /// Makes JSON Web Tokens signed with HMAC-SHA256 (RFC 7519). Their claims: "sub", the
 /// `externalReferenceID` of the identity or, where it has none, its `apiKey`; "iat", the device's
 /// clock plus the offset; "exp", the end of the lifetime. Answers inside the call.
-class ORVANE_EXPORT SelfSignedTokenResolver final : public KeepingTokenResolver {
+class ORVANE_RUNTIME_EXPORT SelfSignedTokenResolver final : public KeepingTokenResolver {
  public:
   /// A key that is too short or a lifetime out of range is answered with a
   /// `ConfigurationError`.
@@ -59,6 +59,6 @@ class ORVANE_EXPORT SelfSignedTokenResolver final : public KeepingTokenResolver 
 };
 
 /// The bytes that a text of hexadecimal digits stands for; absent for any other text.
-[[nodiscard]] ORVANE_EXPORT std::optional<std::string> bytesFromHexadecimal(std::string_view text);
+[[nodiscard]] ORVANE_RUNTIME_EXPORT std::optional<std::string> bytesFromHexadecimal(std::string_view text);
 
 }  // namespace orvane

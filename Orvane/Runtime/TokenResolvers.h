@@ -3,7 +3,7 @@
 #pragma once
 
 #include <Orvane/Common/Resolvers.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Runtime/Export.h>
 #include <Orvane/Platform/Result.h>
 
 #include <concepts>
@@ -17,7 +17,7 @@
 namespace orvane {
 
 /// There is no token for a person.
-class ORVANE_EXPORT TokenError {
+class ORVANE_RUNTIME_EXPORT TokenError {
  public:
   enum class Kind {
     signedOut,   ///< The token has been forgotten with the person who was signed in.
@@ -36,7 +36,7 @@ class ORVANE_EXPORT TokenError {
 };
 
 /// A resolver that keeps tokens and can be made to forget them: what `Runtime::signOut` asks for.
-class ORVANE_EXPORT KeepingTokenResolver : public TokenResolver {
+class ORVANE_RUNTIME_EXPORT KeepingTokenResolver : public TokenResolver {
  public:
   ~KeepingTokenResolver() override;
 
@@ -46,7 +46,7 @@ class ORVANE_EXPORT KeepingTokenResolver : public TokenResolver {
 
 /// Answers one token that the application has got by itself, and replaces when there is a new one.
 /// Answers inside the call.
-class ORVANE_EXPORT ReplaceableTokenResolver final : public KeepingTokenResolver {
+class ORVANE_RUNTIME_EXPORT ReplaceableTokenResolver final : public KeepingTokenResolver {
  public:
   explicit ReplaceableTokenResolver(std::string token) : token_(std::move(token)) {}
 
@@ -66,7 +66,7 @@ class ORVANE_EXPORT ReplaceableTokenResolver final : public KeepingTokenResolver
 };
 
 /// Asks a function of the application's, which keeps and refreshes tokens as it sees fit.
-class ORVANE_EXPORT FunctionTokenResolver final : public TokenResolver {
+class ORVANE_RUNTIME_EXPORT FunctionTokenResolver final : public TokenResolver {
  public:
   /// Gets the identity, the seconds to add to the local clock where the token's times are computed
   /// (absent as long as the clock has not been found wrong), and a handler to call with the token,
@@ -88,7 +88,7 @@ class ORVANE_EXPORT FunctionTokenResolver final : public TokenResolver {
 
 /// What `RuntimeOptions::tokens` can be given; each of these turns into it by itself. An empty
 /// function and a null resolver count as nothing.
-class ORVANE_EXPORT TokenSource {
+class ORVANE_RUNTIME_EXPORT TokenSource {
  public:
   /// Nothing: not enough to install the Runtime.
   TokenSource() = default;

@@ -2,7 +2,7 @@
 // What can go wrong on the way to the backend and back.
 #pragma once
 
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Runtime/Export.h>
 
 #include <cstdint>
 #include <string>
@@ -11,7 +11,7 @@
 namespace orvane {
 
 /// A request got no answer. Refused requests are no transport errors: see `NetworkError`.
-class ORVANE_EXPORT TransportError {
+class ORVANE_RUNTIME_EXPORT TransportError {
  public:
   enum class Kind : std::uint8_t {
     nameLookup,  ///< The host's name is not known, or could not be looked up.

@@ -4,13 +4,13 @@
 
 #include <Orvane/Platform/Date.h>
 #include <Orvane/Platform/DeviceSettings.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Testing/Export.h>
 
 namespace orvane {
 
 /// Takes the place of the device's clock while it lives, and stands still unless it is moved. One
 /// may live inside another's scope; otherwise one at a time. Any thread may read and move it.
-class ORVANE_EXPORT MovableClock {
+class ORVANE_TESTING_EXPORT MovableClock {
  public:
   /// Starts at 2023-11-14T22:13:20Z unless told otherwise.
   explicit MovableClock(Date start = dateFromSeconds(1'700'000'000));
@@ -29,7 +29,7 @@ class ORVANE_EXPORT MovableClock {
 };
 
 /// Replaces the device's settings while it lives; what is left empty is the system's own.
-class ORVANE_EXPORT ScopedDeviceSettings {
+class ORVANE_TESTING_EXPORT ScopedDeviceSettings {
  public:
   explicit ScopedDeviceSettings(DeviceSettings settings);
   ~ScopedDeviceSettings();

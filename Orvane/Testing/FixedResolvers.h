@@ -4,7 +4,7 @@
 
 #include <Orvane/Common/Resolvers.h>
 #include <Orvane/Core/OrvaneDetails.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Testing/Export.h>
 #include <Orvane/Testing/Script.h>
 
 #include <optional>
@@ -14,11 +14,11 @@
 namespace orvane {
 
 /// Details of a backend that does not exist (RFC 2606), of user "42" with the token "token".
-[[nodiscard]] ORVANE_EXPORT OrvaneDetails exampleDetails();
+[[nodiscard]] ORVANE_TESTING_EXPORT OrvaneDetails exampleDetails();
 
 /// Answers backend details or an error; `exampleDetails()` at once until it is told otherwise. (The
 /// resolvers that work for real answer on the main queue: `AnswerTime::onMainQueue`.)
-class ORVANE_EXPORT FixedOrvaneDetailsResolver final : public OrvaneDetailsResolver,
+class ORVANE_TESTING_EXPORT FixedOrvaneDetailsResolver final : public OrvaneDetailsResolver,
                                                        public Script<Identity, OrvaneDetails> {
  public:
   explicit FixedOrvaneDetailsResolver(Answer answer = exampleDetails());
@@ -36,7 +36,7 @@ struct TokenQuestion {
 };
 
 /// Answers tokens; "token" at once until it is told otherwise.
-class ORVANE_EXPORT FixedTokenResolver final : public TokenResolver,
+class ORVANE_TESTING_EXPORT FixedTokenResolver final : public TokenResolver,
                                                public Script<TokenQuestion, std::string> {
  public:
   explicit FixedTokenResolver(Answer answer = std::string("token"));
@@ -48,7 +48,7 @@ class ORVANE_EXPORT FixedTokenResolver final : public TokenResolver,
 
 /// Answers base URLs, asked with an API key; "https://backend.example" at once until it is told
 /// otherwise.
-class ORVANE_EXPORT FixedEndpointResolver final : public EndpointResolver,
+class ORVANE_TESTING_EXPORT FixedEndpointResolver final : public EndpointResolver,
                                                   public Script<std::string, URL> {
  public:
   explicit FixedEndpointResolver(Answer answer = *URL::parse("https://backend.example"));
@@ -58,7 +58,7 @@ class ORVANE_EXPORT FixedEndpointResolver final : public EndpointResolver,
 };
 
 /// Names every device the same.
-class ORVANE_EXPORT FixedDeviceIdentifier final : public DeviceIdentifier {
+class ORVANE_TESTING_EXPORT FixedDeviceIdentifier final : public DeviceIdentifier {
  public:
   explicit FixedDeviceIdentifier(std::string identifier = "device-1");
   ~FixedDeviceIdentifier() override;

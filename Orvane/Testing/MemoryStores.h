@@ -4,7 +4,7 @@
 
 #include <Orvane/Common/Stores.h>
 #include <Orvane/Core/UserIdentifier.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Testing/Export.h>
 
 #include <atomic>
 #include <chrono>
@@ -17,7 +17,7 @@ namespace orvane {
 using MemoryUserIDStore = MemoryStore<UserIDStore, std::string>;
 
 /// Expires entries by a clock that only the test moves. Any thread.
-class ORVANE_EXPORT MovableTimeMonitor final : public TimeMonitor {
+class ORVANE_TESTING_EXPORT MovableTimeMonitor final : public TimeMonitor {
  public:
   explicit MovableTimeMonitor(std::chrono::seconds lifetime = std::chrono::hours(1));
   ~MovableTimeMonitor() override;

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <Orvane/Common/Logger.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Testing/Export.h>
 
 #include <cstdint>
 #include <memory>
@@ -14,7 +14,7 @@ namespace orvane {
 
 /// Takes the place of the shared logger while it lives and keeps what is logged. Any thread may
 /// log; loggers of one kind may be nested.
-class ORVANE_EXPORT RecordingLogger {
+class ORVANE_TESTING_EXPORT RecordingLogger {
  public:
   struct Line {
     Logger::Level level;

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <Orvane/Common/Container.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Testing/Export.h>
 #include <Orvane/Testing/FixedResolvers.h>
 #include <Orvane/Testing/MemoryStores.h>
 #include <Orvane/Testing/ScriptedDownloader.h>
@@ -26,7 +26,7 @@ namespace orvane {
 ///
 /// The user identifiers that the library caches outlive a test. With `Resolution::real`, give each
 /// test an identity of its own, or let `timeMonitor->expireAll()`.
-class ORVANE_EXPORT ScopedFoundation {
+class ORVANE_TESTING_EXPORT ScopedFoundation {
  public:
   /// How services find out the backend's details.
   enum class Resolution : std::uint8_t {

@@ -5,7 +5,7 @@
 
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Common/Request.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Testing/Export.h>
 #include <Orvane/Platform/Fatal.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Platform/UniqueFunction.h>
@@ -33,10 +33,10 @@ enum class AnswerTime : std::uint8_t {
 
 /// Runs `job` on the thread that the doubles share, after those posted before. The thread starts
 /// with the first job and lives as long as the process. Any thread.
-ORVANE_EXPORT void runOnAnotherThread(MainQueue::Job job);
+ORVANE_TESTING_EXPORT void runOnAnotherThread(MainQueue::Job job);
 
 /// Waits until every job and answer given to that thread so far is done. Not to be called on it.
-ORVANE_EXPORT void waitForAnotherThread();
+ORVANE_TESTING_EXPORT void waitForAnotherThread();
 
 /// One answer of a double. Made from whatever a `Result<T>` can be made from; `Result<T>{}` is a
 /// failure without an error.

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <Orvane/Common/RequestManager.h>
-#include <Orvane/Platform/Export.h>
+#include <Orvane/Testing/Export.h>
 #include <Orvane/Testing/Script.h>
 
 #include <string>
@@ -41,7 +41,7 @@ struct RecordedRequest {
 /// transport->answerWaiting();                                        // … this call
 /// EXPECT_EQ(transport->questions().at(0).url.path(), "/users/42");
 /// ```
-class ORVANE_EXPORT ScriptedRequestManager final : public RequestManager,
+class ORVANE_TESTING_EXPORT ScriptedRequestManager final : public RequestManager,
                                                    public Script<RecordedRequest, std::string> {
  public:
   explicit ScriptedRequestManager(Answer answer = Result<std::string>{});

@@ -38,6 +38,10 @@ LIBRARY_HOMES = {
     "openssl/": ["Runtime"],
 }
 
+# The macro by which a layer exports, where it is not the first library's. A DLL that used another's would take its symbols for
+# its own.
+EXPORT_MACROS = {"Runtime": "ORVANE_RUNTIME_EXPORT", "Testing": "ORVANE_TESTING_EXPORT"}
+
 # The files of the library that may write to the standard streams.
 WRITERS = {
     "Orvane/Platform/Fatal.cpp",
@@ -55,7 +59,8 @@ STREAM = re.compile(r"\b(?:printf|fprintf|puts|fputs|putchar|cout|cerr|clog)\b")
 SLEEP = re.compile(r"\b(?:sleep_for|sleep_until|usleep|nanosleep|sleep)\s*\(")
 NAMESPACE_BEGIN = re.compile(r"^namespace(?: ([\w:]+))? {")
 NAMESPACE_END = re.compile(r"^}  // namespace\b")
-TYPE_DEFINITION = re.compile(r"^(?:struct|class)(?: \[\[.*?\]\]| ORVANE_EXPORT)* (\w+)(?: final)?(?: : .*)?(?: {|$)")
+TYPE_DEFINITION = re.compile(r"^(?:struct|class)(?: \[\[.*?\]\]| ORVANE_(?:RUNTIME_|TESTING_)?EXPORT)* (\w+)(?: final)?(?: : .*)?(?: {|$)")
+EXPORT_MACRO = re.compile(r"\bORVANE_\w*EXPORT\b")
 UNFINISHED = re.compile(r"\b(?:TODO|FIXME|XXX|HACK)\b")
 
 
@@ -127,10 +132,16 @@ class Checker:
             self.report(source.path, 1, "a header needs #pragma once")
         if source.in_library and source.layer is None and source.path not in UMBRELLAS:
             self.report(source.path, 1, "stands in none of the layers")
-        if source.is_public and source.path != "Orvane/Platform/Export.h":
+        if source.is_public and not source.path.endswith("/Export.h"):
             for number, line in enumerate(source.lines, 1):
                 if re.match(r"\s*#\s*define\b", line):
                     self.report(source.path, number, "a public header defines no macro")
+
+        if source.in_library and not source.path.endswith("/Export.h"):
+            own = EXPORT_MACROS.get(source.layer, "ORVANE_EXPORT")
+            for number, line in enumerate(source.code().splitlines(), 1):
+                if (match := EXPORT_MACRO.search(line)) and match[0] != own:
+                    self.report(source.path, number, f"exports with {match[0]}, which is another library's; here it is {own}")
 
     def check_words(self, source):
         for number, line in enumerate(source.lines, 1):
