@@ -35,6 +35,10 @@ function(orvane_compile_options target)
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(i.86|x86|x86_64|AMD64|amd64)$" AND CMAKE_SIZEOF_VOID_P EQUAL 4)
     target_compile_options(${target} PRIVATE -msse2 -mfpmath=sse)
   endif()
+  # Files beyond 2 GiB (POSIX large file support).
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
+  endif()
   target_compile_options(${target} PRIVATE ${ORVANE_WARNINGS} $<$<BOOL:${ORVANE_WARNINGS_AS_ERRORS}>:-Werror>)
   # Log lines and faults name files as the repository does, wherever it was built.
   target_compile_options(${target} PRIVATE "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")

@@ -30,6 +30,8 @@ const std::shared_ptr<Container>& Container::common() {
 Container::Container(std::shared_ptr<Container> parent) : parent_(std::move(parent)) {}
 Container::~Container() = default;
 
+void Container::throwNotRegistered(const std::type_info& type) { throw NotRegistered(type); }
+
 void Container::add(std::type_index type, Factory factory) {
   auto shared = std::make_shared<const Factory>(std::move(factory));
   const std::scoped_lock lock(mutex_);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/TypeIdentity.h>
 
 #include <any>
 #include <exception>
@@ -12,7 +13,6 @@
 #include <string>
 #include <type_traits>
 #include <typeindex>
-#include <typeinfo>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -94,8 +94,9 @@ class ORVANE_EXPORT Container {
   /// factory throws.
   template <class Interface>
   [[nodiscard]] std::shared_ptr<Interface> inject(const Arguments& arguments = {}) {
-    if (auto found = find<Interface>(arguments)) return found;
-    throw NotRegistered(typeid(Interface));
+    auto found = find<Interface>(arguments);
+    if (!found) throwNotRegistered(typeid(Interface));
+    return found;
   }
 
   /// The same, but null where nothing is registered.
@@ -113,6 +114,8 @@ class ORVANE_EXPORT Container {
   using Factory = std::function<std::shared_ptr<void>(Container&, const Arguments&)>;
   using Factories = std::unordered_map<std::type_index, std::shared_ptr<const Factory>>;
 
+  // Not in the header, so that a program without exceptions can include it.
+  [[noreturn]] static void throwNotRegistered(const std::type_info& type);
   void add(std::type_index type, Factory factory);
   [[nodiscard]] std::shared_ptr<const Factory> factoryOf(std::type_index type) const;
   [[nodiscard]] std::shared_ptr<void> make(std::type_index type, const Arguments& arguments);

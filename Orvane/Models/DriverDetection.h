@@ -8,6 +8,10 @@
 #include <cstdint>
 #include <optional>
 
+// X11 has a macro of this name.
+#pragma push_macro("Status")
+#undef Status
+
 namespace orvane {
 
 /// The training of the model that tells whether a user drove or was a passenger.
@@ -33,3 +37,5 @@ struct EnumerationTable<DriverDetection::Status> {
 };
 
 }  // namespace orvane
+
+#pragma pop_macro("Status")

@@ -24,7 +24,11 @@ struct ORVANE_EXPORT Event {
   struct OtherEventType {
     std::string key{};
     [[nodiscard]] HashValue hashValue() const { return hashOf(key); }
-    auto operator<=>(const OtherEventType&) const = default;
+    friend bool operator==(const OtherEventType&, const OtherEventType&) = default;
+    friend std::strong_ordering operator<=>(const OtherEventType& left,
+                                            const OtherEventType& right) noexcept {
+      return orderOf(left.key, right.key);
+    }
   };
   enum class KnownEventType : std::uint8_t {
     acceleration,

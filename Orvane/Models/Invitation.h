@@ -12,6 +12,10 @@
 #include <optional>
 #include <string>
 
+// X11 has a macro of this name.
+#pragma push_macro("Status")
+#undef Status
+
 namespace orvane {
 
 /// An invitation, as both of its parties see it. Every member is absent where the backend did not
@@ -81,3 +85,5 @@ struct EnumerationTable<Invitation::Response> {
 };
 
 }  // namespace orvane
+
+#pragma pop_macro("Status")

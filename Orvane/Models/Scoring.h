@@ -38,7 +38,11 @@ struct ORVANE_EXPORT TripScores {
   struct OtherSubScore {
     std::string key{};
     [[nodiscard]] HashValue hashValue() const { return hashOf(key); }
-    auto operator<=>(const OtherSubScore&) const = default;
+    friend bool operator==(const OtherSubScore&, const OtherSubScore&) = default;
+    friend std::strong_ordering operator<=>(const OtherSubScore& left,
+                                            const OtherSubScore& right) noexcept {
+      return orderOf(left.key, right.key);
+    }
   };
 
   /// What a sub-score rates: one of the known components, or any other that the backend names.

@@ -21,6 +21,10 @@
 #include <string>
 #include <vector>
 
+// X11 has a macro of this name.
+#pragma push_macro("Status")
+#undef Status
+
 namespace orvane {
 
 /// A recorded journey. Every member is absent where the backend did not tell it.
@@ -89,3 +93,5 @@ struct EnumerationTable<Trip::Status> {
 };
 
 }  // namespace orvane
+
+#pragma pop_macro("Status")

@@ -61,7 +61,11 @@ struct ORVANE_EXPORT User {
   struct CustomGender {
     std::string gender;
     [[nodiscard]] HashValue hashValue() const { return hashOf(gender); }
-    auto operator<=>(const CustomGender&) const = default;
+    friend bool operator==(const CustomGender&, const CustomGender&) = default;
+    friend std::strong_ordering operator<=>(const CustomGender& left,
+                                            const CustomGender& right) noexcept {
+      return orderOf(left.gender, right.gender);
+    }
   };
 
   /// Any text can be a gender: "male" and "female" are cases of their own.

@@ -4,11 +4,11 @@
 #pragma once
 
 #include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/TypeIdentity.h>
 
 #include <concepts>
 #include <memory>
 #include <string>
-#include <typeinfo>
 #include <utility>
 
 namespace orvane {

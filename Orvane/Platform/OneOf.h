@@ -7,6 +7,7 @@
 #include <compare>
 #include <cstddef>
 #include <functional>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <variant>
@@ -18,6 +19,13 @@ template <class... Functions>
 struct Overloaded : Functions... {
   using Functions::operator()...;
 };
+
+/// The order of two texts by their bytes, for cases that carry one: libc++ 14 has no `<=>` for
+/// texts, nor for variants.
+[[nodiscard]] constexpr std::strong_ordering orderOf(std::string_view left,
+                                                     std::string_view right) noexcept {
+  return left.compare(right) <=> 0;
+}
 
 /// Holds exactly one of `Cases`: small structs that carry a case's data, or an enumeration of the
 /// cases without data. Equality, order and hash look at the case and its data. Enumerations derive
@@ -54,7 +62,13 @@ class OneOf {
   }
 
   friend bool operator==(const OneOf&, const OneOf&) = default;
-  friend auto operator<=>(const OneOf&, const OneOf&) = default;
+  friend std::strong_ordering operator<=>(const OneOf& left, const OneOf& right) {
+    if (const auto order = left.value_.index() <=> right.value_.index(); order != 0) return order;
+    const auto toTheSameCase = [&right]<class Case>(const Case& data) -> std::strong_ordering {
+      return data <=> *std::get_if<Case>(&right.value_);
+    };
+    return std::visit(toTheSameCase, left.value_);
+  }
 
  private:
   template <class Case>

@@ -58,7 +58,7 @@ class ORVANE_EXPORT LeaderboardService : public SerializableService {
       return left.kind() == right.kind();
     }
     friend std::strong_ordering operator<=>(const Filter& left, const Filter& right) noexcept {
-      return left.kind() <=> right.kind();
+      return orderOf(left.kind(), right.kind());
     }
   };
 
