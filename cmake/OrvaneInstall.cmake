@@ -1,48 +1,51 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # Install rules: libraries, public headers in their folders, the CMake package and the pkg-config files.
+#
+# Without ORVANE_INSTALL, as in a project that has Orvane as a subproject, nothing is installed by default, but the rules are
+# there: they let that project export a library of its own that links Orvane, and `cmake --install … --component
+# Orvane_Development` (and Orvane_Runtime) installs what such a package needs.
 include(CMakePackageConfigHelpers)
 
+set(orvane_optional)
+if(NOT ORVANE_INSTALL)
+  set(orvane_optional EXCLUDE_FROM_ALL)
+endif()
+
 set(orvane_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Orvane)
-set(orvane_installed_targets Orvane)
+set(orvane_components Orvane)
 if(ORVANE_BUILD_RUNTIME)
-  list(APPEND orvane_installed_targets OrvaneRuntime)
+  list(APPEND orvane_components Runtime)
 endif()
 if(ORVANE_BUILD_TESTING)
-  list(APPEND orvane_installed_targets OrvaneTesting)
+  list(APPEND orvane_components Testing)
 endif()
 
-install(
-  TARGETS ${orvane_installed_targets}
-  EXPORT OrvaneTargets
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Orvane_Runtime
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Orvane_Runtime NAMELINK_COMPONENT Orvane_Development
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Orvane_Development)
-
-# A private header says so in its first lines; it is built and tested, not installed.
-file(GLOB_RECURSE orvane_headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} Orvane/*.h)
-set(orvane_public_headers)
-set(orvane_private_headers)
-foreach(header IN LISTS orvane_headers)
-  file(STRINGS ${header} head LIMIT_COUNT 10)
-  if(head MATCHES "// Private header: not installed\\.")
-    list(APPEND orvane_private_headers ${header})
-  else()
-    list(APPEND orvane_public_headers ${header})
-  endif()
+# An export set for each library: a component that nobody asks for is not read, and its dependencies are not looked for.
+foreach(component IN LISTS orvane_components)
+  get_target_property(target Orvane::${component} ALIASED_TARGET)
+  install(
+    TARGETS ${target}
+    EXPORT Orvane${component}Targets
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Orvane_Runtime ${orvane_optional}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            COMPONENT Orvane_Runtime
+            NAMELINK_COMPONENT Orvane_Development
+            ${orvane_optional}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Orvane_Development ${orvane_optional})
+  install(
+    EXPORT Orvane${component}Targets
+    NAMESPACE Orvane::
+    DESTINATION ${orvane_package_dir}
+    COMPONENT Orvane_Development ${orvane_optional})
 endforeach()
-if(NOT ORVANE_BUILD_RUNTIME)
-  list(FILTER orvane_public_headers EXCLUDE REGEX "^Orvane/Runtime[./]")
-endif()
-if(NOT ORVANE_BUILD_TESTING)
-  list(FILTER orvane_public_headers EXCLUDE REGEX "^Orvane/Testing[./]")
-endif()
+
 foreach(header IN LISTS orvane_public_headers)
   get_filename_component(folder ${header} DIRECTORY)
   install(
     FILES ${PROJECT_SOURCE_DIR}/${header}
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder}
-    COMPONENT Orvane_Development)
+    COMPONENT Orvane_Development ${orvane_optional})
 endforeach()
 
 configure_package_config_file(
@@ -51,52 +54,76 @@ configure_package_config_file(
 # Below 1.0 a minor version may break what it touches.
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/OrvaneConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(
-  EXPORT OrvaneTargets
-  NAMESPACE Orvane::
-  DESTINATION ${orvane_package_dir}
-  COMPONENT Orvane_Development)
-install(
   FILES ${PROJECT_BINARY_DIR}/OrvaneConfig.cmake ${PROJECT_BINARY_DIR}/OrvaneConfigVersion.cmake
   DESTINATION ${orvane_package_dir}
-  COMPONENT Orvane_Development)
+  COMPONENT Orvane_Development ${orvane_optional})
 
-# From where the pkg-config files are to the prefix: the folder of libraries may be several levels deep.
-file(RELATIVE_PATH module_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-string(REGEX REPLACE "/$" "" module_prefix "${module_prefix}")
-foreach(target IN LISTS orvane_installed_targets)
-  set(module orvane)
-  set(module_description ${PROJECT_DESCRIPTION})
-  set(module_requires)
-  set(module_requires_private "simdjson, icu-i18n, icu-uc")
-  set(module_libs_private "-lboost_url")
-  if(target STREQUAL "OrvaneRuntime")
-    set(module orvane-runtime)
-    set(module_description "Default transport, tokens and stores for Orvane")
+# --- pkg-config ---------------------------------------------------------------------------------
+
+# orvane_link_flags(<result> <target>...): how a linker is told of imported libraries, with the folders that it does not
+# know. Their own modules are not required instead, since those would hand on their defines and include paths.
+function(orvane_link_flags result)
+  set(flags)
+  foreach(library IN LISTS ARGN)
+    get_target_property(location ${library} LOCATION)
+    get_filename_component(folder "${location}" DIRECTORY)
+    get_filename_component(name "${location}" NAME)
+    if(name MATCHES "^lib([^/]+)\\.(a|so|dylib|tbd)([.0-9]*)$")
+      set(name ${CMAKE_MATCH_1})
+      if(NOT folder IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES AND NOT "-L${folder}" IN_LIST flags)
+        list(APPEND flags "-L${folder}")
+      endif()
+      list(APPEND flags "-l${name}")
+    else()
+      list(APPEND flags "${location}")
+    endif()
+  endforeach()
+  list(JOIN flags " " flags)
+  set(${result} "${flags}" PARENT_SCOPE)
+endfunction()
+
+# The folders may be given whole, each for itself. Otherwise they are found from the file's own place, however many levels
+# deep the folder of libraries is, so that an installation can be moved.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  set(module_prefix ${CMAKE_INSTALL_PREFIX})
+  set(module_libdir ${CMAKE_INSTALL_LIBDIR})
+else()
+  file(RELATIVE_PATH module_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+  string(REGEX REPLACE "/$" "" module_prefix "${module_prefix}")
+  set(module_prefix "\${pcfiledir}/${module_prefix}")
+  set(module_libdir "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
+endif()
+if(IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
+  set(module_includedir ${CMAKE_INSTALL_INCLUDEDIR})
+else()
+  set(module_includedir "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
+endif()
+
+set(orvane_description_Orvane "${PROJECT_DESCRIPTION}")
+set(orvane_description_Runtime "Default transport, tokens and stores for Orvane")
+set(orvane_description_Testing "Test doubles for applications that use Orvane")
+
+foreach(component IN LISTS orvane_components)
+  get_target_property(module_library Orvane::${component} ALIASED_TARGET)
+  if(component STREQUAL "Orvane")
+    set(module orvane)
+    set(module_requires)
+  else()
+    string(TOLOWER "orvane-${component}" module)
     set(module_requires "orvane = ${PROJECT_VERSION}")
-    set(module_requires_private "libcurl, libcrypto")
-    set(module_libs_private)
-  elseif(target STREQUAL "OrvaneTesting")
-    set(module orvane-testing)
-    set(module_description "Test doubles for applications that use Orvane")
-    set(module_requires "orvane = ${PROJECT_VERSION}")
-    set(module_requires_private)
-    set(module_libs_private)
   endif()
-  set(module_library ${target})
+  set(module_description "${orvane_description_${component}}")
   set(module_cflags)
+  set(module_libs)
   if(NOT BUILD_SHARED_LIBS)
     # A static archive needs its libraries at every link, not only with --static.
     set(module_cflags -DORVANE_STATIC)
-    string(JOIN ", " module_requires ${module_requires} ${module_requires_private})
-    set(module_libs_extra "${module_libs_private} -pthread")
-    set(module_requires_private)
-    set(module_libs_private)
-  else()
-    set(module_libs_extra)
+    orvane_link_flags(module_libs ${orvane_libraries_${component}})
+    string(STRIP "${module_libs} -pthread" module_libs)
   endif()
   configure_file(${PROJECT_SOURCE_DIR}/cmake/orvane.pc.in ${PROJECT_BINARY_DIR}/${module}.pc @ONLY)
   install(
     FILES ${PROJECT_BINARY_DIR}/${module}.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
-    COMPONENT Orvane_Development)
+    COMPONENT Orvane_Development ${orvane_optional})
 endforeach()
