@@ -1,0 +1,92 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+#
+# What continuous integration runs on a clean checkout. First what every change must pass; then, as far as the time carries,
+# what is slow: in an order that turns with the commit, so that each has its day. Every step runs whatever the ones before it
+# said. The last lines say what ran and what did not; what did not run has not passed.
+#   tools/ci.sh [--all]     --all: everything, however long it takes
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+everything=no
+[[ ${1:-} != --all ]] || everything=yes
+
+# Minutes, of those that it all may take.
+readonly limit=75
+
+logs=build/ci
+rm -rf "$logs"
+mkdir -p "$logs"
+said=()
+failed=no
+
+# step <name> <command...>
+step() {
+  local name=$1 began=$SECONDS status=0
+  shift
+  echo "=== $name: $*"
+  "$@" 2>&1 | tee "$logs/$name.log" || status=$?
+  tell "$name" "$status" $(((SECONDS - began + 59) / 60))
+}
+
+# tell <name> <status> <minutes>
+tell() {
+  local verdict=passed
+  if (($2 != 0)); then
+    verdict=FAILED
+    failed=yes
+  fi
+  said+=("$(printf '%-14s %s, %d min. %s' "$1" "$verdict" "$3" "$(tests_of "$1")")")
+}
+
+# slow_step <minutes that it takes> <name> <command...>: skipped where there is not so much time left, and ended where it takes
+# longer than there is.
+slow_step() {
+  local minutes=$1 name=$2 left began=$SECONDS status=0
+  shift 2
+  if [[ $everything == yes ]]; then
+    step "$name" "$@"
+    return
+  fi
+  left=$((limit * 60 - SECONDS))
+  if ((left < minutes * 60)); then
+    said+=("$(printf '%-14s skipped: some %d min are needed, %d are left' "$name" "$minutes" $((left / 60)))")
+    return
+  fi
+  echo "=== $name: $*"
+  timeout --kill-after=30 "$left" "$@" 2>&1 | tee "$logs/$name.log" || status=$?
+  if ((status == 124 || status == 137)); then
+    said+=("$(printf '%-14s NOT FINISHED: ended after %d min' "$name" $(((SECONDS - began) / 60)))")
+  else
+    tell "$name" "$status" $(((SECONDS - began + 59) / 60))
+  fi
+}
+
+# What ctest said at the end of a step: "100% tests passed, 0 tests failed out of 512".
+tests_of() {
+  grep -hE 'tests passed, .* tests? failed out of' "$logs/$1.log" 2>/dev/null | tail -n 1 || true
+}
+
+step test ./dev test
+step lint ./dev lint
+step shared ./dev test shared
+step clang ./dev test clang
+
+slow=(
+  "15 asan ./dev test asan"
+  "15 tsan ./dev test tsan"
+  "20 trixie ./dev test trixie"
+  "20 bookworm tools/debian-root.sh --fresh bookworm ./dev demo"
+  "15 release ./dev build release"
+  "15 fuzz ./dev fuzz 120"
+)
+turn=$((16#$(git rev-parse HEAD 2>/dev/null | cut -c 1-6 || echo 0)))
+for ((i = 0; i < ${#slow[@]}; ++i)); do
+  read -r -a words <<<"${slow[$(((turn + i) % ${#slow[@]}))]}"
+  slow_step "${words[@]}"
+done
+
+echo "=== after $((SECONDS / 60)) min"
+printf '%s\n' "${said[@]}"
+tests_of test
+[[ $failed == no ]]

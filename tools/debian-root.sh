@@ -1,0 +1,72 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+#
+# Runs a command on a copy of this checkout in a bare Debian root, so that nothing of this machine's helps it: only what the
+# command installs itself is there. The root stays in build/roots for the next time; --fresh makes it anew.
+#   tools/debian-root.sh [--fresh] <suite> <command...>
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+fresh=no
+if [[ ${1:-} == --fresh ]]; then
+  fresh=yes
+  shift
+fi
+readonly suite=$1
+shift
+readonly root=$PWD/build/roots/$suite
+readonly inside=/orvane
+
+if ((EUID != 0)); then
+  echo "debian-root: only root can make one" >&2
+  exit 1
+fi
+
+# Where this machine gets its own Debian from; nothing where it is none, and mmdebstrap knows one itself.
+mirror() {
+  local codename
+  codename=$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)
+  # shellcheck disable=SC2016 # apt's own variables
+  apt-get indextargets --format '$(REPO_URI) $(RELEASE)' 2>/dev/null |
+    awk -v suite="$codename" '$2 == suite { print $1; exit }'
+}
+
+make_root() {
+  local from
+  from=$(mirror || true)
+  rm -rf "$root.new" "$root"
+  mkdir -p "$(dirname "$root")"
+  echo "debian-root: making a bare $suite in build/roots/$suite"
+  mmdebstrap --quiet --variant=apt --include=ca-certificates,git "$suite" "$root.new" ${from:+"$from"}
+  mv "$root.new" "$root"
+}
+
+# The files that are tracked or about to be, with their times: what has not changed is not built again.
+copy_checkout() {
+  mkdir -p "$root$inside"
+  find "$root$inside" -mindepth 1 -maxdepth 1 ! -name build -exec rm -rf {} +
+  git ls-files -z --cached --others --exclude-standard |
+    while IFS= read -r -d '' file; do [[ ! -e $file ]] || printf '%s\0' "$file"; done |
+    tar --create --null --files-from=- | tar --extract --directory "$root$inside"
+}
+
+[[ $fresh == no && -d $root ]] || make_root
+copy_checkout
+cp -L /etc/resolv.conf "$root/etc/resolv.conf"
+cache=${CCACHE_DIR:-$HOME/.cache/ccache}
+mkdir -p "$cache" "$root/var/cache/ccache"
+
+# Mounts of its own, which go with it; processes of its own, which end with it.
+# shellcheck disable=SC2016 # expanded inside
+exec unshare --mount --pid --fork --kill-child --mount-proc bash -c '
+  set -euo pipefail
+  root=$1 cache=$2 inside=$3
+  shift 3
+  mount -t proc proc "$root/proc"
+  mount --rbind /dev "$root/dev"
+  mount --bind "$cache" "$root/var/cache/ccache"
+  exec chroot "$root" env --ignore-environment HOME=/root LANG=C.UTF-8 TERM="${TERM:-dumb}" CCACHE_DIR=/var/cache/ccache \
+    PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin ${CI:+CI="$CI"} \
+    ${http_proxy:+http_proxy="$http_proxy"} \
+    bash -c "cd $inside && exec \"\$@\"" bash "$@"
+' bash "$root" "$cache" "$inside" "$@"
