@@ -35,23 +35,55 @@ template <class T>
 class Future {
  public:
   template <StartsOperation<T> Start>
-  explicit Future(Start&& start) : outcome_(std::make_shared<std::optional<Result<T>>>()) {
-    request_ = start([outcome = outcome_](Result<T> result) { *outcome = std::move(result); });
+  explicit Future(Start&& start) : state_(std::make_shared<State>()) {
+    request_ = start(Completion<T>(Handler(state_)));
   }
 
   /// Waits for the outcome and takes it; to be called once. On the thread that drains the main
-  /// queue it drains it meanwhile; on any other it only waits. `Cancelled` when the operation was.
+  /// queue it drains it meanwhile; on any other it only waits. `Cancelled` when the operation was,
+  /// by whomever, or has let go of its handler without calling it.
   [[nodiscard]] Result<T> get() {
     MainQueue::main().wait(request_);
-    if (!*outcome_) return Cancelled{};
-    return **std::move(outcome_);
+    // A request may count as finished while its answer is still on its way to the handler. One that
+    // has been cancelled says so again.
+    if (!state_->settled.isFinished() && request_ && request_->cancel()) return Cancelled{};
+    MainQueue::main().wait(std::shared_ptr<Request>(state_, &state_->settled));
+    if (!state_->outcome) return Cancelled{};
+    return *std::move(state_->outcome);
   }
 
   /// The operation's handle.
   [[nodiscard]] const RequestHandle& request() const noexcept { return request_; }
 
  private:
-  std::shared_ptr<std::optional<Result<T>>> outcome_;
+  struct State {
+    // Claimed by the handler's call, or cancelled as the handler goes without one.
+    RequestBox settled;
+    std::optional<Result<T>> outcome;
+  };
+
+  class Handler {
+   public:
+    explicit Handler(std::shared_ptr<State> state) : state_(std::move(state)) {}
+    Handler(Handler&&) noexcept = default;
+    Handler& operator=(Handler&&) = delete;
+    Handler(const Handler&) = delete;
+    Handler& operator=(const Handler&) = delete;
+    ~Handler() {
+      if (state_) state_->settled.cancel();
+    }
+
+    void operator()(Result<T> result) {
+      if (!state_->settled.claim()) return;
+      state_->outcome = std::move(result);
+      state_->settled.finish();
+    }
+
+   private:
+    std::shared_ptr<State> state_;
+  };
+
+  std::shared_ptr<State> state_;
   RequestHandle request_;
 };
 

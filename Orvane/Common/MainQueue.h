@@ -47,6 +47,9 @@ class ORVANE_EXPORT MainQueue {
   void stop();
 
   /// Runs jobs on this thread until `request` has finished. A request that is null has finished.
+  /// Where the answer takes a further way to its handler, through `onMain` or as of a
+  /// `UserIdentifier`, the request may have finished before the handler runs: `Future::get` waits
+  /// for that.
   void runUntil(const std::shared_ptr<Request>& request);
   /// The same with a limit; false when it ran out before the request had finished.
   bool runUntil(const std::shared_ptr<Request>& request, std::chrono::milliseconds limit);
