@@ -30,9 +30,9 @@ struct EnumerationTable<Verb> {
 /// Sends requests and receives answers. Implementations:
 ///
 /// - send the given headers unchanged, and a write without a body with an empty one;
-/// - call the handler once, on a thread of their choice, also inside the call, but never after
-///   `cancel()` of the returned request has answered true; a cancelled or finished request lets go
-///   of its handler;
+/// - call the handler once (answers after the first are dropped), on a thread of their choice, also
+///   inside the call, but never after `cancel()` of the returned request has answered true; a
+///   cancelled or finished request lets go of its handler;
 /// - answer with the body on success; a refused request (any status that is not a success) with
 ///   `NetworkError::invalidStatusCode`, which carries the server's clock where the answer tells it;
 ///   anything else that goes wrong with an error of their own type;

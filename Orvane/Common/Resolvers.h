@@ -21,8 +21,9 @@ class ORVANE_EXPORT EndpointResolver {
   EndpointResolver& operator=(const EndpointResolver&) = delete;
   virtual ~EndpointResolver();
 
-  /// Answers the backend's base URL for an `Identity::apiKey`. Any thread may call; the handler
-  /// runs once, on a thread of the implementation's choice, also inside the call.
+  /// Answers the backend's base URL, with scheme and host, for an `Identity::apiKey`. Any thread
+  /// may call. The handler is to be called once, on a thread of the implementation's choice, also
+  /// inside the call; answers after the first are dropped.
   virtual RequestHandle resolveOrvaneURL(const std::string& apiKey, Completion<URL> then) = 0;
 };
 
@@ -37,8 +38,8 @@ class ORVANE_EXPORT TokenResolver {
   /// Answers a bearer token (RFC 6750) for `identity`.
   /// @param offset seconds to add to the local clock when the token's times are computed; absent as
   ///   long as the clock has not been found wrong.
-  /// Any thread may call; the handler runs once, on a thread of the implementation's choice, also
-  /// inside the call.
+  /// Any thread may call. The handler is to be called once, on a thread of the implementation's
+  /// choice, also inside the call; answers after the first are dropped.
   virtual RequestHandle resolve(const Identity& identity, std::optional<double> offset,
                                 Completion<std::string> resultHandler) = 0;
 };

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Core/Call.h>
+#include <Orvane/Core/Once.h>
 #include <Orvane/Platform/Text.h>
 
 namespace orvane {
@@ -42,9 +43,9 @@ struct Call : std::enable_shared_from_this<Call> {
 
   void detailsArrived(Result<OrvaneDetails> details) {
     if (box->cancelled()) return;
-    if (!details.value()) return answer(*box, details.errorOr(NetworkError::unknown));
+    if (!details.value()) return fail(details.errorOr(NetworkError::unknown));
     Result<Outgoing> outgoing = compose(*composer, *std::move(details).value());
-    if (!outgoing.value()) return answer(*box, *outgoing.error());
+    if (!outgoing.value()) return fail(*std::move(outgoing).error());
     send(*std::move(outgoing).value());
   }
 
@@ -52,12 +53,17 @@ struct Call : std::enable_shared_from_this<Call> {
     box->step([&] {
       return requestManager->send(verb, std::move(outgoing.url), std::move(outgoing.body),
                                   std::move(outgoing.headers),
-                                  [self = shared_from_this()](Result<std::string> response) {
-                                    if (!self->box->cancelled())
-                                      self->answer(*self->box, std::move(response));
-                                  });
+                                  once([self = shared_from_this()](Result<std::string> response) {
+                                    self->responseArrived(std::move(response));
+                                  }));
     });
   }
+
+  void responseArrived(Result<std::string> response) {
+    if (!box->cancelled()) answer(*box, std::move(response));
+  }
+
+  void fail(Error error) { answer(*box, Unsent{std::move(error)}); }
 };
 
 }  // namespace
@@ -70,9 +76,9 @@ RequestHandle call(const SerializableService& service, Verb verb,
   const auto resolver = std::shared_ptr(service.orvaneDetailsResolver());
   const auto identity = Identity(service.identity());
   call->box->step([&] {
-    return resolver->resolve(identity, [call](Result<OrvaneDetails> details) {
-      call->detailsArrived(std::move(details));
-    });
+    return resolver->resolve(identity, once([call](Result<OrvaneDetails> details) {
+                               call->detailsArrived(std::move(details));
+                             }));
   });
   return call->box;
 }

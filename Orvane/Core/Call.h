@@ -14,12 +14,21 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <variant>
 
 namespace orvane {
 
-/// Receives the outcome of a call's transport, or the error that kept it from being sent. It
-/// completes the box.
-using AnswerHandler = UniqueFunction<void(RequestBox&, Result<std::string>)>;
+/// Why a call has not been sent.
+struct Unsent {
+  Error error;
+};
+
+/// What became of a call: what the transport has answered, or why it was not asked. The two are
+/// told apart because an error may mean another thing when it comes from the transport.
+using CallOutcome = std::variant<Result<std::string>, Unsent>;
+
+/// Receives what became of a call. It completes the box.
+using AnswerHandler = UniqueFunction<void(RequestBox&, CallOutcome)>;
 
 /// Sends what `composer` describes in the service's name. The part of the road that all operations
 /// share: it knows bytes only.
@@ -44,14 +53,18 @@ template <>
   return Unit{};
 }
 
-/// For an operation whose value is not the record in the answer itself: `make` turns the outcome,
-/// a `Result<Record>`, into the operation's. Decodes before it claims the box, so that a call can
-/// be cancelled up to the last moment.
+/// For an operation whose value is not the record in the answer itself: `make` turns the outcome of
+/// the transport, a `Result<Record>`, into the operation's; what kept the call from being sent is
+/// handed on as it is. Decodes before it claims the box, so that a call can be cancelled up to the
+/// last moment.
 template <class Record, class T, class Make>
 [[nodiscard]] AnswerHandler decoding(Completion<T> then, Make make) {
   return [then = std::move(then), make = std::move(make)](RequestBox& box,
-                                                          Result<std::string> response) mutable {
-    box.complete(then, make(decodeResponse<Record>(std::move(response))));
+                                                          CallOutcome outcome) mutable {
+    auto* response = std::get_if<Result<std::string>>(&outcome);
+    box.complete(then, response != nullptr
+                           ? Result<T>(make(decodeResponse<Record>(std::move(*response))))
+                           : Result<T>(std::move(std::get<Unsent>(outcome).error)));
   };
 }
 

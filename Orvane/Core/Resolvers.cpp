@@ -2,6 +2,7 @@
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Core/Container+Network.h>
+#include <Orvane/Core/Once.h>
 #include <Orvane/Core/Resolvers.h>
 
 namespace orvane {
@@ -14,7 +15,30 @@ constexpr std::string_view mockUserID = "1234";
 
 constexpr std::int64_t unauthorized = 401;
 
-URL apiURLBelow(const URL& baseURL) { return *baseURL.appendingPathComponent(apiPath); }
+// Of a device's clock and a server's at least one is not to be believed where they are further
+// apart.
+constexpr Seconds century{100 * 365.25 * 24 * 60 * 60};
+
+// The API root, or why there is none: a request needs a scheme and a host to go to.
+Result<URL> apiURLBelow(const Result<URL>& baseURL) {
+  if (!baseURL.value()) return baseURL.errorOr(NetworkError::unknown);
+  const URL& root = *baseURL.value();
+  if (root.scheme().empty() || root.host().empty()) return NetworkError::malformedRequest;
+  return *root.appendingPathComponent(apiPath);
+}
+
+// How far the server's clock is ahead of the device's, where a wrong clock may be the reason why a
+// token was refused.
+std::optional<Seconds> clockOffsetIn(const Error& error) {
+  const auto* networkError = error.as<NetworkError>();
+  if (networkError == nullptr || networkError->statusCode() != unauthorized) return std::nullopt;
+  const std::optional<Date> serverDate = networkError->serverDate();
+  if (!serverDate) return std::nullopt;
+  const Seconds offset = *serverDate - DeviceClock::now();
+  // Written so that what is not a number does not pass.
+  if (!(offset >= -century && offset <= century)) return std::nullopt;
+  return offset;
+}
 
 // Delivers an outcome on the main queue, unless the request is cancelled before it gets there.
 void deliver(std::shared_ptr<RequestBox> box, Completion<OrvaneDetails> then,
@@ -42,37 +66,38 @@ struct Resolution : std::enable_shared_from_this<Resolution> {
   void start() {
     box->step([&] {
       return collaborators.endpointResolver->resolveOrvaneURL(
-          identity.apiKey, [self = shared_from_this()](Result<URL> baseURL) {
-            self->baseURLArrived(std::move(baseURL));
-          });
+          identity.apiKey, once([self = shared_from_this()](const Result<URL>& baseURL) {
+            self->baseURLArrived(baseURL);
+          }));
     });
   }
 
-  void baseURLArrived(Result<URL> baseURL) {
+  void baseURLArrived(const Result<URL>& baseURL) {
     if (box->cancelled()) return;
-    if (!baseURL.value()) return fail(baseURL.errorOr(NetworkError::unknown));
-    apiURL = apiURLBelow(*baseURL.value());
+    Result<URL> root = apiURLBelow(baseURL);
+    if (!root.value()) return fail(*std::move(root).error());
+    apiURL = std::move(root).value();
     askForToken(collaborators.offsetStore->get(identity));
   }
 
   void askForToken(std::optional<double> offset) {
     box->step([&] {
       return collaborators.tokenResolver->resolve(
-          identity, offset, [self = shared_from_this()](Result<std::string> token) {
-            self->tokenArrived(std::move(token));
-          });
+          identity, offset, once([self = shared_from_this()](const Result<std::string>& token) {
+            self->tokenArrived(token);
+          }));
     });
   }
 
-  void tokenArrived(Result<std::string> token) {
+  void tokenArrived(const Result<std::string>& token) {
     if (box->cancelled()) return;
     if (!token.value()) return fail(token.errorOr(NetworkError::unknown));
     headers = {{"Authorization", "Bearer " + *token.value()}};
     box->step([&] {
       return collaborators.userIdentifier->userID(
-          identity, *apiURL, headers, [self = shared_from_this()](Result<std::string> userID) {
+          identity, *apiURL, headers, once([self = shared_from_this()](Result<std::string> userID) {
             self->userIDArrived(std::move(userID));
-          });
+          }));
     });
   }
 
@@ -82,18 +107,10 @@ struct Resolution : std::enable_shared_from_this<Resolution> {
       return succeed({*std::move(apiURL), std::move(headers), *std::move(userID).value()});
     }
     const Error error = userID.errorOr(NetworkError::unknown);
-    const std::optional<Date> serverDate = clockThatRefused(error);
-    if (!serverDate || !std::exchange(mayRetry, false)) return fail(error);
-    const Seconds offset = *serverDate - DeviceClock::now();
-    collaborators.offsetStore->set(identity, offset.count());
+    const std::optional<Seconds> offset = clockOffsetIn(error);
+    if (!offset || !std::exchange(mayRetry, false)) return fail(error);
+    collaborators.offsetStore->set(identity, offset->count());
     askForToken(collaborators.offsetStore->get(identity));
-  }
-
-  // The server's clock, when it may be the reason why a token was refused.
-  static std::optional<Date> clockThatRefused(const Error& error) {
-    const auto* networkError = error.as<NetworkError>();
-    if (networkError == nullptr || networkError->statusCode() != unauthorized) return std::nullopt;
-    return networkError->serverDate();
   }
 
   void succeed(OrvaneDetails details) { deliver(box, std::move(then), std::move(details)); }
@@ -121,16 +138,16 @@ RequestHandle TokenOffsettingOrvaneDetailsResolver::resolve(const Identity& iden
 RequestHandle UnauthenticatedOrvaneDetailResolver::resolve(const Identity& identity,
                                                            Completion<OrvaneDetails> then) {
   auto box = std::make_shared<RequestBox>();
-  auto baseURLArrived = [box, then = std::move(then)](Result<URL> baseURL) mutable {
+  auto baseURLArrived = [box, then = std::move(then)](const Result<URL>& baseURL) mutable {
     if (box->cancelled()) return;
-    if (!baseURL.value()) {
-      return deliver(std::move(box), std::move(then), baseURL.errorOr(NetworkError::unknown));
-    }
-    deliver(std::move(box), std::move(then), OrvaneDetails{apiURLBelow(*baseURL.value()), {}, {}});
+    Result<URL> root = apiURLBelow(baseURL);
+    Result<OrvaneDetails> details =
+        root ? Result<OrvaneDetails>({*std::move(root).value(), {}, {}}) : *std::move(root).error();
+    deliver(std::move(box), std::move(then), std::move(details));
   };
   box->step([&] {
     return collaborators_.endpointResolver->resolveOrvaneURL(identity.apiKey,
-                                                             std::move(baseURLArrived));
+                                                             once(std::move(baseURLArrived)));
   });
   return box;
 }

@@ -26,9 +26,10 @@ struct ResolverCollaborators {
 ///
 /// When the lookup of the user identifier is refused with status 401 and the answer tells the
 /// server's clock, the difference to the device's clock is stored and token and lookup are tried
-/// once more. The offset stays, so that a device with a wrong clock pays once per process. Outcomes
-/// are delivered on the main queue: an error of a step unchanged, or `NetworkError::unknown` for
-/// one that has none.
+/// once more; a server's clock that is more than a century from the device's is not believed. The
+/// offset stays, so that a device with a wrong clock pays once per process. Outcomes are delivered
+/// on the main queue: an error of a step unchanged, `NetworkError::unknown` for one that has none,
+/// and `NetworkError::malformedRequest` for a base URL without a scheme or a host.
 class ORVANE_EXPORT TokenOffsettingOrvaneDetailsResolver final : public OrvaneDetailsResolver {
  public:
   explicit TokenOffsettingOrvaneDetailsResolver(ResolverCollaborators collaborators)
@@ -46,7 +47,7 @@ class ORVANE_EXPORT TokenOffsettingOrvaneDetailsResolver final : public OrvaneDe
 };
 
 /// Resolves the base URL alone, for calls made before a user is known: `headers` and `userID` of
-/// its details are empty. Outcomes are delivered on the main queue.
+/// its details are empty. Outcomes are delivered on the main queue; errors are those of the other.
 class ORVANE_EXPORT UnauthenticatedOrvaneDetailResolver final
     : public UnauthenticatedOrvaneDetailResolverProtocol {
  public:

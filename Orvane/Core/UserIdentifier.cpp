@@ -2,6 +2,7 @@
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Core/Container+Network.h>
+#include <Orvane/Core/Once.h>
 #include <Orvane/Core/UserIdentifier.h>
 #include <Orvane/Platform/JSON.h>
 
@@ -47,7 +48,7 @@ RequestHandle CachedUserIdentifier::userID(const Identity& identity, const URL& 
         [then = std::move(then), known = *std::move(known)]() mutable { then(std::move(known)); });
     return std::make_shared<EmptyRequest>();
   }
-  auto keep = [store = userIDStore_, identity,
+  auto keep = [store = userIDStore_, identity = Identity(identity),
                then = std::move(then)](Result<std::string> response) mutable {
     Result<std::string> userID = userIDIn(std::move(response));
     if (userID.value()) store->set(identity, *userID.value());
@@ -56,7 +57,8 @@ RequestHandle CachedUserIdentifier::userID(const Identity& identity, const URL& 
     });
   };
   // A text of plain letters can always be appended.
-  return requestManager_->get(*apiURL.appendingPathComponent("identity"), headers, std::move(keep));
+  return requestManager_->get(*apiURL.appendingPathComponent("identity"), headers,
+                              once(std::move(keep)));
 }
 
 }  // namespace orvane

@@ -74,8 +74,9 @@ class ORVANE_EXPORT TripService : public SerializableService {
   RequestHandle fetch(const std::optional<User>& user, std::set<Filter> filters,
                       std::set<Expansion> expansions, Completion<std::vector<Trip>> then) const;
 
-  /// Fetches the current user's logbook. An empty answer is an empty list. An answer without its
-  /// list of entries, or with an entry that has no trip, stops the process: see `fetchAllChecked`.
+  /// Fetches the current user's logbook. An empty answer to this request is an empty list;
+  /// `NetworkError::noData` of the steps before it stays an error. An answer without its list of
+  /// entries, or with an entry that has no trip, stops the process: see `fetchAllChecked`.
   RequestHandle fetchAll(std::set<Filter> filters, std::set<Expansion> expansions,
                          Completion<std::vector<Trip>> then) const;
 

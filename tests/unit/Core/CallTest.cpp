@@ -238,6 +238,41 @@ class LateReadingResolver final : public OrvaneDetailsResolver {
   const std::shared_ptr<Identity> seen_;
 };
 
+// A resolver and a transport that answer twice, the second time after they have let the call go on.
+class StammeringHost final : public OrvaneDetailsResolver, public RequestManager {
+ public:
+  RequestHandle resolve(const Identity&, Completion<OrvaneDetails> then) override {
+    then(exampleDetails());
+    then(Details(HostError{}));
+    then(exampleDetails());
+    return std::make_shared<EmptyRequest>();
+  }
+  RequestHandle send(Verb, URL, std::string, Headers, Completion<std::string> then) override {
+    ++requests;
+    handlers.push_back(std::move(then));
+    return std::make_shared<EmptyRequest>();
+  }
+
+  std::size_t requests = 0;
+  std::vector<Completion<std::string>> handlers;
+};
+
+TEST(CallOfAStammeringHostTest, goesOnOnce) {
+  const ScopedFoundation foundation;
+  const auto host = std::make_shared<StammeringHost>();
+  Container::common()->register_<OrvaneDetailsResolver>(
+      std::shared_ptr<OrvaneDetailsResolver>(host));
+  Container::common()->register_<RequestManager>(std::shared_ptr<RequestManager>(host));
+  const Outcome<User> outcome;
+  UserService({"key", {}}).fetch({}, {}, outcome.handler());
+  ASSERT_EQ(host->requests, 1U);
+  for (const char* userID : {"17", "18"}) {
+    host->handlers[0](R"({"userId":")" + std::string(userID) + "\"}");
+  }
+  EXPECT_EQ(outcome.result(), User{.id = "17"});
+  EXPECT_FALSE(outcome.isHeld()) << "by the handler that the host keeps";
+}
+
 TEST(CallLifetimeTest, theServiceMayEndWhileItStartsACall) {
   const ScopedFoundation foundation;
   const auto seen = std::make_shared<Identity>();

@@ -10,10 +10,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
+#include <initializer_list>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace orvane {
@@ -120,6 +125,9 @@ TEST_P(ResolversTest, correctTheClockOnceAfterARefusal) {
     Offset stored;
   };
   const Result<std::string> user = std::string(userAnswer);
+  constexpr double century = 3'155'760'000;
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  const Error refusedAtNoTime = refused(401, std::numeric_limits<double>::quiet_NaN());
   const Row rows[] = {
       {{refused(401, 1300), user}, {}, {}, {{}, 300}, 300},
       {{refused(401, 999.5), user}, {}, {}, {{}, -0.5}, -0.5},
@@ -129,6 +137,13 @@ TEST_P(ResolversTest, correctTheClockOnceAfterARefusal) {
       {{refused(401, 1300), refused(403, {})}, {}, refused(403, {}), {{}, 300}, 300},
       {{refused(401, {})}, {}, refused(401, {}), {{}}, {}},
       {{refused(403, 1300)}, {}, refused(403, 1300), {{}}, {}},
+      {{refused(401, 1000 + century), user}, {}, {}, {{}, century}, century},
+      {{refused(401, 1000 - century), user}, {}, {}, {{}, -century}, -century},
+      {{refused(401, 1001 + century)}, {}, refused(401, 1001 + century), {{}}, {}},
+      {{refused(401, 999 - century)}, 7, refused(401, 999 - century), {7}, 7},
+      {{refused(401, infinity)}, {}, refused(401, infinity), {{}}, {}},
+      {{refused(401, -infinity)}, {}, refused(401, -infinity), {{}}, {}},
+      {{refusedAtNoTime}, {}, refusedAtNoTime, {{}}, {}},
       {{refused(400, 1300)}, 7, refused(400, 1300), {7}, 7},
       {{Error(HostError{})}, {}, Error(HostError{}), {{}}, {}},
   };
@@ -176,6 +191,82 @@ TEST_P(ResolversTest, resolveTheRootAloneBeforeAUserIsKnown) {
     EXPECT_EQ(failure.result().error(), expected);
   }
   EXPECT_THAT(asked(), ElementsAre(3, 0, 0));
+}
+
+TEST_P(ResolversTest, askForNothingBelowABaseURLWithoutSchemeOrHost) {
+  UnauthenticatedOrvaneDetailResolver unauthenticated(collaborators);
+  for (const char* text : {"foo/bar", "/base", "//host", "https:", "https:///x", "?q"}) {
+    endpoints->answer({*URL::parse(text), time()});
+    for (OrvaneDetailsResolver* by :
+         std::initializer_list<OrvaneDetailsResolver*>{&resolver, &unauthenticated}) {
+      const Outcome<OrvaneDetails> outcome;
+      resolve(*by, outcome);
+      EXPECT_EQ(outcome.result(), NetworkError::malformedRequest) << text;
+    }
+  }
+  EXPECT_THAT(asked(), ElementsAre(12, 0, 0));
+}
+
+// A host that answers every question twice, on two threads at once.
+class StammeringHost final : public EndpointResolver,
+                             public TokenResolver,
+                             public UserIdentifier,
+                             public RequestManager {
+ public:
+  RequestHandle resolveOrvaneURL(const std::string&, Completion<URL> then) override {
+    return answer(std::move(then), *URL::parse("https://h"));
+  }
+  RequestHandle resolve(const Identity&, std::optional<double>,
+                        Completion<std::string> then) override {
+    return answer(std::move(then), std::string("token"));
+  }
+  RequestHandle userID(const Identity&, const URL&, const Headers&,
+                       Completion<std::string> then) override {
+    return answer(std::move(then), std::string("42"));
+  }
+  RequestHandle send(Verb, URL, std::string, Headers, Completion<std::string> then) override {
+    return answer(std::move(then), std::string(userAnswer));
+  }
+
+  [[nodiscard]] int questions() const { return questions_; }
+
+ private:
+  template <class T>
+  RequestHandle answer(Completion<T> then, const T& value) {
+    ++questions_;
+    std::thread other([&] { then(value); });
+    then(value);
+    other.join();
+    return std::make_shared<EmptyRequest>();
+  }
+
+  std::atomic<int> questions_{0};
+};
+
+TEST(ResolversOfAStammeringHostTest, goOnOnce) {
+  const auto host = std::make_shared<StammeringHost>();
+  const auto offsets = std::make_shared<MemoryTimeOffsetStore>();
+  const auto userIDs = std::make_shared<MemoryUserIDStore>();
+  const std::pair<std::shared_ptr<UserIdentifier>, int> rows[] = {
+      {host, 3}, {std::make_shared<CachedUserIdentifier>(host, userIDs), 6}};
+  for (const auto& [userIdentifier, questions] : rows) {
+    TokenOffsettingOrvaneDetailsResolver resolver({host, host, userIdentifier, offsets});
+    const Outcome<OrvaneDetails> outcome;
+    EXPECT_TRUE(finishes(resolver.resolve({}, outcome.handler())));
+    EXPECT_EQ(outcome.result().value()->userID, "42");
+    EXPECT_EQ(host->questions(), questions);
+  }
+  UnauthenticatedOrvaneDetailResolver unauthenticated({host, host, host, offsets});
+  const Outcome<OrvaneDetails> outcome;
+  EXPECT_TRUE(finishes(unauthenticated.resolve({}, outcome.handler())));
+  MainQueue::main().drain();
+  EXPECT_EQ(outcome.count(), 1U);
+
+  CachedUserIdentifier lookup(host, std::make_shared<MemoryUserIDStore>());
+  const Outcome<std::string> userID;
+  lookup.userID({}, *URL::parse("https://h"), {}, userID.handler());
+  EXPECT_EQ(MainQueue::main().drain(), 1U);
+  EXPECT_EQ(userID.result().value(), "42");
 }
 
 using CancelledResolutionTest = ResolversTest;

@@ -206,6 +206,7 @@ TEST_F(TripAnswerTest, isTheTripsOfALogbookOrWhyThereAreNone) {
       {logbookOf(tripNamed("a") + R"(},{"trip":)" + tripNamed("b")), Trips{trip("a"), trip("b")}},
       {R"({"items":[]})", Trips{}},
       {"", Trips{}},
+      {Error(NetworkError::noData), Trips{}},
       {"[" + tripNamed("a") + "]", NetworkError::invalidResponseData},
       {logbookOf("{}"), NetworkError::invalidResponseData},
       {refused, refused},
@@ -218,6 +219,16 @@ TEST_F(TripAnswerTest, isTheTripsOfALogbookOrWhyThereAreNone) {
                 trips);
     }
   }
+}
+
+TEST_F(TripAnswerTest, isNoEmptyLogbookWhereTheLogbookWasNotAskedFor) {
+  foundation_.detailsResolver->answer(NetworkError::noData);
+  for (const auto fetch : {&TripService::fetchAll, &TripService::fetchAllChecked}) {
+    EXPECT_EQ(resultOf<Trips>([&](auto then) { (service_.*fetch)({}, {}, std::move(then)); }),
+              NetworkError::noData);
+  }
+  EXPECT_EQ(resultOf<Trips>([&](auto then) { service_.fetchPages({}, std::move(then)); }),
+            NetworkError::noData);
 }
 
 TEST_F(TripAnswerTest, isCheckedWhereItIsAskedFor) {
