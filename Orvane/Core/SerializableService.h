@@ -19,8 +19,16 @@ class OrvaneDetailsResolver;
 /// A service keeps no state between calls. Any thread may call it, copies are cheap and share the
 /// collaborators, and a call under way goes on when its service is gone. Every operation returns a
 /// cancellable handle at once and calls its handler exactly once, unless the handle is cancelled
-/// before: what fails before anything is sent, on the main queue; everything else on the thread on
-/// which the transport answers. What can arrive:
+/// before. On which thread depends on how far the call has come:
+///
+/// - an error of the resolver, and what keeps the request from being formed, on the thread on which
+///   the resolver answers: the main queue with the resolvers that work for real, inside the call
+///   with `MockOrvaneResolver`;
+/// - everything else on the thread on which the transport answers; a request that the transport
+///   refuses at once is answered on the resolver's, too;
+/// - an operation that fails without having to ask anybody says so: it calls inside the call.
+///
+/// What can arrive:
 ///
 /// - the resolver's error, or `NetworkError::unknown` where it has none;
 /// - `NetworkError::malformedRequest`: the arguments do not form a URL;

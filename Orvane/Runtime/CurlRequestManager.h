@@ -60,7 +60,8 @@ struct ORVANE_RUNTIME_EXPORT TransportOptions {
 /// the "Date" header. Everything else that goes wrong is a `TransportError`, or
 /// `NetworkError::malformedRequest` for a request that must not be sent: a header's name or value
 /// that HTTP does not allow (RFC 9110, section 5) or that is not UTF-8, a "Content-Length" that is
-/// not the body's, a URL without host or with a password.
+/// not the body's, a URL without host or with a password. What keeps a request from being started
+/// (one that must not be sent, a manager that is shut down) is answered inside `send`.
 ///
 /// A handler may cancel, start requests, and let go of the manager. An idempotent or not yet
 /// answered request may be sent once more when a kept connection turns out to have been closed by

@@ -85,9 +85,18 @@ int putInPlace(const std::string& temporary, const std::string& path, bool repla
   return std::rename(temporary.c_str(), path.c_str()) == 0 ? 0 : errno;
 }
 
+// Makes what is missing of a folder and of those above it, for their owner only. What can't be made
+// shows when the file is written.
+void makeFolders(const std::filesystem::path& folder) {
+  std::filesystem::path made;
+  for (const std::filesystem::path& part : folder) {
+    made /= part;
+    ::mkdir(made.c_str(), 0700);
+  }
+}
+
 int store(const std::string& identifier, const std::string& path, bool replaces) {
-  std::error_code ignored;  // what can't be made shows when the file is written
-  std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ignored);
+  makeFolders(std::filesystem::path(path).parent_path());
   const std::string temporary = path + "." + identifier;
   int failure = writeWhole(temporary, identifier + "\n");
   if (failure == 0) failure = putInPlace(temporary, path, replaces);

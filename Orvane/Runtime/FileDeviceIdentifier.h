@@ -19,7 +19,8 @@ namespace orvane {
 ///   identifier then lasts as long as this object.
 class ORVANE_RUNTIME_EXPORT FileDeviceIdentifier final : public DeviceIdentifier {
  public:
-  /// Folders that are missing on the way to `path` are made. An empty path: no file.
+  /// Folders that are missing on the way to `path` are made, for their owner only. An empty path:
+  /// no file.
   explicit FileDeviceIdentifier(std::string path);
 
   [[nodiscard]] std::string current() const override;

@@ -3,11 +3,13 @@
 #include <Orvane/Common/FirmwareHost.h>
 #include <Orvane/Common/Stores.h>
 #include <Orvane/Core/Resolvers.h>
+#include <Orvane/Core/UserIdentifier.h>
 #include <Orvane/Platform/Deadline.h>
 #include <Orvane/Platform/DeviceSettings.h>
 #include <Orvane/Runtime/ConfigurationError.h>
 #include <Orvane/Runtime/ConfiguredURL.h>
 #include <Orvane/Runtime/CurlDownloader.h>
+#include <Orvane/Runtime/DefaultDeviceIdentifier.h>
 #include <Orvane/Runtime/FileDeviceIdentifier.h>
 #include <Orvane/Runtime/IntervalTimeMonitor.h>
 #include <Orvane/Runtime/MainQueueThread.h>
@@ -30,14 +32,16 @@ struct Parts {
   std::shared_ptr<TokenResolver> tokenResolver;
   std::shared_ptr<TimeOffsetStore> offsetStore;
   std::shared_ptr<TimeMonitor> timeMonitor;
+  std::shared_ptr<UserIDStore> userIDStore;
   std::shared_ptr<DeviceIdentifier> deviceIdentifier;
   std::shared_ptr<FirmwareHost> firmwareHost;  // null leaves what is registered
 };
 
-std::string deviceIdentifierFile(const RuntimeOptions& options) {
-  if (!options.deviceIdentifierFile.empty()) return options.deviceIdentifierFile;
-  const std::string& documents = DeviceSettings::current()->documentsDirectory;
-  return documents.empty() ? std::string() : documents + "/orvane-device-id";
+std::shared_ptr<DeviceIdentifier> deviceIdentifier(const RuntimeOptions& options) {
+  if (!options.deviceIdentifierFile.empty()) {
+    return std::make_shared<FileDeviceIdentifier>(options.deviceIdentifierFile);
+  }
+  return std::make_shared<DefaultDeviceIdentifier>(DeviceSettings::current()->documentsDirectory);
 }
 
 Result<std::shared_ptr<FirmwareHost>> firmwareHost(const RuntimeOptions& options) {
@@ -58,13 +62,16 @@ Result<Parts> makeParts(RuntimeOptions& options) {
   if (!downloader.value()) return *downloader.error();
   auto requestManager = CurlRequestManager::make(std::move(options.transport));
   if (!requestManager.value()) return *requestManager.error();
+  auto timeMonitor = std::make_shared<IntervalTimeMonitor>(options.userIDLifetime);
+  auto userIDStore = std::make_shared<TimeMonitoringUserIDStore>(timeMonitor);
   return Parts{*std::move(requestManager).value(),
                *std::move(downloader).value(),
                *std::move(endpointResolver).value(),
                *std::move(tokenResolver).value(),
                std::make_shared<MemoryTimeOffsetStore>(),
-               std::make_shared<IntervalTimeMonitor>(options.userIDLifetime),
-               std::make_shared<FileDeviceIdentifier>(deviceIdentifierFile(options)),
+               std::move(timeMonitor),
+               std::move(userIDStore),
+               deviceIdentifier(options),
                *std::move(host).value()};
 }
 
@@ -78,11 +85,15 @@ void registerParts(const Parts& parts) {
   container.register_<TimeMonitor>(parts.timeMonitor);
   container.register_<DeviceIdentifier>(parts.deviceIdentifier);
   if (parts.firmwareHost) container.register_<FirmwareHost>(parts.firmwareHost);
-  // From the container that is asked: the system's own, which knows the shared store of user
-  // identifiers.
-  container.register_<OrvaneDetailsResolver>([](Container& asked, const Container::Arguments&) {
-    return TokenOffsettingOrvaneDetailsResolver::make(asked);
-  });
+  // With a store of this installation's instead of the one that the process shares: the same person
+  // has another identifier at another backend, and calls to a former one may still store theirs.
+  container.register_<OrvaneDetailsResolver>(
+      [store = parts.userIDStore](Container& asked, const Container::Arguments&) {
+        auto users = std::make_shared<CachedUserIdentifier>(asked.inject<RequestManager>(), store);
+        return std::make_shared<TokenOffsettingOrvaneDetailsResolver>(
+            ResolverCollaborators{asked.inject<TokenResolver>(), asked.inject<EndpointResolver>(),
+                                  std::move(users), asked.inject<TimeOffsetStore>()});
+      });
 }
 
 }  // namespace
@@ -113,6 +124,8 @@ Runtime::Runtime(std::shared_ptr<State> state) : state_(std::move(state)) {}
 
 void Runtime::signOut(const Identity& identity) const {
   const Parts& parts = state_->parts;
+  parts.userIDStore->set(identity, std::nullopt);
+  // Where a resolver of the host's own, made of what the system registers, keeps it.
   TimeMonitoringUserIDStore::shared()->set(identity, std::nullopt);
   parts.offsetStore->set(identity, std::nullopt);
   if (auto* keeping = dynamic_cast<KeepingTokenResolver*>(parts.tokenResolver.get())) {

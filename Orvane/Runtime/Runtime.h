@@ -27,11 +27,12 @@ struct ORVANE_RUNTIME_EXPORT RuntimeOptions {
   /// Where firmware is published: scheme and host, for example "https://firmware.example". Empty
   /// leaves what is registered.
   std::string firmwareHost{};
-  /// How long the user's identifier is kept before the backend is asked again. That of the first
-  /// installation in a process holds: its store is made once.
+  /// How long the user's identifier is kept before the backend is asked again.
   std::chrono::milliseconds userIDLifetime{std::chrono::hours(1)};
-  /// The file that keeps the device's identifier. Empty: "orvane-device-id" in the documents folder
-  /// of `DeviceSettings`.
+  /// The file that keeps the device's identifier. Empty: "orvane/device-id" in the folder in which
+  /// programs keep their state ($XDG_STATE_HOME or ~/.local/state; on macOS ~/Library/Application
+  /// Support), unless the documents folder of `DeviceSettings` holds an "orvane-device-id". Without
+  /// any of these the identifier lasts as long as the process, and a warning says so.
   std::string deviceIdentifierFile{};
   /// Replaces the logger behind `log`; null leaves it.
   std::shared_ptr<Logger> logger{};
@@ -48,6 +49,11 @@ class ORVANE_RUNTIME_EXPORT Runtime {
   /// `Container::common()`, so that services can be made; replaces what was registered before.
   /// Options that can't work are answered with a `ConfigurationError`, which is logged too; nothing
   /// is registered then. To be called before the first service is made. Any thread.
+  ///
+  /// Installing again is for another backend, or for the same one anew: identifiers of users and
+  /// offsets of the clock are the installation's own, so that a service made afterwards uses none
+  /// of those found out before. One made before stays with the former installation, calls under way
+  /// included. No service should be made while this runs.
   static Result<Runtime> install(RuntimeOptions options);
 
   /// Forgets the user's identifier, the clock's offset and the token kept for `identity`, so that

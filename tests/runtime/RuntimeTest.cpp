@@ -2,6 +2,7 @@
 // The Runtime as a whole: installed, used through a service, signed out of, and shut down.
 #include "tests/runtime/support/TestServer.h"
 #include "tests/support/Outcome.h"
+#include "tests/support/ScopedVariable.h"
 #include "tests/support/TemporaryFolder.h"
 #include <Orvane/Common/Container.h>
 #include <Orvane/Common/NetworkError.h>
@@ -15,6 +16,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <future>
 #include <vector>
 
@@ -120,6 +122,75 @@ TEST(RuntimeTest, SigningOutForgetsThePerson) {
   EXPECT_EQ(fetch(phone).value()->id, "bob");
   EXPECT_EQ(backend.targets().back(), "/base/kavra/api/sdk/users/id-of-bob");
   EXPECT_TRUE(runtime.shutdown());
+}
+
+// A person's identifier at one backend is another one's, or nobody's, at the next; an answer of the
+// former backend may still be on its way when the next is installed.
+TEST(RuntimeTest, ForgetsTheFormerBackend) {
+  std::promise<void> gate;
+  const std::shared_future<void> opened = gate.get_future().share();
+  const auto backend = [&](const std::string& name) {
+    return [&opened, name](ServerConnection& connection, const ReceivedRequest& request) {
+      if (name == "former") opened.wait();
+      connection.answer(
+          200, request.target().ends_with("/identity") ? R"({"userId":"at-)" + name + "\"}" : "{}");
+    };
+  };
+  const TestServer formerServer(backend("former"));
+  const TestServer nextServer(backend("next"));
+  const auto targets = [](const TestServer& server) {
+    std::vector<std::string> resources;
+    for (const auto& request : server.requests()) {
+      resources.push_back(request.target().substr(std::string_view("/kavra/api/sdk/").size()));
+    }
+    return resources;
+  };
+  const Identity identity = freshIdentity();
+  const auto fetchBy = [](const UserService& users) {
+    const Outcome<User> outcome;
+    EXPECT_TRUE(finishes(users.fetch({}, {}, outcome.handler())));
+    EXPECT_TRUE(outcome.result());
+  };
+
+  const Runtime former = install({.baseURL = formerServer.url(), .tokens = "token"});
+  Container::common()->inject<TimeOffsetStore>()->set(identity, 7.0);
+  const UserService formerUsers(identity);
+  const Outcome<User> underWay;
+  const RequestHandle request = formerUsers.fetch({}, {}, underWay.handler());
+  formerServer.waitForRequests(1);
+
+  const Runtime next = install({.baseURL = nextServer.url(), .tokens = "token"});
+  EXPECT_EQ(Container::common()->inject<TimeOffsetStore>()->get(identity), std::nullopt);
+  gate.set_value();
+  EXPECT_TRUE(finishes(request));
+  fetchBy(UserService(identity));
+  EXPECT_THAT(targets(nextServer), ElementsAre("identity", "users/at-next"));
+  fetchBy(formerUsers);
+  EXPECT_THAT(targets(formerServer), ElementsAre("identity", "users/at-former", "users/at-former"));
+
+  const Runtime again = install({.baseURL = nextServer.url(), .tokens = "token"});
+  fetchBy(UserService(identity));
+  EXPECT_THAT(targets(nextServer),
+              ElementsAre("identity", "users/at-next", "identity", "users/at-next"));
+  for (const Runtime& runtime : {former, next, again}) EXPECT_TRUE(runtime.shutdown());
+}
+
+TEST(RuntimeTest, KeepsTheDeviceIdentifierOfFormerVersions) {
+  const TemporaryFolder folder;
+  const ScopedVariable home("HOME", folder.path().string());
+  const ScopedVariable state("XDG_STATE_HOME", folder / "state");
+  const std::string kept = "01234567-89ab-4cde-8f01-23456789abcd";
+  writeFile(folder / "orvane-device-id", kept);
+  const auto identifierAmong = [](const std::string& documents) {
+    const ScopedDeviceSettings settings({.documentsDirectory = documents});
+    install({.baseURL = "https://backend.example", .tokens = "token"});
+    return Container::common()->inject<DeviceIdentifier>()->current();
+  };
+  EXPECT_EQ(identifierAmong(folder.path().string()), kept);
+  EXPECT_FALSE(std::filesystem::exists(folder / "state"));
+  const std::string fresh = identifierAmong(folder / "elsewhere");
+  EXPECT_EQ(contentsOf(folder / "state/orvane/device-id"), fresh + "\n");
+  EXPECT_NE(fresh, kept);
 }
 
 TEST(RuntimeTest, FindsTheBackendOfAnAPIKey) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The device's identifier in its file, the expiry of user identifiers, and the loggers.
+#include "tests/support/ScopedVariable.h"
 #include "tests/support/TemporaryFolder.h"
+#include <Orvane/Runtime/DefaultDeviceIdentifier.h>
 #include <Orvane/Runtime/FileDeviceIdentifier.h>
 #include <Orvane/Runtime/IntervalTimeMonitor.h>
 #include <Orvane/Runtime/Loggers.h>
@@ -8,12 +10,15 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <iterator>
+#include <optional>
 #include <set>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace orvane {
@@ -25,6 +30,12 @@ using testing::MatchesRegex;
 using testing::SizeIs;
 
 constexpr auto uuid = "[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}";
+
+unsigned modeOf(const std::filesystem::path& path) {
+  struct stat status {};
+  EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
+  return status.st_mode & 0777U;
+}
 
 std::size_t fileCount(const TemporaryFolder& folder) {
   const std::filesystem::directory_iterator files(folder.path());
@@ -42,9 +53,9 @@ TEST(FileDeviceIdentifierTest, OutlivesTheProcess) {
   EXPECT_EQ(FileDeviceIdentifier(path).current(), identifier);
   EXPECT_EQ(contentsOf(path), identifier + "\n");
 
-  struct stat status {};
-  ASSERT_EQ(::stat(path.c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 0777U, 0600U);
+  EXPECT_EQ(modeOf(path), 0600U);
+  EXPECT_EQ(modeOf(folder / "new"), 0700U);
+  EXPECT_EQ(modeOf(folder / "new/folders"), 0700U);
   const std::filesystem::directory_iterator files(std::filesystem::path(path).parent_path());
   EXPECT_EQ(std::distance(begin(files), end(files)), 1) << "nothing else is to be left behind";
 }
@@ -107,6 +118,83 @@ TEST(FileDeviceIdentifierTest, DoesWithoutAFileItCannotUse) {
   const RecordingLogger logger;
   EXPECT_THAT(FileDeviceIdentifier("").current(), MatchesRegex(uuid));
   EXPECT_THAT(logger.lines(), IsEmpty());
+}
+
+TEST(DefaultDeviceIdentifierTest, IsWhereThePlatformKeepsState) {
+  const TemporaryFolder folder;
+  for (const char* name : {"home", "documents", "former"}) {
+    std::filesystem::create_directory(folder / name);
+  }
+  writeFile(folder / "former/orvane-device-id", "");
+  writeFile(folder / "file", "");
+  const std::string home = folder / "home";
+  const std::string named = folder / "state/orvane/device-id";
+  const std::string usual = home + "/.local/state/orvane/device-id";
+  const std::pair<DeviceFolders, std::string> rows[] = {
+      {{.state = folder / "state", .home = home}, named},
+      {{.state = folder / "state", .home = "/"}, named},
+      {{.state = "relative", .home = home}, usual},
+      {{.home = home}, usual},
+      {{.home = home, .documents = folder / "documents"}, usual},
+      {{.state = folder / "state", .home = home, .documents = folder / "former"},
+       folder / "former/orvane-device-id"},
+      {{}, ""},
+      {{.home = "/"}, ""},
+      {{.home = "//"}, ""},
+      {{.home = "."}, ""},
+      {{.home = folder / "nonexistent"}, ""},
+      {{.home = folder / "file"}, ""},
+      {{.home = "/", .documents = folder / "documents"}, folder / "documents/orvane-device-id"},
+      {{.home = "/", .documents = folder / "nonexistent"}, ""},
+  };
+  for (const auto& [folders, file] : rows) {
+    EXPECT_EQ(defaultDeviceIdentifierFile(folders), file)
+        << folders.state << ' ' << folders.home << ' ' << folders.documents;
+  }
+}
+
+TEST(DefaultDeviceIdentifierTest, IsFoundThroughTheEnvironment) {
+  const TemporaryFolder folder;
+  const RecordingLogger logger;
+  const ScopedVariable home("HOME", folder.path().string());
+  const ScopedVariable state("XDG_STATE_HOME", "relative");
+  const std::string identifier = DefaultDeviceIdentifier("").current();
+  EXPECT_THAT(identifier, MatchesRegex(uuid));
+  EXPECT_EQ(DefaultDeviceIdentifier("").current(), identifier);
+  EXPECT_EQ(contentsOf(folder / ".local/state/orvane/device-id"), identifier + "\n");
+  for (const char* made : {".local", ".local/state", ".local/state/orvane"}) {
+    EXPECT_EQ(modeOf(folder / made), 0700U) << made;
+  }
+  EXPECT_THAT(logger.lines(), IsEmpty());
+
+  const passwd* user = ::getpwuid(::geteuid());
+  ASSERT_NE(user, nullptr);
+  for (const std::optional<std::string>& none :
+       {std::optional<std::string>(), {""}, {"relative"}}) {
+    const ScopedVariable homeless("HOME", none);
+    EXPECT_EQ(DeviceFolders::ofTheSystem("").home, user->pw_dir);
+  }
+}
+
+TEST(DefaultDeviceIdentifierTest, SaysOnceThatItEndsWithTheProcess) {
+  const TemporaryFolder folder;
+  writeFile(folder / "file", "");
+  const ScopedVariable home("HOME", folder / "nonexistent");
+  const std::pair<std::optional<std::string>, std::string> rows[] = {
+      {std::nullopt, folder / "nonexistent"}, {folder / "file", folder / "file/orvane/device-id"}};
+  for (const auto& [state, place] : rows) {
+    const ScopedVariable stateHome("XDG_STATE_HOME", state);
+    const RecordingLogger logger;
+    const DefaultDeviceIdentifier device("");
+    const std::string identifier = device.current();
+    EXPECT_THAT(identifier, MatchesRegex(uuid));
+    EXPECT_EQ(device.current(), identifier);
+    ASSERT_THAT(logger.lines(), SizeIs(1));
+    EXPECT_EQ(logger.lines()[0].level, Logger::Level::warning);
+    EXPECT_THAT(logger.lines()[0].message, HasSubstr("ends with the process"));
+    EXPECT_THAT(logger.lines()[0].message, HasSubstr(place));
+  }
+  EXPECT_EQ(fileCount(folder), 1U) << "no home is made";
 }
 
 TEST(IntervalTimeMonitorTest, ExpiresAfterItsInterval) {
