@@ -76,8 +76,8 @@ RequestHandle call(const SerializableService& service, Verb verb,
   const auto resolver = std::shared_ptr(service.orvaneDetailsResolver());
   const auto identity = Identity(service.identity());
   call->box->step([&] {
-    return resolver->resolve(identity, once([call](Result<OrvaneDetails> details) {
-                               call->detailsArrived(std::move(details));
+    return resolver->resolve(identity, once([self = call](Result<OrvaneDetails> details) {
+                               self->detailsArrived(std::move(details));
                              }));
   });
   return call->box;
