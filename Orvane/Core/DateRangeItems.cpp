@@ -13,8 +13,7 @@ constexpr std::string_view weekYearDayPattern = "YYYY-MM-dd";
 
 void addDateRange(QueryItems& items, const DateRange& range, std::string_view composer,
                   const SourceLocation& place) {
-  // Written so that a date that is not a number does not pass.
-  if (!(range.start <= range.end)) {
+  if (range.end < range.start) {
     log.w("Not filtering by date because start > end.", composer, place.functionName(),
           place.line());
     return;
@@ -22,7 +21,7 @@ void addDateRange(QueryItems& items, const DateRange& range, std::string_view co
   const auto start = formatDate(range.start, weekYearDayPattern);
   const auto end = formatDate(range.end, weekYearDayPattern);
   if (!start || !end) {
-    log.w("Not filtering by date because the calendar does not reach so far.", composer,
+    log.w("Not filtering by date because start or end is on no day of the calendar.", composer,
           place.functionName(), place.line());
     return;
   }

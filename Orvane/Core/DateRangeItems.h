@@ -13,8 +13,8 @@ namespace orvane {
 
 /// Adds "startDate" and "endDate", days in the device's time zone and locale and under the year of
 /// their week: the last days of December may count to the next year, the first of January to the
-/// one before. A range whose end is before its start, one that has no order, and one that leaves
-/// the calendar add nothing and are warned about as `composer`'s "query".
+/// one before. A range whose end is before its start, and one with an end that is not a number
+/// or leaves the calendar, add nothing and are warned about as `composer`'s "query".
 void addDateRange(QueryItems& items, const DateRange& range, std::string_view composer,
                   const SourceLocation& place = SourceLocation::current());
 

@@ -10,8 +10,8 @@
 
 namespace orvane {
 
-/// Two points in time in any order, as somebody asked for them. Compared bit by bit (IEEE 754,
-/// total order), so that it can be kept in sets whatever it holds.
+/// Two points in time in any order, as somebody asked for them. Compared by IEEE 754's total order,
+/// so that it can be kept in sets whatever it holds, but that 0.0 and -0.0 are one point.
 struct DateRange {
   Date start{};
   Date end{};
@@ -21,13 +21,17 @@ struct DateRange {
   }
 
   friend std::strong_ordering operator<=>(const DateRange& left, const DateRange& right) noexcept {
-    const auto byStart =
-        std::strong_order(secondsSince1970(left.start), secondsSince1970(right.start));
-    if (byStart != std::strong_ordering::equal) return byStart;
-    return std::strong_order(secondsSince1970(left.end), secondsSince1970(right.end));
+    const auto byStart = compare(left.start, right.start);
+    return byStart != std::strong_ordering::equal ? byStart : compare(left.end, right.end);
   }
   friend bool operator==(const DateRange& left, const DateRange& right) noexcept {
     return (left <=> right) == std::strong_ordering::equal;
+  }
+
+ private:
+  static std::strong_ordering compare(Date left, Date right) noexcept {
+    // Adding 0.0 makes it of -0.0, and changes nothing else.
+    return std::strong_order(secondsSince1970(left) + 0.0, secondsSince1970(right) + 0.0);
   }
 };
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Common/Logger.h>
 #include <Orvane/Platform/Calendar.h>
 #include <Orvane/Platform/Text.h>
 #include <Orvane/Services/DrivingAlert/DrivingAlertComposer.h>
@@ -15,11 +16,6 @@ QueryItems target(std::string_view driverId) {
   return items;
 }
 
-// Absent, too, for a date that has no time of day: one that is not finite.
-std::optional<std::string> textOf(const std::optional<Date>& time) {
-  return time ? formatDate(*time, timeOfDay) : std::nullopt;
-}
-
 QueryItems itemsOf(const alert::Acceleration& setting) {
   return target(setting.driverId)
       .add("eventAlertAcceleration", wireText(setting.accelerationSeverity));
@@ -32,11 +28,14 @@ QueryItems itemsOf(const alert::Braking& setting) {
 QueryItems itemsOf(const alert::LateNight& setting) {
   QueryItems items = target(setting.driverId);
   items.add("enableLateNightDrivingAlert", setting.enableAlert ? "true" : "false");
-  const auto start = textOf(setting.startTime);
-  const auto end = textOf(setting.endTime);
-  if (start && end) {
-    items.add("lateNightDrivingAlertStart", *start).add("lateNightDrivingAlertEnd", *end);
+  if (!setting.startTime || !setting.endTime) return items;
+  const auto start = formatDate(*setting.startTime, timeOfDay);
+  const auto end = formatDate(*setting.endTime, timeOfDay);
+  if (!start || !end) {
+    log.w("Not sending the late-night range because start or end has no time of day.");
+    return items;
   }
+  items.add("lateNightDrivingAlertStart", *start).add("lateNightDrivingAlertEnd", *end);
   return items;
 }
 

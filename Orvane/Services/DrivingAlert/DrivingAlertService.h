@@ -39,6 +39,8 @@ struct Braking {
 struct LateNight {
   std::string driverId;
   bool enableAlert;
+  /// From and to a time of day by the device's clock; sent when both are there. A date that has
+  /// none (it is not finite, say) leaves both out, with a warning in the log.
   std::optional<Date> startTime;
   std::optional<Date> endTime;
   friend bool operator==(const LateNight&, const LateNight&) = default;

@@ -28,7 +28,8 @@ class ORVANE_EXPORT DrivingSummaryService : public SerializableService {
    public:
     using OneOf::OneOf;
     /// The days from `start` to `end`, both included, in the device's time zone. A range whose end
-    /// is before its start is left out, with a warning in the log.
+    /// is before its start, or one that the calendar has no days for, is left out, with a warning
+    /// in the log.
     [[nodiscard]] static Filter date(Date start, Date end) { return DateFilter{start, end}; }
   };
 

@@ -102,8 +102,6 @@ TEST(DrivingAlertServiceTest, sendsRequests) {
   // One hour ahead of UTC in winter, two in summer.
   const auto winter = [](std::chrono::minutes time) { return utc(2024y / 1 / 15, time - 1h); };
   const auto summer = [](std::chrono::minutes time) { return utc(2024y / 7 / 15, time - 2h); };
-  const Date never = dateFromSeconds(infinity);
-  const Date always = dateFromSeconds(-infinity);
   const std::string night = "enableLateNightDrivingAlert=";
   const std::string start = "&lateNightDrivingAlertStart=";
   const std::string end = "&lateNightDrivingAlertEnd=";
@@ -118,8 +116,6 @@ TEST(DrivingAlertServiceTest, sendsRequests) {
       // Both ends or none.
       {Alert::lateNight("7", true, winter(23h)), night + "true"},
       {Alert::lateNight("7", true, std::nullopt, winter(5h)), night + "true"},
-      {Alert::lateNight("7", true, winter(23h), never), night + "true"},
-      {Alert::lateNight("7", true, always, winter(5h)), night + "true"},
       {Alert::lateNight("7", true, winter(23h), winter(5h + 30min)),
        night + "true" + start + "2300" + end + "530"},
       {Alert::lateNight("7", true, summer(22h + 30min), summer(6h + 5min)),
@@ -127,11 +123,27 @@ TEST(DrivingAlertServiceTest, sendsRequests) {
       {Alert::lateNight("7", false, winter(5min), winter(24h)),
        night + "false" + start + "005" + end + "000"},
   };
-  for (const auto& [alert, setting] : rows) {
+  const auto expectSetting = [](const Alert& alert, const std::string& setting) {
     expectRequest("POST users/42/settings?targetId=7&targetType=USER&" + setting,
-                  [&alert = alert](const Identity& identity) {
+                  [&](const Identity& identity) {
                     DrivingAlertService(identity).registerAlertSetting(alert, nullptr);
                   });
+  };
+  const RecordingLogger logger;
+  for (const auto& [alert, setting] : rows) expectSetting(alert, setting);
+  EXPECT_TRUE(logger.lines().empty());
+
+  for (const double number : {infinity, -infinity, notANumber, 1e300}) {
+    const RecordingLogger warnings;
+    const Date never = dateFromSeconds(number);
+    expectSetting(Alert::lateNight("7", true, winter(23h), never), night + "true");
+    expectSetting(Alert::lateNight("7", true, never, winter(5h)), night + "true");
+    ASSERT_EQ(warnings.lines().size(), 2U);
+    for (const auto& line : warnings.lines()) {
+      EXPECT_EQ(line.level, Logger::Level::warning);
+      EXPECT_EQ(line.message,
+                "Not sending the late-night range because start or end has no time of day.");
+    }
   }
   EXPECT_EQ(wireTexts<DrivingEventSeverity>(), "0 1 2 3");
   EXPECT_EQ(wireTexts<VehicleService::Expansion>(), "usersByRole health devices");
