@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Common/Logger.h>
 #include <Orvane/Core/Call.h>
 #include <Orvane/Core/Once.h>
+#include <Orvane/Platform/SystemTimeZone.h>
 #include <Orvane/Platform/Text.h>
 
 namespace orvane {
@@ -15,6 +17,9 @@ struct Outgoing {
 
 Result<Outgoing> compose(const URLComposer& composer, OrvaneDetails details) {
   std::optional<URL> url = composer.url(details);
+  if (takeUnknownSystemTimeZone()) {
+    log.w("Days are those of UTC because the machine's time zone is not known.");
+  }
   if (!url) return NetworkError::malformedRequest;
   Outgoing outgoing{*std::move(url), {}, {}};
   if (auto body = composer.body()) {

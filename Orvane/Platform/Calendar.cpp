@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Platform/Calendar.h>
 #include <Orvane/Platform/DeviceSettings.h>
+#include <Orvane/Platform/Fatal.h>
 #include <Orvane/Platform/OfThisThread.h>
+#include <Orvane/Platform/SystemTimeZone.h>
+#include <Orvane/Platform/ZoneRules.h>
 
 #include <unicode/calendar.h>
 #include <unicode/smpdtfmt.h>
-#include <unicode/timezone.h>
-#include <unicode/uchar.h>
 
 #include <array>
 #include <chrono>
@@ -39,22 +40,42 @@ icu::Locale localeOf(const DeviceSettings& settings) {
   return locale;
 }
 
+icu::Locale withLatinDigits(icu::Locale locale) {
+  UErrorCode status = U_ZERO_ERROR;
+  locale.setKeywordValue("numbers", "latn", status);
+  return locale;
+}
+
+std::unique_ptr<icu::TimeZone> zoneOf(const DeviceSettings& settings) {
+  auto zone = zoneRules(settings.timeZone);
+  precondition(zone != nullptr, "The settings name a time zone that is none");
+  return zone;
+}
+
+// Whose digits a text is written in: the device's locale's, or Latin ones whatever the locale.
+enum class Digits : std::uint8_t { device, latin };
+
 // ICU's objects for one state of the device's settings. They are dear to make and not safe to
 // share, so that each thread keeps its own.
 class Formats {
  public:
   explicit Formats(const DeviceSettings& settings)
       : locale_(localeOf(settings)),
-        zone_(icu::TimeZone::createTimeZone(unicode(settings.timeZone))),
+        latinLocale_(withLatinDigits(locale_)),
+        zone_(zoneOf(settings)),
         calendar_(makeCalendar()) {
-    if (calendar_) {
-      calendar_->setLenient(0);
-      plain_ = std::string_view(calendar_->getType()) == "gregorian" && digitsAreLatin();
-    }
+    if (!calendar_) return;
+    calendar_->setLenient(0);
+    isGregorian_ = std::string_view(calendar_->getType()) == "gregorian";
+    hasLatinDigits_ = digitsAreLatin();
   }
 
   // True when a day's text is its numbers: the Gregorian calendar in Latin digits.
-  [[nodiscard]] bool isPlain() const noexcept { return plain_; }
+  [[nodiscard]] bool isPlain(Digits digits) const noexcept {
+    return isGregorian_ && (digits == Digits::latin || hasLatinDigits_);
+  }
+
+  [[nodiscard]] bool hasLatinDigits() const noexcept { return hasLatinDigits_; }
 
   // The calendar with no field set, or null when the system has none for these settings.
   icu::Calendar* cleared() {
@@ -62,20 +83,22 @@ class Formats {
     return calendar_.get();
   }
 
-  icu::SimpleDateFormat* formatter(std::string_view pattern) {
-    for (const auto& [known, formatter] : formatters_) {
-      if (known == pattern) return formatter.get();
+  icu::SimpleDateFormat* formatter(std::string_view pattern, Digits digits) {
+    for (const Known& known : formatters_) {
+      if (known.digits == digits && known.pattern == pattern) return known.formatter.get();
     }
     UErrorCode status = U_ZERO_ERROR;
-    auto made = std::make_unique<icu::SimpleDateFormat>(unicode(pattern), locale_, status);
+    const icu::Locale& locale = digits == Digits::latin ? latinLocale_ : locale_;
+    auto made = std::make_unique<icu::SimpleDateFormat>(unicode(pattern), locale, status);
     if (U_FAILURE(status) != 0) return nullptr;
     made->setTimeZone(*zone_);
     made->setLenient(0);
-    return formatters_.emplace_back(pattern, std::move(made)).second.get();
+    return formatters_.emplace_back(Known{std::string(pattern), digits, std::move(made)})
+        .formatter.get();
   }
 
-  std::optional<std::string> format(Date date, std::string_view pattern) {
-    const icu::SimpleDateFormat* formatter = this->formatter(pattern);
+  std::optional<std::string> format(Date date, std::string_view pattern, Digits digits) {
+    const icu::SimpleDateFormat* formatter = this->formatter(pattern, digits);
     // ICU finds a year even for what is not a number.
     if (formatter == nullptr || std::isnan(secondsSince1970(date))) return std::nullopt;
     icu::UnicodeString formatted;
@@ -87,6 +110,12 @@ class Formats {
   }
 
  private:
+  struct Known {
+    std::string pattern;
+    Digits digits;
+    std::unique_ptr<icu::SimpleDateFormat> formatter;
+  };
+
   std::unique_ptr<icu::Calendar> makeCalendar() const {
     UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<icu::Calendar> calendar(
@@ -97,17 +126,20 @@ class Formats {
   bool digitsAreLatin() {
     // 2001-12-23 at noon UTC lies on that day, or beside it in the outermost zones; digits only
     // matter.
-    for (const char c : format(dateFromSeconds(1009108800), dayPattern).value_or("")) {
+    const Date date = dateFromSeconds(1009108800);
+    for (const char c : format(date, dayPattern, Digits::device).value_or("")) {
       if ((c < '0' || c > '9') && c != '-') return false;
     }
     return true;
   }
 
   icu::Locale locale_;
+  icu::Locale latinLocale_;
   std::unique_ptr<icu::TimeZone> zone_;
   std::unique_ptr<icu::Calendar> calendar_;
-  std::vector<std::pair<std::string, std::unique_ptr<icu::SimpleDateFormat>>> formatters_;
-  bool plain_ = false;
+  std::vector<Known> formatters_;
+  bool isGregorian_ = false;
+  bool hasLatinDigits_ = false;
 };
 
 struct KeptFormats {
@@ -122,6 +154,12 @@ Formats& formats() {
     version = latest;
   }
   return *formats;
+}
+
+// For what is said of the time of day, which the machine's zone makes: that may be a new one.
+Formats& currentFormats() {
+  followSystemTimeZone();
+  return formats();
 }
 
 bool isPlainDay(std::int64_t year, std::int64_t month, std::int64_t day) noexcept {
@@ -165,20 +203,6 @@ bool fits(std::int64_t number) noexcept {
          number <= std::numeric_limits<std::int32_t>::max();
 }
 
-// True when the texts differ in nothing but the script of their digits: a backend writes Latin ones
-// whatever the device's locale shows.
-bool isSameText(std::string_view left, std::string_view right) {
-  const auto inLatinDigits = [](icu::UnicodeString text) {
-    for (std::int32_t i = 0; i < text.length(); ++i) {
-      if (const std::int32_t digit = u_charDigitValue(text[i]); digit >= 0) {
-        text.setCharAt(i, static_cast<char16_t>(u'0' + digit));
-      }
-    }
-    return text;
-  };
-  return left == right || inLatinDigits(unicode(left)) == inLatinDigits(unicode(right));
-}
-
 std::optional<Date> timeOf(const icu::Calendar& calendar) {
   UErrorCode status = U_ZERO_ERROR;
   const UDate milliseconds = calendar.getTime(status);
@@ -186,26 +210,22 @@ std::optional<Date> timeOf(const icu::Calendar& calendar) {
   return dateFromSeconds(milliseconds / 1000.0);
 }
 
-}  // namespace
-
-std::optional<std::string> formatDate(Date date, std::string_view pattern) {
-  return formats().format(date, pattern);
-}
-
-std::optional<Date> dateOf(const DateComponents& components) {
+std::optional<Date> noonOf(Formats& formats, const DateComponents& components) {
   const std::int64_t month = components.month.value_or(1);
   const std::int64_t day = components.day.value_or(1);
   if (!components.year || !fits(*components.year) || !fits(month) || !fits(day))
     return std::nullopt;
-  icu::Calendar* calendar = formats().cleared();
+  icu::Calendar* calendar = formats.cleared();
   if (calendar == nullptr) return std::nullopt;
   calendar->set(static_cast<std::int32_t>(*components.year), static_cast<std::int32_t>(month - 1),
                 static_cast<std::int32_t>(day), noon, 0);
   return timeOf(*calendar);
 }
 
-std::optional<std::string> dayText(const DateComponents& components) {
-  if (components.year && isPlainYear(*components.year) && formats().isPlain()) {
+// All of it in one zone, whatever becomes of the machine's meanwhile.
+std::optional<std::string> textOf(const DateComponents& components, Digits digits) {
+  Formats& formats = orvane::formats();
+  if (components.year && isPlainYear(*components.year) && formats.isPlain(digits)) {
     const std::int64_t month = components.month.value_or(1);
     const std::int64_t day = components.day.value_or(1);
     if (!isPlainDay(*components.year, month, day)) return std::nullopt;
@@ -215,19 +235,13 @@ std::optional<std::string> dayText(const DateComponents& components) {
     appendDigits(text += '-', day, 2);
     return text;
   }
-  const std::optional<Date> date = dateOf(components);
+  const std::optional<Date> date = noonOf(formats, components);
   if (!date) return std::nullopt;
-  return formatDate(*date, dayPattern);
+  return formats.format(*date, dayPattern, digits);
 }
 
-std::optional<DateComponents> parseDay(std::string_view text) {
-  Formats& formats = orvane::formats();
-  if (const auto numbers = plainNumbers(text); numbers && formats.isPlain()) {
-    const auto& [year, month, day] = *numbers;
-    if (!isPlainDay(year, month, day)) return std::nullopt;
-    return DateComponents{year, month, day};
-  }
-  icu::SimpleDateFormat* formatter = formats.formatter(dayPattern);
+std::optional<DateComponents> parse(Formats& formats, std::string_view text, Digits digits) {
+  icu::SimpleDateFormat* formatter = formats.formatter(dayPattern, digits);
   icu::Calendar* calendar = formats.cleared();
   if (formatter == nullptr || calendar == nullptr) return std::nullopt;
 
@@ -237,8 +251,7 @@ std::optional<DateComponents> parseDay(std::string_view text) {
   calendar->set(UCAL_HOUR_OF_DAY, noon);
   const std::optional<Date> date = timeOf(*calendar);
   // ICU takes "20-01-05", leading blanks and trailing text even when it is strict.
-  const auto formatted = date ? formats.format(*date, dayPattern) : std::nullopt;
-  if (!formatted || !isSameText(*formatted, text)) return std::nullopt;
+  if (!date || formats.format(*date, dayPattern, digits) != text) return std::nullopt;
 
   UErrorCode status = U_ZERO_ERROR;
   const DateComponents components{calendar->get(UCAL_YEAR, status),
@@ -247,8 +260,37 @@ std::optional<DateComponents> parseDay(std::string_view text) {
   return U_FAILURE(status) != 0 ? std::nullopt : std::optional(components);
 }
 
+}  // namespace
+
+std::optional<std::string> formatDate(Date date, std::string_view pattern) {
+  return currentFormats().format(date, pattern, Digits::device);
+}
+
+std::optional<Date> dateOf(const DateComponents& components) {
+  return noonOf(currentFormats(), components);
+}
+
+std::optional<std::string> dayText(const DateComponents& components) {
+  return textOf(components, Digits::latin);
+}
+
+std::optional<std::string> localDayText(const DateComponents& components) {
+  return textOf(components, Digits::device);
+}
+
+std::optional<DateComponents> parseDay(std::string_view text) {
+  Formats& formats = orvane::formats();
+  if (const auto numbers = plainNumbers(text); numbers && formats.isPlain(Digits::latin)) {
+    const auto& [year, month, day] = *numbers;
+    if (!isPlainDay(year, month, day)) return std::nullopt;
+    return DateComponents{year, month, day};
+  }
+  if (const auto day = parse(formats, text, Digits::latin)) return day;
+  return formats.hasLatinDigits() ? std::nullopt : parse(formats, text, Digits::device);
+}
+
 std::optional<Date> addingDays(Date date, std::int64_t days) {
-  icu::Calendar* calendar = formats().cleared();
+  icu::Calendar* calendar = currentFormats().cleared();
   if (calendar == nullptr || !fits(days) || std::isnan(secondsSince1970(date))) return std::nullopt;
   UErrorCode status = U_ZERO_ERROR;
   calendar->setTime(secondsSince1970(date) * 1000.0, status);

@@ -24,13 +24,16 @@ inline constexpr std::string_view dayPattern = "yyyy-MM-dd";
 /// them. (Noon, since midnight does not exist everywhere on every day.)
 [[nodiscard]] std::optional<Date> dateOf(const DateComponents& components);
 
-/// The day's text in `dayPattern`; absent where `dateOf` is. (But a day that the device's time zone
-/// left out, such as 2011-12-30 in Samoa, has a text where days are plain numbers: people elsewhere
-/// are born on it.)
+/// The day's text in `dayPattern` and Latin digits, whatever the locale's: how records and forms
+/// carry it. Absent where `dateOf` is. (But a day that the device's time zone left out, such as
+/// 2011-12-30 in Samoa, has a text where days are plain numbers: people elsewhere are born on it.)
 [[nodiscard]] std::optional<std::string> dayText(const DateComponents& components);
 
-/// Reads a day in `dayPattern`. A text counts only when it is exactly what formatting the day
-/// gives.
+/// The same in the digits of the device's locale: how queries carry it.
+[[nodiscard]] std::optional<std::string> localDayText(const DateComponents& components);
+
+/// Reads a day in `dayPattern`, in Latin digits or in the locale's. A text counts only when it is
+/// exactly what formatting the day gives.
 [[nodiscard]] std::optional<DateComponents> parseDay(std::string_view text);
 
 /// `date` moved by calendar days, the time of day kept. Only days that there were count: in Samoa,

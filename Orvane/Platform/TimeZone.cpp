@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Platform/TimeZone.h>
-
-#include <unicode/timezone.h>
-#include <unicode/unistr.h>
+#include <Orvane/Platform/ZoneRules.h>
 
 #include <cstdlib>
 
@@ -11,23 +9,6 @@ namespace {
 
 // The widest offset that a zone may have, in seconds.
 constexpr std::int64_t widestOffset = 18L * 60 * 60;
-
-icu::UnicodeString icuText(std::string_view text) {
-  return icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
-}
-
-// ICU makes zones of "GMT+23:00" and the like, too, which no database has.
-bool isInDatabase(std::string_view name) {
-  icu::UnicodeString canonical;
-  UBool isSystemID = 0;
-  UErrorCode status = U_ZERO_ERROR;
-  icu::TimeZone::getCanonicalID(icuText(name), canonical, isSystemID, status);
-  return U_SUCCESS(status) != 0 && isSystemID != 0;
-}
-
-std::unique_ptr<icu::TimeZone> icuZone(std::string_view name) {
-  return std::unique_ptr<icu::TimeZone>(icu::TimeZone::createTimeZone(icuText(name)));
-}
 
 void appendTwoDigits(std::string& text, std::int64_t number) {
   text.push_back(static_cast<char>('0' + number / 10));
@@ -42,7 +23,7 @@ std::optional<TimeZone> TimeZone::fromSeconds(std::int64_t secondsFromGMT) {
 }
 
 std::optional<TimeZone> TimeZone::named(std::string_view name) {
-  if (!isInDatabase(name)) return std::nullopt;
+  if (!zoneRules(name)) return std::nullopt;
   return TimeZone(std::make_shared<const std::string>(name), 0);
 }
 
@@ -51,7 +32,7 @@ std::int64_t TimeZone::secondsFromGMT(Date date) const {
   std::int32_t raw = 0;
   std::int32_t daylightSaving = 0;
   UErrorCode status = U_ZERO_ERROR;
-  icuZone(*name_)->getOffset(secondsSince1970(date) * 1000.0, 0, raw, daylightSaving, status);
+  zoneRules(*name_)->getOffset(secondsSince1970(date) * 1000.0, 0, raw, daylightSaving, status);
   return U_FAILURE(status) != 0 ? 0 : (raw + daylightSaving) / 1000;
 }
 

@@ -21,10 +21,12 @@ class ORVANE_EXPORT TimeZone {
   /// way.
   [[nodiscard]] static std::optional<TimeZone> fromSeconds(std::int64_t secondsFromGMT);
 
-  /// A zone of the IANA database, for example "Asia/Kolkata". Absent for an unknown name.
+  /// A zone of the IANA database, for example "Asia/Kolkata", by the machine's rules or, where it
+  /// has none, by those that came with ICU. Absent for an unknown name.
   [[nodiscard]] static std::optional<TimeZone> named(std::string_view name);
 
-  /// The offset from UTC in seconds in force at `date`.
+  /// The offset from UTC in seconds in force at `date`; 0 for a region at a date that is not a
+  /// number.
   [[nodiscard]] std::int64_t secondsFromGMT(Date date) const;
 
   /// The IANA name, or "GMT", "GMT+5:30" and the like for a fixed offset.

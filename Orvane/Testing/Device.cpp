@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Platform/Fatal.h>
 #include <Orvane/Testing/Device.h>
 
 #include <atomic>
@@ -30,8 +31,9 @@ void MovableClock::advance(Seconds time) noexcept { set(now() + time); }
 Date MovableClock::now() const noexcept { return readMovableClock(); }
 
 ScopedDeviceSettings::ScopedDeviceSettings(DeviceSettings settings)
-    : former_(*DeviceSettings::current()) {
-  DeviceSettings::set(std::move(settings));
+    : former_(DeviceSettings::chosen()) {
+  const Result<Unit> outcome = DeviceSettings::set(std::move(settings));
+  if (outcome.error()) fatal(outcome.error()->message());
 }
 
 ScopedDeviceSettings::~ScopedDeviceSettings() { DeviceSettings::set(former_); }

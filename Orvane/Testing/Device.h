@@ -28,7 +28,8 @@ class ORVANE_TESTING_EXPORT MovableClock {
   const Date formerDate_;
 };
 
-/// Replaces the device's settings while it lives; what is left empty is the system's own.
+/// Replaces the device's settings while it lives; what is left empty is the system's own. A time
+/// zone that is not known stops the process.
 class ORVANE_TESTING_EXPORT ScopedDeviceSettings {
  public:
   explicit ScopedDeviceSettings(DeviceSettings settings);

@@ -39,7 +39,7 @@ if(NOT dependencies MATCHES "${STAGE}/include/Orvane/Orvane\\.h")
 endif()
 list(FILTER dependencies EXCLUDE REGEX "^${STAGE}/include/Orvane/")
 list(FILTER dependencies INCLUDE REGEX
-     "/(boost|curl|gmock|gtest|httplib|nlohmann|openssl|simdjson|sqlite3|unicode)[./]")
+     "/(absl|boost|curl|gmock|gtest|httplib|nlohmann|openssl|simdjson|sqlite3|unicode)[./]")
 if(dependencies)
   list(JOIN dependencies "\n  " dependencies)
   message(FATAL_ERROR "headers from outside reach users:\n  ${dependencies}")

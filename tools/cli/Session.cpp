@@ -7,7 +7,6 @@
 #include <Orvane/Core/OrvaneDetails.h>
 #include <Orvane/Platform/Date.h>
 #include <Orvane/Platform/DeviceSettings.h>
-#include <Orvane/Platform/TimeZone.h>
 #include <Orvane/Runtime/Loggers.h>
 #include <Orvane/Runtime/SelfSignedTokenResolver.h>
 #include <Orvane/Services/User/UserService.h>
@@ -57,15 +56,12 @@ std::string signingKey(const std::string& path) {
 
 Session::Session(Settings settings, OutputStyle style, bool isVerbose)
     : settings_(std::move(settings)), output_(stdout, style), isVerbose_(isVerbose) {
-  const auto& zone = settings_.text(Setting::timeZone);
-  if (zone && !TimeZone::named(*zone)) {
-    throw Failure(ExitCode::configuration, "there is no time zone \"" + *zone + '"');
-  }
   DeviceSettings device;
   device.locale = settings_.text(Setting::locale).value_or("");
-  device.timeZone = zone.value_or("");
+  device.timeZone = settings_.text(Setting::timeZone).value_or("");
   device.documentsDirectory = settings_.text(Setting::documentsFolder).value_or("");
-  DeviceSettings::set(std::move(device));
+  const Result<Unit> outcome = DeviceSettings::set(std::move(device));
+  if (outcome.error()) throw Failure(ExitCode::configuration, outcome.error()->message());
   Logger::setShared(loggerFor(isVerbose_));
 }
 

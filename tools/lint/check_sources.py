@@ -33,6 +33,7 @@ UMBRELLAS = {
 LIBRARY_HOMES = {
     "simdjson": ["Platform", "Coding"],
     "unicode/": ["Platform"],
+    "absl/": ["Platform"],
     "boost/": ["Platform"],
     "curl/": ["Runtime"],
     "openssl/": ["Runtime"],

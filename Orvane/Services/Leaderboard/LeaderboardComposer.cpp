@@ -21,7 +21,7 @@ struct QueryOf {
   std::string_view userID;
 
   std::optional<std::string> operator()(const LeaderboardComposer::Request& request) const {
-    const std::optional<std::string> day = dayText(request.dateComponents);
+    const std::optional<std::string> day = localDayText(request.dateComponents);
     if (!day) return std::nullopt;
     QueryItems items;
     items.add("userId", userID).add("localDate", *day);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Common/NetworkError.h>
 #include <Orvane/Core/Parameter.h>
 #include <Orvane/Platform/Calendar.h>
 #include <Orvane/Platform/Text.h>
@@ -37,12 +38,18 @@ std::optional<std::string> wireTextOf(const std::optional<User::Gender>& gender)
 }
 
 Result<RequestBody> formOf(const UserUpdate& update) {
+  std::optional<std::string> dateOfBirth;
+  if (update.dateOfBirth) {
+    dateOfBirth = dayText(*update.dateOfBirth);
+    // Without it everything else would be changed, as if all had been.
+    if (!dateOfBirth) return NetworkError::malformedRequest;
+  }
   return Form()
       .add("publicDisplayName", update.displayName)
       .add("postalcode", update.postalCode)
       .add("avatar", update.avatar)
       .add("gender", wireTextOf(update.gender))
-      .add("dateOfBirth", update.dateOfBirth ? dayText(*update.dateOfBirth) : std::nullopt)
+      .add("dateOfBirth", std::move(dateOfBirth))
       .add("firstName", update.firstName)
       .add("lastName", update.lastName)
       .add("email", update.email)

@@ -20,7 +20,7 @@ struct ORVANE_EXPORT UserUpdate {
   std::optional<std::string> postalCode{};
   std::optional<std::string> avatar{};
   std::optional<User::Gender> gender{};
-  /// A day that the device's calendar can't form is left out.
+  /// A day of the device's calendar.
   std::optional<DateComponents> dateOfBirth{};
   std::optional<std::string> firstName{};
   std::optional<std::string> lastName{};
@@ -65,7 +65,8 @@ class ORVANE_EXPORT UserService : public SerializableService {
                       Completion<User> then) const;
 
   /// Updates the current user's profile and answers the updated user. A text that is not UTF-8
-  /// fails with `DataError`.
+  /// fails with `DataError`, a day of birth that the device's calendar can't form with
+  /// `NetworkError::malformedRequest`; nothing is sent then.
   RequestHandle update(UserUpdate update, Completion<User> then) const;
 
   /// Updates the current user's address and answers the updated user. A text that is not UTF-8

@@ -131,9 +131,11 @@ TEST_F(UserTest, writesWhatItWasGiven) {
   for (const DateComponents& day : {DateComponents{}, DateComponents{2023, 2, 29}}) {
     EXPECT_EQ(encode(User{.id = "1", .dateOfBirth = day}), std::string(R"({"userId":"1"})"));
   }
-  const ScopedDeviceSettings thai({.locale = "th_TH", .timeZone = "UTC"});
-  EXPECT_EQ(encode(User{.dateOfBirth = DateComponents{2567, 1, 5}}),
-            std::string(R"({"dateOfBirth":"2567-01-05"})"));
+  for (const std::string locale : {"th_TH", "ar_EG@calendar=buddhist"}) {
+    const ScopedDeviceSettings device({.locale = locale, .timeZone = "UTC"});
+    expectMirrored(R"({"dateOfBirth":"2567-01-05"})",
+                   User{.dateOfBirth = DateComponents{2567, 1, 5}});
+  }
 }
 
 using UserDeathTest = DeathTest;

@@ -91,25 +91,42 @@ TEST(CalendarTest, followsTheDevicesCalendarAndDigits) {
   struct Row {
     DeviceSettings settings;
     DateComponents day;
-    std::string_view text;
+    std::string_view text, latin = text;
   };
   const Row rows[] = {
       {{.locale = "en_US", .timeZone = "UTC"}, {2024, 1, 5}, "2024-01-05"},
       {{.locale = "th_TH", .timeZone = "UTC"}, {2567, 1, 5}, "2567-01-05"},
       {{.locale = "th_TH", .timeZone = "UTC", .calendar = "gregorian"}, {2024, 1, 5}, "2024-01-05"},
       {{.locale = "en_US", .timeZone = "UTC", .calendar = "buddhist"}, {2567, 1, 5}, "2567-01-05"},
-      {{.locale = "ar_EG", .timeZone = "UTC"}, {2024, 1, 5}, "٢٠٢٤-٠١-٠٥"},
+      {{.locale = "ar_EG", .timeZone = "UTC"}, {2024, 1, 5}, "٢٠٢٤-٠١-٠٥", "2024-01-05"},
+      {{.locale = "ar_EG", .timeZone = "UTC", .calendar = "buddhist"},
+       {2567, 1, 5},
+       "٢٥٦٧-٠١-٠٥",
+       "2567-01-05"},
+      {{.locale = "fa_IR", .timeZone = "UTC"}, {1402, 10, 15}, "۱۴۰۲-۱۰-۱۵", "1402-10-15"},
+      // Digits of two UTF-16 units each, and some that are words.
+      {{.locale = "ff_Adlm_GN", .timeZone = "UTC"},
+       {2024, 1, 5},
+       "𞥒𞥐𞥒𞥔-𞥐𞥑-𞥐𞥕",
+       "2024-01-05"},
+      {{.locale = "zh_CN@numbers=hanidec", .timeZone = "UTC"},
+       {2024, 1, 5},
+       "二〇二四-〇一-〇五",
+       "2024-01-05"},
   };
   for (const Row& row : rows) {
     const ScopedDeviceSettings settings(row.settings);
     EXPECT_EQ(formatDate(noon, dayPattern), row.text);
-    EXPECT_EQ(dayText(row.day), row.text);
+    EXPECT_EQ(localDayText(row.day), row.text);
+    // Records have Latin digits whatever the device shows.
+    EXPECT_EQ(dayText(row.day), row.latin);
     EXPECT_EQ(parseDay(row.text), row.day) << row.text;
+    EXPECT_EQ(parseDay(row.latin), row.day) << row.text;
   }
-  // A backend writes Latin digits whatever the device shows.
   const ScopedDeviceSettings egypt({.locale = "ar_EG", .timeZone = "UTC"});
-  EXPECT_EQ(parseDay("2024-01-05"), (DateComponents{2024, 1, 5}));
-  EXPECT_EQ(parseDay("20-01-05"), std::nullopt);
+  for (const std::string_view refused : {"20-01-05", "٢٠-٠١-٠٥", "2024-٠١-05", "2023-02-29"}) {
+    EXPECT_EQ(parseDay(refused), std::nullopt) << refused;
+  }
 }
 
 TEST(CalendarTest, writesPatternsAsTheLocaleCountsWeeks) {

@@ -84,13 +84,19 @@ TEST(TimeZoneTest, namedZonesFollowTheirDaylightSaving) {
   ASSERT_TRUE(zurich);
   EXPECT_EQ(zurich->secondsFromGMT(dateFromSeconds(1'711'846'799)), 3600);  // 2024-03-31T00:59:59Z
   EXPECT_EQ(zurich->secondsFromGMT(dateFromSeconds(1'711'846'800)), 7200);
+  EXPECT_EQ(zurich->secondsFromGMT(dateFromSeconds(16'015'000'000)), 7200);  // in July 2477
+  EXPECT_EQ(zurich->secondsFromGMT(dateFromSeconds(1e300)),
+            zurich->secondsFromGMT(dateFromSeconds(infinity)));
+  EXPECT_EQ(zurich->secondsFromGMT(dateFromSeconds(notANumber)), 0);
   EXPECT_EQ(zurich->identifier(), "Europe/Zurich");
   EXPECT_EQ(*zurich, *TimeZone::named("Europe/Zurich"));
   EXPECT_NE(*zurich, *TimeZone::named("Europe/Berlin"));
   EXPECT_NE(*TimeZone::named("UTC"), *TimeZone::fromSeconds(0));
   EXPECT_TRUE(TimeZone::named("GMT") && TimeZone::named("Etc/GMT+5"));
   for (const std::string_view refused :
-       {"", "Europe/Nowhere", "europe zurich", "GMT+23:00", "GMT-5", "Etc/Unknown"}) {
+       {"", "Europe/Nowhere", "europe zurich", "GMT+23:00", "GMT-5", "Etc/Unknown", "Europe",
+        "Europe/", "/usr/share/zoneinfo/UTC", "../zoneinfo/UTC", "right/UTC", "posix/UTC",
+        "localtime", "zone.tab", "Fixed/UTC+05:30:00"}) {
     EXPECT_FALSE(TimeZone::named(refused)) << refused;
   }
 }

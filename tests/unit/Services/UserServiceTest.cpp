@@ -69,7 +69,6 @@ TEST(UserServiceTest, sendsWhatIsToChange) {
                                   .country = "Switzerland",
                                   .countryCode = "CH",
                                   .formattedAddress = "1, Quai"};
-  const UserUpdate noDay{.dateOfBirth = DateComponents{2023, 2, 29}, .shareUserProfile = true};
   expectRequests<UserService>({
       {posting({}), [](auto& users) { users.update({}, nullptr); }},
       {posting({{"publicDisplayName", "Ann"},
@@ -92,7 +91,6 @@ TEST(UserServiceTest, sendsWhatIsToChange) {
        [](auto& users) { users.update({.gender = User::Gender::custom("x")}, nullptr); }},
       {posting({{"publicDisplayName", ""}}),
        [](auto& users) { users.update({.displayName = ""}, nullptr); }},
-      {posting({{"shareUserProfile", "true"}}), [&](auto& users) { users.update(noDay, nullptr); }},
       {posting({}), [](auto& users) { users.updateAddress({}, nullptr); }},
       {posting({{"city", "Zürich"},
                 {"subdivision", "Zürich canton"},
@@ -102,6 +100,13 @@ TEST(UserServiceTest, sendsWhatIsToChange) {
                 {"countryCode", "CH"},
                 {"formattedAddress", "1, Quai"}}),
        [&](auto& users) { users.updateAddress(address, nullptr); }},
+  });
+  const ScopedDeviceSettings egypt({.locale = "ar_EG", .timeZone = "Africa/Cairo"});
+  expectRequests<UserService>({
+      {posting({{"dateOfBirth", "1990-05-17"}}),
+       [](auto& users) {
+         users.update({.dateOfBirth = DateComponents{1990, 5, 17}}, nullptr);
+       }},
   });
 }
 
@@ -117,6 +122,17 @@ TEST(UserServiceTest, theHeadersOfABodyAreItsOwn) {
   EXPECT_TRUE(headers.at("Content-Type").starts_with("multipart/form-data; boundary="));
   EXPECT_EQ(headers.at("X-Host"), "kept");
   EXPECT_EQ(headers.at("Authorization"), "Bearer token");
+}
+
+TEST(UserServiceTest, refusesADayOfBirthThatIsNone) {
+  const ScopedFoundation foundation;
+  for (const DateComponents& day : {DateComponents{2023, 2, 29}, DateComponents{}}) {
+    const Outcome<User> outcome;
+    UserService({"key", {}})
+        .update({.dateOfBirth = day, .shareUserProfile = true}, outcome.handler());
+    EXPECT_EQ(outcome.result(), NetworkError::malformedRequest);
+  }
+  EXPECT_TRUE(foundation.requestManager->calls().empty());
 }
 
 TEST(UserServiceTest, refusesTextsThatAreNotUTF8) {

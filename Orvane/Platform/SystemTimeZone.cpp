@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Platform/SystemTimeZone.h>
+#include <Orvane/Platform/ZoneRules.h>
+
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace orvane {
+namespace {
+
+namespace fs = std::filesystem;
+
+// What the database holds twice: by POSIX's time, as here, and with leap seconds.
+std::string_view withoutVariant(std::string_view name) {
+  for (const std::string_view variant : {"posix/", "right/"}) {
+    if (name.starts_with(variant)) name.remove_prefix(variant.size());
+  }
+  return name;
+}
+
+// "Europe/Zurich" of "/usr/share/zoneinfo/Europe/Zurich". The folder may have an ending.
+std::optional<std::string> nameOfPath(const std::string& path) {
+  const std::size_t folder = path.rfind("/zoneinfo");
+  if (folder == std::string::npos) return std::nullopt;
+  const std::size_t end = path.find('/', folder + 1);
+  if (end == std::string::npos) return std::nullopt;
+  return std::string(withoutVariant(std::string_view(path).substr(end + 1)));
+}
+
+std::optional<std::string> nameOfFile(const fs::path& file) {
+  std::error_code error;
+  // The link's own text first: beyond it a zone's file may be a link to another name's.
+  if (const fs::path link = fs::read_symlink(file, error); !error) {
+    if (auto name = nameOfPath(link.string())) return name;
+  }
+  const fs::path path = fs::canonical(file, error);
+  return error ? std::nullopt : nameOfPath(path.string());
+}
+
+// Compares a copy with the files of the database, and knows other systems.
+std::string nameThatICUFinds() {
+  const std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::detectHostTimeZone());
+  if (!zone) return {};
+  icu::UnicodeString identifier;
+  std::string text;
+  return zone->getID(identifier).toUTF8String(text);
+}
+
+SystemTimeZone madeOf(std::string_view name, bool canChange) {
+  SystemTimeZone zone;
+  zone.canChange = canChange;
+  zone.isKnown = zoneRules(name) != nullptr;
+  if (zone.isKnown) zone.name = name;
+  return zone;
+}
+
+// The value's forms: a name, a path, either of them behind a colon, and nothing, which is UTC.
+std::optional<SystemTimeZone> zoneOfVariable(const SystemTimeZoneSource& source) {
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing in this library changes the environment
+  const char* value = std::getenv(source.variable);
+  if (value == nullptr) return std::nullopt;
+  std::string_view text(value);
+  if (text.starts_with(':')) text.remove_prefix(1);
+  if (text == source.file.string()) return std::nullopt;
+  if (text.empty()) return madeOf("UTC", false);
+  if (!text.starts_with('/')) return madeOf(withoutVariant(text), false);
+  const auto name = nameOfPath(std::string(text));
+  return madeOf(name ? *name : nameOfFile(text).value_or(""), false);
+}
+
+}  // namespace
+
+SystemTimeZone systemTimeZone(const SystemTimeZoneSource& source) {
+  if (const auto zone = zoneOfVariable(source)) return *zone;
+  if (const auto name = nameOfFile(source.file)) return madeOf(*name, true);
+  return madeOf(nameThatICUFinds(), true);
+}
+
+std::string stampOf(const fs::path& file) {
+  std::error_code error;
+  fs::path link = fs::read_symlink(file, error);
+  if (!error) return std::move(link).string();
+  const auto changed = fs::last_write_time(file, error);
+  const auto size = fs::file_size(file, error);
+  if (error) return {};
+  return std::to_string(changed.time_since_epoch().count()) + ' ' + std::to_string(size);
+}
+
+}  // namespace orvane
