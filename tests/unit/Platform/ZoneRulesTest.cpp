@@ -91,7 +91,7 @@ class ZoneComparison {
 
   void run() const {
     using Library = ScopedLibraryZone;
-    constexpr std::time_t week = 7 * 86400;
+    constexpr std::time_t week = std::time_t{7} * 86400;
     const std::time_t end = Library::timeOf(2031, 1, 1, 0);
     for (std::time_t time = Library::timeOf(2015, 1, 1, 0); time < end; time += week) {
       if (offset(time) == offset(time + week)) continue;
