@@ -60,11 +60,37 @@ install(
 
 # --- pkg-config ---------------------------------------------------------------------------------
 
+# orvane_closure(<result> <target>...): imported libraries and what they need in turn, each before what it needs.
+function(orvane_closure result)
+  set(found)
+  set(pending ${ARGN})
+  while(pending)
+    list(POP_FRONT pending library)
+    string(REGEX REPLACE "^\\$<LINK_ONLY:(.*)>$" "\\1" library "${library}")
+    if(NOT TARGET ${library} OR library STREQUAL "Threads::Threads")
+      continue()
+    endif()
+    # Last where it is needed last.
+    list(REMOVE_ITEM found ${library})
+    list(APPEND found ${library})
+    get_target_property(needed ${library} INTERFACE_LINK_LIBRARIES)
+    if(needed)
+      list(APPEND pending ${needed})
+    endif()
+  endwhile()
+  set(${result} ${found} PARENT_SCOPE)
+endfunction()
+
 # orvane_link_flags(<result> <target>...): how a linker is told of imported libraries, with the folders that it does not
 # know. Their own modules are not required instead, since those would hand on their defines and include paths.
 function(orvane_link_flags result)
   set(flags)
-  foreach(library IN LISTS ARGN)
+  orvane_closure(libraries ${ARGN})
+  foreach(library IN LISTS libraries)
+    get_target_property(type ${library} TYPE)
+    if(type STREQUAL "INTERFACE_LIBRARY")
+      continue()
+    endif()
     get_target_property(location ${library} LOCATION)
     get_filename_component(folder "${location}" DIRECTORY)
     get_filename_component(name "${location}" NAME)
