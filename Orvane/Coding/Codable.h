@@ -17,7 +17,7 @@ namespace orvane {
 template <class T>
 Result<T> decodeInPlace(std::string& text) {
   const json::Document document(text);
-  Decoder decoder;
+  Decoder decoder(document);
   if (document.isValid()) {
     T value{};
     if (decodeValue(document.root(), value, decoder)) return value;

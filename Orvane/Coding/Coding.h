@@ -20,8 +20,11 @@ struct ORVANE_EXPORT RecordCoding {
 };
 
 /// Reads a record, or a list (`std::vector`) of records, from a JSON text (RFC 8259). The text must
-/// be one valid value as a whole, members that nobody reads included. Fails with a `DecodingError`.
-/// Defined for every record of Orvane/Models and for lists of them. Any thread.
+/// be one valid value as a whole, members that nobody reads included, nest at most 1,000 levels deep
+/// and hold no number beyond a double's range; of records at most 64 may stand in one another.
+/// Numbers may have any length: a floating member takes the nearest double, an integer member only
+/// an integer of 64 bits. Fails with a `DecodingError`. Defined for every record of Orvane/Models
+/// and for lists of them. Any thread.
 template <class T>
 [[nodiscard]] Result<T> decode(std::string_view json) {
   return RecordCoding<T>::decode(json);

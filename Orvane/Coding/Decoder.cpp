@@ -4,6 +4,12 @@
 #include <algorithm>
 
 namespace orvane {
+namespace {
+
+// Reading them recurses, with less than a kilobyte of stack for each. Backends nest a handful.
+constexpr int deepestRecord = 64;
+
+}  // namespace
 
 bool Decoder::note(DecodingError::Kind kind, std::string description) {
   error_.kind = kind;
@@ -11,6 +17,10 @@ bool Decoder::note(DecodingError::Kind kind, std::string description) {
   innermostFirst_.clear();
   tellsPath_ = true;
   return false;
+}
+
+bool Decoder::enterRecord() {
+  return ++recordsEntered_ <= deepestRecord || malformedText("records nest too deep");
 }
 
 bool Decoder::typeMismatch(std::string_view expected, json::Element found) {

@@ -18,6 +18,18 @@ namespace orvane {
 /// failure passes on its way up puts its key or index in front of the place.
 class Decoder {
  public:
+  /// For the values of a document.
+  explicit Decoder(const json::Document& document)
+      : roundsToLeastInteger_(document.roundsToLeastInteger()) {}
+
+  /// Whether a double of -2^63 may stand for an integer below it (see `json::Document`).
+  [[nodiscard]] bool roundsToLeastInteger() const noexcept { return roundsToLeastInteger_; }
+
+  /// To be called before and after a record's members are read. Answers false, having noted it,
+  /// where so many records stand in one another that the stack of a small thread might end.
+  bool enterRecord();
+  void leaveRecord() noexcept { --recordsEntered_; }
+
   /// Each of these notes a failure and answers false, so that a decoding step can return it.
   bool typeMismatch(std::string_view expected, json::Element found);
   bool valueNotFound(std::string_view expected);
@@ -43,6 +55,8 @@ class Decoder {
   DecodingError error_;
   std::vector<std::string> innermostFirst_;
   bool tellsPath_ = true;
+  bool roundsToLeastInteger_;
+  int recordsEntered_ = 0;
   TextPool texts_;
 };
 

@@ -12,8 +12,8 @@ namespace orvane {
 /// What was expected at which place of a JSON text, and what stood there.
 struct ORVANE_EXPORT DecodingError {
   enum class Kind {
-    malformedText,  ///< The text is not JSON, nests too deep, or holds a number that no 64-bit form
-                    ///< can.
+    malformedText,  ///< The text is not JSON, nests too deep, or holds a number beyond a double's
+                    ///< range.
     typeMismatch,   ///< A value of another JSON type.
     valueNotFound,  ///< null where a value is required.
     keyNotFound,    ///< A required member is missing.

@@ -40,7 +40,10 @@ bool decodeMembers(ObjectWalk walk, void* record, const KeyTable& table, Decoder
 bool decodeObject(json::Element element, void* record, const KeyTable& table, Decoder& decoder) {
   json::Object object;
   if (element.get(object) != simdjson::SUCCESS) return decoder.typeMismatch("an object", element);
-  return decodeMembers({object.begin(), object.end()}, record, table, decoder);
+  const bool isRead = decoder.enterRecord() &&
+                      decodeMembers({object.begin(), object.end()}, record, table, decoder);
+  decoder.leaveRecord();
+  return isRead;
 }
 
 void encodeObject(const void* record, std::span<const KeyRow> rows, json::Writer& writer) {

@@ -39,6 +39,10 @@ inline bool decodeValue(json::Element element, std::int64_t& value, Decoder& dec
   return element.get(value) == simdjson::SUCCESS || decodeInexactInteger(element, value, decoder);
 }
 
+/// Reads an integer of any size; in place of one that 64 bits don't hold, the nearest one that they
+/// do.
+bool decodeNearestInteger(json::Element element, std::int64_t& value, Decoder& decoder);
+
 /// The text stays valid as long as the document it stands in.
 inline bool decodeValue(json::Element element, std::string_view& value, Decoder& decoder) {
   return element.get(value) == simdjson::SUCCESS || decoder.typeMismatch("a text", element);

@@ -61,10 +61,10 @@ std::string_view Event::EventType::wireText() const noexcept {
   return as<OtherEventType>()->key;
 }
 
-// Any integer is a level: one that is not known is the lowest.
+// Any integer is a level, of whatever size: one that is not known is the lowest.
 bool decodeValue(json::Element element, Event::Severity& severity, Decoder& decoder) {
   std::int64_t level = 0;
-  if (!decodeValue(element, level, decoder)) return false;
+  if (!decodeNearestInteger(element, level, decoder)) return false;
   const bool isKnown = level >= 0 && static_cast<std::uint64_t>(level) < levels.size();
   severity = isKnown ? levels[static_cast<std::size_t>(level)] : Event::Severity::veryLow;
   return true;

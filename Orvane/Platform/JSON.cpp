@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Platform/JSON.h>
+#include <Orvane/Platform/JSONIntegers.h>
 #include <Orvane/Platform/OfThisThread.h>
 
 #include <utility>
@@ -7,8 +8,8 @@
 namespace orvane::json {
 namespace {
 
-// Far below what a small thread's stack holds: records nest a few levels deep.
-constexpr std::size_t deepestNesting = 128;
+// simdjson counts the place below the innermost array or object, too.
+constexpr std::size_t deepestPlace = deepestNesting + 1;
 
 // A parser's memory is several times its text and never shrinks; one that has seen a text larger
 // than this is not kept.
@@ -68,14 +69,23 @@ Document::Document(std::string& text) : parser_(takeParser()) {
   std::string_view body = text;
   if (body.starts_with(byteOrderMark)) body.remove_prefix(byteOrderMark.size());
 
-  simdjson::error_code error = simdjson::SUCCESS;
-  if (parser_->max_depth() != deepestNesting || parser_->capacity() < body.size()) {
-    error = parser_->allocate(body.size(), deepestNesting);
-  }
-  if (error == simdjson::SUCCESS) {
-    error = parser_->parse(body.data(), body.size(), false).get(root_);
+  simdjson::error_code error = parse(body);
+  if (error == simdjson::SUCCESS) return;
+  // Which error stands for an integer beyond 64 bits depends on simdjson's version, and another one
+  // may stand in front of it: the text itself is asked.
+  if (const auto widened = widenIntegers(body, padding)) {
+    error = parse(widened->text);
+    roundsToLeastInteger_ = widened->roundToLeast;
   }
   if (error != simdjson::SUCCESS) failure_ = simdjson::error_message(error);
+}
+
+// The text may go once it has been parsed: the parser has copied the texts inside.
+simdjson::error_code Document::parse(std::string_view text) {
+  if (parser_->max_depth() != deepestPlace || parser_->capacity() < text.size()) {
+    if (const auto error = parser_->allocate(text.size(), deepestPlace)) return error;
+  }
+  return parser_->parse(text.data(), text.size(), false).get(root_);
 }
 
 Document::~Document() {

@@ -171,7 +171,7 @@ TEST(CodingTest, takesNoMemoryForElementsThatAreNone) {
   for (int i = 1; i < 100'000; ++i) text += ",0";
   text += ']';
   const json::Document document(text);
-  Decoder decoder;
+  Decoder decoder(document);
   std::vector<TestSample> samples;
   EXPECT_FALSE(decodeValue(document.root(), samples, decoder));
   EXPECT_LE(samples.capacity() * sizeof(TestSample), std::size_t{2} << 20U);
@@ -277,9 +277,8 @@ TEST(DecodingErrorTest, quotesWholeCharacters) {
 
 TEST(DecodingErrorTest, malformedTextsFailWhetherReadOrNot) {
   for (const std::string_view json :
-       {"", "nul", R"({"unread":1e999})", R"({"unread":18446744073709551616})",
-        R"({"unread":[1,]})", R"({"unread":"\ud800"})", "{\"unread\":\"\xFF\"}",
-        R"({"unread":tru})", R"({"flag":true} x)", R"({"flag":true}{})"}) {
+       {"", "nul", R"({"unread":1e999})", R"({"unread":[1,]})", R"({"unread":"\ud800"})",
+        "{\"unread\":\"\xFF\"}", R"({"unread":tru})", R"({"flag":true} x)", R"({"flag":true}{})"}) {
     const auto result = decode<TestSample>(json);
     ASSERT_TRUE(result.error()) << json;
     const auto& error = *result.error()->as<DecodingError>();

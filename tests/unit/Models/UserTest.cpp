@@ -93,6 +93,18 @@ TEST_F(UserTest, isReadAndWrittenWhole) {
       UsersByRole{.OPERATOR = std::vector<User>{{.id = "1"}}, .OWNER = std::vector<User>{}});
 }
 
+// What nobody reads may nest as deep as texts do; users are read by recursion.
+TEST_F(UserTest, nestsAsDeepAsASmallStackBears) {
+  EXPECT_EQ(decode<User>(R"({"unread":)" + std::string(512, '[') + std::string(512, ']') + '}'),
+            User{});
+  std::string text = "{}";
+  for (int users = 2; users <= 400; ++users) {
+    text = R"({"associatedUsers":[)" + text + "]}";
+    EXPECT_EQ(failure<User>(text) == "none", users <= 64) << users;
+  }
+  EXPECT_TRUE(failure<User>(text).starts_with("malformedText associatedUsers[0].associated"));
+}
+
 TEST_F(UserTest, readsTheWireAsItIs) {
   const std::pair<std::string_view, User> rows[] = {
       {R"({"postalcode":"1234","postalCode":"5"})", {.postalCode = "1234"}},

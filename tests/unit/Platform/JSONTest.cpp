@@ -28,15 +28,14 @@ void expectMalformed(std::initializer_list<std::string_view> texts) {
 TEST(DocumentTest, checksTheWholeText) {
   for (const std::string_view valid :
        {"{}", "[]", "\"text\"", "1", "null", "true", " \t\r\n{\"a\":1} \n", "\xEF\xBB\xBF{}",
-        "18446744073709551615", "-9223372036854775808", "1e308", "1e-999", "0.1e1",
+        "18446744073709551616", "-9223372036854775809", "1e308", "1e-999", "0.1e1",
         "\"\\ud83d\\ude00\"", "{\"a\":1,\"a\":2}", "\"\\u0000\"", "\"\xF0\x9F\x98\x80\"",
         "\"\x7F\""}) {
     EXPECT_TRUE(isValid(std::string(valid))) << valid;
   }
   expectMalformed({"", " ", "{", "}", "[1,]", "{\"a\":1,}", "{a:1}", "{'a':1}", "{\"a\" 1}",
                    "{\"a\":}", "{\"a\"}", "nul", "True", "{} {}", "{}x", "1 2", "// a\n{}"});
-  expectMalformed({"01", "1.", ".5", "+1", "0x1", "NaN", "1e", "-", "1e400", "[1e999]",
-                   "18446744073709551616", "-9223372036854775809"});
+  expectMalformed({"01", "1.", ".5", "+1", "0x1", "NaN", "1e", "-", "1e400", "[1e999]"});
   expectMalformed({"\"a", "\"\\x\"", "\"\\u12\"", "\"\\ud800\"", "\"\\udc00\"",
                    "\"\\ud800\\u0041\"", "\"a\nb\"", "\"\xFF\"", "\"\xC0\xAF\"", "\"\xED\xA0\x80\"",
                    std::string_view("\"a\0b\"", 5)});
@@ -48,8 +47,8 @@ TEST(DocumentTest, limitsTheDepth) {
   const auto nested = [](std::size_t depth) {
     return std::string(depth, '[') + std::string(depth, ']');
   };
-  EXPECT_TRUE(isValid(nested(100)));
-  EXPECT_FALSE(isValid(nested(200)));
+  EXPECT_TRUE(isValid(nested(json::deepestNesting)));
+  EXPECT_FALSE(isValid(nested(json::deepestNesting + 2)));
   EXPECT_FALSE(isValid(std::string(1'000'000, '[')));
 }
 
