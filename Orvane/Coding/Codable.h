@@ -7,39 +7,54 @@
 #include <Orvane/Coding/Coding.h>
 #include <Orvane/Coding/Values.h>
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace orvane {
 
-/// Reads a `T` from a text that may be changed: the parser's padding goes into its capacity.
-template <class T>
-Result<T> decodeInPlace(std::string& text) {
+/// Hands the value in a text that may be changed (the parser's padding goes into its capacity) to
+/// `read`, which answers false where it has noted why it can't be read. Answers why it was not.
+template <class Read>
+std::optional<DecodingError> readInPlace(std::string& text, Read read) {
   const json::Document document(text);
   Decoder decoder(document);
-  if (document.isValid()) {
-    T value{};
-    if (decodeValue(document.root(), value, decoder)) return value;
-  } else {
+  if (!document.isValid()) {
     decoder.malformedText(document.failure());
+  } else if (read(document.root(), decoder)) {
+    return std::nullopt;
   }
   return std::move(decoder).takeError();
+}
+
+/// Reads a `T` from a text that may be changed.
+template <class T>
+Result<T> decodeInPlace(std::string& text) {
+  T value{};
+  auto error = readInPlace(text, [&value](json::Element root, Decoder& decoder) {
+    return decodeValue(root, value, decoder);
+  });
+  if (error) return *std::move(error);
+  return value;
+}
+
+/// What has been written, or why it could not be.
+inline Result<std::string> takeText(json::Writer writer) {
+  if (!writer.failure().empty()) return EncodingError{writer.failure()};
+  return std::move(writer).take();
 }
 
 /// Writes a `T`, faults of the program being treated as `writer` was told.
 template <class T>
 Result<std::string> encodeWith(json::Writer writer, const T& value) {
   encodeValue(value, writer);
-  if (!writer.failure().empty()) return EncodingError{writer.failure()};
-  return std::move(writer).take();
+  return takeText(std::move(writer));
 }
 
 template <class T>
 Result<T> RecordCoding<T>::decode(std::string_view json) {
-  std::string text;
-  text.reserve(json.size() + json::Document::padding);
-  text = json;
+  std::string text = json::paddedCopy(json);
   return decodeInPlace<T>(text);
 }
 

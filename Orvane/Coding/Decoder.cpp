@@ -52,6 +52,13 @@ bool Decoder::dataCorruptedWithoutPath(std::string description) {
   return false;
 }
 
+bool Decoder::unknownText(std::string_view reportedName, std::string_view text) {
+  if (reportedName.empty()) {
+    return dataCorrupted("no case has the wire text \"" + std::string(text) + '"');
+  }
+  return dataCorruptedWithoutPath("Unknown value found when decoding " + std::string(reportedName));
+}
+
 bool Decoder::malformedText(std::string_view description) {
   return note(DecodingError::Kind::malformedText, std::string(description));
 }

@@ -37,6 +37,9 @@ class Decoder {
   bool dataCorrupted(std::string description);
   /// A failure that tells no coding path (its location is told all the same).
   bool dataCorruptedWithoutPath(std::string description);
+  /// No case of an enumeration has the text. Where the enumeration has a name that errors report,
+  /// they tell no coding path.
+  bool unknownText(std::string_view reportedName, std::string_view text);
   bool malformedText(std::string_view description);
 
   /// Puts the key, or the index, under which the failed value stands in front of its place.

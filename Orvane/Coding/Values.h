@@ -4,6 +4,7 @@
 // functions (see Models/Coders.h); everything finds them by argument-dependent lookup.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Coding/Decoder.h>
 #include <Orvane/Platform/ClosedRange.h>
 #include <Orvane/Platform/Enumeration.h>
@@ -67,30 +68,20 @@ inline void encodeValue(const std::string& value, json::Writer& writer) {
 /// failure of this one does not matter.
 [[nodiscard]] bool appearsAgain(json::Object::iterator position, json::Object::iterator end);
 
-/// An enumeration is a text of its table. What happens with another text the table says too: a
-/// member `fallback` is taken instead, a member `reportedName` names the type in the error.
-template <Enumeration E>
+/// An enumeration is one text.
+template <TextEnumeration E>
 bool decodeValue(json::Element element, E& value, Decoder& decoder) {
   std::string_view text;
   if (!decodeValue(element, text, decoder)) return false;
-  if (const auto known = fromWireText<E>(text)) {
-    value = *known;
-    return true;
-  }
-  if constexpr (requires { EnumerationTable<E>::fallback; }) {
-    value = EnumerationTable<E>::fallback;
-    return true;
-  } else if constexpr (requires { EnumerationTable<E>::reportedName; }) {
-    return decoder.dataCorruptedWithoutPath("Unknown value found when decoding " +
-                                            std::string(EnumerationTable<E>::reportedName));
-  } else {
-    return decoder.dataCorrupted("no case has the wire text \"" + std::string(text) + '"');
-  }
+  auto read = readWireText<E>(text);
+  if (!read) return decoder.unknownText(reportedName<E>(), text);
+  value = *std::move(read);
+  return true;
 }
 
-template <Enumeration E>
-void encodeValue(E value, json::Writer& writer) {
-  writer.value(wireText(value));
+template <TextEnumeration E>
+void encodeValue(const E& value, json::Writer& writer) {
+  writer.value(textOnTheWire(value));
 }
 
 /// Up to so many bytes memory is taken for the elements of a list before they have been read: a

@@ -2,6 +2,7 @@
 // Texts that the backend keeps for the application to show.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Platform/Export.h>
 
 #include <optional>
@@ -15,5 +16,8 @@ struct ORVANE_EXPORT Content {
 
   friend bool operator==(const Content&, const Content&) = default;
 };
+
+template <>
+inline constexpr bool hasCoding<Content> = true;
 
 }  // namespace orvane

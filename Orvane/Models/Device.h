@@ -2,6 +2,7 @@
 // The phones on which a person uses the application.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Platform/Export.h>
 
 #include <optional>
@@ -23,5 +24,8 @@ struct ORVANE_EXPORT Device {
 
   friend bool operator==(const Device&, const Device&) = default;
 };
+
+template <>
+inline constexpr bool hasCoding<Device> = true;
 
 }  // namespace orvane

@@ -2,6 +2,7 @@
 // What safe driving takes off the premium: the user's discount, and the scheme behind it.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Platform/ClosedRange.h>
 #include <Orvane/Platform/Export.h>
 
@@ -56,5 +57,14 @@ struct ORVANE_EXPORT DiscountMetadata {
 
   friend bool operator==(const DiscountMetadata&, const DiscountMetadata&) = default;
 };
+
+template <>
+inline constexpr bool hasCoding<Discount> = true;
+template <>
+inline constexpr bool hasCoding<DiscountMetadata> = true;
+template <>
+inline constexpr bool hasCoding<DiscountMetadata::DiscountScore> = true;
+template <>
+inline constexpr bool hasCoding<DiscountMetadata::DiscountRange> = true;
 
 }  // namespace orvane

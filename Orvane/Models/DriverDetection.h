@@ -2,6 +2,7 @@
 // How far the backend has learnt to tell a user's driving from being driven.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Platform/Enumeration.h>
 #include <Orvane/Platform/Export.h>
 
@@ -35,6 +36,9 @@ struct EnumerationTable<DriverDetection::Status> {
   static constexpr EnumerationCase<DriverDetection::Status> cases[] = {{inTraining, "TRAINING"},
                                                                        {trained, "DETECTION"}};
 };
+
+template <>
+inline constexpr bool hasCoding<DriverDetection> = true;
 
 }  // namespace orvane
 

@@ -2,6 +2,7 @@
 // How much and how well a user has driven.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Models/DriverDetection.h>
 #include <Orvane/Platform/Date.h>
 #include <Orvane/Platform/Export.h>
@@ -45,5 +46,10 @@ struct ORVANE_EXPORT DrivingSummaryResult {
 
   friend bool operator==(const DrivingSummaryResult&, const DrivingSummaryResult&) = default;
 };
+
+template <>
+inline constexpr bool hasCoding<DrivingSummary> = true;
+template <>
+inline constexpr bool hasCoding<DrivingSummaryResult> = true;
 
 }  // namespace orvane

@@ -2,6 +2,7 @@
 // Whether a user accepted the programme's terms.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Platform/Export.h>
 
 #include <optional>
@@ -14,5 +15,8 @@ struct ORVANE_EXPORT EULAStatus {
 
   friend bool operator==(const EULAStatus&, const EULAStatus&) = default;
 };
+
+template <>
+inline constexpr bool hasCoding<EULAStatus> = true;
 
 }  // namespace orvane

@@ -2,6 +2,7 @@
 // What happened on a trip: harsh driving and speeding, each at a place and time.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Models/Polyline.h>
 #include <Orvane/Models/TransportMode.h>
 #include <Orvane/Platform/CLLocation.h>
@@ -99,5 +100,12 @@ struct EnumerationTable<Event::Severity> {
   static constexpr EnumerationCase<Event::Severity> cases[] = {
       {veryLow, "1"}, {low, "2"}, {medium, "3"}, {high, "4"}, {veryHigh, "5"}};
 };
+
+template <>
+inline constexpr bool hasCoding<Event> = true;
+template <>
+inline constexpr bool hasCoding<Event::EventType> = true;
+template <>
+inline constexpr bool hasCoding<Event::Severity> = true;
 
 }  // namespace orvane

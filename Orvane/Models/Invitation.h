@@ -2,6 +2,7 @@
 // Invitations: one user asks another to drive a vehicle or to join an account.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Models/User.h>
 #include <Orvane/Models/Vehicle.h>
 #include <Orvane/Platform/Enumeration.h>
@@ -83,6 +84,11 @@ struct EnumerationTable<Invitation::Response> {
       {ackDecline, "decline_acknowledged"},
   };
 };
+
+template <>
+inline constexpr bool hasCoding<Invitation::InvitationUser> = true;
+template <>
+inline constexpr bool hasCoding<Invitation> = true;
 
 }  // namespace orvane
 

@@ -2,6 +2,7 @@
 // How the programme's drivers rank.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Models/User.h>
 #include <Orvane/Platform/Export.h>
 #include <Orvane/Platform/Indirect.h>
@@ -37,5 +38,10 @@ struct ORVANE_EXPORT Leaderboard {
 
   friend bool operator==(const Leaderboard&, const Leaderboard&) = default;
 };
+
+template <>
+inline constexpr bool hasCoding<LeaderboardEntry> = true;
+template <>
+inline constexpr bool hasCoding<Leaderboard> = true;
 
 }  // namespace orvane

@@ -2,6 +2,7 @@
 // Where a phone or vehicle was last.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Platform/CLLocation.h>
 #include <Orvane/Platform/Date.h>
 #include <Orvane/Platform/Export.h>
@@ -22,5 +23,8 @@ struct ORVANE_EXPORT Location {
 
   friend bool operator==(const Location&, const Location&) = default;
 };
+
+template <>
+inline constexpr bool hasCoding<Location> = true;
 
 }  // namespace orvane

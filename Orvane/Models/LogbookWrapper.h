@@ -2,6 +2,7 @@
 // The page in which a logbook arrives.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Models/Trip.h>
 #include <Orvane/Platform/Export.h>
 
@@ -23,5 +24,10 @@ struct ORVANE_EXPORT LogbookWrapper {
 
   friend bool operator==(const LogbookWrapper&, const LogbookWrapper&) = default;
 };
+
+template <>
+inline constexpr bool hasCoding<LogbookWrapper::TripWrapper> = true;
+template <>
+inline constexpr bool hasCoding<LogbookWrapper> = true;
 
 }  // namespace orvane

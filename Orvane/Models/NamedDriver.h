@@ -2,6 +2,7 @@
 // The further drivers that an insurance policy names.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Platform/Export.h>
 
 #include <cstdint>
@@ -24,5 +25,8 @@ struct ORVANE_EXPORT NamedDriver {
 
   friend bool operator==(const NamedDriver&, const NamedDriver&) = default;
 };
+
+template <>
+inline constexpr bool hasCoding<NamedDriver> = true;
 
 }  // namespace orvane

@@ -2,6 +2,7 @@
 // The key to the programme's rewards.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Platform/Export.h>
 
 #include <optional>
@@ -16,5 +17,8 @@ struct ORVANE_EXPORT RewardToken {
 
   friend bool operator==(const RewardToken&, const RewardToken&) = default;
 };
+
+template <>
+inline constexpr bool hasCoding<RewardToken> = true;
 
 }  // namespace orvane

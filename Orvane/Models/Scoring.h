@@ -3,6 +3,7 @@
 // numbers that the backend sends, neither scaled nor clamped, and so are the dates.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Platform/Enumeration.h>
 #include <Orvane/Platform/Export.h>
 #include <Orvane/Platform/Indirect.h>
@@ -198,5 +199,26 @@ struct ORVANE_EXPORT ScoringAverage {
 
   friend bool operator==(const ScoringAverage&, const ScoringAverage&) = default;
 };
+
+template <>
+inline constexpr bool hasCoding<TripScores> = true;
+template <>
+inline constexpr bool hasCoding<IndividualComponentScores> = true;
+template <>
+inline constexpr bool hasCoding<TripScoring> = true;
+template <>
+inline constexpr bool hasCoding<ScoreComponent> = true;
+template <>
+inline constexpr bool hasCoding<ScoringComponents> = true;
+template <>
+inline constexpr bool hasCoding<DailyAggregate> = true;
+template <>
+inline constexpr bool hasCoding<ScoringAggregate> = true;
+template <>
+inline constexpr bool hasCoding<TripScoringComponents> = true;
+template <>
+inline constexpr bool hasCoding<TripScoringAverage> = true;
+template <>
+inline constexpr bool hasCoding<ScoringAverage> = true;
 
 }  // namespace orvane

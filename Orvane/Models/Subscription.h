@@ -2,6 +2,7 @@
 // The insurance contracts under which a user takes part.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Platform/Enumeration.h>
 #include <Orvane/Platform/Export.h>
 
@@ -46,5 +47,8 @@ struct EnumerationTable<Subscription::SubscriptionType> {
       {aFNOL, "aFNOL"},
   };
 };
+
+template <>
+inline constexpr bool hasCoding<Subscription> = true;
 
 }  // namespace orvane

@@ -99,9 +99,5 @@ KeyTables keysOf(RecordTag<Trip>) { return {decodingKeys, encodingKeys}; }
 
 template struct RecordCoding<Trip>;
 template struct RecordCoding<std::vector<Trip>>;
-template struct RecordCoding<Trip::Purpose>;
-template struct RecordCoding<std::vector<Trip::Purpose>>;
-template struct RecordCoding<Trip::Status>;
-template struct RecordCoding<std::vector<Trip::Status>>;
 
 }  // namespace orvane

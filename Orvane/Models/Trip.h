@@ -2,6 +2,7 @@
 // Recorded journeys.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Models/Event.h>
 #include <Orvane/Models/Polyline.h>
 #include <Orvane/Models/Scoring.h>
@@ -91,6 +92,9 @@ struct EnumerationTable<Trip::Status> {
       {inProgress, "STARTED"}, {complete, "FINISHED"}, {unknown, "UNKNOWN"}};
   static constexpr auto fallback = unknown;
 };
+
+template <>
+inline constexpr bool hasCoding<Trip> = true;
 
 }  // namespace orvane
 

@@ -2,6 +2,7 @@
 // The people of the programme: users, their accounts and roles.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Platform/Date.h>
 #include <Orvane/Platform/DateComponents.h>
 #include <Orvane/Platform/Enumeration.h>
@@ -244,5 +245,16 @@ struct EnumerationTable<User::AccountRole> {
   };
   static constexpr std::string_view reportedName = "AccountRole";
 };
+
+template <>
+inline constexpr bool hasCoding<Account> = true;
+template <>
+inline constexpr bool hasCoding<UserRole> = true;
+template <>
+inline constexpr bool hasCoding<User::SharedInformation> = true;
+template <>
+inline constexpr bool hasCoding<User> = true;
+template <>
+inline constexpr bool hasCoding<UsersByRole> = true;
 
 }  // namespace orvane

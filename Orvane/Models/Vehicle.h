@@ -2,6 +2,7 @@
 // The vehicles of the programme.
 #pragma once
 
+#include <Orvane/Coding/CodableTypes.h>
 #include <Orvane/Models/Device.h>
 #include <Orvane/Models/User.h>
 #include <Orvane/Platform/Export.h>
@@ -41,5 +42,8 @@ struct ORVANE_EXPORT Vehicle {
     return left.vehicleId == right.vehicleId;
   }
 };
+
+template <>
+inline constexpr bool hasCoding<Vehicle> = true;
 
 }  // namespace orvane

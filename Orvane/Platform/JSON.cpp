@@ -92,4 +92,11 @@ Document::~Document() {
   if (parser_->capacity() <= largestKeptCapacity) stock() = std::move(parser_);
 }
 
+std::string paddedCopy(std::string_view text) {
+  std::string copy;
+  copy.reserve(text.size() + Document::padding);
+  copy = text;
+  return copy;
+}
+
 }  // namespace orvane::json

@@ -62,4 +62,7 @@ class Document {
   bool roundsToLeastInteger_ = false;
 };
 
+/// A copy of a text, with room for the padding.
+[[nodiscard]] std::string paddedCopy(std::string_view text);
+
 }  // namespace orvane::json

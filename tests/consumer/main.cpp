@@ -13,6 +13,12 @@ int main() {
     return 1;
   }
 
+  const auto type = orvane::decode<orvane::User::DriverType>(R"("COMMUTER")");
+  if (!type || orvane::encode(*type.value()).value() != R"("COMMUTER")") {
+    std::puts("an enumeration was not decoded and encoded");
+    return 1;
+  }
+
   // An error's type must be the same one on both sides of a shared library.
   const auto broken = orvane::decode<orvane::Account>("{");
   if (!broken.error() || broken.error()->as<orvane::DecodingError>() == nullptr) {

@@ -86,6 +86,13 @@ constexpr KeyRow strictKeys[] = {
 
 }  // namespace
 
+template <>
+inline constexpr bool hasCoding<TestInner> = true;
+template <>
+inline constexpr bool hasCoding<TestSample> = true;
+template <>
+inline constexpr bool hasCoding<TestStrict> = true;
+
 inline KeyTables keysOf(RecordTag<TestInner>) { return innerKeys; }
 inline KeyTables keysOf(RecordTag<TestSample>) { return sampleKeys; }
 inline KeyTables keysOf(RecordTag<TestStrict>) { return strictKeys; }
@@ -151,18 +158,19 @@ TEST(CodingTest, anIntegerIsAnyNumberWithThatValue) {
       {"-9223372036854775808", least},
       {"-9.223372036854775808e18", least},
   };
-  for (const auto& [json, integer] : rows) EXPECT_EQ(decode<std::int64_t>(json), integer) << json;
+  for (const auto& [json, integer] : rows)
+    EXPECT_EQ(RecordCoding<std::int64_t>::decode(json), integer) << json;
   for (const std::string_view json :
        {"3.5", "9223372036854775808", "18446744073709551615", "9.223372036854775808e18", "1e300",
         "-1e300", "5e-324", "true", "\"3\"", "[3]", "{}"}) {
-    EXPECT_FALSE(decode<std::int64_t>(json)) << json;
+    EXPECT_FALSE(RecordCoding<std::int64_t>::decode(json)) << json;
   }
-  EXPECT_EQ(decode<double>("18446744073709551615").value(), 0x1p64);
-  EXPECT_EQ(decode<double>("true").value(), std::nullopt);
-  EXPECT_EQ(decode<bool>("1").value(), std::nullopt);
-  EXPECT_EQ(decode<bool>("\"true\"").value(), std::nullopt);
-  EXPECT_EQ(decode<std::string>("1").value(), std::nullopt);
-  EXPECT_EQ(decode<std::string>(" \"bare\" ").value(), "bare");
+  EXPECT_EQ(RecordCoding<double>::decode("18446744073709551615").value(), 0x1p64);
+  EXPECT_EQ(RecordCoding<double>::decode("true").value(), std::nullopt);
+  EXPECT_EQ(RecordCoding<bool>::decode("1").value(), std::nullopt);
+  EXPECT_EQ(RecordCoding<bool>::decode("\"true\"").value(), std::nullopt);
+  EXPECT_EQ(RecordCoding<std::string>::decode("1").value(), std::nullopt);
+  EXPECT_EQ(RecordCoding<std::string>::decode(" \"bare\" ").value(), "bare");
 }
 
 // As many numbers as fit into a text of a few megabytes would be gigabytes of records.
@@ -271,7 +279,7 @@ TEST(DecodingErrorTest, saysWhatWasExpectedWhere) {
 // Texts are not cut in the middle of a character: the description would be no UTF-8.
 TEST(DecodingErrorTest, quotesWholeCharacters) {
   std::string text = "\"" + std::string(39, 'x') + "üüü\"";
-  const auto result = decode<bool>(text);
+  const auto result = RecordCoding<bool>::decode(text);
   EXPECT_TRUE(isUTF8(result.error()->message())) << result.error()->message();
 }
 

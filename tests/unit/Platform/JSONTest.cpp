@@ -91,17 +91,17 @@ TEST(WriterTest, writesMembersInOrderAndEscapesTexts) {
 
 TEST(WriterTest, refusesWhatJSONCannotHold) {
   for (const double number : {infinity, -infinity, notANumber}) {
-    EXPECT_EQ(encode(number), EncodingError{"a number is not finite"});
+    EXPECT_EQ(RecordCoding<double>::encode(number), EncodingError{"a number is not finite"});
   }
   for (const char* text : {"\xFF", "a\xC3", "\xED\xA0\x80"}) {
-    EXPECT_EQ(encode(std::string(text)), EncodingError{"a text is not UTF-8"});
+    EXPECT_EQ(RecordCoding<std::string>::encode(text), EncodingError{"a text is not UTF-8"});
   }
 }
 
 void expectReadBack(double number) {
-  const auto text = encode(number);
+  const auto text = RecordCoding<double>::encode(number);
   ASSERT_TRUE(text.value()) << number;
-  const auto readBack = decode<double>(*text.value());
+  const auto readBack = RecordCoding<double>::decode(*text.value());
   ASSERT_TRUE(readBack.value()) << *text.value();
   EXPECT_EQ(std::bit_cast<std::uint64_t>(*readBack.value()), std::bit_cast<std::uint64_t>(number))
       << *text.value();
@@ -130,7 +130,8 @@ TEST(WriterTest, writesTextsThatReadBackTheSame) {
   std::string all;
   for (char c = 0; c < 127; ++c) all += c;
   all += "\x7F\xC2\x80\xE2\x80\xA8\xF0\x9F\x98\x80";
-  EXPECT_EQ(decode<std::string>(*encode(all).value()), Result<std::string>(all));
+  EXPECT_EQ(RecordCoding<std::string>::decode(*RecordCoding<std::string>::encode(all).value()),
+            Result<std::string>(all));
 }
 
 }  // namespace
