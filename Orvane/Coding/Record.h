@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <span>
@@ -125,6 +126,17 @@ template <const auto& rows>
 
 /// Writes an object with the members of `rows`, in their order.
 void encodeObject(const void* record, std::span<const KeyRow> rows, json::Writer& writer);
+
+/// What `encodeObject` does, in straight-line code (see `decodeInOrder`).
+template <const auto& rows>
+[[gnu::flatten]] void encodeInOrder(const void* record, json::Writer& writer) {
+  writer.beginObject();
+  [&]<std::size_t... row>(std::index_sequence<row...> /*all*/) {
+    (rows[row].encode(record, rows[row].key, writer), ...);
+  }
+  (std::make_index_sequence<std::size(rows)>());
+  writer.endObject();
+}
 
 /// The tables of a record: one for both directions where they mirror each other, or one for each.
 struct KeyTables {
@@ -243,14 +255,14 @@ void encodeKeyed(const Value& value, std::string_view key, json::Writer& writer)
         if constexpr (requires { C::fault; }) writer.fault(C::fault);
         return;
       }
-      writer.key(key);
+      writer.plainKey(key);
       encodeValue(*wire, writer);
     } else {
-      writer.key(key);
+      writer.plainKey(key);
       encodeValue(wire, writer);
     }
   } else {
-    writer.key(key);
+    writer.plainKey(key);
     encodeValue(value, writer);
   }
 }
@@ -264,7 +276,7 @@ void encodeMember(const void* record, std::string_view key, json::Writer& writer
   if constexpr (isOptionalLike<typename Traits::Member>) {
     if (source) return encodeKeyed<C>(*source, key, writer);
     if constexpr (whenAbsent == WhenAbsent::isNull) {
-      writer.key(key);
+      writer.plainKey(key);
       writer.null();
     }
     if constexpr (whenAbsent == WhenAbsent::stopsTheProcess) {
@@ -275,20 +287,26 @@ void encodeMember(const void* record, std::string_view key, json::Writer& writer
   }
 }
 
+// The key of a row. One that would have to be escaped does not compile.
+constexpr std::string_view tableKey(std::string_view name) {
+  if (!json::isPlain(name)) std::abort();
+  return name;
+}
+
 }  // namespace detail
 
 /// An optional member: missing or null leaves it absent; absent it is not written.
 template <auto member, class C = AsIs>
 constexpr KeyRow key(std::string_view name) {
   static_assert(detail::isOptionalLike<typename detail::MemberTraits<member>::Member>);
-  return {name, false, detail::decodeMember<member, C>,
+  return {detail::tableKey(name), false, detail::decodeMember<member, C>,
           detail::encodeMember<member, C, detail::WhenAbsent::isLeftOut>};
 }
 
 /// A member that must be there when decoding and is always written, as null when it is absent.
 template <auto member, class C = AsIs>
 constexpr KeyRow required(std::string_view name) {
-  return {name, true, detail::decodeRequired<member, C>,
+  return {detail::tableKey(name), true, detail::decodeRequired<member, C>,
           detail::encodeMember<member, C, detail::WhenAbsent::isNull>};
 }
 
@@ -296,7 +314,7 @@ constexpr KeyRow required(std::string_view name) {
 /// fault that stops the process.
 template <auto member, class C = AsIs>
 constexpr KeyRow indispensable(std::string_view name) {
-  return {name, true, detail::decodeRequired<member, C>,
+  return {detail::tableKey(name), true, detail::decodeRequired<member, C>,
           detail::encodeMember<member, C, detail::WhenAbsent::stopsTheProcess>};
 }
 

@@ -48,6 +48,7 @@ KeyTables keysOf(RecordTag<ScoringAverage>);
 
 KeyTables keysOf(RecordTag<Event>);
 bool decodeValue(json::Element element, Event& event, Decoder& decoder);
+void encodeValue(const Event& event, json::Writer& writer);
 bool decodeValue(json::Element element, Event::Severity& severity, Decoder& decoder);
 void encodeValue(Event::Severity severity, json::Writer& writer);
 bool decodeValue(json::Element element, Event::EventType& type, Decoder& decoder);

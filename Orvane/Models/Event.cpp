@@ -104,6 +104,10 @@ bool decodeValue(json::Element element, Event& event, Decoder& decoder) {
   return decodeInOrder<eventKeys>(element, &event, decoder);
 }
 
+void encodeValue(const Event& event, json::Writer& writer) {
+  encodeInOrder<eventKeys>(&event, writer);
+}
+
 KeyTables keysOf(RecordTag<Event>) { return eventKeys; }
 
 template struct RecordCoding<Event>;

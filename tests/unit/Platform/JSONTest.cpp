@@ -7,7 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <bit>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <initializer_list>
@@ -15,6 +18,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace orvane {
 namespace {
@@ -124,6 +128,76 @@ TEST(WriterTest, writesDoublesThatReadBackTheSame) {
       expectReadBack(number);
     }
   }
+}
+
+// The shortest form, with an exponent where that is shorter still.
+TEST(WriterTest, writesDoublesAsTheStandardLibraryDoes) {
+  const auto expectShortest = [](double number) {
+    std::array<char, 32> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    ASSERT_EQ(RecordCoding<double>::encode(number).value(), std::string(digits.data(), end));
+  };
+  for (const double number : {1e-3,
+                              9.99e-4,
+                              1.5e-3,
+                              0.000001,
+                              0.1,
+                              0.5,
+                              52.25,
+                              1e4,
+                              1e5,
+                              100001.0,
+                              1.2e6,
+                              99999.0,
+                              1e9,
+                              999999999.0,
+                              999999999.999999,
+                              999999999.9999999,
+                              1e9 - 1e-6,
+                              1e15,
+                              123456.7890125,
+                              0.30000000000000004,
+                              12.000001,
+                              12.0000005}) {
+    for (const double near : {number, std::nextafter(number, 0), std::nextafter(number, 1e308)}) {
+      expectShortest(near);
+      expectShortest(-near);
+    }
+  }
+  std::mt19937_64 random(7);
+  for (int i = 0; i < 20'000; ++i) {
+    const auto whole = static_cast<double>(random() >> (random() % 50 + 14));
+    expectShortest(std::max(whole, 1.0) / std::pow(10, static_cast<double>(random() % 10)));
+  }
+}
+
+// Texts are written many bytes at once: every byte may stand at every place of a block.
+TEST(WriterTest, escapesAtEveryPlace) {
+  const std::pair<char, std::string_view> rows[] = {
+      {'"', "\\\""},       {'\\', "\\\\"}, {'\n', "\\n"},   {'\0', "\\u0000"},
+      {'\x1F', "\\u001f"}, {' ', " "},     {'!', "!"},      {'#', "#"},
+      {'[', "["},          {']', "]"},     {'\x7F', "\x7F"}};
+  for (const auto& [c, written] : rows) {
+    for (std::size_t size = 1; size <= 50; ++size) {
+      for (std::size_t at = 0; at < size; ++at) {
+        std::string text(size, 'a');
+        text[at] = c;
+        std::string expected = '"' + std::string(size, 'a') + '"';
+        expected.replace(at + 1, 1, written);
+        if (at + 20 < size) {
+          text[at + 20] = c;
+          expected.replace(at + 20 + written.size(), 1, written);
+        }
+        ASSERT_EQ(RecordCoding<std::string>::encode(text).value(), expected);
+        text[at] = '\xFF';
+        ASSERT_TRUE(RecordCoding<std::string>::encode(text).error()) << size << ' ' << at;
+      }
+    }
+  }
+  json::Writer writer;
+  writer.beginObject();
+  writer.key("\xFF");
+  EXPECT_EQ(writer.failure(), "a text is not UTF-8");
 }
 
 TEST(WriterTest, writesTextsThatReadBackTheSame) {
