@@ -86,7 +86,7 @@ void encodeValue(const E& value, json::Writer& writer) {
 
 /// Up to so many bytes memory is taken for the elements of a list before they have been read: a
 /// short text may hold a great many that are none.
-inline constexpr std::size_t mostReservedBytes = std::size_t{1} << 20U;
+inline constexpr std::size_t mostReservedBytes = std::size_t{4} << 20U;
 
 template <class T>
 bool decodeValue(json::Element element, std::vector<T>& values, Decoder& decoder) {

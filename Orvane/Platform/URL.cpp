@@ -18,6 +18,9 @@ namespace urls = boost::urls;
 // RFC 3986, section 3.3 and 3.4: what stands in a path, and in a query, without being encoded.
 constexpr auto pathCharacters = urls::pchars + '/';
 constexpr auto queryCharacters = urls::pchars + '/' + '?';
+// Section 3.2.2: of what a host's name may hold, what names on the web are made of.
+constexpr auto hostCharacters =
+    urls::grammar::lut_chars("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789.-");
 
 // The text has been parsed before, so this can't fail.
 urls::url_view parsed(const std::string& text) { return urls::parse_uri_reference(text).value(); }
@@ -35,16 +38,32 @@ bool beginsPathWithSlash(const urls::url_view& url) {
 }
 
 template <class Characters>
+bool consistsOf(std::string_view text, const Characters& characters) {
+  return std::all_of(text.begin(), text.end(),
+                     [&](char c) { return characters(static_cast<unsigned char>(c)); });
+}
+
+// Whether a text is "https://host/path" without port, query or percent sign, as pictures of people
+// are named: then its characters are all there is to check.
+bool isPlainWebAddress(std::string_view text) {
+  constexpr std::string_view scheme = "https://";
+  if (!text.starts_with(scheme)) return false;
+  text.remove_prefix(scheme.size());
+  const std::size_t hostEnd = std::min(text.find('/'), text.size());
+  return hostEnd != 0 && consistsOf(text.substr(0, hostEnd), hostCharacters) &&
+         consistsOf(text.substr(hostEnd), pathCharacters);
+}
+
+template <class Characters>
 void appendEncoded(std::string& text, std::string_view raw, const Characters& allowed) {
-  const bool isPlain = std::all_of(raw.begin(), raw.end(),
-                                   [&](char c) { return allowed(static_cast<unsigned char>(c)); });
-  isPlain ? text.append(raw) : text.append(urls::encode(raw, allowed));
+  consistsOf(raw, allowed) ? text.append(raw) : text.append(urls::encode(raw, allowed));
 }
 
 }  // namespace
 
 std::optional<URL> URL::parse(std::string_view text) {
   if (text.empty()) return std::nullopt;
+  if (isPlainWebAddress(text)) return URL(std::string(text));
   const auto url = urls::parse_uri_reference(text);
   if (url.has_error() || !beginsPathWithSlash(*url)) return std::nullopt;
   return URL(std::string(text));

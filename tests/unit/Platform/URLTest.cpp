@@ -14,10 +14,26 @@ namespace {
 std::string text(const std::optional<URL>& url) { return url ? url->absoluteString() : "absent"; }
 
 TEST(URLTest, refusesWhatRFC3986DoesNotAllow) {
-  for (const std::string_view refused :
-       {"", " ", "a b", "https://h/ä", "https://h/%", "https://h/%2", "https://h/%zz",
-        "https://[::1", "https://h:port/", "https://h:8x/", "https://[::1]x", "http://a b/",
-        "https://h/a\nb", "https://h/<>", "https://h/\\", "1http://h", "https://h/\x7f"}) {
+  for (const std::string_view refused : {"",
+                                         " ",
+                                         "a b",
+                                         "https://h/ä",
+                                         "https://h/%",
+                                         "https://h/%2",
+                                         "https://h/%zz",
+                                         "https://[::1",
+                                         "https://h:port/",
+                                         "https://h:8x/",
+                                         "https://[::1]x",
+                                         "http://a b/",
+                                         "https://h/a\nb",
+                                         "https://h/<>",
+                                         "https://h/\\",
+                                         "1http://h",
+                                         "https://h/\x7f",
+                                         "https://h_ /",
+                                         "https://h/|",
+                                         "https://h\x80/"}) {
     EXPECT_EQ(text(URL::parse(refused)), "absent") << refused;
   }
   for (const std::string_view taken :
@@ -38,6 +54,11 @@ TEST(URLTest, tellsItsParts) {
       {"https://[2001:db8::1]:8443/a", "https", "2001:db8::1", "/a", std::nullopt},
       {"http://h%C3%A4?", "http", "h\xC3\xA4", "", ""},
       {"a/b", "", "", "a/b", std::nullopt},
+      // Taken by its characters alone, and taken apart all the same.
+      {"https://images.example/a-1/~b.jpg", "https", "images.example", "/a-1/~b.jpg", std::nullopt},
+      {"https://1.2.3.256//!$&'()*+,;=:@_", "https", "1.2.3.256", "//!$&'()*+,;=:@_", std::nullopt},
+      {"https://-..-", "https", "-..-", "", std::nullopt},
+      {"https://7/", "https", "7", "/", std::nullopt},
   };
   for (const Row& row : rows) {
     const URL url = *URL::parse(row.url);
