@@ -142,6 +142,8 @@ char* writeShortDecimal(double number, char* at) noexcept {
   const double magnitude = std::abs(number);
   // Smaller ones have an exponent.
   if (!(magnitude >= 1e-3 && magnitude < 1e9)) return nullptr;
+  // What it is rounded to does not matter: a wrong one is found out.
+  // NOLINTNEXTLINE(bugprone-incorrect-roundings)
   const auto scaled = static_cast<std::int64_t>(magnitude * double{places} + 0.5);
   if (static_cast<double>(scaled) / double{places} != magnitude) return nullptr;
   const std::int64_t whole = scaled / places;
