@@ -251,9 +251,14 @@ void Writer::quoted(std::string_view text) {
     const std::size_t plain = block.plain();
     if (!block.isASCII()) isASCII = false;
     std::memcpy(at, &block.bytes, Block::size);
+    if (plain == Block::size) {
+      // By a constant, so that the next block need not wait for what this one holds.
+      at += Block::size;
+      text.remove_prefix(Block::size);
+      continue;
+    }
     at += plain;
     text.remove_prefix(plain);
-    if (plain == Block::size) continue;
     const char special = text.front();
     text.remove_prefix(1);
     at = escape(special, at);
