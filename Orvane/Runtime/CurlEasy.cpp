@@ -24,6 +24,9 @@ CurlEasy::CurlEasy(const TransportOptions& options)
   }
   set(CURLOPT_ERRORBUFFER, errorText_.data());
   set(CURLOPT_NOSIGNAL, 1L);
+  // A name is looked up on a thread of libcurl's, since the system's function can't be interrupted.
+  // Without this a transfer that is given up would wait for that thread, and all others with it.
+  set(CURLOPT_QUICK_EXIT, 1L);
   set(CURLOPT_PATH_AS_IS, 1L);
   set(CURLOPT_FOLLOWLOCATION, 0L);
   set(CURLOPT_PROTOCOLS_STR, "https,http");  // which hosts http may go to is checked before
