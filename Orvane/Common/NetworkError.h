@@ -42,8 +42,22 @@ class ORVANE_EXPORT NetworkError {
   /// The server's clock of `invalidStatusCode`, where it is known.
   [[nodiscard]] constexpr std::optional<Date> serverDate() const noexcept { return serverDate_; }
 
+  /// How long the server wants to be left alone ("Retry-After"), where it says so.
+  [[nodiscard]] constexpr std::optional<Seconds> retryAfter() const noexcept { return retryAfter_; }
+  /// The same error, with what `retryAfter()` answers.
+  [[nodiscard]] constexpr NetworkError withRetryAfter(std::optional<Seconds> pause) const noexcept {
+    NetworkError error = *this;
+    error.retryAfter_ = pause;
+    return error;
+  }
+
   [[nodiscard]] std::string message() const;
-  friend constexpr bool operator==(const NetworkError&, const NetworkError&) = default;
+  /// Equal when case, status and server's clock are. What the server says about a next attempt
+  /// takes no part.
+  friend constexpr bool operator==(const NetworkError& left, const NetworkError& right) {
+    return left.kind_ == right.kind_ && left.statusCode_ == right.statusCode_ &&
+           left.serverDate_ == right.serverDate_;
+  }
 
  private:
   constexpr NetworkError(Case kind,
@@ -54,6 +68,7 @@ class ORVANE_EXPORT NetworkError {
   Case kind_;
   std::int64_t statusCode_;
   std::optional<Date> serverDate_;
+  std::optional<Seconds> retryAfter_{};
 };
 
 inline constexpr NetworkError NetworkError::malformedRequest{Case::malformedRequest};

@@ -23,9 +23,9 @@ class TransferLoop;
 /// "<path>.part"; a cut or cancelled one leaves them there, with "<path>.part.from" to tell where
 /// they come from, where the server names the state of the file (a strong "ETag", or a
 /// "Last-Modified" that lies back a minute). The next download goes on from there, or starts anew
-/// when the server has another file by then. An answer that ends early fails, as far as its length
-/// is known. What can't be written is a `DownloadError`; so is a second download to a file that is
-/// still being downloaded to, by this process or another.
+/// when the server has another file by then. An answer that ends early fails, and so does
+/// one that does not tell where the file ends. What can't be written is a `DownloadError`; so is a
+/// second download to a file that is still being downloaded to, by this process or another.
 ///
 /// `TransportOptions::totalTimeout` and `maximumAnswerSize` do not apply: a download may take as
 /// long as bytes keep coming.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Runtime/CurlEasy.h>
+#include <Orvane/Runtime/CurlTLS.h>
 
 #include <algorithm>
 #include <limits>
@@ -7,6 +8,12 @@
 
 namespace orvane {
 namespace {
+
+// When an idle connection is asked for a sign of life, in seconds.
+constexpr long keepAlive = 30;
+
+// Stands for no limit to the age of a connection, in seconds.
+constexpr long longestAge = 1'000'000;
 
 template <class Duration>
 long asLong(Duration duration) {
@@ -16,61 +23,78 @@ long asLong(Duration duration) {
 
 }  // namespace
 
-CurlEasy::CurlEasy(const TransportOptions& options)
-    : handle_(curl_easy_init()), proxy_(options.proxy.empty() ? nullptr : options.proxy.c_str()) {
+CurlEasy::CurlEasy(const TransportOptions& options, OpenSockets& sockets)
+    : options_(options), sockets_(sockets), handle_(curl_easy_init()) {
   if (!handle_) {
     failure_ = CURLE_OUT_OF_MEMORY;
     return;
   }
+  setUp();
+}
+
+void CurlEasy::reset() noexcept {
+  curl_easy_reset(handle_.get());
+  failure_ = CURLE_OK;
+  errorText_[0] = '\0';
+  setUp();
+}
+
+void CurlEasy::setUp() noexcept {
   set(CURLOPT_ERRORBUFFER, errorText_.data());
   set(CURLOPT_NOSIGNAL, 1L);
   // A name is looked up on a thread of libcurl's, since the system's function can't be interrupted.
   // Without this a transfer that is given up would wait for that thread, and all others with it.
   set(CURLOPT_QUICK_EXIT, 1L);
+  set(CURLOPT_OPENSOCKETFUNCTION, &OpenSockets::open);
+  set(CURLOPT_OPENSOCKETDATA, &sockets_);
+  set(CURLOPT_CLOSESOCKETFUNCTION, &OpenSockets::close);
+  set(CURLOPT_CLOSESOCKETDATA, &sockets_);
   set(CURLOPT_PATH_AS_IS, 1L);
   set(CURLOPT_FOLLOWLOCATION, 0L);
   set(CURLOPT_PROTOCOLS_STR, "https,http");  // which hosts http may go to is checked before
   set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
-  set(CURLOPT_ACCEPT_ENCODING, "");  // all that this libcurl can decompress
   set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
-  if (proxy_ != nullptr) set(CURLOPT_PROXY, proxy_);
-  if (!options.userAgent.empty()) set(CURLOPT_USERAGENT, options.userAgent.c_str());
-  setLimits(options);
-  setTrust(options);
+  set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);  // a proxy's answer is not the server's
+  if (!options_.proxy.empty()) set(CURLOPT_PROXY, options_.proxy.c_str());
+  if (!options_.userAgent.empty()) set(CURLOPT_USERAGENT, options_.userAgent.c_str());
+  setLimits();
+  setTrust();
 }
 
-void CurlEasy::setLimits(const TransportOptions& options) noexcept {
-  set(CURLOPT_CONNECTTIMEOUT_MS, asLong(options.connectTimeout));
-  set(CURLOPT_TIMEOUT_MS, asLong(options.totalTimeout));
-  if (options.idleTimeout.count() > 0) {
-    set(CURLOPT_LOW_SPEED_LIMIT, 1L);
-    set(CURLOPT_LOW_SPEED_TIME, asLong(options.idleTimeout));
-  }
+// The other time-outs are the loop's business: it knows since when a request has been waiting.
+void CurlEasy::setLimits() noexcept {
+  set(CURLOPT_CONNECTTIMEOUT_MS, asLong(options_.connectTimeout));
+  const auto age = options_.maximumIdleConnectionAge;
+  set(CURLOPT_MAXAGE_CONN, age.count() > 0 ? std::min(asLong(age), longestAge) : longestAge);
+  set(CURLOPT_TCP_KEEPALIVE, 1L);
+  set(CURLOPT_TCP_KEEPIDLE, keepAlive);
+  set(CURLOPT_TCP_KEEPINTVL, keepAlive);
 }
 
-void CurlEasy::setTrust(const TransportOptions& options) noexcept {
+void CurlEasy::setTrust() noexcept {
   set(CURLOPT_SSL_VERIFYPEER, 1L);
   set(CURLOPT_SSL_VERIFYHOST, 2L);
   set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-  if (!options.caFile.empty()) {
-    set(CURLOPT_CAINFO, options.caFile.c_str());
+  if (usesOpenSSL()) set(CURLOPT_SSL_CTX_FUNCTION, &tightenTLS);
+  if (!options_.caFile.empty()) {
+    set(CURLOPT_CAINFO, options_.caFile.c_str());
     set(CURLOPT_CAPATH, nullptr);  // or the system's authorities would be trusted besides
   }
-  if (!options.caPEM.empty()) {
+  if (!options_.caPEM.empty()) {
     curl_blob text{};
     // libcurl only reads it: the flag says that it makes no copy.
-    text.data = const_cast<char*>(options.caPEM.data());
-    text.len = options.caPEM.size();
+    text.data = const_cast<char*>(options_.caPEM.data());
+    text.len = options_.caPEM.size();
     text.flags = CURL_BLOB_NOCOPY;
     set(CURLOPT_CAINFO_BLOB, &text);
     set(CURLOPT_CAPATH, nullptr);
   }
 }
 
-void CurlEasy::bypassProxy(bool bypasses) noexcept {
-  if (bypasses == bypassesProxy_) return;
-  bypassesProxy_ = bypasses;
-  set(CURLOPT_PROXY, bypasses ? "" : proxy_);
+std::string CurlEasy::header(const char* name) const {
+  curl_header* header = nullptr;
+  const CURLHcode code = curl_easy_header(handle_.get(), name, 0, CURLH_HEADER, -1, &header);
+  return code == CURLHE_OK ? header->value : std::string();
 }
 
 CURLcode CurlEasy::failure() noexcept { return std::exchange(failure_, CURLE_OK); }

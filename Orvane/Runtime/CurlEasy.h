@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Private header: not installed.
-// One of libcurl's transfer handles, set up once and used for request after request.
+// One of libcurl's transfer handles.
 #pragma once
 
 #include <Orvane/Runtime/CurlRequestManager.h>
+#include <Orvane/Runtime/OpenSockets.h>
 
 #include <curl/curl.h>
 
@@ -13,13 +14,18 @@
 
 namespace orvane {
 
-/// A transfer handle. What requests have in common is set when it is made.
+/// A transfer handle, used for request after request. What requests have in common is set when it
+/// is made, and again by `reset`.
 class CurlEasy {
  public:
-  /// `options` must outlive the handle.
-  explicit CurlEasy(const TransportOptions& options);
+  /// `options` and `sockets` must outlive the handle.
+  CurlEasy(const TransportOptions& options, OpenSockets& sockets);
 
   [[nodiscard]] CURL* get() const noexcept { return handle_.get(); }
+
+  /// Makes the handle as good as new: libcurl counts in it what went wrong with former requests,
+  /// and gives the next one up for that.
+  void reset() noexcept;
 
   /// Sets an option. A failure is remembered: see `failure`.
   template <class Value>
@@ -37,24 +43,27 @@ class CurlEasy {
     return value;
   }
 
-  /// Whether the next transfer goes past the proxy of the options and the environment.
-  void bypassProxy(bool bypasses) noexcept;
+  /// A header of the answer; empty where there is none.
+  [[nodiscard]] std::string header(const char* name) const;
+
+  /// Sends the next transfer past the proxy of the options and the environment.
+  void bypassProxy() noexcept { set(CURLOPT_PROXY, ""); }
 
   /// What libcurl said about the failure of the last transfer.
   [[nodiscard]] std::string errorText() const { return errorText_.data(); }
-  void clearErrorText() noexcept { errorText_[0] = '\0'; }
 
  private:
   struct Cleanup {
     void operator()(CURL* handle) const noexcept { curl_easy_cleanup(handle); }
   };
 
-  void setLimits(const TransportOptions& options) noexcept;
-  void setTrust(const TransportOptions& options) noexcept;
+  void setUp() noexcept;
+  void setLimits() noexcept;
+  void setTrust() noexcept;
 
+  const TransportOptions& options_;
+  OpenSockets& sockets_;
   std::unique_ptr<CURL, Cleanup> handle_;
-  const char* proxy_;
-  bool bypassesProxy_ = false;
   CURLcode failure_ = CURLE_OK;
   std::array<char, CURL_ERROR_SIZE> errorText_{};
 };

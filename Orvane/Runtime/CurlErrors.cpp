@@ -8,6 +8,14 @@
 namespace orvane {
 namespace {
 
+// CURLE_TOO_LARGE, which libcurl has had since 8.6.
+constexpr int tooLargeForLibcurl = 100;
+
+// Has the code of a connection that broke, but is nothing of the kind.
+bool isAboutChunks(const std::string& details) {
+  return details.find("chunked-encoding") != std::string::npos;
+}
+
 TransportError::Kind kindOf(CURLcode code) {
   using enum TransportError::Kind;
   switch (code) {
@@ -62,7 +70,12 @@ TransportError::Kind kindOf(CURLcode code) {
 Error errorOf(CURLcode code, std::string details) {
   if (code == CURLE_URL_MALFORMAT) return NetworkError::malformedRequest;
   if (details.empty()) details = curl_easy_strerror(code);
-  return TransportError(kindOf(code), std::move(details));
+  const auto kind = isAboutChunks(details) ? TransportError::Kind::protocol : kindOf(code);
+  return TransportError(kind, std::move(details));
+}
+
+bool isAboutMemory(CURLcode code) noexcept {
+  return code == CURLE_OUT_OF_MEMORY || static_cast<int>(code) == tooLargeForLibcurl;
 }
 
 }  // namespace orvane

@@ -14,4 +14,7 @@ namespace orvane {
 /// The error that `code` stands for. `details` are libcurl's words on it, where it has any.
 [[nodiscard]] Error errorOf(CURLcode code, std::string details);
 
+/// True when libcurl had no room for something: none at all, or none within its own limits.
+[[nodiscard]] bool isAboutMemory(CURLcode code) noexcept;
+
 }  // namespace orvane

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Platform/Deadline.h>
 #include <Orvane/Runtime/CurlRequestManager.h>
 #include <Orvane/Runtime/OutgoingRequest.h>
 #include <Orvane/Runtime/Transfer.h>
@@ -27,7 +28,10 @@ RequestHandle CurlRequestManager::send(Verb verb, URL url, std::string body, Hea
     then(*std::move(error));
     return std::make_shared<EmptyRequest>();
   }
-  auto transfer = std::make_shared<Transfer>(loop_, std::move(request), std::move(then));
+  const auto limit = loop_->options().totalTimeout;
+  const auto deadline =
+      limit.count() > 0 ? deadlineAfter(limit) : Transfer::Clock::time_point::max();
+  auto transfer = std::make_shared<Transfer>(loop_, std::move(request), std::move(then), deadline);
   transfer->writeHeaderLines();
   loop_->start(transfer);
   return transfer;

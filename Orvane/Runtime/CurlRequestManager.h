@@ -21,17 +21,25 @@ class TransferLoop;
 struct ORVANE_RUNTIME_EXPORT TransportOptions {
   /// The longest time to look up, reach and trust the server. Zero: libcurl's own, 5 minutes.
   std::chrono::milliseconds connectTimeout{std::chrono::seconds(15)};
-  /// The longest time in which not a byte moves. Zero: no limit.
-  std::chrono::seconds idleTimeout{30};
+  /// The longest time in which not a byte moves, once the request has a connection. Zero: no limit.
+  std::chrono::milliseconds idleTimeout{std::chrono::seconds(30)};
   /// The longest time from the start of a request to the end of its answer, the wait for a free
   /// connection included. Zero: no limit.
   std::chrono::milliseconds totalTimeout{std::chrono::minutes(2)};
+  /// A connection that has been idle for longer is not used again. Best below what servers and the
+  /// boxes in between keep, of which many forget a connection after a minute. Zero: no limit.
+  std::chrono::seconds maximumIdleConnectionAge{30};
 
   /// The largest answer taken, in bytes, decompressed.
   std::size_t maximumAnswerSize{std::size_t{64} << 20U};
+  /// The most memory that the answers under way take together, in bytes. Zero: no limit.
+  std::size_t maximumAnswerMemory{std::size_t{256} << 20U};
   /// Connections to one host; further requests wait for one of them. Over HTTP/2 one carries up to
   /// a hundred requests at once. Zero: no limit.
   std::uint32_t maximumConnectionsPerHost{8};
+  /// Requests that may wait, for all hosts together; one more fails with
+  /// `TransportError::Kind::overloaded`. Zero: no limit.
+  std::uint32_t maximumWaitingRequests{10'000};
 
   /// A file with the certificates (PEM) of the authorities to trust, instead of the system's.
   std::string caFile{};
@@ -63,9 +71,9 @@ struct ORVANE_RUNTIME_EXPORT TransportOptions {
 /// not the body's, a URL without host or with a password. What keeps a request from being started
 /// (one that must not be sent, a manager that is shut down) is answered inside `send`.
 ///
-/// A handler may cancel, start requests, and let go of the manager. An idempotent or not yet
-/// answered request may be sent once more when a kept connection turns out to have been closed by
-/// the server before a byte of the answer came.
+/// A handler may cancel, start requests, and let go of the manager. No request is sent again that a
+/// server may have acted on, with one exception: a read (`Verb::get`) whose connection ends without
+/// a byte of an answer is sent once more.
 class ORVANE_RUNTIME_EXPORT CurlRequestManager final : public RequestManager {
  public:
   /// A manager, or the `ConfigurationError` that tells which option can't work. Starts no thread.

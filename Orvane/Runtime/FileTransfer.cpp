@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Runtime/CurlErrors.h>
 #include <Orvane/Runtime/FileTransfer.h>
+#include <Orvane/Runtime/HTTPDate.h>
 #include <Orvane/Runtime/TransportError.h>
 
 #include <charconv>
@@ -10,9 +11,9 @@
 namespace orvane {
 namespace {
 
-constexpr long ok = 200;
-constexpr long partialContent = 206;
-constexpr long rangeNotSatisfiable = 416;
+constexpr int ok = 200;
+constexpr int partialContent = 206;
+constexpr int rangeNotSatisfiable = 416;
 
 // Where to go on: at the last byte that is there, once more. So there is always something to ask
 // for, even when the whole file is there already.
@@ -22,28 +23,23 @@ TransportError protocolError(const char* details) {
   return TransportError(TransportError::Kind::protocol, details);
 }
 
-std::string headerOf(const CurlEasy& easy, const char* name) {
-  curl_header* header = nullptr;
-  const CURLHcode code = curl_easy_header(easy.get(), name, 0, CURLH_HEADER, -1, &header);
-  return code == CURLHE_OK ? header->value : std::string();
-}
-
 // RFC 9110, section 8.8.2.2: a time is a strong validator once nothing can have changed within it.
 bool isStrong(const std::string& lastModified, const std::string& date) {
-  constexpr std::time_t safety = 60;
-  const std::time_t modified = curl_getdate(lastModified.c_str(), nullptr);
-  const std::time_t sent = curl_getdate(date.c_str(), nullptr);
-  return modified != -1 && sent != -1 && sent - modified >= safety;
+  constexpr Seconds safety{60};
+  const Date now = DeviceClock::now();
+  const auto modified = dateFromHTTP(lastModified, now);
+  const auto sent = dateFromHTTP(date, now);
+  return modified && sent && *sent - *modified >= safety;
 }
 
 // What tells this state of the file from others, for "If-Range" (RFC 9110, section 13.1.5); empty
 // where the server tells nothing that will do.
 std::string validatorIn(const CurlEasy& easy) {
-  if (std::string tag = headerOf(easy, "ETag"); !tag.empty()) {
+  if (std::string tag = easy.header("ETag"); !tag.empty()) {
     return tag.starts_with('"') ? tag : std::string();
   }
-  std::string modified = headerOf(easy, "Last-Modified");
-  return isStrong(modified, headerOf(easy, "Date")) ? modified : std::string();
+  std::string modified = easy.header("Last-Modified");
+  return isStrong(modified, easy.header("Date")) ? modified : std::string();
 }
 
 // RFC 9110, section 14.4: "bytes 500-999/1234", or "*" for an unknown length. Where it ends is
@@ -100,7 +96,6 @@ std::optional<Error> FileTransfer::prepare(std::unique_ptr<CurlEasy> easy) {
   file_ = *std::move(file).value();
   // Ranges count the bytes of the file; compressed ones would be others.
   request().headers = {{"Accept-Encoding", "identity"}};
-  easy->set(CURLOPT_ACCEPT_ENCODING, nullptr);
   if (file_->size() > 0 && !file_->validator().empty()) {
     request().headers.emplace("Range", "bytes=" + std::to_string(continuation(*file_)) + "-");
     request().headers.emplace("If-Range", file_->validator());
@@ -110,11 +105,12 @@ std::optional<Error> FileTransfer::prepare(std::unique_ptr<CurlEasy> easy) {
 
 std::optional<Error> FileTransfer::begin() {
   hasBegun_ = true;
-  const std::string encoding = headerOf(*easy(), "Content-Encoding");
-  if (!encoding.empty() && encoding != "identity") {
-    return protocolError("the file comes compressed, unasked");
+  if (!head().coding().empty()) return protocolError("the file comes compressed, unasked");
+  // Over TLS the end of the connection tells as much, and is seen to be there.
+  if (!head().tellsItsEnd() && !request().isEncrypted) {
+    return protocolError("the answer does not tell where the file ends");
   }
-  switch (easy()->info<long>(CURLINFO_RESPONSE_CODE)) {
+  switch (head().status()) {
     case ok:
       return beginWhole();
     case partialContent:
@@ -125,13 +121,12 @@ std::optional<Error> FileTransfer::begin() {
 }
 
 std::optional<Error> FileTransfer::beginWhole() {
-  const auto length = easy()->info<curl_off_t>(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
-  if (length >= 0) total_ = length;
+  total_ = head().length();
   return file_->restart(validatorIn(*easy()));
 }
 
 std::optional<Error> FileTransfer::beginRest() {
-  const auto range = contentRange(headerOf(*easy(), "Content-Range"));
+  const auto range = contentRange(easy()->header("Content-Range"));
   if (!range || range->first != continuation(*file_) || !request().headers.contains("Range")) {
     file_->discard();
     return protocolError("the answer is not the part that was asked for");
@@ -164,8 +159,7 @@ std::optional<Error> FileTransfer::finish() {
 
 std::unique_ptr<CurlEasy> FileTransfer::release() {
   if (file_) {
-    const auto status = easy() != nullptr ? easy()->info<long>(CURLINFO_RESPONSE_CODE) : 0L;
-    if (file_->validator().empty() || status == rangeNotSatisfiable) file_->discard();
+    if (file_->validator().empty() || head().status() == rangeNotSatisfiable) file_->discard();
     file_.reset();
   }
   progress_ = nullptr;

@@ -25,6 +25,7 @@ class FileTransfer final : public Transfer {
   [[nodiscard]] std::unique_ptr<CurlEasy> release() override;
 
  protected:
+  [[nodiscard]] bool decompresses() const noexcept override { return false; }
   [[nodiscard]] bool take(const char* bytes, std::size_t count) override;
   [[nodiscard]] std::optional<Error> problem() const override { return problem_; }
   [[nodiscard]] Result<std::string> taken() override;

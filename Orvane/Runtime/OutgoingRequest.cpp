@@ -43,11 +43,12 @@ bool isWellFormed(const Headers& headers, std::size_t bodySize) {
 struct Destination {
   std::string scheme;
   std::string host;
+  std::string port;
 };
 
 std::string part(CURLU* url, CURLUPart which) {
   char* text = nullptr;
-  if (curl_url_get(url, which, &text, 0) != CURLUE_OK) return {};
+  if (curl_url_get(url, which, &text, CURLU_DEFAULT_PORT) != CURLUE_OK) return {};
   std::string copy(text);
   curl_free(text);
   return copy;
@@ -70,7 +71,8 @@ std::optional<Destination> destinationOf(const URL& url) {
   if (curl_url_set(handle.get(), CURLUPART_URL, url.absoluteString().c_str(), flags) != CURLUE_OK) {
     return std::nullopt;
   }
-  return Destination{part(handle.get(), CURLUPART_SCHEME), part(handle.get(), CURLUPART_HOST)};
+  return Destination{part(handle.get(), CURLUPART_SCHEME), part(handle.get(), CURLUPART_HOST),
+                     part(handle.get(), CURLUPART_PORT)};
 }
 
 bool isThisMachine(std::string host) {
@@ -90,7 +92,7 @@ bool isFieldValue(std::string_view text) {
          });
 }
 
-bool isHeader(const std::string& name, std::string_view expected) {
+bool isHeader(std::string_view name, std::string_view expected) {
   return std::equal(name.begin(), name.end(), expected.begin(), expected.end(),
                     [](char given, char lower) { return lowerCase(given) == lower; });
 }
@@ -102,6 +104,7 @@ std::optional<Error> check(OutgoingRequest& request, bool allowsPlainHTTP) {
   }
   request.isForThisMachine = isThisMachine(destination->host);
   request.isEncrypted = destination->scheme == "https";
+  request.origin = destination->scheme + "://" + destination->host + ":" + destination->port;
   if (request.isEncrypted) return std::nullopt;
   if (destination->scheme != "http") {
     return TransportError(TransportError::Kind::insecure, "it must be https");

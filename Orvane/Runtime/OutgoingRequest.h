@@ -20,6 +20,8 @@ struct OutgoingRequest {
   Headers headers;
 
   // Known once the request has been checked:
+  /// Scheme, host and port, for telling servers apart.
+  std::string origin{};
   /// The URL's scheme is https.
   bool isEncrypted = false;
   /// The URL's host is this machine: "localhost", a name below it (RFC 6761), 127.0.0.0/8 or ::1.
@@ -34,6 +36,6 @@ struct OutgoingRequest {
 [[nodiscard]] bool isFieldValue(std::string_view text);
 
 /// True when the header `name` is `expected` (in lower case): names have no case (RFC 9110).
-[[nodiscard]] bool isHeader(const std::string& name, std::string_view expected);
+[[nodiscard]] bool isHeader(std::string_view name, std::string_view expected);
 
 }  // namespace orvane

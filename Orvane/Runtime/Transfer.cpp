@@ -2,6 +2,8 @@
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Runtime/CurlErrors.h>
+#include <Orvane/Runtime/CurlTLS.h>
+#include <Orvane/Runtime/HTTPDate.h>
 #include <Orvane/Runtime/Transfer.h>
 #include <Orvane/Runtime/TransferLoop.h>
 #include <Orvane/Runtime/TransportError.h>
@@ -20,17 +22,23 @@ constexpr std::size_t padding = 64;
 // The body of a refusal is of no interest; one that is longer is not waited for.
 constexpr std::size_t longestRefusal = std::size_t{64} << 10U;
 
+// Memory is set aside for as much as is announced up to here; more, for more that has come.
+constexpr std::size_t largestReserve = std::size_t{1} << 20U;
+
+// A request is given up when servers keep saying that they have not looked at it.
+constexpr int mostAttempts = 5;
+
 constexpr std::string_view hidden = "…";
 
-bool isSuccess(long status) { return status >= 200 && status < 300; }
-
-std::optional<Date> dateOf(CURL* handle) {
-  curl_header* header = nullptr;
-  if (curl_easy_header(handle, "Date", 0, CURLH_HEADER, -1, &header) != CURLHE_OK) return {};
-  // RFC 9110, section 5.6.7: three forms, all of which libcurl reads.
-  const std::time_t seconds = curl_getdate(header->value, nullptr);
-  if (seconds == -1) return std::nullopt;
-  return dateFromSeconds(static_cast<double>(seconds));
+// What a callback of libcurl's does, but for memory that is not there: nothing may be thrown
+// through libcurl.
+template <class Body>
+bool withoutThrowing(Body body) noexcept {
+  try {
+    return body();
+  } catch (const std::exception&) {
+    return false;
+  }
 }
 
 // libcurl drops a header whose value is blank, unless it is written this way.
@@ -104,20 +112,33 @@ void Transfer::complete(Result<std::string> outcome) {
 std::optional<Error> Transfer::prepare(std::unique_ptr<CurlEasy> easy) {
   easy_ = std::move(easy);
   if (!lines_) writeHeaderLines();
-  easy_->clearErrorText();
   easy_->set(CURLOPT_PRIVATE, this);
-  easy_->set(CURLOPT_WRITEDATA, this);
-  easy_->set(CURLOPT_WRITEFUNCTION, &Transfer::receive);
   easy_->set(CURLOPT_URL, request_.url.absoluteString().c_str());
   easy_->set(CURLOPT_HTTPHEADER, lines_.get());
-  // Whether a connection can carry several requests is known after the handshake. Without one it
-  // is known after the first answer, and waiting for that would be waiting for its server.
-  easy_->set(CURLOPT_PIPEWAIT, request_.isEncrypted ? 1L : 0L);
-  easy_->bypassProxy(request_.isForThisMachine);
+  if (request_.isForThisMachine) easy_->bypassProxy();
+  setCallbacks();
   setVerb();
   const CURLcode code = easy_->failure();
   if (code != CURLE_OK) return errorOf(code, {});
   return std::nullopt;
+}
+
+void Transfer::setCallbacks() {
+  easy_->set(CURLOPT_HEADERDATA, this);
+  easy_->set(CURLOPT_HEADERFUNCTION, &Transfer::receiveHead);
+  easy_->set(CURLOPT_WRITEDATA, this);
+  easy_->set(CURLOPT_WRITEFUNCTION, &Transfer::receive);
+  easy_->set(CURLOPT_PREREQDATA, this);
+  easy_->set(CURLOPT_PREREQFUNCTION, &Transfer::beforeSending);
+  if (request_.verb == Verb::get) return;
+  // Only what libcurl says for people tells why it is about to send a request again; see `listen`.
+  easy_->set(CURLOPT_VERBOSE, 1L);
+  easy_->set(CURLOPT_DEBUGDATA, this);
+  easy_->set(CURLOPT_DEBUGFUNCTION, &Transfer::listen);
+  if (request_.body.empty()) return;
+  easy_->set(CURLOPT_NOPROGRESS, 0L);
+  easy_->set(CURLOPT_XFERINFODATA, this);
+  easy_->set(CURLOPT_XFERINFOFUNCTION, &Transfer::hasMoved);
 }
 
 void Transfer::writeHeaderLines() {
@@ -125,9 +146,12 @@ void Transfer::writeHeaderLines() {
     lines_.reset(curl_slist_append(lines_.release(), line));
   };
   for (const auto& [name, value] : request_.headers) append(headerLine(name, value).c_str());
-  // What libcurl would add of its own; a name alone keeps it from doing so.
+  // What it accepts; and what libcurl would add of its own: a name alone keeps it from doing so.
   constexpr std::pair<std::string_view, const char*> additions[] = {
-      {"accept", "Accept:"}, {"content-type", "Content-Type:"}, {"expect", "Expect:"}};
+      {"accept", "Accept:"},
+      {"accept-encoding", "Accept-Encoding: gzip"},
+      {"content-type", "Content-Type:"},
+      {"expect", "Expect:"}};
   for (const auto& [name, line] : additions) {
     const bool isGiven = std::any_of(
         request_.headers.begin(), request_.headers.end(),
@@ -138,7 +162,6 @@ void Transfer::writeHeaderLines() {
 
 void Transfer::setVerb() {
   if (request_.verb == Verb::get && request_.body.empty()) {
-    easy_->set(CURLOPT_CUSTOMREQUEST, nullptr);
     easy_->set(CURLOPT_HTTPGET, 1L);
     return;
   }
@@ -149,49 +172,167 @@ void Transfer::setVerb() {
   easy_->set(CURLOPT_CUSTOMREQUEST, wireText(request_.verb).data());
 }
 
-std::size_t Transfer::receive(char* bytes, std::size_t, std::size_t count,
-                              void* transfer) noexcept {
-  return static_cast<Transfer*>(transfer)->keep(bytes, count) ? count : CURL_WRITEFUNC_ERROR;
+int Transfer::beforeSending(void* transfer, char*, char*, int, int localPort) {
+  const bool may = static_cast<Transfer*>(transfer)->maySend(localPort);
+  return may ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
 }
 
-bool Transfer::keep(const char* bytes, std::size_t count) {
-  const bool isFirst = received_ == 0;
-  received_ += count;
-  if (isFirst) isRefused_ = !isSuccess(easy_->info<long>(CURLINFO_RESPONSE_CODE));
-  return isRefused_ ? received_ <= longestRefusal : take(bytes, count);
+// A connection stands, and the request goes out next: for the first time, or once more, because the
+// connection before died without a word of an answer.
+bool Transfer::maySend(int localPort) {
+  isConnectionDead_ = loop_->isClosedByPeer(localPort);
+  if (isConnectionDead_) return false;
+  if (attempts_ > 0 && !mayRepeat()) {
+    static_cast<void>(fail(TransportError(
+        TransportError::Kind::cutOff,
+        "the server ended the connection without an answer, and may have read the request")));
+    return false;
+  }
+  ++attempts_;
+  isUnread_ = false;
+  lastMove_ = Clock::now();
+  loop_->hasConnected(*this, isMultiplexed());
+  return true;
+}
+
+// A read does no harm twice. A write is repeated only where it has certainly not been acted on.
+bool Transfer::mayRepeat() noexcept {
+  if (isUnread_) return attempts_ < mostAttempts;
+  return request_.verb == Verb::get && attempts_ < 2;
+}
+
+bool Transfer::takesAnotherConnection() noexcept {
+  if (!std::exchange(isConnectionDead_, false) || !isPending()) return false;
+  easy_->set(CURLOPT_FRESH_CONNECT, 1L);
+  return easy_->failure() == CURLE_OK;
+}
+
+bool Transfer::isMultiplexed() const noexcept {
+  const auto* session = easy_->info<const curl_tlssessioninfo*>(CURLINFO_TLS_SSL_PTR);
+  return session != nullptr && speaksHTTP2(*session);
+}
+
+// RFC 9113, section 8.7: a stream that is refused (RST_STREAM), or above the last one of a GOAWAY,
+// has not been processed. libcurl then sends the request again, and says so in these words alone.
+int Transfer::listen(CURL*, curl_infotype kind, char* text, std::size_t size, void* transfer) {
+  if (kind != CURLINFO_TEXT) return 0;
+  if (!std::string_view(text, size).starts_with("REFUSED_STREAM")) return 0;
+  static_cast<Transfer*>(transfer)->isUnread_ = true;
+  return 0;
+}
+
+int Transfer::hasMoved(void* transfer, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent) {
+  Transfer& self = *static_cast<Transfer*>(transfer);
+  if (std::exchange(self.sent_, sent) != sent) self.lastMove_ = Clock::now();
+  return 0;
+}
+
+std::size_t Transfer::receiveHead(char* bytes, std::size_t, std::size_t count, void* transfer) {
+  Transfer& self = *static_cast<Transfer*>(transfer);
+  const bool isTaken = withoutThrowing([&] { return self.keepHead({bytes, count}); });
+  return isTaken ? count : 0;
+}
+
+bool Transfer::keepHead(std::string_view line) {
+  lastMove_ = Clock::now();
+  if (!head_.take(line)) return fail(*head_.problem());
+  const bool hasBody = head_.isComplete() && head_.isSuccess() && !decoder_;
+  if (!hasBody || head_.coding().empty() || !decompresses()) return true;
+  decoder_ = ContentDecoder::make(head_.coding());
+  if (decoder_) return true;
+  return fail(TransportError(TransportError::Kind::protocol, "it is compressed in no known way"));
+}
+
+std::size_t Transfer::receive(char* bytes, std::size_t, std::size_t count, void* transfer) {
+  Transfer& self = *static_cast<Transfer*>(transfer);
+  const bool isTaken = withoutThrowing([&] { return self.keep({bytes, count}); });
+  return isTaken ? count : CURL_WRITEFUNC_ERROR;
+}
+
+bool Transfer::keep(std::string_view bytes) {
+  lastMove_ = Clock::now();
+  if (head_.isSuccess() && decoder_) return decode(bytes);
+  received_ += bytes.size();
+  return head_.isSuccess() ? take(bytes.data(), bytes.size()) : received_ <= longestRefusal;
+}
+
+bool Transfer::decode(std::string_view bytes) {
+  const auto outcome = decoder_->decode(bytes, [this](const char* piece, std::size_t count) {
+    received_ += count;
+    return take(piece, count);
+  });
+  if (outcome != ContentDecoder::Outcome::broken) {
+    return outcome == ContentDecoder::Outcome::ok;
+  }
+  return fail(TransportError(TransportError::Kind::protocol, "its compression is broken"));
 }
 
 bool Transfer::take(const char* bytes, std::size_t count) {
   const std::size_t limit = loop_->options().maximumAnswerSize;
-  const auto announced =
-      answer_.empty() ? easy_->info<curl_off_t>(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T) : curl_off_t{0};
-  const std::size_t expected = announced > 0 ? static_cast<std::size_t>(announced) : 0;
-  isTooLarge_ = received_ > limit || expected > limit;
-  if (isTooLarge_) return false;
-  reserve(std::max(received_, expected));
+  const std::size_t announced = decoder_ ? 0 : static_cast<std::size_t>(head_.length().value_or(0));
+  if (received_ > limit || announced > limit) {
+    return fail(TransportError(TransportError::Kind::tooLarge,
+                               "more than " + std::to_string(limit) + " bytes"));
+  }
+  if (!reserve(std::max(received_, std::min(announced, largestReserve)))) return false;
   answer_.append(bytes, count);
   return true;
 }
 
-void Transfer::reserve(std::size_t count) {
-  if (count + padding <= answer_.capacity()) return;
-  answer_.reserve(std::max(count + padding, 2 * answer_.capacity()));
+// False when all answers together would take more than they may.
+bool Transfer::reserve(std::size_t count) {
+  const std::size_t former = answer_.capacity();
+  if (count + padding <= former) return true;
+  const std::size_t wanted = std::max(count + padding, 2 * former);
+  if (!loop_->mayHold(wanted - former)) {
+    return fail(TransportError(TransportError::Kind::tooLarge,
+                               "all answers under way take more memory than they may"));
+  }
+  answer_.reserve(wanted);
+  const std::size_t added = answer_.capacity() - former;
+  held_ += added;
+  loop_->hasTaken(added);
+  return true;
 }
 
-std::optional<Error> Transfer::problem() const {
-  if (!isTooLarge_) return std::nullopt;
-  return TransportError(
-      TransportError::Kind::tooLarge,
-      "more than " + std::to_string(loop_->options().maximumAnswerSize) + " bytes");
+bool Transfer::fail(TransportError error) {
+  if (!failure_) failure_ = std::move(error);
+  return false;
 }
 
 Result<std::string> Transfer::taken() { return std::move(answer_); }
 
-Result<std::string> Transfer::outcome(CURLcode code) {
+Error Transfer::refusal() const {
+  const Date now = DeviceClock::now();
+  const std::optional<Date> date = dateFromHTTP(easy_->header("Date"), now);
+  return NetworkError::invalidStatusCode(head_.status(), date)
+      .withRetryAfter(pauseFromHTTP(easy_->header("Retry-After"), date.value_or(now)));
+}
+
+Error Transfer::failureOf(CURLcode code, std::string details) const {
+  if (details.empty() && easy_) details = easy_->errorText();
+  // What libcurl collects before it hands it on.
+  if (isAboutMemory(code) && !head_.isComplete()) {
+    return TransportError(TransportError::Kind::tooLarge, "its headers");
+  }
+  if (code == CURLE_WRITE_ERROR) {
+    return TransportError(TransportError::Kind::other, "there is no memory left for the answer");
+  }
+  return errorOf(code, std::move(details));
+}
+
+Result<std::string> Transfer::outcome(CURLcode code, std::string details) {
+  // Whatever becomes of its body: who refuses has answered.
+  if (head_.isComplete() && !head_.isSuccess()) return refusal();
+  if (failure_) return *failure_;
   if (auto error = problem()) return *std::move(error);
-  if (code != CURLE_OK && !isRefused_) return errorOf(code, easy_->errorText());
-  const auto status = easy_->info<long>(CURLINFO_RESPONSE_CODE);
-  if (!isSuccess(status)) return NetworkError::invalidStatusCode(status, dateOf(easy_->get()));
+  if (code != CURLE_OK) return failureOf(code, std::move(details));
+  if (!head_.isComplete()) {
+    return TransportError(TransportError::Kind::cutOff, "it ended within its headers");
+  }
+  if (decoder_ && !decoder_->isWhole()) {
+    return TransportError(TransportError::Kind::protocol, "the end of the compressed text lacks");
+  }
   return taken();
 }
 
@@ -207,20 +348,19 @@ Exchange Transfer::exchange(const Result<std::string>& outcome, bool withSecrets
     exchange.requestHeaders.emplace(name, shown(name, value));
   }
   exchange.requestSize = request_.body.size();
-  if (const auto status = easy_->info<long>(CURLINFO_RESPONSE_CODE); status > 0) {
-    exchange.statusCode = status;
-  }
-  curl_header* header = nullptr;
-  while ((header = curl_easy_nextheader(easy_->get(), CURLH_HEADER, -1, header)) != nullptr) {
-    exchange.responseHeaders.emplace_back(header->name, shown(header->name, header->value));
-  }
   exchange.responseSize = received_;
   exchange.error = outcome.error();
-  exchange.duration = std::chrono::microseconds(easy_->info<curl_off_t>(CURLINFO_TOTAL_TIME_T));
   if (withSecrets) {
     exchange.requestBody = request_.body;
     exchange.responseBody = outcome.value().value_or("");
   }
+  if (!easy_) return exchange;
+  if (head_.status() > 0) exchange.statusCode = head_.status();
+  curl_header* header = nullptr;
+  while ((header = curl_easy_nextheader(easy_->get(), CURLH_HEADER, -1, header)) != nullptr) {
+    exchange.responseHeaders.emplace_back(header->name, shown(header->name, header->value));
+  }
+  exchange.duration = std::chrono::microseconds(easy_->info<curl_off_t>(CURLINFO_TOTAL_TIME_T));
   return exchange;
 }
 

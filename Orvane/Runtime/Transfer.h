@@ -5,12 +5,16 @@
 
 #include <Orvane/Common/Request.h>
 #include <Orvane/Platform/Result.h>
+#include <Orvane/Runtime/AnswerHead.h>
+#include <Orvane/Runtime/ContentDecoder.h>
 #include <Orvane/Runtime/CurlEasy.h>
+#include <Orvane/Runtime/HostLines.h>
 #include <Orvane/Runtime/OutgoingRequest.h>
 
 #include <curl/curl.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -27,9 +31,15 @@ class TransferLoop;
 /// The answer becomes a text, unless it is derived for another purpose.
 class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
  public:
+  using Clock = std::chrono::steady_clock;
+
+  /// @param end when the answer must be complete.
   Transfer(std::shared_ptr<TransferLoop> loop, OutgoingRequest request,
-           Completion<std::string> then)
-      : loop_(std::move(loop)), request_(std::move(request)), then_(std::move(then)) {}
+           Completion<std::string> then, Clock::time_point end = Clock::time_point::max())
+      : deadline(end),
+        loop_(std::move(loop)),
+        request_(std::move(request)),
+        then_(std::move(then)) {}
 
   bool cancel() override;
   [[nodiscard]] bool isFinished() const noexcept override;
@@ -51,8 +61,12 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
   /// The handle, while it has one.
   [[nodiscard]] CurlEasy* easy() const noexcept { return easy_.get(); }
 
-  /// What came of the transfer, which ended with `code`.
-  [[nodiscard]] Result<std::string> outcome(CURLcode code);
+  /// True when the transfer has ended before its request was sent, since its connection was dead:
+  /// it is to be made once more, over a new one, for which the handle is ready then.
+  [[nodiscard]] bool takesAnotherConnection() noexcept;
+
+  /// What came of the transfer, which ended with `code`; what ended it, where libcurl did not.
+  [[nodiscard]] Result<std::string> outcome(CURLcode code, std::string details = {});
 
   /// The transfer as an observer sees it.
   [[nodiscard]] Exchange exchange(const Result<std::string>& outcome, bool withSecrets) const;
@@ -60,17 +74,36 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
   /// Gives the handle back, and lets go of what was sent.
   [[nodiscard]] virtual std::unique_ptr<CurlEasy> release();
 
-  /// Its place among the loop's transfers.
-  std::size_t index = 0;
-
- protected:
   /// What is sent; it may be changed until it is prepared.
   [[nodiscard]] OutgoingRequest& request() noexcept { return request_; }
 
+  /// When a byte was last seen to move; absent before the request has a connection.
+  [[nodiscard]] std::optional<Clock::time_point> lastMove() const noexcept { return lastMove_; }
+  /// Bytes of memory that the answer takes.
+  [[nodiscard]] std::size_t heldMemory() const noexcept { return held_; }
+
+  // The loop's own notes.
+  /// When it has to be complete.
+  const Clock::time_point deadline;
+  /// When the loop looks at the clock for it next; absent for never.
+  std::optional<Clock::time_point> due;
+  /// Its place among the transfers that are under way.
+  std::size_t index = 0;
+  /// Its host's line, and its place there while it waits.
+  HostLine* hostLine = nullptr;
+  HostLine::Waiting::iterator place;
+  bool isWaiting = false;
+
+ protected:
+  /// The answer's status line and headers.
+  [[nodiscard]] const AnswerHead& head() const noexcept { return head_; }
+
+  /// Compressed bodies are decompressed before they are taken.
+  [[nodiscard]] virtual bool decompresses() const noexcept { return true; }
   /// Takes the next bytes of a successful answer. False ends the transfer: see `problem`.
   [[nodiscard]] virtual bool take(const char* bytes, std::size_t count);
-  /// Why `take` has answered false; absent when it has not.
-  [[nodiscard]] virtual std::optional<Error> problem() const;
+  /// Why `take` of a derived transfer has answered false; absent when it has not.
+  [[nodiscard]] virtual std::optional<Error> problem() const { return std::nullopt; }
   /// What has been taken, the answer being complete.
   [[nodiscard]] virtual Result<std::string> taken();
 
@@ -82,11 +115,25 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
   };
   using HeaderLines = std::unique_ptr<curl_slist, FreeList>;
 
-  static std::size_t receive(char* bytes, std::size_t, std::size_t count, void* transfer) noexcept;
+  // What libcurl calls.
+  static std::size_t receiveHead(char* bytes, std::size_t, std::size_t count, void* transfer);
+  static std::size_t receive(char* bytes, std::size_t, std::size_t count, void* transfer);
+  static int beforeSending(void* transfer, char*, char*, int, int localPort);
+  static int hasMoved(void* transfer, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent);
+  static int listen(CURL*, curl_infotype kind, char* text, std::size_t size, void* transfer);
 
   void setVerb();
-  [[nodiscard]] bool keep(const char* bytes, std::size_t count);
-  void reserve(std::size_t count);
+  void setCallbacks();
+  [[nodiscard]] bool maySend(int localPort);
+  [[nodiscard]] bool mayRepeat() noexcept;
+  [[nodiscard]] bool isMultiplexed() const noexcept;
+  [[nodiscard]] bool keepHead(std::string_view line);
+  [[nodiscard]] bool keep(std::string_view bytes);
+  [[nodiscard]] bool decode(std::string_view bytes);
+  [[nodiscard]] bool reserve(std::size_t count);
+  [[nodiscard]] bool fail(TransportError error);
+  [[nodiscard]] Error refusal() const;
+  [[nodiscard]] Error failureOf(CURLcode code, std::string details) const;
 
   const std::shared_ptr<TransferLoop> loop_;
   OutgoingRequest request_;
@@ -95,10 +142,17 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
 
   std::unique_ptr<CurlEasy> easy_;
   HeaderLines lines_;
+  AnswerHead head_;
+  std::unique_ptr<ContentDecoder> decoder_;
   std::string answer_;
   std::size_t received_ = 0;
-  bool isRefused_ = false;
-  bool isTooLarge_ = false;
+  std::size_t held_ = 0;
+  std::optional<TransportError> failure_;
+  std::optional<Clock::time_point> lastMove_;
+  curl_off_t sent_ = 0;
+  int attempts_ = 0;
+  bool isUnread_ = false;          // the server says that it has not acted on the last attempt
+  bool isConnectionDead_ = false;  // and nothing was sent over it
 };
 
 }  // namespace orvane

@@ -22,6 +22,10 @@ constexpr std::size_t mostIdleHandles = 32;
 // Connections kept open, to all hosts together.
 constexpr long mostConnections = 64;
 
+// libcurl 7.88 now and then has data of a transfer at hand and does not say so; nothing would
+// happen before the server's next word. So it is asked.
+constexpr std::chrono::milliseconds longestPause{500};
+
 TransportError shutDown() { return TransportError(TransportError::Kind::cancelled); }
 
 // To come before anything else that asks something of OpenSSL: its first initialisation decides.
@@ -69,7 +73,9 @@ Result<std::shared_ptr<TransferLoop>> TransferLoop::make(TransportOptions option
 }
 
 TransferLoop::TransferLoop(TransportOptions options)
-    : options_(std::move(options)), multi_(makeMulti(options_)) {}
+    : options_(std::move(options)),
+      multi_(makeMulti(options_)),
+      lines_(options_.maximumConnectionsPerHost) {}
 
 TransferLoop::~TransferLoop() {
   if (multi_ != nullptr) curl_multi_cleanup(multi_);
@@ -81,12 +87,16 @@ void TransferLoop::start(const std::shared_ptr<Transfer>& transfer) {
     lock.unlock();
     return transfer->complete(*std::move(error));
   }
+  ++waiting_;
   inbox_.started.push_back(transfer);
   wake(std::move(lock));
 }
 
 std::optional<Error> TransferLoop::problemWithStarting() {
   if (inbox_.isStopping) return shutDown();
+  if (options_.maximumWaitingRequests > 0 && waiting_ >= options_.maximumWaitingRequests) {
+    return TransportError(TransportError::Kind::overloaded);
+  }
   if (!hasStarted_) hasStarted_ = thread_.start([self = shared_from_this()] { self->run(); });
   if (!hasStarted_) return TransportError(TransportError::Kind::other, "no thread can be started");
   return std::nullopt;
@@ -123,11 +133,13 @@ void TransferLoop::run() {
   Inbox inbox = takeInbox();
   for (; !inbox.isStopping; inbox = takeInbox()) {
     for (const auto& transfer : inbox.dropped) abandon(*transfer);
-    for (const auto& transfer : inbox.started) begin(transfer);
+    for (const auto& transfer : inbox.started) line(transfer);
     inbox = {};  // lets go of what is not needed any more before it waits
+    beginWaiting();
     int count = 0;
     curl_multi_perform(multi_, &count);
     finishEnded();
+    finishLate();
     wait();
   }
   // What was handed over just before the end came along with it; nothing comes after it.
@@ -144,19 +156,38 @@ TransferLoop::Inbox TransferLoop::takeInbox() {
 }
 
 std::unique_ptr<CurlEasy> TransferLoop::takeEasy() {
-  if (idle_.empty()) return std::make_unique<CurlEasy>(options_);
+  if (idle_.empty()) return std::make_unique<CurlEasy>(options_, sockets_);
   std::unique_ptr<CurlEasy> easy = std::move(idle_.back());
   idle_.pop_back();
+  easy->reset();
   return easy;
 }
 
+void TransferLoop::line(const std::shared_ptr<Transfer>& transfer) {
+  if (!transfer->isPending()) {
+    --waiting_;
+    return;
+  }
+  lines_.add(transfer);
+  schedule(*transfer);
+}
+
+void TransferLoop::beginWaiting() {
+  const Clock::time_point now = Clock::now();
+  while (const std::shared_ptr<Transfer> transfer = lines_.next(now)) {
+    --waiting_;
+    begin(transfer);
+  }
+}
+
 void TransferLoop::begin(const std::shared_ptr<Transfer>& transfer) {
-  if (!transfer->isPending()) return;
   std::optional<Error> error = transfer->prepare(takeEasy());
   if (!error && curl_multi_add_handle(multi_, transfer->easy()->get()) != CURLM_OK) {
     error = errorOf(CURLE_FAILED_INIT, {});
   }
   if (error) {
+    unschedule(*transfer);
+    lines_.hasEnded(*transfer);
     transfer->release().reset();
     transfer->complete(*std::move(error));
     return;
@@ -166,7 +197,12 @@ void TransferLoop::begin(const std::shared_ptr<Transfer>& transfer) {
 }
 
 void TransferLoop::abandon(Transfer& transfer) {
-  if (transfer.easy() != nullptr) end(transfer, shutDown());
+  if (transfer.isWaiting) {
+    unschedule(transfer);
+    takeOut(transfer).reset();
+  } else if (transfer.easy() != nullptr) {
+    end(transfer, shutDown());
+  }
 }
 
 void TransferLoop::finishEnded() {
@@ -180,29 +216,90 @@ void TransferLoop::finishEnded() {
 }
 
 void TransferLoop::finish(Transfer& transfer, CURLcode code) {
-  end(transfer, transfer.outcome(code));
+  if (!transfer.takesAnotherConnection()) return end(transfer, transfer.outcome(code));
+  CURL* handle = transfer.easy()->get();
+  curl_multi_remove_handle(multi_, handle);
+  const CURLMcode added = curl_multi_add_handle(multi_, handle);
+  if (added != CURLM_OK) end(transfer, errorOf(CURLE_FAILED_INIT, {}));
+}
+
+void TransferLoop::finishLate() {
+  const Clock::time_point now = Clock::now();
+  while (!times_.empty() && times_.begin()->first <= now) {
+    Transfer& transfer = *times_.begin()->second;
+    unschedule(transfer);
+    checkTime(transfer, now);
+  }
+}
+
+void TransferLoop::checkTime(Transfer& transfer, Clock::time_point now) {
+  const auto idle = options_.idleTimeout;
+  if (transfer.deadline <= now) {
+    end(transfer, transfer.outcome(CURLE_OPERATION_TIMEDOUT, "the answer is not complete"));
+  } else if (idle.count() > 0 && transfer.lastMove() && *transfer.lastMove() + idle <= now) {
+    end(transfer, transfer.outcome(CURLE_OPERATION_TIMEDOUT, "nothing has moved"));
+  } else {
+    schedule(transfer);
+  }
+}
+
+// When a byte moves nothing is changed here: the time is found to be later when it has come.
+void TransferLoop::schedule(Transfer& transfer) {
+  Clock::time_point due = transfer.deadline;
+  if (!transfer.isWaiting && options_.idleTimeout.count() > 0) {
+    const Clock::time_point last = transfer.lastMove().value_or(Clock::now());
+    due = std::min(due, last + options_.idleTimeout);
+  }
+  if (due == Clock::time_point::max()) return;
+  transfer.due = due;
+  times_.emplace(due, &transfer);
+}
+
+void TransferLoop::unschedule(Transfer& transfer) {
+  if (!transfer.due) return;
+  times_.erase({*transfer.due, &transfer});
+  transfer.due.reset();
+}
+
+void TransferLoop::hasConnected(Transfer& transfer, bool isMultiplexed) {
+  HostLines::hasConnected(transfer, isMultiplexed);
+  unschedule(transfer);
+  schedule(transfer);
+}
+
+bool TransferLoop::mayHold(std::size_t count) const noexcept {
+  const std::size_t most = options_.maximumAnswerMemory;
+  return most == 0 || (held_ <= most && count <= most - held_);
+}
+
+std::shared_ptr<Transfer> TransferLoop::takeOut(Transfer& transfer) {
+  if (transfer.isWaiting) {
+    --waiting_;
+    return lines_.remove(transfer);
+  }
+  running_.back()->index = transfer.index;
+  std::swap(running_[transfer.index], running_.back());
+  std::shared_ptr<Transfer> ending = std::move(running_.back());
+  running_.pop_back();
+  lines_.hasEnded(transfer);
+  return ending;
 }
 
 void TransferLoop::end(Transfer& transfer, Result<std::string> outcome) {
-  running_.back()->index = transfer.index;
-  std::swap(running_[transfer.index], running_.back());
-  const std::shared_ptr<Transfer> ending = std::move(running_.back());
-  running_.pop_back();
-  curl_multi_remove_handle(multi_, ending->easy()->get());
+  const std::shared_ptr<Transfer> ending = takeOut(transfer);
+  unschedule(transfer);
+  if (transfer.easy() != nullptr) curl_multi_remove_handle(multi_, transfer.easy()->get());
   if (options_.observer) {
     options_.observer(ending->exchange(outcome, options_.observerSeesSecrets));
   }
+  held_ -= ending->heldMemory();
   std::unique_ptr<CurlEasy> easy = ending->release();
-  if (idle_.size() < mostIdleHandles) idle_.push_back(std::move(easy));
+  if (easy && idle_.size() < mostIdleHandles) idle_.push_back(std::move(easy));
   ending->complete(std::move(outcome));
 }
 
 void TransferLoop::wait() {
-  // As long as it takes, unless there is a stalled main queue to be reported.
-  int timeout = std::numeric_limits<int>::max();
-  if (const auto pause = MainQueue::main().warnWhenStalled(); pause.count() > 0) {
-    timeout = static_cast<int>(pause.count());
-  }
+  const int timeout = pause();
   {
     const std::scoped_lock lock(mutex_);
     if (!inbox_.isEmpty()) return;
@@ -212,7 +309,25 @@ void TransferLoop::wait() {
   isWaiting_ = false;
 }
 
+// How long to wait for something to happen, in milliseconds.
+int TransferLoop::pause() {
+  auto longest = std::chrono::milliseconds(std::numeric_limits<int>::max());
+  const auto shorten = [&](std::chrono::milliseconds pause) { longest = std::min(longest, pause); };
+  const auto shortenTo = [&](Clock::time_point time) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(time - Clock::now());
+    shorten(std::max(left, std::chrono::milliseconds::zero()));
+  };
+  if (const auto stalled = MainQueue::main().warnWhenStalled(); stalled.count() > 0) {
+    shorten(stalled);
+  }
+  if (!running_.empty()) shorten(longestPause);
+  if (!times_.empty()) shortenTo(times_.begin()->first);
+  if (const auto change = lines_.nextChange()) shortenTo(*change);
+  return static_cast<int>(longest.count());
+}
+
 void TransferLoop::close(const Transfers& late) {
+  lines_.takeAll([this](Transfer& transfer) { end(transfer, shutDown()); });
   while (!running_.empty()) end(*running_.back(), shutDown());
   for (const auto& transfer : late) transfer->complete(shutDown());
   while (wakers_.load() != 0) std::this_thread::yield();

@@ -6,6 +6,8 @@
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Runtime/BoundedThread.h>
 #include <Orvane/Runtime/CurlRequestManager.h>
+#include <Orvane/Runtime/HostLines.h>
+#include <Orvane/Runtime/OpenSockets.h>
 #include <Orvane/Runtime/Transfer.h>
 
 #include <curl/curl.h>
@@ -15,6 +17,8 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
+#include <utility>
 #include <vector>
 
 namespace orvane {
@@ -41,7 +45,18 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   /// See `CurlRequestManager::shutdown`.
   bool shutdown(std::chrono::milliseconds timeout);
 
+  // What follows, up to the end, is for the loop's thread.
+  /// The other side has closed the connection that has this port on this side.
+  [[nodiscard]] bool isClosedByPeer(int localPort) { return sockets_.isClosedByPeer(localPort); }
+  /// See `HostLines::hasConnected`.
+  void hasConnected(Transfer& transfer, bool isMultiplexed);
+  /// The answers under way may take so many bytes more.
+  [[nodiscard]] bool mayHold(std::size_t count) const noexcept;
+  /// An answer has taken so many bytes more.
+  void hasTaken(std::size_t count) noexcept { held_ += count; }
+
  private:
+  using Clock = std::chrono::steady_clock;
   using Transfers = std::vector<std::shared_ptr<Transfer>>;
 
   /// What has been handed over and not been taken yet.
@@ -61,15 +76,22 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   /// Ends the wait of the thread, where it waits; to be called when something is in the inbox.
   void wake(std::unique_lock<std::mutex> lock);
 
-  // What follows runs on the loop's thread.
   void run();
   [[nodiscard]] Inbox takeInbox();
+  void line(const std::shared_ptr<Transfer>& transfer);
+  void beginWaiting();
   void begin(const std::shared_ptr<Transfer>& transfer);
   void abandon(Transfer& transfer);
   void finishEnded();
   void finish(Transfer& transfer, CURLcode code);
+  void finishLate();
+  void checkTime(Transfer& transfer, Clock::time_point now);
+  void schedule(Transfer& transfer);
+  void unschedule(Transfer& transfer);
   void end(Transfer& transfer, Result<std::string> outcome);
+  [[nodiscard]] std::shared_ptr<Transfer> takeOut(Transfer& transfer);
   void wait();
+  [[nodiscard]] int pause();
   void close(const Transfers& late);
   [[nodiscard]] std::unique_ptr<CurlEasy> takeEasy();
 
@@ -82,7 +104,16 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   std::atomic<bool> isWaiting_{false};
   std::atomic<int> wakers_{0};
 
+  // Those that have been handed over and have not begun.
+  std::atomic<std::size_t> waiting_{0};
+
+  OpenSockets sockets_;
+  HostLines lines_;
   Transfers running_;
+  // When to look at the clock, and for whom.
+  std::set<std::pair<Clock::time_point, Transfer*>> times_;
+  // Bytes of memory that the answers under way take.
+  std::size_t held_ = 0;
   std::vector<std::unique_ptr<CurlEasy>> idle_;
   BoundedThread thread_;
 };

@@ -26,7 +26,9 @@ std::string_view summary(TransportError::Kind kind) {
     case insecure:
       return "the URL's scheme is not allowed";
     case protocol:
-      return "the answer is not HTTP";
+      return "the answer is not proper HTTP";
+    case overloaded:
+      return "too many requests are waiting";
     case other:
       break;
   }

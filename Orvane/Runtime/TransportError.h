@@ -19,11 +19,12 @@ class ORVANE_RUNTIME_EXPORT TransportError {
     tls,        ///< The server proved no identity to be trusted, or no common encryption was found.
     timeOut,    ///< One of the time-outs of `TransportOptions` ran out.
     cutOff,     ///< The connection ended before the answer was complete.
-    tooLarge,   ///< The answer is larger than `TransportOptions::maximumAnswerSize`.
+    tooLarge,   ///< The answer, or its headers, are larger than `TransportOptions` allow.
     cancelled,  ///< The request was cancelled, or the transport shut down.
     insecure,   ///< The URL's scheme is not https, and not http to where that is allowed.
-    protocol,   ///< What answered does not speak HTTP, or compresses in no known way.
-    other,      ///< Anything else: see `message()`.
+    protocol,   ///< What answered does not speak HTTP, or breaks its rules.
+    overloaded,  ///< More requests wait than `TransportOptions::maximumWaitingRequests` allows.
+    other,       ///< Anything else: see `message()`.
   };
 
   explicit TransportError(Kind kind, std::string message = {})

@@ -55,7 +55,7 @@ std::optional<ConfigurationError> problemWithAuthorities(const TransportOptions&
 
 std::optional<ConfigurationError> problemWith(const TransportOptions& options) {
   if (options.connectTimeout.count() < 0 || options.idleTimeout.count() < 0 ||
-      options.totalTimeout.count() < 0) {
+      options.totalTimeout.count() < 0 || options.maximumIdleConnectionAge.count() < 0) {
     return ConfigurationError("a time-out is negative");
   }
   if (!isFieldValue(options.userAgent)) {

@@ -195,7 +195,6 @@ TEST_F(DownloadTest, takesFilesOfAnyAnnouncement) {
   const std::tuple<const char*, std::string, std::optional<std::int64_t>> rows[] = {
       {"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n", "", {}},
       {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n0\r\n\r\n", "abc", {}},
-      {"HTTP/1.0 200 OK\r\n\r\nabcd", "abcd", {}},
       {"HTTP/1.1 200 OK\r\nContent-Length: 2\r\nContent-Encoding: identity\r\n\r\nab", "ab", 2},
   };
   for (const auto& [answer, file, total] : rows) {
@@ -313,6 +312,9 @@ TEST_F(DownloadTest, survivesAnswersThatAreNoFile) {
       {"HTTP/1.1 416 No range\r\nContent-Length: 0\r\n\r\n", refused(416), false},
       {"HTTP/1.1 204 Nothing\r\n\r\n", TransportError(Kind::protocol, "the answer is no file"),
        true},
+      {"HTTP/1.0 200 OK\r\n\r\nabcd",
+       TransportError(Kind::protocol, "the answer does not tell where the file ends"), true},
+      {"HTTP/1.1 200 OK\r\n", TransportError(Kind::cutOff, "it ended within its headers"), true},
       {"HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: 3\r\n\r\nabc",
        TransportError(Kind::protocol, "the file comes compressed, unasked"), true},
       {"HTTP/1.1 206 Part\r\nContent-Range: bytes 0-2/3\r\nContent-Length: 3\r\n\r\nabc", noPart,

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+// Private header: not installed.
+// What libcurl's options do not reach of OpenSSL's connections. Where libcurl has been built with
+// another TLS library, none of it applies.
+#pragma once
+
+#include <curl/curl.h>
+
+namespace orvane {
+
+/// True when libcurl's TLS is OpenSSL's.
+[[nodiscard]] bool usesOpenSSL() noexcept;
+
+/// True when the connection was agreed to speak HTTP/2 (RFC 7301).
+[[nodiscard]] bool speaksHTTP2(const curl_tlssessioninfo& session) noexcept;
+
+/// For `CURLOPT_SSL_CTX_FUNCTION`: a connection that ends without TLS's farewell has been cut (RFC
+/// 8446, section 6.1), and what ends with the connection is not whole then.
+CURLcode tightenTLS(CURL*, void* context, void*) noexcept;
+
+}  // namespace orvane
