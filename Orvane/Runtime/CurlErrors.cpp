@@ -74,6 +74,8 @@ Error errorOf(CURLcode code, std::string details) {
   return TransportError(kind, std::move(details));
 }
 
+bool isCut(CURLcode code) noexcept { return kindOf(code) == TransportError::Kind::cutOff; }
+
 bool isAboutMemory(CURLcode code) noexcept {
   return code == CURLE_OUT_OF_MEMORY || static_cast<int>(code) == tooLargeForLibcurl;
 }

@@ -9,6 +9,7 @@
 #include <Orvane/Runtime/TransportError.h>
 
 #include <algorithm>
+#include <charconv>
 #include <initializer_list>
 #include <optional>
 #include <string_view>
@@ -45,6 +46,17 @@ bool withoutThrowing(Body body) noexcept {
 std::string headerLine(const std::string& name, const std::string& value) {
   if (value.find_first_not_of(" \t") == std::string::npos) return name + ";";
   return name + ": " + value;
+}
+
+// The number that follows `label`, wherever in `text` that stands.
+std::optional<std::uint32_t> numberBehind(std::string_view label, std::string_view text) {
+  const std::size_t place = text.find(label);
+  if (place == std::string_view::npos) return std::nullopt;
+  const std::string_view digits = text.substr(place + label.size());
+  std::uint32_t number = 0;
+  const auto [end, failure] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  if (failure != std::errc()) return std::nullopt;
+  return number;
 }
 
 bool isOneOf(const std::string& name, std::initializer_list<std::string_view> names) {
@@ -130,12 +142,12 @@ void Transfer::setCallbacks() {
   easy_->set(CURLOPT_WRITEFUNCTION, &Transfer::receive);
   easy_->set(CURLOPT_PREREQDATA, this);
   easy_->set(CURLOPT_PREREQFUNCTION, &Transfer::beforeSending);
-  if (request_.verb == Verb::get) return;
-  // Only what libcurl says for people tells why it is about to send a request again; see `listen`.
+  // A farewell is told to one of the transfers that share the connection.
+  if (request_.verb == Verb::get && !(hostLine != nullptr && hostLine->isMultiplexed)) return;
   easy_->set(CURLOPT_VERBOSE, 1L);
   easy_->set(CURLOPT_DEBUGDATA, this);
   easy_->set(CURLOPT_DEBUGFUNCTION, &Transfer::listen);
-  if (request_.body.empty()) return;
+  if (request_.verb == Verb::get || request_.body.empty()) return;
   easy_->set(CURLOPT_NOPROGRESS, 0L);
   easy_->set(CURLOPT_XFERINFODATA, this);
   easy_->set(CURLOPT_XFERINFOFUNCTION, &Transfer::hasMoved);
@@ -183,26 +195,34 @@ bool Transfer::maySend(int localPort) {
   isConnectionDead_ = loop_->isClosedByPeer(localPort);
   if (isConnectionDead_) return false;
   if (attempts_ > 0 && !mayRepeat()) {
-    static_cast<void>(fail(TransportError(
+    return fail(TransportError(
         TransportError::Kind::cutOff,
-        "the server ended the connection without an answer, and may have read the request")));
-    return false;
+        "the server ended the connection without an answer, and may have read the request"));
   }
+  // Ports are used again; what was said about a former connection's streams is not about these.
+  if (easy_->info<long>(CURLINFO_NUM_CONNECTS) > 0) loop_->forgetFarewell(localPort);
   ++attempts_;
-  isUnread_ = false;
+  isRefused_ = false;
+  stream_ = 0;
+  localPort_ = localPort;
   lastMove_ = Clock::now();
   loop_->hasConnected(*this, isMultiplexed());
   return true;
 }
 
 // A read does no harm twice. A write is repeated only where it has certainly not been acted on.
-bool Transfer::mayRepeat() noexcept {
-  if (isUnread_) return attempts_ < mostAttempts;
+bool Transfer::mayRepeat() const noexcept {
+  // RFC 9113, section 8.7: what is refused has not been processed, nor what is above the last
+  // stream of a farewell.
+  if (isRefused_ || loop_->hasLeftOut(localPort_, stream_)) return attempts_ < mostAttempts;
   return request_.verb == Verb::get && attempts_ < 2;
 }
 
-bool Transfer::takesAnotherConnection() noexcept {
-  if (!std::exchange(isConnectionDead_, false) || !isPending()) return false;
+bool Transfer::goesOutAgain(CURLcode code) noexcept {
+  const bool isUnsent = std::exchange(isConnectionDead_, false);
+  const bool isUnanswered = !failure_ && head_.status() == 0 && attempts_ > 0 && isCut(code);
+  const bool wasKept = easy_->info<long>(CURLINFO_NUM_CONNECTS) == 0;
+  if (!isPending() || (!isUnsent && !(isUnanswered && wasKept && mayRepeat()))) return false;
   easy_->set(CURLOPT_FRESH_CONNECT, 1L);
   return easy_->failure() == CURLE_OK;
 }
@@ -212,13 +232,20 @@ bool Transfer::isMultiplexed() const noexcept {
   return session != nullptr && speaksHTTP2(*session);
 }
 
-// RFC 9113, section 8.7: a stream that is refused (RST_STREAM), or above the last one of a GOAWAY,
-// has not been processed. libcurl then sends the request again, and says so in these words alone.
 int Transfer::listen(CURL*, curl_infotype kind, char* text, std::size_t size, void* transfer) {
-  if (kind != CURLINFO_TEXT) return 0;
-  if (!std::string_view(text, size).starts_with("REFUSED_STREAM")) return 0;
-  static_cast<Transfer*>(transfer)->isUnread_ = true;
+  if (kind == CURLINFO_TEXT) static_cast<Transfer*>(transfer)->note({text, size});
   return 0;
+}
+
+// libcurl tells in words alone what becomes of a stream of HTTP/2. Where it chooses others one day,
+// a write that could be repeated fails instead.
+void Transfer::note(std::string_view text) noexcept {
+  for (const std::string_view opening : {"Using Stream ID: ", "[HTTP/2] ["}) {
+    if (const auto number = numberBehind(opening, text)) stream_ = *number;
+  }
+  isRefused_ = isRefused_ || text.starts_with("REFUSED_STREAM");
+  if (text.find("GOAWAY") == std::string_view::npos) return;
+  if (const auto number = numberBehind("last_stream=", text)) loop_->hasLeft(localPort_, *number);
 }
 
 int Transfer::hasMoved(void* transfer, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent) {

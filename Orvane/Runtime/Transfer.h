@@ -61,9 +61,10 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
   /// The handle, while it has one.
   [[nodiscard]] CurlEasy* easy() const noexcept { return easy_.get(); }
 
-  /// True when the transfer has ended before its request was sent, since its connection was dead:
-  /// it is to be made once more, over a new one, for which the handle is ready then.
-  [[nodiscard]] bool takesAnotherConnection() noexcept;
+  /// True when the transfer, which ended with `code`, is to be made once more over a new
+  /// connection, for which the handle is ready then: its request was not sent, or may be sent
+  /// again.
+  [[nodiscard]] bool goesOutAgain(CURLcode code) noexcept;
 
   /// What came of the transfer, which ended with `code`; what ended it, where libcurl did not.
   [[nodiscard]] Result<std::string> outcome(CURLcode code, std::string details = {});
@@ -125,7 +126,8 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
   void setVerb();
   void setCallbacks();
   [[nodiscard]] bool maySend(int localPort);
-  [[nodiscard]] bool mayRepeat() noexcept;
+  void note(std::string_view text) noexcept;
+  [[nodiscard]] bool mayRepeat() const noexcept;
   [[nodiscard]] bool isMultiplexed() const noexcept;
   [[nodiscard]] bool keepHead(std::string_view line);
   [[nodiscard]] bool keep(std::string_view bytes);
@@ -151,7 +153,9 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
   std::optional<Clock::time_point> lastMove_;
   curl_off_t sent_ = 0;
   int attempts_ = 0;
-  bool isUnread_ = false;          // the server says that it has not acted on the last attempt
+  int localPort_ = 0;              // of the last attempt's connection
+  std::uint32_t stream_ = 0;       // and its number there (HTTP/2)
+  bool isRefused_ = false;         // the server says that it has not acted on it
   bool isConnectionDead_ = false;  // and nothing was sent over it
 };
 

@@ -216,7 +216,7 @@ void TransferLoop::finishEnded() {
 }
 
 void TransferLoop::finish(Transfer& transfer, CURLcode code) {
-  if (!transfer.takesAnotherConnection()) return end(transfer, transfer.outcome(code));
+  if (!transfer.goesOutAgain(code)) return end(transfer, transfer.outcome(code));
   CURL* handle = transfer.easy()->get();
   curl_multi_remove_handle(multi_, handle);
   const CURLMcode added = curl_multi_add_handle(multi_, handle);
@@ -265,6 +265,18 @@ void TransferLoop::hasConnected(Transfer& transfer, bool isMultiplexed) {
   HostLines::hasConnected(transfer, isMultiplexed);
   unschedule(transfer);
   schedule(transfer);
+}
+
+void TransferLoop::hasLeft(int localPort, std::uint32_t lastStream) noexcept {
+  lastFarewell_ = {localPort, lastStream};
+}
+
+void TransferLoop::forgetFarewell(int localPort) noexcept {
+  if (lastFarewell_.localPort == localPort) lastFarewell_ = {};
+}
+
+bool TransferLoop::hasLeftOut(int localPort, std::uint32_t stream) const noexcept {
+  return stream > 0 && localPort == lastFarewell_.localPort && stream > lastFarewell_.lastStream;
 }
 
 bool TransferLoop::mayHold(std::size_t count) const noexcept {

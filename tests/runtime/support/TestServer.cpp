@@ -12,16 +12,32 @@
 #include <array>
 #include <cctype>
 #include <csignal>
+#include <cstring>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 namespace orvane {
 namespace {
 
-std::shared_ptr<SSL_CTX> contextWith(const Credentials& credentials) {
+// Agrees on the protocol that `text` is, as ALPN writes it.
+int selectProtocol(SSL*, const unsigned char** chosen, unsigned char* size, const unsigned char*,
+                   unsigned, void* text) {
+  const auto* protocol = static_cast<const char*>(text);
+  *chosen = reinterpret_cast<const unsigned char*>(protocol);
+  *size = static_cast<unsigned char>(std::strlen(protocol));
+  return SSL_TLSEXT_ERR_OK;
+}
+
+std::shared_ptr<SSL_CTX> contextWith(const Credentials& credentials,
+                                     std::string_view protocol = {}) {
   std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), &SSL_CTX_free);
   SSL_CTX_use_certificate(context.get(), credentials.certificate.get());
   SSL_CTX_use_PrivateKey(context.get(), credentials.key.get());
+  if (protocol == "h2") {
+    static char text[] = "h2";
+    SSL_CTX_set_alpn_select_cb(context.get(), selectProtocol, text);
+  }
   return context;
 }
 
@@ -98,6 +114,15 @@ std::optional<ReceivedRequest> ServerConnection::receive() {
   return request;
 }
 
+std::optional<std::string> ServerConnection::receiveBytes(std::size_t count) {
+  while (buffer_.size() < count) {
+    if (!isOpen_ || !fill()) return std::nullopt;
+  }
+  std::string bytes = buffer_.substr(0, count);
+  buffer_.erase(0, count);
+  return bytes;
+}
+
 bool ServerConnection::send(std::string_view bytes) {
   while (isOpen_ && !bytes.empty()) {
     const auto count = tls_ ? SSL_write(tls_.get(), bytes.data(), static_cast<int>(bytes.size()))
@@ -124,11 +149,27 @@ void ServerConnection::cut() {
   interrupt();
 }
 
+void ServerConnection::end() {
+  if (tls_) SSL_shutdown(tls_.get());
+  cut();
+}
+
 void ServerConnection::interrupt() const { ::shutdown(socket_, SHUT_RDWR); }
 
 TestServer::TestServer(Handler handler, std::optional<Credentials> credentials)
+    : TestServer(
+          [this, handler = std::move(handler)](ServerConnection& connection, std::size_t number) {
+            serve(handler, connection, number);
+          },
+          credentials ? contextWith(*credentials) : nullptr) {}
+
+TestServer::TestServer(ConnectionHandler handler, const Credentials& credentials,
+                       std::string_view protocol)
+    : TestServer(std::move(handler), contextWith(credentials, protocol)) {}
+
+TestServer::TestServer(ConnectionHandler handler, std::shared_ptr<SSL_CTX> context)
     : handler_(std::move(handler)),
-      context_(credentials ? contextWith(*credentials) : nullptr),
+      context_(std::move(context)),
       listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
   sockaddr_in address{};
   address.sin_family = AF_INET;
@@ -175,6 +216,11 @@ void TestServer::waitForRequests(std::size_t count) const {
   arrived_.wait(lock, [&] { return requests_.size() >= count; });
 }
 
+void TestServer::waitForConnections(std::size_t count) const {
+  std::unique_lock lock(mutex_);
+  arrived_.wait(lock, [&] { return connections_.size() >= count; });
+}
+
 void TestServer::accept() {
   while (true) {
     const int socket = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
@@ -186,12 +232,16 @@ void TestServer::accept() {
     const std::size_t number = connections_.size();
     auto connection = std::make_shared<ServerConnection>(socket, context_.get());
     connections_.push_back(connection);
-    threads_.emplace_back([this, connection, number] { serve(*connection, number); });
+    threads_.emplace_back([this, connection, number] {
+      ignoreBrokenPipes();
+      handler_(*connection, number);
+      connection->cut();
+    });
+    arrived_.notify_all();
   }
 }
 
-void TestServer::serve(ServerConnection& connection, std::size_t number) {
-  ignoreBrokenPipes();
+void TestServer::serve(const Handler& handler, ServerConnection& connection, std::size_t number) {
   while (auto request = connection.receive()) {
     request->connection = number;
     {
@@ -199,9 +249,8 @@ void TestServer::serve(ServerConnection& connection, std::size_t number) {
       requests_.push_back(*request);
     }
     arrived_.notify_all();
-    handler_(connection, *request);
+    handler(connection, *request);
   }
-  connection.cut();
 }
 
 TestServer::Handler answering(std::string body) {

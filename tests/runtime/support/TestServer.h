@@ -48,6 +48,8 @@ class ServerConnection {
 
   /// The next request; absent when the client has closed the connection.
   [[nodiscard]] std::optional<ReceivedRequest> receive();
+  /// The next bytes, so many of them; absent when the client has closed the connection before.
+  [[nodiscard]] std::optional<std::string> receiveBytes(std::size_t count);
   /// Sends bytes as they are. False when nobody takes them any more.
   bool send(std::string_view bytes);
   /// A whole answer, its length included.
@@ -56,6 +58,9 @@ class ServerConnection {
   void waitUntilClosed();
   /// Closes without a farewell.
   void cut();
+  /// Closes in good order: with TLS's farewell, where there is TLS. The client's system knows of it
+  /// when this returns.
+  void end();
   /// Makes whatever waits for the client return.
   void interrupt() const;
 
@@ -75,8 +80,14 @@ class TestServer {
   /// Answers one request. Called on the threads of the connections.
   using Handler = std::function<void(ServerConnection&, const ReceivedRequest&)>;
 
+  /// Does what a connection has to do from its beginning. Called on a thread of its own.
+  using ConnectionHandler = std::function<void(ServerConnection&, std::size_t number)>;
+
   /// Without credentials it speaks plain HTTP.
   explicit TestServer(Handler handler, std::optional<Credentials> credentials = {});
+  /// Leaves connections to `handler`. With `protocol`, that is what is agreed on (RFC 7301).
+  TestServer(ConnectionHandler handler, const Credentials& credentials,
+             std::string_view protocol = {});
   /// Cuts all connections and waits for their threads.
   ~TestServer();
   TestServer(const TestServer&) = delete;
@@ -86,16 +97,20 @@ class TestServer {
   [[nodiscard]] std::string url(std::string_view target = "/") const;
   [[nodiscard]] std::uint16_t port() const noexcept { return port_; }
   [[nodiscard]] std::size_t connectionCount() const;
+  /// Waits until so many connections have been made.
+  void waitForConnections(std::size_t count) const;
   /// What has come in, in the order of arrival.
   [[nodiscard]] std::vector<ReceivedRequest> requests() const;
   /// Waits until so many requests have come in.
   void waitForRequests(std::size_t count) const;
 
  private:
-  void accept();
-  void serve(ServerConnection& connection, std::size_t number);
+  TestServer(ConnectionHandler handler, std::shared_ptr<SSL_CTX> context);
 
-  const Handler handler_;
+  void accept();
+  void serve(const Handler& handler, ServerConnection& connection, std::size_t number);
+
+  const ConnectionHandler handler_;
   std::shared_ptr<SSL_CTX> context_;
   int listener_ = -1;
   std::uint16_t port_ = 0;

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: Apache-2.0
+// Connections that end between requests and under them: what is sent again, and what is not.
+#include "tests/runtime/support/Calls.h"
+#include "tests/runtime/support/HTTP2.h"
+#include "tests/runtime/support/TestServer.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <optional>
+#include <semaphore>
+#include <string>
+#include <tuple>
+
+namespace orvane {
+namespace {
+
+using Kind = TransportError::Kind;
+
+const std::string ok = "ok";
+
+// Reads and writes, over connections that the server has closed in the meantime.
+TEST(RepetitionTest, NoticesWhatServersCloseInGoodOrder) {
+  const Authority authority;
+  for (const bool isEncrypted : {false, true}) {
+    SCOPED_TRACE(isEncrypted ? "https" : "http");
+    std::counting_semaphore<> closed(0);
+    const TestServer server(
+        [&](ServerConnection& connection, const ReceivedRequest&) {
+          connection.answer(200, ok);
+          connection.end();
+          closed.release();
+        },
+        isEncrypted ? std::optional(authority.issue({})) : std::nullopt);
+    const auto manager = managerWith({.caPEM = authority.pem()});
+    constexpr std::size_t count = 14;
+    for (std::size_t i = 0; i < count; ++i) {
+      EXPECT_EQ(await(*manager, i % 2 == 0 ? Verb::post : Verb::get, server.url(), ""), ok) << i;
+      closed.acquire();
+    }
+    EXPECT_EQ(server.requests().size(), count);
+  }
+}
+
+// The server reads the request and leaves without a word: over a kept connection, and over new
+// ones.
+TEST(RepetitionTest, RepeatsAReadOnceAndAWriteNever) {
+  const Authority authority;
+  const TestServer server(
+      [&](ServerConnection& connection, const ReceivedRequest& request) {
+        if (request.target() == "/keep") return connection.answer(200, ok);
+        if (request.target() == "/end") return connection.end();
+        connection.cut();
+      },
+      authority.issue({}));
+  const auto manager = managerWith({.caPEM = authority.pem()});
+  const std::tuple<Verb, const char*, std::size_t> rows[] = {
+      {Verb::get, "/cut", 2},  {Verb::get, "/end", 2}, {Verb::post, "/cut", 1},
+      {Verb::post, "/end", 1}, {Verb::put, "/cut", 1}, {Verb::delete_, "/end", 1},
+  };
+  for (const auto& [verb, target, attempts] : rows) {
+    SCOPED_TRACE(std::string(wireText(verb)) + target);
+    ASSERT_EQ(get(*manager, server.url("/keep")), ok);
+    const std::size_t before = server.requests().size();
+    EXPECT_EQ(kindOf(await(*manager, verb, server.url(target), "")), Kind::cutOff);
+    EXPECT_EQ(server.requests().size(), before + attempts);
+  }
+}
+
+enum class Farewell : std::uint8_t { goAway, refusal, none };
+
+// The second request over the first connection meets the farewell; other connections answer.
+class HTTP2Server {
+ public:
+  explicit HTTP2Server(Farewell farewell) : farewell_(farewell) {}
+
+  [[nodiscard]] std::string url() const { return server_.url(); }
+  [[nodiscard]] TransportOptions options() const { return {.caPEM = authority_.pem()}; }
+  [[nodiscard]] int requestCount() const { return requestCount_; }
+
+ private:
+  void serve(ServerConnection& connection, std::size_t number) {
+    HTTP2Connection http(connection);
+    for (int count = 0; const auto stream = http.receive(); ++count) {
+      ++requestCount_;
+      if (number > 0 || count != 1) {
+        http.answer(*stream, ok);
+      } else if (farewell_ == Farewell::goAway) {
+        http.goAway(*stream - 2);
+      } else if (farewell_ == Farewell::refusal) {
+        http.refuse(*stream);
+      } else {
+        return connection.end();
+      }
+    }
+  }
+
+  const Farewell farewell_;
+  std::atomic<int> requestCount_ = 0;
+  const Authority authority_;
+  const TestServer server_{
+      [this](ServerConnection& connection, std::size_t number) { serve(connection, number); },
+      authority_.issue({}), "h2"};
+};
+
+TEST(RepetitionTest, RepeatsOverHTTP2WhatTheServerHasNotLookedAt) {
+  const std::tuple<Farewell, Verb, bool, int> rows[] = {
+      {Farewell::goAway, Verb::get, true, 3},  {Farewell::goAway, Verb::post, true, 3},
+      {Farewell::refusal, Verb::get, true, 3}, {Farewell::none, Verb::get, true, 3},
+      {Farewell::none, Verb::post, false, 2},
+  };
+  for (const auto& [farewell, verb, succeeds, count] : rows) {
+    SCOPED_TRACE(std::string(wireText(verb)) + " " + std::to_string(static_cast<int>(farewell)));
+    const HTTP2Server server(farewell);
+    const auto manager = managerWith(server.options());
+    ASSERT_EQ(get(*manager, server.url()), ok);
+    const auto result = await(*manager, verb, server.url(), verb == Verb::get ? "" : "body");
+    if (succeeds) {
+      EXPECT_EQ(result, ok);
+    } else {
+      EXPECT_EQ(kindOf(result), Kind::cutOff);
+    }
+    EXPECT_EQ(server.requestCount(), count);
+  }
+}
+
+}  // namespace
+}  // namespace orvane
