@@ -23,6 +23,12 @@ bool speaksHTTP2(const curl_tlssessioninfo& session) noexcept {
   return std::string_view(reinterpret_cast<const char*>(name), size) == "h2";
 }
 
+bool hasTakenLeave(const curl_tlssessioninfo& session) noexcept {
+  if (session.backend != CURLSSLBACKEND_OPENSSL || session.internals == nullptr) return false;
+  const int state = SSL_get_shutdown(static_cast<const SSL*>(session.internals));
+  return (state & SSL_RECEIVED_SHUTDOWN) != 0;
+}
+
 CURLcode tightenTLS(CURL*, void* context, void*) noexcept {
 #ifdef SSL_OP_IGNORE_UNEXPECTED_EOF
   SSL_CTX_clear_options(static_cast<SSL_CTX*>(context), SSL_OP_IGNORE_UNEXPECTED_EOF);

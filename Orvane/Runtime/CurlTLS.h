@@ -14,8 +14,12 @@ namespace orvane {
 /// True when the connection was agreed to speak HTTP/2 (RFC 7301).
 [[nodiscard]] bool speaksHTTP2(const curl_tlssessioninfo& session) noexcept;
 
-/// For `CURLOPT_SSL_CTX_FUNCTION`: a connection that ends without TLS's farewell has been cut (RFC
-/// 8446, section 6.1), and what ends with the connection is not whole then.
+/// True when the server has ended the connection as TLS wants it ("close_notify"; RFC 8446, section
+/// 6.1): what came before is all there is.
+[[nodiscard]] bool hasTakenLeave(const curl_tlssessioninfo& session) noexcept;
+
+/// For `CURLOPT_SSL_CTX_FUNCTION`: takes back what libcurl sets so that a connection which has been
+/// cut looks like one that was ended.
 CURLcode tightenTLS(CURL*, void* context, void*) noexcept;
 
 }  // namespace orvane

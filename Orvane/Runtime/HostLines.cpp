@@ -72,10 +72,12 @@ void HostLines::hasConnected(Transfer& transfer, bool isMultiplexed) noexcept {
 
 void HostLines::hasEnded(Transfer& transfer) { --transfer.hostLine->running; }
 
-std::optional<HostLines::Clock::time_point> HostLines::nextChange() const {
+std::optional<HostLines::Clock::time_point> HostLines::nextChange(Clock::time_point now) const {
   std::optional<Clock::time_point> first;
   for (const auto& [origin, line] : lines_) {
-    if (line.waiting.empty() || !hasRoom(line)) continue;
+    if (line.waiting.empty()) continue;
+    if (mayBegin(line, now)) return now;
+    if (!hasRoom(line)) continue;
     const Clock::time_point change = line.since + patience;
     if (!first || change < *first) first = change;
   }

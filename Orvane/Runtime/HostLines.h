@@ -62,8 +62,8 @@ class HostLines {
   /// Says that a request that was running has ended.
   void hasEnded(Transfer& transfer);
 
-  /// When it is worth asking for the next request, though none has ended; absent for never.
-  [[nodiscard]] std::optional<Clock::time_point> nextChange() const;
+  /// When it is worth asking for the next request, even if none ends before; absent for never.
+  [[nodiscard]] std::optional<Clock::time_point> nextChange(Clock::time_point now) const;
 
  private:
   [[nodiscard]] bool mayBegin(const HostLine& line, Clock::time_point now) const noexcept;

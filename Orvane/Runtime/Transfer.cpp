@@ -142,6 +142,8 @@ void Transfer::setCallbacks() {
   easy_->set(CURLOPT_WRITEFUNCTION, &Transfer::receive);
   easy_->set(CURLOPT_PREREQDATA, this);
   easy_->set(CURLOPT_PREREQFUNCTION, &Transfer::beforeSending);
+  easy_->set(CURLOPT_XFERINFODATA, this);
+  easy_->set(CURLOPT_XFERINFOFUNCTION, &Transfer::hasMoved);
   // A farewell is told to one of the transfers that share the connection.
   if (request_.verb == Verb::get && !(hostLine != nullptr && hostLine->isMultiplexed)) return;
   easy_->set(CURLOPT_VERBOSE, 1L);
@@ -149,8 +151,6 @@ void Transfer::setCallbacks() {
   easy_->set(CURLOPT_DEBUGFUNCTION, &Transfer::listen);
   if (request_.verb == Verb::get || request_.body.empty()) return;
   easy_->set(CURLOPT_NOPROGRESS, 0L);
-  easy_->set(CURLOPT_XFERINFODATA, this);
-  easy_->set(CURLOPT_XFERINFOFUNCTION, &Transfer::hasMoved);
 }
 
 void Transfer::writeHeaderLines() {
@@ -228,8 +228,11 @@ bool Transfer::goesOutAgain(CURLcode code) noexcept {
 }
 
 bool Transfer::isMultiplexed() const noexcept {
-  const auto* session = easy_->info<const curl_tlssessioninfo*>(CURLINFO_TLS_SSL_PTR);
-  return session != nullptr && speaksHTTP2(*session);
+  return session() != nullptr && speaksHTTP2(*session());
+}
+
+const curl_tlssessioninfo* Transfer::session() const noexcept {
+  return easy_->info<const curl_tlssessioninfo*>(CURLINFO_TLS_SSL_PTR);
 }
 
 int Transfer::listen(CURL*, curl_infotype kind, char* text, std::size_t size, void* transfer) {
@@ -248,9 +251,13 @@ void Transfer::note(std::string_view text) noexcept {
   if (const auto number = numberBehind("last_stream=", text)) loop_->hasLeft(localPort_, *number);
 }
 
+// Called often while a transfer lasts, and a last time before its connection is let go.
 int Transfer::hasMoved(void* transfer, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent) {
   Transfer& self = *static_cast<Transfer*>(transfer);
   if (std::exchange(self.sent_, sent) != sent) self.lastMove_ = Clock::now();
+  if (self.needsFarewell_ && self.session() != nullptr) {
+    self.hasFarewell_ = hasTakenLeave(*self.session());
+  }
   return 0;
 }
 
@@ -263,11 +270,19 @@ std::size_t Transfer::receiveHead(char* bytes, std::size_t, std::size_t count, v
 bool Transfer::keepHead(std::string_view line) {
   lastMove_ = Clock::now();
   if (!head_.take(line)) return fail(*head_.problem());
-  const bool hasBody = head_.isComplete() && head_.isSuccess() && !decoder_;
-  if (!hasBody || head_.coding().empty() || !decompresses()) return true;
+  if (!head_.isComplete() || !head_.isSuccess()) return true;
+  watchForFarewell();
+  if (decoder_ || head_.coding().empty() || !decompresses()) return true;
   decoder_ = ContentDecoder::make(head_.coding());
   if (decoder_) return true;
   return fail(TransportError(TransportError::Kind::protocol, "it is compressed in no known way"));
+}
+
+// Where only the end of the connection ends the body, TLS has to tell whether it is the server's.
+void Transfer::watchForFarewell() noexcept {
+  if (needsFarewell_ || head_.tellsItsEnd() || !request_.isEncrypted || !usesOpenSSL()) return;
+  needsFarewell_ = true;
+  easy_->set(CURLOPT_NOPROGRESS, 0L);
 }
 
 std::size_t Transfer::receive(char* bytes, std::size_t, std::size_t count, void* transfer) {
@@ -356,6 +371,9 @@ Result<std::string> Transfer::outcome(CURLcode code, std::string details) {
   if (code != CURLE_OK) return failureOf(code, std::move(details));
   if (!head_.isComplete()) {
     return TransportError(TransportError::Kind::cutOff, "it ended within its headers");
+  }
+  if (needsFarewell_ && !hasFarewell_) {
+    return TransportError(TransportError::Kind::cutOff, "the server has not taken its leave");
   }
   if (decoder_ && !decoder_->isWhole()) {
     return TransportError(TransportError::Kind::protocol, "the end of the compressed text lacks");

@@ -124,6 +124,8 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
   static int listen(CURL*, curl_infotype kind, char* text, std::size_t size, void* transfer);
 
   void setVerb();
+  void watchForFarewell() noexcept;
+  [[nodiscard]] const curl_tlssessioninfo* session() const noexcept;
   void setCallbacks();
   [[nodiscard]] bool maySend(int localPort);
   void note(std::string_view text) noexcept;
@@ -151,6 +153,8 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
   std::size_t held_ = 0;
   std::optional<TransportError> failure_;
   std::optional<Clock::time_point> lastMove_;
+  bool needsFarewell_ = false;  // the end of the connection is that of the answer
+  bool hasFarewell_ = false;
   curl_off_t sent_ = 0;
   int attempts_ = 0;
   int localPort_ = 0;              // of the last attempt's connection

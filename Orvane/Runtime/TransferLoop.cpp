@@ -22,9 +22,9 @@ constexpr std::size_t mostIdleHandles = 32;
 // Connections kept open, to all hosts together.
 constexpr long mostConnections = 64;
 
-// libcurl 7.88 now and then has data of a transfer at hand and does not say so; nothing would
-// happen before the server's next word. So it is asked.
-constexpr std::chrono::milliseconds longestPause{500};
+// While transfers run, libcurl is asked this often though it has announced nothing: whatever it forgot
+// to announce would otherwise wait for the server's next word.
+constexpr std::chrono::milliseconds longestPause{1000};
 
 TransportError shutDown() { return TransportError(TransportError::Kind::cancelled); }
 
@@ -334,7 +334,7 @@ int TransferLoop::pause() {
   }
   if (!running_.empty()) shorten(longestPause);
   if (!times_.empty()) shortenTo(times_.begin()->first);
-  if (const auto change = lines_.nextChange()) shortenTo(*change);
+  if (const auto change = lines_.nextChange(Clock::now())) shortenTo(*change);
   return static_cast<int>(longest.count());
 }
 

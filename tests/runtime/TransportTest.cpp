@@ -58,6 +58,12 @@ std::string gzipped(const std::string& text) {
   return packed;
 }
 
+std::string chunk(const std::string& bytes) {
+  std::ostringstream text;
+  text << std::hex << bytes.size() << "\r\n" << bytes << "\r\n";
+  return text.str();
+}
+
 TEST(TransportTest, SendsWhatItIsGivenAndNothingElse) {
   const TestServer server(answering("ok"));
   const auto manager = managerWith({});
@@ -188,6 +194,10 @@ TEST(TransportTest, AnswersRefusalsWithStatusAndServerClock) {
       {401, "date: Sunday, 06-Nov-94 08:49:37 GMT\r\n", refused(401, date)},
       {401, "DATE: Sun Nov  6 08:49:37 1994\r\n", refused(401, date)},
       {401, "Date: soon\r\n", refused(401)},
+      {401, "Date: Thu, 31 Feb 2022 08:49:37 GMT\r\n", refused(401)},
+      {401, "Date: Thu, 29 Feb 2024 24:00:00 GMT\r\n", refused(401)},
+      {401, "Date: Thu, 06 Nov 99999999 08:49:37 GMT\r\n", refused(401)},
+      {401, "Date: Sun, 06 Nov 1994 08:49:37 GMT+1\r\n", refused(401)},
       {401, "WWW-Authenticate: Basic realm=\"x\"\r\n", refused(401)},
       {404, "", refused(404)},
       {503, "Retry-After: 0\r\n", refused(503)},
@@ -222,14 +232,24 @@ TEST(TransportTest, ReadsEveryFormOfAnswer) {
       {"HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: " +
            std::to_string(packed.size()) + "\r\n\r\n" + packed,
        text},
+      {"HTTP/1.1 200 OK\r\nContent-Encoding: GZIP\r\nTransfer-Encoding: chunked\r\n\r\n" +
+           chunk(packed.substr(0, 9)) + chunk(packed.substr(9)) + "0\r\n\r\n",
+       text},
+      {"HTTP/1.1 200 OK\r\nContent-Encoding: x-gzip\r\nContent-Length: " +
+           std::to_string(2 * packed.size()) + "\r\n\r\n" + packed + packed,
+       text + text},
+      {"HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: 0\r\n\r\n", ""},
       {"HTTP/1.1 200 OK\r\n\r\nall of it", "all of it"},  // until the connection ends
   };
-  const TestServer server([&](ServerConnection& connection, const ReceivedRequest& request) {
-    const std::size_t row = std::stoul(request.target().substr(1));
-    connection.send(rows[row].first);
-    if (row + 1 == rows.size()) connection.cut();
-  });
-  const auto manager = managerWith({});
+  const Authority authority;
+  const TestServer server(
+      [&](ServerConnection& connection, const ReceivedRequest& request) {
+        const std::size_t row = std::stoul(request.target().substr(1));
+        connection.send(rows[row].first);
+        if (row + 1 == rows.size()) connection.end();
+      },
+      authority.issue({}));
+  const auto manager = managerWith({.caPEM = authority.pem()});
   for (std::size_t row = 0; row < rows.size(); ++row) {
     const auto& [answer, body] = rows[row];
     SCOPED_TRACE(answer);
@@ -278,8 +298,26 @@ TEST(TransportTest, TellsFailuresApart) {
   const Authority unknown;
   const auto handler = [](ServerConnection& connection, const ReceivedRequest& request) {
     // Sent before the connection is cut.
-    const std::map<std::string, const char*> answers = {
+    const std::string broken = "Transfer-Encoding: chunked\r\n\r\nwhat?\r\n";
+    const std::string halfPacked = gzipped(std::string(1000, 'x')).substr(0, 20);
+    const std::string packed = "Content-Encoding: gzip\r\nContent-Length: 20\r\n\r\n" + halfPacked;
+    const std::map<std::string, std::string> answers = {
         {"/nothing", ""},
+        {"/status", "HTTP/1.1 200 OK\r\n"},
+        {"/head", "HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\nContent-Len"},
+        {"/interim", "HTTP/1.1 103 Early Hints\r\n\r\n"},
+        {"/unannounced", "HTTP/1.1 200 OK\r\n\r\nabc"},
+        {"/lengths", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\nContent-Length: 2\r\n\r\nabc"},
+        {"/length", "HTTP/1.1 200 OK\r\nContent-Length: 99999999999999999999\r\n\r\nabc"},
+        {"/chunks", "HTTP/1.1 200 OK\r\n" + broken},
+        {"/half-packed", "HTTP/1.1 200 OK\r\n" + packed},
+        {"/unpacked", "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: 3\r\n\r\nabc"},
+        {"/huge-header", "HTTP/1.1 200 OK\r\nX: " + std::string(150'000, 'x') + "\r\n\r\n"},
+        {"/endless-headers", "HTTP/1.1 200 OK\r\n"},
+        {"/silent-refusal", "HTTP/1.1 403 Forbidden\r\nContent-Length: 9\r\n\r\n"},
+        {"/packed-refusal", "HTTP/1.1 403 Forbidden\r\n" + packed},
+        {"/sloth-refusal", "HTTP/1.1 403 Forbidden\r\nContent-Encoding: sloth\r\n\r\nabc"},
+        {"/chunked-refusal", "HTTP/1.1 403 Forbidden\r\n" + broken},
         {"/short", "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc"},
         {"/short-chunk", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n9\r\nabc"},
         {"/short-refusal", "HTTP/1.1 403 Forbidden\r\nContent-Length: 9\r\n\r\nabc"},
@@ -294,6 +332,8 @@ TEST(TransportTest, TellsFailuresApart) {
     const std::string bytes(65536, 'x');
     while (target == "/endless-refusal" && connection.send(bytes)) {
     }
+    while (target == "/endless-headers" && connection.send("X: y\r\n")) {
+    }
     connection.cut();
   };
   const TestServer good(handler, authority.issue({}));
@@ -307,7 +347,7 @@ TEST(TransportTest, TellsFailuresApart) {
   const TransportOptions usual{.caPEM = authority.pem()};
   const TransportOptions impatient{.connectTimeout = 100ms, .caPEM = authority.pem()};
   const TransportOptions hurried{.totalTimeout = 100ms, .caPEM = authority.pem()};
-  const TransportOptions restless{.idleTimeout = std::chrono::seconds(1), .caPEM = authority.pem()};
+  const TransportOptions restless{.idleTimeout = 100ms, .caPEM = authority.pem()};
 
   // Without a kind it is the refusal.
   const std::tuple<std::string, TransportOptions, std::optional<Kind>> rows[] = {
@@ -326,6 +366,21 @@ TEST(TransportTest, TellsFailuresApart) {
       {good.url("/short-chunk"), usual, Kind::cutOff},
       {good.url("/garbage"), usual, Kind::protocol},
       {good.url("/encoding"), usual, Kind::protocol},
+      {good.url("/status"), usual, Kind::cutOff},
+      {good.url("/head"), usual, Kind::cutOff},
+      {good.url("/interim"), usual, Kind::cutOff},
+      {good.url("/unannounced"), usual, Kind::cutOff},
+      {good.url("/lengths"), usual, Kind::protocol},
+      {good.url("/length"), usual, Kind::protocol},
+      {good.url("/chunks"), usual, Kind::protocol},
+      {good.url("/half-packed"), usual, Kind::protocol},
+      {good.url("/unpacked"), usual, Kind::protocol},
+      {good.url("/huge-header"), usual, Kind::tooLarge},
+      {good.url("/endless-headers"), usual, Kind::protocol},
+      {good.url("/silent-refusal"), usual, {}},
+      {good.url("/packed-refusal"), usual, {}},
+      {good.url("/sloth-refusal"), usual, {}},
+      {good.url("/chunked-refusal"), usual, {}},
       {good.url("/short-refusal"), usual, {}},
       {good.url("/endless-refusal"), usual, {}},
   };
@@ -390,6 +445,29 @@ TEST(TransportTest, LetsNoRequestWaitForASlowAnswer) {
     EXPECT_EQ(get(*manager, server.url("/quick")), ok);
     EXPECT_TRUE(manager->shutdown());
     EXPECT_EQ(slow.get(), Error(TransportError(Kind::cancelled)));
+  }
+}
+
+TEST(TransportTest, TellsHowLongAServerWantsToBeLeftAlone) {
+  constexpr const char* date = "Date: Sun, 06 Nov 1994 08:49:37 GMT\r\n";
+  const std::pair<std::string, std::optional<Seconds>> rows[] = {
+      {"", {}},
+      {"Retry-After: 120\r\n", Seconds(120)},
+      {"Retry-After: 99999999999999999999999\r\n", Seconds(31'536'000)},
+      {"Retry-After: -1\r\n", {}},
+      {"Retry-After: soon\r\n", {}},
+      // By the server's own clock.
+      {std::string(date) + "Retry-After: Sun, 06 Nov 1994 08:50:37 GMT\r\n", Seconds(60)},
+      {std::string(date) + "Retry-After: Sun, 06 Nov 1994 08:48:37 GMT\r\n", Seconds(0)},
+  };
+  const TestServer server([&](ServerConnection& connection, const ReceivedRequest& request) {
+    connection.answer(503, "", rows[std::stoul(request.target().substr(1))].first);
+  });
+  const auto manager = managerWith({});
+  for (std::size_t row = 0; row < std::size(rows); ++row) {
+    const auto result = get(*manager, server.url("/" + std::to_string(row)));
+    EXPECT_EQ(result.error()->as<NetworkError>()->retryAfter(), rows[row].second)
+        << rows[row].first;
   }
 }
 

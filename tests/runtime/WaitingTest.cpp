@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: Apache-2.0
+// Requests that wait: for a connection, for one another, and how long, and how many.
+#include "tests/runtime/support/Calls.h"
+#include "tests/runtime/support/TestServer.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace orvane {
+namespace {
+
+using Kind = TransportError::Kind;
+using std::chrono_literals::operator""ms;
+using std::chrono_literals::operator""s;
+
+const std::string ok = "ok";
+
+// The handshake never ends: the test would not either.
+TEST(WaitingTest, HandshakeThatHangsHoldsUpNobodyElse) {
+  const Authority authority;
+  std::promise<void> end;
+  const auto ended = end.get_future().share();
+  const TestServer server(
+      [&](ServerConnection& connection, std::size_t number) {
+        if (number == 0) return ended.wait();
+        while (connection.receive()) connection.answer(200, ok);
+      },
+      authority.issue({}));
+  const auto manager = managerWith({.connectTimeout = 0ms, .caPEM = authority.pem()});
+  auto stuck = start(*manager, Verb::get, server.url());
+  server.waitForConnections(1);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(get(*manager, server.url()), ok);
+  EXPECT_TRUE(manager->shutdown(30s));
+  EXPECT_EQ(kindOf(stuck.get()), Kind::cancelled);
+  end.set_value();
+}
+
+// A connection whose handshake ends in time is waited for: there is no other.
+TEST(WaitingTest, ManyThatStartAtOnceAllEnd) {
+  const Authority authority;
+  const TestServer server(answering(ok), authority.issue({}));
+  const auto manager = managerWith({.caPEM = authority.pem()});
+  for (int round = 0; round < 3; ++round) {
+    std::vector<std::future<Result<std::string>>> results[4];
+    std::vector<std::thread> threads;
+    for (auto& own : results) {
+      threads.emplace_back([&] {
+        for (int i = 0; i < 250; ++i) own.push_back(start(*manager, Verb::get, server.url()));
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (auto& own : results) {
+      for (auto& result : own) {
+        ASSERT_EQ(result.wait_for(60s), std::future_status::ready) << "nobody woke the transport";
+        EXPECT_EQ(result.get(), ok);
+      }
+    }
+  }
+  EXPECT_LE(server.connectionCount(), 8U);
+}
+
+TEST(WaitingTest, NoMoreThanAllowed) {
+  const TestServer server(keepSilent);
+  const auto manager = managerWith({.maximumConnectionsPerHost = 1, .maximumWaitingRequests = 2});
+  std::vector<std::future<Result<std::string>>> pending;
+  pending.push_back(start(*manager, Verb::get, server.url()));
+  server.waitForRequests(1);
+  for (int i = 0; i < 2; ++i) pending.push_back(start(*manager, Verb::get, server.url()));
+  EXPECT_EQ(get(*manager, server.url()), Error(TransportError(Kind::overloaded)));
+  // Who gives up makes room.
+  const RequestHandle last = manager->get(*URL::parse(server.url()), {}, nullptr);
+  EXPECT_TRUE(last->isFinished());
+  EXPECT_TRUE(manager->shutdown(30s));
+  for (auto& result : pending) EXPECT_EQ(kindOf(result.get()), Kind::cancelled);
+}
+
+// Two answers, each of which fits, of which the second finds the memory taken.
+TEST(WaitingTest, AnswersShareTheMemory) {
+  std::promise<void> end;
+  const auto ended = end.get_future().share();
+  const std::string head = "HTTP/1.1 200 OK\r\nContent-Length: 70000\r\n\r\n";
+  const std::string half(35'000, 'x');
+  std::promise<void> hasHalf;
+  const TestServer server([&](ServerConnection& connection, const ReceivedRequest& request) {
+    connection.send(head + half);
+    if (request.target() == "/first") ended.wait();
+    connection.send(half);
+  });
+  const auto manager = managerWith({.maximumAnswerMemory = 100'000});
+  auto first = start(*manager, Verb::get, server.url("/first"));
+  server.waitForRequests(1);
+  // The transport's thread has seen the first half once it has answered a later request.
+  Result<std::string> second = get(*manager, server.url("/second"));
+  while (kindOf(second) != Kind::tooLarge) second = get(*manager, server.url("/second"));
+  end.set_value();
+  EXPECT_EQ(first.get().value()->size(), 70'000U);
+  EXPECT_EQ(get(*manager, server.url("/second")).value()->size(), 70'000U);
+}
+
+}  // namespace
+}  // namespace orvane
