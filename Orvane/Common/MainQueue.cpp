@@ -19,6 +19,13 @@ using TimePoint = std::chrono::steady_clock::time_point;
 
 constexpr std::chrono::milliseconds patience{5000};
 
+thread_local bool deliversAnswers = false;
+
+void checkMayWait(const Request& request) {
+  precondition(!deliversAnswers || request.isFinished(),
+               "nobody can wait for a request on a transport's thread, which is to answer it");
+}
+
 }  // namespace
 
 struct MainQueue::State {
@@ -36,6 +43,7 @@ struct MainQueue::State {
   std::optional<std::thread::id> drainer;
   TimePoint waitingSince;
   std::atomic<int> waiters{0};
+  std::shared_ptr<UniqueFunction<void()>> onAbandonedJob;
 
   // Called by a thread that is about to run jobs.
   void becomeDrainer() {
@@ -62,6 +70,7 @@ MainQueue::~MainQueue() = default;
 
 void MainQueue::async(Job job) {
   bool isJammed = false;
+  std::shared_ptr<UniqueFunction<void()>> onJob;
   {
     const std::scoped_lock lock(state_->mutex);
     if (state_->isForwarded) {
@@ -72,8 +81,10 @@ void MainQueue::async(Job job) {
     isJammed = !state_->jobs.empty();
     if (!isJammed) state_->waitingSince = state_->now();
     state_->jobs.push_back(std::move(job));
+    onJob = state_->onAbandonedJob;
   }
   state_->changed.notify_all();
+  if (onJob) (*onJob)();
   if (isJammed) warnWhenStalled();
 }
 
@@ -106,6 +117,7 @@ void MainQueue::runUntil(const std::shared_ptr<Request>& request) {
 
 bool MainQueue::runUntil(const std::shared_ptr<Request>& request, std::chrono::milliseconds limit) {
   if (!request) return true;
+  checkMayWait(*request);
   const TimePoint end = deadlineAfter(limit);
   state_->waiters.fetch_add(1, std::memory_order_seq_cst);
   std::unique_lock lock(state_->mutex);
@@ -130,6 +142,7 @@ bool MainQueue::runUntil(const std::shared_ptr<Request>& request, std::chrono::m
 
 void MainQueue::wait(const std::shared_ptr<Request>& request) {
   if (!request || isDrainedByThisThread()) return runUntil(request);
+  checkMayWait(*request);
   state_->waiters.fetch_add(1, std::memory_order_seq_cst);
   std::unique_lock lock(state_->mutex);
   while (!request->isFinished()) {
@@ -161,9 +174,23 @@ void MainQueue::forward(Post post) {
   precondition(!state_->isForwarded, "the main queue has been handed to a loop before");
   state_->post = std::move(post);
   state_->isForwarded = true;
+  state_->onAbandonedJob = nullptr;
   state_->drainer = std::this_thread::get_id();
   for (Job& job : state_->jobs) state_->post(std::move(job));
   state_->jobs.clear();
+}
+
+void MainQueue::whenAbandoned(UniqueFunction<void()> onJob) {
+  auto shared = onJob ? std::make_shared<UniqueFunction<void()>>(std::move(onJob)) : nullptr;
+  const std::scoped_lock lock(state_->mutex);
+  std::swap(state_->onAbandonedJob, shared);
+}
+
+void MainQueue::forbidWaitingOnThisThread() noexcept { deliversAnswers = true; }
+
+bool MainQueue::isForwarded() const {
+  const std::scoped_lock lock(state_->mutex);
+  return state_->isForwarded;
 }
 
 bool MainQueue::isDrainedByThisThread() const {

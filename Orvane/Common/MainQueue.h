@@ -68,6 +68,9 @@ class ORVANE_EXPORT MainQueue {
   /// is a programming fault.
   void forward(Post post);
 
+  /// True once the queue has been handed to a loop.
+  [[nodiscard]] bool isForwarded() const;
+
   /// True on the thread that drained the queue last, and on every thread before any did: where
   /// waiting for an outcome means draining the queue.
   [[nodiscard]] bool isDrainedByThisThread() const;
@@ -76,6 +79,15 @@ class ORVANE_EXPORT MainQueue {
   /// after what time it is worth asking again; zero: not before the queue moves, since no job is
   /// waiting, or this jam has been warned about. For threads that wait anyway.
   std::chrono::milliseconds warnWhenStalled();
+
+  /// For who has drained the queue and stops doing so: `onJob` is called when a job comes, and has
+  /// to see to it that somebody drains the queue; on the thread that brings the job, outside of any
+  /// lock. Null for nothing. It is forgotten when the queue is handed to a loop.
+  void whenAbandoned(UniqueFunction<void()> onJob);
+
+  /// For transports: says that this thread delivers answers. Waiting for a request here, which
+  /// would wait for the thread itself, is a programming fault from now on.
+  static void forbidWaitingOnThisThread() noexcept;
 
   /// For implementers of `Request`: makes `runUntil` look at its request again.
   void wakeWaiters() noexcept;

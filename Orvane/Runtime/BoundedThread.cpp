@@ -2,6 +2,8 @@
 #include <Orvane/Platform/Deadline.h>
 #include <Orvane/Runtime/BoundedThread.h>
 
+#include <unistd.h>
+
 #include <atomic>
 #include <condition_variable>
 #include <system_error>
@@ -38,6 +40,7 @@ BoundedThread::~BoundedThread() {
 bool BoundedThread::start(UniqueFunction<void()> body) {
   const std::scoped_lock lock(mutex_);
   state_->setRunning(true);
+  process_ = ::getpid();
   try {
     thread_ = std::thread([state = state_, body = std::move(body)]() mutable {
       state->id = std::this_thread::get_id();
@@ -57,7 +60,13 @@ bool BoundedThread::isCurrent() const noexcept {
   return state_->id.load(std::memory_order_relaxed) == std::this_thread::get_id();
 }
 
+bool BoundedThread::isOfAnotherProcess() const noexcept {
+  const pid_t process = process_.load(std::memory_order_relaxed);
+  return process != 0 && process != ::getpid();
+}
+
 bool BoundedThread::join(std::chrono::milliseconds timeout) {
+  if (isOfAnotherProcess()) return true;
   if (isCurrent() || !state_->waitForEnd(timeout)) return false;
   const std::scoped_lock lock(mutex_);
   if (thread_.joinable()) thread_.join();

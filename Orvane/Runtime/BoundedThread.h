@@ -5,6 +5,9 @@
 
 #include <Orvane/Platform/UniqueFunction.h>
 
+#include <sys/types.h>
+
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <mutex>
@@ -28,7 +31,12 @@ class BoundedThread {
   /// True on the thread itself.
   [[nodiscard]] bool isCurrent() const noexcept;
 
-  /// Waits until the thread has ended, one that was never started included. False when it has not
+  /// True in a process that was forked after the thread had been started: it has not got the
+  /// thread.
+  [[nodiscard]] bool isOfAnotherProcess() const noexcept;
+
+  /// Waits until the thread has ended, one that was never started and one
+  /// of another process included. False when it has not
   /// within `timeout`, or is the calling one.
   bool join(std::chrono::milliseconds timeout);
 
@@ -36,6 +44,7 @@ class BoundedThread {
   struct State;
 
   const std::shared_ptr<State> state_;
+  std::atomic<pid_t> process_{0};
   std::mutex mutex_;
   std::thread thread_;
 };

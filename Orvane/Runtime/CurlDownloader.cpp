@@ -32,6 +32,10 @@ RequestHandle CurlDownloader::download(URL url, std::string path, DownloadProgre
   return transfer;
 }
 
+bool CurlDownloader::waitUntilIdle(std::chrono::milliseconds timeout) {
+  return loop_->waitUntilIdle(timeout);
+}
+
 bool CurlDownloader::shutdown(std::chrono::milliseconds timeout) {
   return loop_->shutdown(timeout);
 }

@@ -40,6 +40,9 @@ class ORVANE_RUNTIME_EXPORT CurlDownloader final : public Downloader {
   RequestHandle download(URL url, std::string path, DownloadProgressHandler progress,
                          Completion<Unit> then) override;
 
+  /// As `CurlRequestManager::waitUntilIdle`, for downloads.
+  [[nodiscard]] bool waitUntilIdle(std::chrono::milliseconds timeout);
+
   /// Ends the downloads and the thread, as `CurlRequestManager::shutdown` does.
   bool shutdown(std::chrono::milliseconds timeout = std::chrono::seconds(5));
 

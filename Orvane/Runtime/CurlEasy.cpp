@@ -21,10 +21,20 @@ long asLong(Duration duration) {
   return static_cast<long>(std::min(static_cast<long long>(duration.count()), most));
 }
 
+// As libcurl wants them.
+std::string pinsOf(const TransportOptions& options) {
+  std::string pins;
+  for (const std::string& key : options.pinnedPublicKeys) {
+    if (!pins.empty()) pins += ';';
+    pins.append("sha256//").append(key);
+  }
+  return pins;
+}
+
 }  // namespace
 
 CurlEasy::CurlEasy(const TransportOptions& options, OpenSockets& sockets)
-    : options_(options), sockets_(sockets), handle_(curl_easy_init()) {
+    : options_(options), sockets_(sockets), pins_(pinsOf(options)), handle_(curl_easy_init()) {
   if (!handle_) {
     failure_ = CURLE_OUT_OF_MEMORY;
     return;
@@ -55,7 +65,7 @@ void CurlEasy::setUp() noexcept {
   set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
   set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
   set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);  // a proxy's answer is not the server's
-  if (!options_.proxy.empty()) set(CURLOPT_PROXY, options_.proxy.c_str());
+  setProxy();
   if (!options_.userAgent.empty()) set(CURLOPT_USERAGENT, options_.userAgent.c_str());
   setLimits();
   setTrust();
@@ -71,24 +81,52 @@ void CurlEasy::setLimits() noexcept {
   set(CURLOPT_TCP_KEEPINTVL, keepAlive);
 }
 
+void CurlEasy::setProxy() noexcept {
+  if (options_.proxy.empty()) return;
+  set(CURLOPT_PROXY, options_.proxy.c_str());
+  if (!options_.proxyUser.empty()) set(CURLOPT_PROXYUSERNAME, options_.proxyUser.c_str());
+  if (!options_.proxyPassword.empty()) set(CURLOPT_PROXYPASSWORD, options_.proxyPassword.c_str());
+}
+
+// A file that libcurl is to read, or a text that it is to take for one. It only reads the text: the
+// flag says that it makes no copy.
+void CurlEasy::setSource(CURLoption file, const std::string& path, CURLoption blob,
+                         const std::string& pem) noexcept {
+  if (!path.empty()) set(file, path.c_str());
+  if (pem.empty()) return;
+  curl_blob text{};
+  text.data = const_cast<char*>(pem.data());
+  text.len = pem.size();
+  text.flags = CURL_BLOB_NOCOPY;
+  set(blob, &text);
+}
+
+void CurlEasy::setIdentity() noexcept {
+  const TransportOptions& own = options_;
+  const bool hasKey = !own.clientKeyFile.empty() || !own.clientKeyPEM.empty();
+  setSource(CURLOPT_SSLCERT, own.clientCertificateFile, CURLOPT_SSLCERT_BLOB,
+            own.clientCertificatePEM);
+  setSource(CURLOPT_SSLKEY, hasKey ? own.clientKeyFile : own.clientCertificateFile,
+            CURLOPT_SSLKEY_BLOB, hasKey ? own.clientKeyPEM : own.clientCertificatePEM);
+  if (!own.clientKeyPassword.empty()) set(CURLOPT_KEYPASSWD, own.clientKeyPassword.c_str());
+}
+
 void CurlEasy::setTrust() noexcept {
   set(CURLOPT_SSL_VERIFYPEER, 1L);
   set(CURLOPT_SSL_VERIFYHOST, 2L);
   set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-  if (usesOpenSSL()) set(CURLOPT_SSL_CTX_FUNCTION, &tightenTLS);
-  if (!options_.caFile.empty()) {
-    set(CURLOPT_CAINFO, options_.caFile.c_str());
-    set(CURLOPT_CAPATH, nullptr);  // or the system's authorities would be trusted besides
+  if (usesOpenSSL()) {
+    set(CURLOPT_SSL_CTX_FUNCTION, &tightenTLS);
+    set(CURLOPT_SSL_CTX_DATA, const_cast<TransportOptions*>(&options_));
   }
-  if (!options_.caPEM.empty()) {
-    curl_blob text{};
-    // libcurl only reads it: the flag says that it makes no copy.
-    text.data = const_cast<char*>(options_.caPEM.data());
-    text.len = options_.caPEM.size();
-    text.flags = CURL_BLOB_NOCOPY;
-    set(CURLOPT_CAINFO_BLOB, &text);
-    set(CURLOPT_CAPATH, nullptr);
+  setSource(CURLOPT_CAINFO, options_.caFile, CURLOPT_CAINFO_BLOB, options_.caPEM);
+  // Or the system's authorities would be trusted besides.
+  if (!options_.caFile.empty() || !options_.caPEM.empty()) set(CURLOPT_CAPATH, nullptr);
+  if (!options_.revocationListFile.empty()) {
+    set(CURLOPT_CRLFILE, options_.revocationListFile.c_str());
   }
+  if (!pins_.empty()) set(CURLOPT_PINNEDPUBLICKEY, pins_.c_str());
+  setIdentity();
 }
 
 std::string CurlEasy::header(const char* name) const {

@@ -59,10 +59,15 @@ class CurlEasy {
 
   void setUp() noexcept;
   void setLimits() noexcept;
+  void setProxy() noexcept;
   void setTrust() noexcept;
+  void setIdentity() noexcept;
+  void setSource(CURLoption file, const std::string& path, CURLoption blob,
+                 const std::string& pem) noexcept;
 
   const TransportOptions& options_;
   OpenSockets& sockets_;
+  const std::string pins_;
   std::unique_ptr<CURL, Cleanup> handle_;
   CURLcode failure_ = CURLE_OK;
   std::array<char, CURL_ERROR_SIZE> errorText_{};

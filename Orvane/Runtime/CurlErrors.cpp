@@ -69,6 +69,8 @@ TransportError::Kind kindOf(CURLcode code) {
 
 Error errorOf(CURLcode code, std::string details) {
   if (code == CURLE_URL_MALFORMAT) return NetworkError::malformedRequest;
+  // libcurl shows such an address, which the environment gave, with the password in it.
+  if (details.starts_with("Unsupported proxy")) details = "the environment's proxy can't be used";
   if (details.empty()) details = curl_easy_strerror(code);
   const auto kind = isAboutChunks(details) ? TransportError::Kind::protocol : kindOf(code);
   return TransportError(kind, std::move(details));

@@ -5,6 +5,7 @@
 #include <Orvane/Runtime/Transfer.h>
 #include <Orvane/Runtime/TransferLoop.h>
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -23,18 +24,28 @@ CurlRequestManager::~CurlRequestManager() { shutdown(); }
 
 RequestHandle CurlRequestManager::send(Verb verb, URL url, std::string body, Headers headers,
                                        Completion<std::string> then) {
+  return send(verb, std::move(url), std::move(body), std::move(headers),
+              Transfer::Clock::time_point::max(), std::move(then));
+}
+
+RequestHandle CurlRequestManager::send(Verb verb, URL url, std::string body, Headers headers,
+                                       std::chrono::steady_clock::time_point deadline,
+                                       Completion<std::string> then) {
   OutgoingRequest request{verb, std::move(url), std::move(body), std::move(headers)};
   if (auto error = check(request, loop_->options().allowsPlainHTTP)) {
     then(*std::move(error));
     return std::make_shared<EmptyRequest>();
   }
   const auto limit = loop_->options().totalTimeout;
-  const auto deadline =
-      limit.count() > 0 ? deadlineAfter(limit) : Transfer::Clock::time_point::max();
+  if (limit.count() > 0) deadline = std::min(deadline, deadlineAfter(limit));
   auto transfer = std::make_shared<Transfer>(loop_, std::move(request), std::move(then), deadline);
   transfer->writeHeaderLines();
   loop_->start(transfer);
   return transfer;
+}
+
+bool CurlRequestManager::waitUntilIdle(std::chrono::milliseconds timeout) {
+  return loop_->waitUntilIdle(timeout);
 }
 
 bool CurlRequestManager::shutdown(std::chrono::milliseconds timeout) {

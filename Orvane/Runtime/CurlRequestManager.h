@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace orvane {
 
@@ -47,9 +48,31 @@ struct ORVANE_RUNTIME_EXPORT TransportOptions {
   std::string caPEM{};
   /// Allows http to hosts other than this machine: tokens then travel in the clear.
   bool allowsPlainHTTP{false};
-  /// A proxy's URL. Empty: as the environment says (https_proxy, no_proxy, …). Requests to this
-  /// machine never use one.
+  /// Keys that the server must have, whoever vouches for it: the SHA-256 of the public key's DER
+  /// form (SubjectPublicKeyInfo) in base64, one of which it must be. Empty: any. Where libcurl has
+  /// no pinning no connection is made.
+  std::vector<std::string> pinnedPublicKeys{};
+  /// A file with lists (PEM) of certificates that their authorities have revoked; with it, each
+  /// authority in a server's chain must have a list there.
+  std::string revocationListFile{};
+  /// What this side shows where a server asks who it is: a certificate (PEM) and its private key,
+  /// each as a file or a text. A key that is not given stands with the certificate.
+  std::string clientCertificateFile{};
+  std::string clientCertificatePEM{};
+  std::string clientKeyFile{};
+  std::string clientKeyPEM{};
+  /// Opens the private key, where it is encrypted.
+  std::string clientKeyPassword{};
+  /// Lets SSLKEYLOGFILE of the environment have its way: whoever has that file can read what was
+  /// transferred. For debugging only.
+  bool allowsKeyLog{false};
+
+  /// A proxy's URL: http, https, socks4, socks4a, socks5 or socks5h, host and port (1080). Empty:
+  /// as the environment says (https_proxy, no_proxy, …). Requests to this machine never use one.
   std::string proxy{};
+  /// Who the proxy is to be told that asks; a user in the proxy's URL is the same.
+  std::string proxyUser{};
+  std::string proxyPassword{};
   /// The value of "User-Agent"; empty: none is sent.
   std::string userAgent{};
 
@@ -84,6 +107,14 @@ class ORVANE_RUNTIME_EXPORT CurlRequestManager final : public RequestManager {
 
   RequestHandle send(Verb verb, URL url, std::string body, Headers headers,
                      Completion<std::string> then) override;
+  /// The same with a deadline of its own, for whoever sends a request as part of something that has
+  /// one. `TransportOptions::totalTimeout` holds besides.
+  RequestHandle send(Verb verb, URL url, std::string body, Headers headers,
+                     std::chrono::steady_clock::time_point deadline, Completion<std::string> then);
+
+  /// Waits until every request has been answered or cancelled, and its handler has returned. False
+  /// when one had not within `timeout`, and in a handler. Any thread.
+  [[nodiscard]] bool waitUntilIdle(std::chrono::milliseconds timeout);
 
   /// Ends the transfers and the thread. Requests under way, and any started from now on, are
   /// answered with `TransportError::Kind::cancelled`. Waits for the thread up to `timeout`; false

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Runtime/CurlRequestManager.h>
 #include <Orvane/Runtime/CurlTLS.h>
 
 #include <openssl/ssl.h>
@@ -29,7 +30,10 @@ bool hasTakenLeave(const curl_tlssessioninfo& session) noexcept {
   return (state & SSL_RECEIVED_SHUTDOWN) != 0;
 }
 
-CURLcode tightenTLS(CURL*, void* context, void*) noexcept {
+CURLcode tightenTLS(CURL*, void* context, void* options) noexcept {
+  if (!static_cast<const TransportOptions*>(options)->allowsKeyLog) {
+    SSL_CTX_set_keylog_callback(static_cast<SSL_CTX*>(context), nullptr);
+  }
 #ifdef SSL_OP_IGNORE_UNEXPECTED_EOF
   SSL_CTX_clear_options(static_cast<SSL_CTX*>(context), SSL_OP_IGNORE_UNEXPECTED_EOF);
 #endif

@@ -19,7 +19,8 @@ namespace orvane {
 [[nodiscard]] bool hasTakenLeave(const curl_tlssessioninfo& session) noexcept;
 
 /// For `CURLOPT_SSL_CTX_FUNCTION`: takes back what libcurl sets so that a connection which has been
-/// cut looks like one that was ended.
-CURLcode tightenTLS(CURL*, void* context, void*) noexcept;
+/// cut looks like one that was ended; and, unless the options allow it, has no keys written to a
+/// file. Its data are the `TransportOptions`.
+CURLcode tightenTLS(CURL*, void* context, void* options) noexcept;
 
 }  // namespace orvane

@@ -5,8 +5,11 @@
 
 #include <Orvane/Runtime/BoundedThread.h>
 
+#include <unistd.h>
+
 #include <atomic>
 #include <chrono>
+#include <memory>
 
 namespace orvane {
 
@@ -18,13 +21,30 @@ class MainQueueThread {
   /// system has no thread to give.
   [[nodiscard]] bool start();
 
-  /// Ends the thread after the job at hand and waits for it. False when it has not ended within
-  /// `timeout`, or is the calling one. Jobs that are left wait for whoever drains the queue next.
+  /// Runs what waits, and what that adds; returns when it is done. False when it was not within
+  /// `timeout`, or when this is the thread.
+  [[nodiscard]] bool settle(std::chrono::milliseconds timeout) const;
+
+  /// Ends the thread when it has run what waits, and what that adds, and waits for it. False when
+  /// it has not ended within `timeout`, or is the calling one. Whatever comes later is run by a
+  /// thread that lasts no longer than that, until `disown`.
   bool stop(std::chrono::milliseconds timeout);
 
+  /// Leaves the main queue to others; to be called before another drains it.
+  static void disown();
+
  private:
+  struct State {
+    std::atomic<bool> isStopped{false};
+    std::atomic<bool> isDraining{false};  // what came later
+    const pid_t process = ::getpid();
+  };
+
+  static void drainLate(const std::shared_ptr<State>& state);
+
   BoundedThread thread_;
-  std::atomic<bool> isStopped_{false};
+  std::shared_ptr<State> state_ = std::make_shared<State>();
+  std::atomic<bool> isToStop_{false};
 };
 
 }  // namespace orvane

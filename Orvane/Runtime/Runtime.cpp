@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Common/Container.h>
 #include <Orvane/Common/FirmwareHost.h>
+#include <Orvane/Common/MainQueue.h>
 #include <Orvane/Common/Stores.h>
 #include <Orvane/Core/Resolvers.h>
 #include <Orvane/Core/UserIdentifier.h>
@@ -23,6 +24,14 @@ namespace orvane {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+// How long to wait for answers before the main queue is looked at again.
+constexpr std::chrono::milliseconds longestLook{50};
+
+std::chrono::milliseconds timeUntil(Clock::time_point end) {
+  return std::max(std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()),
+                  std::chrono::milliseconds::zero());
+}
 
 // What is registered. All of it lasts until something else is registered.
 struct Parts {
@@ -101,6 +110,14 @@ void registerParts(const Parts& parts) {
 struct Runtime::State {
   Parts parts;
   std::optional<MainQueueThread> mainQueueThread;
+
+  // Runs what waits in the main queue, where that is the Runtime's business or this thread's.
+  [[nodiscard]] bool settleMainQueue(Clock::time_point end) const {
+    if (mainQueueThread) return mainQueueThread->settle(timeUntil(end));
+    MainQueue& queue = MainQueue::main();
+    if (!queue.isForwarded() && queue.isDrainedByThisThread()) queue.drain();
+    return true;
+  }
 };
 
 Result<Runtime> Runtime::install(RuntimeOptions options) {
@@ -113,6 +130,7 @@ Result<Runtime> Runtime::install(RuntimeOptions options) {
   if (!parts.value()) return failed(*parts.error());
   auto state = std::make_shared<State>();
   state->parts = *std::move(parts).value();
+  if (!options.drainsMainQueue) MainQueueThread::disown();
   if (options.drainsMainQueue && !state->mainQueueThread.emplace().start()) {
     return failed(ConfigurationError("drainsMainQueue: no thread can be started"));
   }
@@ -135,14 +153,25 @@ void Runtime::signOut(const Identity& identity) const {
 
 bool Runtime::shutdown(std::chrono::milliseconds timeout) const {
   const Clock::time_point end = deadlineAfter(timeout);
-  const auto left = [end] {
-    return std::max(std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()),
-                    std::chrono::milliseconds::zero());
-  };
   bool isDown = state_->parts.requestManager->shutdown(timeout);
-  isDown = state_->parts.downloader->shutdown(left()) && isDown;
-  if (state_->mainQueueThread) isDown = state_->mainQueueThread->stop(left()) && isDown;
+  isDown = state_->parts.downloader->shutdown(timeUntil(end)) && isDown;
+  if (state_->mainQueueThread) isDown = state_->mainQueueThread->stop(timeUntil(end)) && isDown;
   return isDown;
+}
+
+bool Runtime::finish(std::chrono::milliseconds patience, std::chrono::milliseconds timeout) const {
+  const Clock::time_point end = deadlineAfter(patience);
+  const auto isIdle = [this](Clock::time_point until) {
+    return state_->parts.requestManager->waitUntilIdle(timeUntil(until)) &&
+           state_->parts.downloader->waitUntilIdle(timeUntil(until));
+  };
+  // What the main queue holds may start requests, and their answers add to what it holds.
+  bool isDone = false;
+  while (!isDone && Clock::now() < end && state_->settleMainQueue(end)) {
+    if (!isIdle(std::min(end, deadlineAfter(longestLook)))) continue;
+    isDone = state_->settleMainQueue(end) && isIdle(Clock::now());
+  }
+  return shutdown(timeout) && isDone;
 }
 
 }  // namespace orvane

@@ -95,6 +95,12 @@ std::string valueWithoutSecrets(const std::string& name, std::string_view value)
 
 }  // namespace
 
+Transfer::Transfer(std::shared_ptr<TransferLoop> loop, OutgoingRequest request,
+                   Completion<std::string> then, Clock::time_point end)
+    : deadline(end), loop_(std::move(loop)), request_(std::move(request)), then_(std::move(then)) {
+  loop_->hasBegun();
+}
+
 bool Transfer::cancel() {
   State expected = State::pending;
   if (!state_.compare_exchange_strong(expected, State::cancelled, std::memory_order_seq_cst)) {
@@ -105,6 +111,7 @@ bool Transfer::cancel() {
   loop_->drop(self);
   then_ = nullptr;
   MainQueue::main().wakeWaiters();
+  loop_->hasFinished();
   return true;
 }
 
@@ -119,6 +126,7 @@ void Transfer::complete(Result<std::string> outcome) {
   std::exchange(then_, nullptr)(std::move(outcome));
   state_.store(State::finished, std::memory_order_seq_cst);
   MainQueue::main().wakeWaiters();
+  loop_->hasFinished();
 }
 
 std::optional<Error> Transfer::prepare(std::unique_ptr<CurlEasy> easy) {
@@ -353,6 +361,11 @@ Error Transfer::refusal() const {
 
 Error Transfer::failureOf(CURLcode code, std::string details) const {
   if (details.empty() && easy_) details = easy_->errorText();
+  const auto proxyStatus = easy_ ? easy_->info<long>(CURLINFO_HTTP_CONNECTCODE) : 0L;
+  if (proxyStatus >= 300 && head_.status() == 0) {
+    return TransportError(TransportError::Kind::connection,
+                          "the proxy refused with status " + std::to_string(proxyStatus));
+  }
   // What libcurl collects before it hands it on.
   if (isAboutMemory(code) && !head_.isComplete()) {
     return TransportError(TransportError::Kind::tooLarge, "its headers");

@@ -35,11 +35,7 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
 
   /// @param end when the answer must be complete.
   Transfer(std::shared_ptr<TransferLoop> loop, OutgoingRequest request,
-           Completion<std::string> then, Clock::time_point end = Clock::time_point::max())
-      : deadline(end),
-        loop_(std::move(loop)),
-        request_(std::move(request)),
-        then_(std::move(then)) {}
+           Completion<std::string> then, Clock::time_point end = Clock::time_point::max());
 
   bool cancel() override;
   [[nodiscard]] bool isFinished() const noexcept override;

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Common/MainQueue.h>
+#include <Orvane/Platform/Deadline.h>
+#include <Orvane/Runtime/ConfiguredProxy.h>
 #include <Orvane/Runtime/CurlErrors.h>
 #include <Orvane/Runtime/TransferLoop.h>
 #include <Orvane/Runtime/TransportError.h>
@@ -22,11 +24,17 @@ constexpr std::size_t mostIdleHandles = 32;
 // Connections kept open, to all hosts together.
 constexpr long mostConnections = 64;
 
-// While transfers run, libcurl is asked this often though it has announced nothing: whatever it forgot
-// to announce would otherwise wait for the server's next word.
+// While transfers run, libcurl is asked this often though it has announced nothing: whatever it
+// forgot to announce would otherwise wait for the server's next word.
 constexpr std::chrono::milliseconds longestPause{1000};
 
 TransportError shutDown() { return TransportError(TransportError::Kind::cancelled); }
+
+TransportError orphaned() {
+  return TransportError(TransportError::Kind::other,
+                        "this process was forked after the transport had started, and has not got "
+                        "its thread: a forked process needs a transport of its own");
+}
 
 // To come before anything else that asks something of OpenSSL: its first initialisation decides.
 // False when libcurl can't be initialised.
@@ -67,6 +75,7 @@ Result<std::shared_ptr<TransferLoop>> TransferLoop::make(TransportOptions option
   const ConfigurationError noLibcurl("libcurl can't be initialised");
   if (!prepareProcess()) return noLibcurl;
   if (auto problem = problemWith(options)) return *std::move(problem);
+  if (auto problem = separateProxyCredentials(options)) return *std::move(problem);
   auto loop = std::make_shared<TransferLoop>(std::move(options));
   if (loop->multi_ == nullptr) return noLibcurl;
   return loop;
@@ -82,6 +91,8 @@ TransferLoop::~TransferLoop() {
 }
 
 void TransferLoop::start(const std::shared_ptr<Transfer>& transfer) {
+  // Before the lock, which a thread of the parent's may have held.
+  if (thread_.isOfAnotherProcess()) return transfer->complete(orphaned());
   std::unique_lock lock(mutex_);
   if (auto error = problemWithStarting()) {
     lock.unlock();
@@ -103,6 +114,7 @@ std::optional<Error> TransferLoop::problemWithStarting() {
 }
 
 void TransferLoop::drop(const std::shared_ptr<Transfer>& transfer) {
+  if (thread_.isOfAnotherProcess()) return;
   std::unique_lock lock(mutex_);
   if (inbox_.isStopping || !hasStarted_) return;
   inbox_.dropped.push_back(transfer);
@@ -119,7 +131,22 @@ void TransferLoop::wake(std::unique_lock<std::mutex> lock) {
   wakers_.fetch_sub(1);
 }
 
+bool TransferLoop::waitUntilIdle(std::chrono::milliseconds timeout) {
+  if (thread_.isOfAnotherProcess()) return true;
+  if (thread_.isCurrent()) return false;
+  std::unique_lock lock(mutex_);
+  return isIdle_.wait_until(lock, deadlineAfter(timeout), [this] { return unfinished_ == 0; });
+}
+
+void TransferLoop::hasFinished() noexcept {
+  if (--unfinished_ != 0 || thread_.isOfAnotherProcess()) return;
+  // The lock makes sure that who has just looked is asleep by now.
+  { const std::scoped_lock lock(mutex_); }
+  isIdle_.notify_all();
+}
+
 bool TransferLoop::shutdown(std::chrono::milliseconds timeout) {
+  if (thread_.isOfAnotherProcess()) return true;
   {
     std::unique_lock lock(mutex_);
     inbox_.isStopping = true;
@@ -130,6 +157,7 @@ bool TransferLoop::shutdown(std::chrono::milliseconds timeout) {
 
 void TransferLoop::run() {
   blockSignals();
+  MainQueue::forbidWaitingOnThisThread();
   Inbox inbox = takeInbox();
   for (; !inbox.isStopping; inbox = takeInbox()) {
     for (const auto& transfer : inbox.dropped) abandon(*transfer);

@@ -14,6 +14,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -44,6 +45,12 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   void drop(const std::shared_ptr<Transfer>& transfer);
   /// See `CurlRequestManager::shutdown`.
   bool shutdown(std::chrono::milliseconds timeout);
+  /// Waits until every transfer has ended, and its handler returned. False when one had not within
+  /// `timeout`, and on the loop's own thread. Any thread.
+  [[nodiscard]] bool waitUntilIdle(std::chrono::milliseconds timeout);
+  /// Counts the transfers that have not ended. Any thread.
+  void hasBegun() noexcept { ++unfinished_; }
+  void hasFinished() noexcept;
 
   // What follows, up to the end, is for the loop's thread.
   /// The other side has closed the connection that has this port on this side.
@@ -108,6 +115,8 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   std::mutex mutex_;
   Inbox inbox_;
   bool hasStarted_ = false;
+  std::atomic<std::size_t> unfinished_{0};
+  std::condition_variable isIdle_;
   std::atomic<bool> isWaiting_{false};
   std::atomic<int> wakers_{0};
 

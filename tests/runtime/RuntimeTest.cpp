@@ -16,6 +16,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
 #include <future>
 #include <vector>
@@ -297,6 +298,59 @@ TEST(RuntimeDeathTest, DrainsTheMainQueueOnAThreadOfItsOwn) {
     std::_Exit(0);
   };
   EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
+}
+
+// A `stop()` left over from before, a resolution under way at the shutdown, and calls after it:
+// each handler is called, once. In a process of its own, as above.
+TEST(RuntimeDeathTest, AnswersEveryCallHoweverItEnds) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  const auto run = [] {
+    const TestServer server(keepSilent);
+    MainQueue::main().stop();
+    const Runtime runtime =
+        install({.baseURL = server.url(), .tokens = "ann", .drainsMainQueue = true});
+    const UserService users(Identity{"key", {}});
+    const Error shutDown = TransportError(TransportError::Kind::cancelled);
+    std::promise<Result<User>> answers[3];
+    const auto fetch = [&](int number) {
+      users.fetch({}, {}, [&answers, number](Result<User> user) {
+        answers[number].set_value(std::move(user));
+      });
+    };
+    // The second one is started where the first one is answered: on the main queue.
+    users.fetch({}, {}, [&](Result<User> user) {
+      answers[0].set_value(std::move(user));
+      fetch(1);
+    });
+    server.waitForRequests(1);
+    if (!runtime.shutdown(std::chrono::seconds(30))) std::_Exit(2);
+    fetch(2);
+    for (auto& answer : answers) {
+      if (answer.get_future().get().error() != shutDown) std::_Exit(3);
+    }
+    std::_Exit(0);
+  };
+  EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
+}
+
+TEST(RuntimeDeathTest, FinishesWhatIsUnderWay) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  const auto run = [](bool drainsMainQueue) {
+    const Backend backend;
+    const Runtime runtime = install(
+        {.baseURL = backend.url("/base"), .tokens = "ann", .drainsMainQueue = drainsMainQueue});
+    const UserService users(Identity{"key", {}});
+    std::atomic<int> answered = 0;
+    for (int i = 0; i < 20; ++i) {
+      users.fetch({}, {}, [&](Result<User> user) { answered += user ? 1 : 0; });
+    }
+    if (!runtime.finish(std::chrono::seconds(30)) || answered != 20) std::_Exit(2);
+    const TestServer silent(keepSilent);
+    const Runtime other = install({.baseURL = silent.url(), .tokens = "ann"});
+    UserService(Identity{"other", {}}).fetch({}, {}, nullptr);
+    std::_Exit(other.finish(std::chrono::milliseconds(20)) ? 3 : 0);
+  };
+  for (const bool drains : {false, true}) EXPECT_EXIT(run(drains), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

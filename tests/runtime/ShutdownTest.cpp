@@ -6,6 +6,8 @@
 #include <Orvane/Runtime/TransportError.h>
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <thread>
 #include <vector>
@@ -106,6 +108,70 @@ TEST(ShutdownTest, HandlesOutliveTheManager) {
   EXPECT_EQ(outcome.result(), shutDown);
   EXPECT_TRUE(request->isFinished());
   EXPECT_FALSE(request->cancel());
+}
+
+TEST(ShutdownTest, CanWaitForWhatIsUnderWay) {
+  std::promise<void> gate;
+  const auto opened = gate.get_future().share();
+  const TestServer server([&](ServerConnection& connection, const ReceivedRequest&) {
+    opened.wait();
+    connection.answer(200, "/");
+  });
+  const auto manager = managerWith({.maximumConnectionsPerHost = 1});
+  EXPECT_TRUE(manager->waitUntilIdle(0ms));
+  std::vector<std::future<Result<std::string>>> results;
+  for (int i = 0; i < 3; ++i) results.push_back(start(*manager, Verb::get, server.url()));
+  const RequestHandle cancelled = manager->get(*URL::parse(server.url()), {}, nullptr);
+  EXPECT_FALSE(manager->waitUntilIdle(1ms));
+  EXPECT_TRUE(cancelled->cancel());
+  gate.set_value();
+  EXPECT_TRUE(manager->waitUntilIdle(30s));
+  for (auto& result : results) EXPECT_EQ(result.get(), std::string("/"));
+
+  std::promise<bool> inside;
+  manager->get(*URL::parse(server.url()), {},
+               [&](Result<std::string>) { inside.set_value(manager->waitUntilIdle(30s)); });
+  EXPECT_FALSE(inside.get_future().get()) << "the thread cannot wait for itself";
+}
+
+TEST(ShutdownDeathTest, WaitingInAHandlerSaysSo) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  const auto run = [](bool drains) {
+    const TestServer server(answering("/"));
+    const auto manager = managerWith({});
+    std::promise<void> never;
+    manager->get(*URL::parse(server.url()), {}, [&](Result<std::string>) {
+      const RequestHandle next = manager->get(*URL::parse(server.url()), {}, nullptr);
+      drains ? MainQueue::main().runUntil(next) : MainQueue::main().wait(next);
+    });
+    never.get_future().wait();
+  };
+  for (const bool drains : {false, true}) {
+    EXPECT_DEATH(run(drains), "Fatal error: nobody can wait for a request on a transport's thread");
+  }
+}
+
+// A child has got the parent's connections and none of its threads.
+TEST(ShutdownDeathTest, AForkedProcessIsToldAtOnce) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  const auto run = [] {
+    const TestServer server(answering("/"));
+    const auto manager = managerWith({});
+    if (!get(*manager, server.url())) std::_Exit(2);
+    const pid_t child = ::fork();
+    if (child == 0) {
+      const auto result = get(*manager, server.url());
+      const bool isTold =
+          result.error() && result.error()->message().find("forked") != std::string::npos;
+      if (!isTold || !manager->shutdown(30s)) std::_Exit(3);
+      std::_Exit(get(*managerWith({}), server.url()) == std::string("/") ? 0 : 4);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    if (!get(*manager, server.url()) || server.connectionCount() != 2) std::_Exit(5);
+    std::_Exit(WIFEXITED(status) ? WEXITSTATUS(status) : 6);
+  };
+  EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
 }
 
 // Threads that come and go with their managers, while requests are started and cancelled.

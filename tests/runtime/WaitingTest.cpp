@@ -63,6 +63,28 @@ TEST(WaitingTest, ManyThatStartAtOnceAllEnd) {
   EXPECT_LE(server.connectionCount(), 8U);
 }
 
+// The first one has all the time there is, and the only connection: the others do not wait for it.
+TEST(WaitingTest, DeadlinesHoldInTheLine) {
+  const TestServer server(keepSilent);
+  const auto manager =
+      managerWith({.idleTimeout = 0s, .totalTimeout = 0ms, .maximumConnectionsPerHost = 1});
+  auto first = start(*manager, Verb::get, server.url());
+  server.waitForRequests(1);
+  std::vector<std::future<Result<std::string>>> results;
+  for (int i = 0; i < 5; ++i) {
+    std::promise<Result<std::string>> promise;
+    results.push_back(promise.get_future());
+    manager->send(Verb::get, *URL::parse(server.url()), {}, {},
+                  std::chrono::steady_clock::now() + i * 20ms,
+                  [promise = std::move(promise)](Result<std::string> result) mutable {
+                    promise.set_value(std::move(result));
+                  });
+  }
+  for (auto& result : results) EXPECT_EQ(kindOf(result.get()), Kind::timeOut);
+  EXPECT_EQ(first.wait_for(0s), std::future_status::timeout);
+  EXPECT_TRUE(manager->shutdown(30s));
+}
+
 TEST(WaitingTest, NoMoreThanAllowed) {
   const TestServer server(keepSilent);
   const auto manager = managerWith({.maximumConnectionsPerHost = 1, .maximumWaitingRequests = 2});

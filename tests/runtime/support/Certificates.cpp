@@ -35,14 +35,40 @@ std::shared_ptr<X509> draft(const char* name, EVP_PKEY* key, long expiresIn) {
   return certificate;
 }
 
-}  // namespace
-
-std::string Credentials::pem() const {
+// What `write` writes.
+template <class Write>
+std::string written(Write write) {
   const std::shared_ptr<BIO> text(BIO_new(BIO_s_mem()), &BIO_free);
-  PEM_write_bio_X509(text.get(), certificate.get());
+  write(text.get());
   char* bytes = nullptr;
   const long size = BIO_get_mem_data(text.get(), &bytes);
   return {bytes, static_cast<std::size_t>(size)};
+}
+
+}  // namespace
+
+std::string Credentials::pem() const {
+  return written([this](BIO* text) { PEM_write_bio_X509(text, certificate.get()); });
+}
+
+std::string Credentials::keyPEM(const std::string& password) const {
+  return written([&](BIO* text) {
+    const auto* bytes = reinterpret_cast<const unsigned char*>(password.data());
+    PEM_write_bio_PrivateKey(text, key.get(), password.empty() ? nullptr : EVP_aes_256_cbc(),
+                             password.empty() ? nullptr : bytes, static_cast<int>(password.size()),
+                             nullptr, nullptr);
+  });
+}
+
+std::string Credentials::pin() const {
+  unsigned char* bytes = nullptr;
+  const int size = i2d_PUBKEY(key.get(), &bytes);
+  unsigned char hash[32];
+  EVP_Digest(bytes, static_cast<std::size_t>(size), hash, nullptr, EVP_sha256(), nullptr);
+  OPENSSL_free(bytes);
+  unsigned char text[45];
+  EVP_EncodeBlock(text, hash, sizeof hash);
+  return reinterpret_cast<const char*>(text);
 }
 
 Authority::Authority() {
@@ -51,7 +77,7 @@ Authority::Authority() {
   X509* certificate = credentials_.certificate.get();
   X509_set_issuer_name(certificate, X509_get_subject_name(certificate));
   addExtension(certificate, NID_basic_constraints, "critical,CA:TRUE");
-  addExtension(certificate, NID_key_usage, "critical,keyCertSign");
+  addExtension(certificate, NID_key_usage, "critical,keyCertSign,cRLSign");
   X509_sign(certificate, credentials_.key.get(), EVP_sha256());
 }
 
@@ -64,6 +90,24 @@ Credentials Authority::issue(const CertificateOptions& options) const {
   addExtension(certificate, NID_subject_alt_name, ("IP:" + options.address).c_str());
   X509_sign(certificate, credentials_.key.get(), EVP_sha256());
   return issued;
+}
+
+std::string Authority::revocationList(const Credentials* revoked) const {
+  const std::shared_ptr<X509_CRL> list(X509_CRL_new(), &X509_CRL_free);
+  X509_CRL_set_version(list.get(), X509_CRL_VERSION_2);
+  X509_CRL_set_issuer_name(list.get(), X509_get_subject_name(credentials_.certificate.get()));
+  const std::shared_ptr<ASN1_TIME> time(X509_gmtime_adj(nullptr, -60), &ASN1_TIME_free);
+  X509_CRL_set1_lastUpdate(list.get(), time.get());
+  X509_REVOKED* entry = revoked != nullptr ? X509_REVOKED_new() : nullptr;
+  if (entry != nullptr) {
+    X509_REVOKED_set_serialNumber(entry, X509_get_serialNumber(revoked->certificate.get()));
+    X509_REVOKED_set_revocationDate(entry, time.get());
+    X509_CRL_add0_revoked(list.get(), entry);
+  }
+  X509_gmtime_adj(time.get(), 3600);
+  X509_CRL_set1_nextUpdate(list.get(), time.get());
+  X509_CRL_sign(list.get(), credentials_.key.get(), EVP_sha256());
+  return written([&](BIO* text) { PEM_write_bio_X509_CRL(text, list.get()); });
 }
 
 }  // namespace orvane

@@ -17,6 +17,10 @@ struct Credentials {
 
   /// The certificate as PEM.
   [[nodiscard]] std::string pem() const;
+  /// The private key as PEM, encrypted where there is a password.
+  [[nodiscard]] std::string keyPEM(const std::string& password = {}) const;
+  /// The SHA-256 of the public key, in base64.
+  [[nodiscard]] std::string pin() const;
 };
 
 /// What a server's certificate says.
@@ -33,6 +37,9 @@ class Authority {
 
   [[nodiscard]] Credentials issue(const CertificateOptions& options) const;
   [[nodiscard]] std::string pem() const { return credentials_.pem(); }
+  [[nodiscard]] const Credentials& credentials() const noexcept { return credentials_; }
+  /// A list of revoked certificates as PEM, with that of `revoked` on it, if there is one.
+  [[nodiscard]] std::string revocationList(const Credentials* revoked = nullptr) const;
 
  private:
   Credentials credentials_;

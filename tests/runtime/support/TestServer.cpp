@@ -163,6 +163,13 @@ TestServer::TestServer(Handler handler, std::optional<Credentials> credentials)
           },
           credentials ? contextWith(*credentials) : nullptr) {}
 
+TestServer::TestServer(Handler handler, const Credentials& credentials,
+                       const Credentials& authority)
+    : TestServer(std::move(handler), credentials) {
+  SSL_CTX_set_verify(context_.get(), SSL_VERIFY_PEER | SSL_VERIFY_FAIL_IF_NO_PEER_CERT, nullptr);
+  X509_STORE_add_cert(SSL_CTX_get_cert_store(context_.get()), authority.certificate.get());
+}
+
 TestServer::TestServer(ConnectionHandler handler, const Credentials& credentials,
                        std::string_view protocol)
     : TestServer(std::move(handler), contextWith(credentials, protocol)) {}

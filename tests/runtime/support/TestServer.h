@@ -88,6 +88,8 @@ class TestServer {
   /// Leaves connections to `handler`. With `protocol`, that is what is agreed on (RFC 7301).
   TestServer(ConnectionHandler handler, const Credentials& credentials,
              std::string_view protocol = {});
+  /// Answers only who shows a certificate of `authority`.
+  TestServer(Handler handler, const Credentials& credentials, const Credentials& authority);
   /// Cuts all connections and waits for their threads.
   ~TestServer();
   TestServer(const TestServer&) = delete;
