@@ -193,7 +193,8 @@ void Transfer::setVerb() {
 }
 
 int Transfer::beforeSending(void* transfer, char*, char*, int, int localPort) {
-  const bool may = static_cast<Transfer*>(transfer)->maySend(localPort);
+  Transfer& self = *static_cast<Transfer*>(transfer);
+  const bool may = withoutThrowing([&] { return self.maySend(localPort); });
   return may ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
 }
 
@@ -231,6 +232,7 @@ bool Transfer::goesOutAgain(CURLcode code) noexcept {
   const bool isUnanswered = !failure_ && head_.status() == 0 && attempts_ > 0 && isCut(code);
   const bool wasKept = easy_->info<long>(CURLINFO_NUM_CONNECTS) == 0;
   if (!isPending() || (!isUnsent && !(isUnanswered && wasKept && mayRepeat()))) return false;
+  lastMove_.reset();
   easy_->set(CURLOPT_FRESH_CONNECT, 1L);
   return easy_->failure() == CURLE_OK;
 }
@@ -280,6 +282,8 @@ bool Transfer::keepHead(std::string_view line) {
   if (!head_.take(line)) return fail(*head_.problem());
   if (!head_.isComplete() || !head_.isSuccess()) return true;
   watchForFarewell();
+  // Where TLS did not tell.
+  if (head_.isMultiplexed() && !hostLine->isMultiplexed) loop_->hasConnected(*this, true);
   if (decoder_ || head_.coding().empty() || !decompresses()) return true;
   decoder_ = ContentDecoder::make(head_.coding());
   if (decoder_) return true;
@@ -333,7 +337,8 @@ bool Transfer::take(const char* bytes, std::size_t count) {
 bool Transfer::reserve(std::size_t count) {
   const std::size_t former = answer_.capacity();
   if (count + padding <= former) return true;
-  const std::size_t wanted = std::max(count + padding, 2 * former);
+  std::size_t wanted = std::max(count + padding, 2 * former);
+  if (!loop_->mayHold(wanted - former)) wanted = count + padding;
   if (!loop_->mayHold(wanted - former)) {
     return fail(TransportError(TransportError::Kind::tooLarge,
                                "all answers under way take more memory than they may"));

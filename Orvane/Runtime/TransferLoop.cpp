@@ -209,6 +209,10 @@ void TransferLoop::beginWaiting() {
 }
 
 void TransferLoop::begin(const std::shared_ptr<Transfer>& transfer) {
+  if (!transfer->isPending()) {  // cancelled, of which the inbox will tell
+    unschedule(*transfer);
+    return lines_.hasEnded(*transfer);
+  }
   std::optional<Error> error = transfer->prepare(takeEasy());
   if (!error && curl_multi_add_handle(multi_, transfer->easy()->get()) != CURLM_OK) {
     error = errorOf(CURLE_FAILED_INIT, {});

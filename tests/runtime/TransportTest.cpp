@@ -3,6 +3,8 @@
 #include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/TestServer.h"
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/Runtime/Transfer.h>
+#include <Orvane/Runtime/TransferLoop.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,6 +12,7 @@
 
 #include <algorithm>
 #include <map>
+#include <new>
 #include <sstream>
 #include <string>
 #include <tuple>
@@ -291,6 +294,37 @@ TEST(TransportTest, RefusesAnswersThatAreTooLarge) {
   }
   EXPECT_EQ(get(*manager, server.url("/bomb")), tooLarge);
   EXPECT_EQ(get(*manager, server.url("/just-right")).value()->size(), limit);
+
+  // What counts is what comes of it.
+  const std::string packed = gzipped("x");
+  const TestServer tiny([&](ServerConnection& connection, const ReceivedRequest&) {
+    connection.answer(200, packed, "Content-Encoding: gzip\r\n");
+  });
+  EXPECT_EQ(get(*managerWith({.maximumAnswerSize = 1}), tiny.url()), std::string("x"));
+}
+
+// Memory that is not there costs the answer that needed it, not the process.
+TEST(TransportTest, SurvivesAnswersForWhichThereIsNoMemory) {
+  class Starving final : public Transfer {
+   public:
+    using Transfer::Transfer;
+
+   protected:
+    [[nodiscard]] bool take(const char*, std::size_t) override { throw std::bad_alloc(); }
+  };
+  const TestServer server(answering("ok"));
+  const auto loop = TransferLoop::make({}).value().value();
+  OutgoingRequest request{Verb::get, *URL::parse(server.url()), {}, {}};
+  ASSERT_FALSE(check(request, false));
+  std::promise<Result<std::string>> starved;
+  std::promise<Result<std::string>> fed;
+  loop->start(std::make_shared<Starving>(
+      loop, request, [&](Result<std::string> result) { starved.set_value(std::move(result)); }));
+  loop->start(std::make_shared<Transfer>(
+      loop, request, [&](Result<std::string> result) { fed.set_value(std::move(result)); }));
+  EXPECT_EQ(kindOf(starved.get_future().get()), Kind::other);
+  EXPECT_EQ(fed.get_future().get(), ok);
+  EXPECT_TRUE(loop->shutdown(std::chrono::seconds(30)));
 }
 
 TEST(TransportTest, TellsFailuresApart) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Requests that wait: for a connection, for one another, and how long, and how many.
 #include "tests/runtime/support/Calls.h"
+#include "tests/runtime/support/HTTP2.h"
 #include "tests/runtime/support/TestServer.h"
 
 #include <gtest/gtest.h>
@@ -61,6 +62,25 @@ TEST(WaitingTest, ManyThatStartAtOnceAllEnd) {
     }
   }
   EXPECT_LE(server.connectionCount(), 8U);
+}
+
+// Who comes while the first connection is being made finds that it carries them all.
+TEST(WaitingTest, ManyShareAConnectionOfHTTP2) {
+  const Authority authority;
+  const TestServer server(
+      [](ServerConnection& connection, std::size_t) {
+        HTTP2Connection http(connection);
+        while (const auto stream = http.receive()) http.answer(*stream, ok);
+      },
+      authority.issue({}), "h2");
+  const auto manager = managerWith({.caPEM = authority.pem()});
+  std::vector<std::future<Result<std::string>>> results;
+  for (int i = 0; i < 90; ++i) {
+    const Verb verb = i % 2 == 0 ? Verb::get : Verb::post;
+    results.push_back(start(*manager, verb, server.url(), verb == Verb::get ? "" : "body"));
+  }
+  for (auto& result : results) EXPECT_EQ(result.get(), ok);
+  EXPECT_EQ(server.connectionCount(), 1U);
 }
 
 // The first one has all the time there is, and the only connection: the others do not wait for it.

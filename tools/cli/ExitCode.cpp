@@ -99,6 +99,7 @@ ExitCode codeOf(TransportError::Kind kind) {
       return ExitCode::configuration;
     case TransportError::Kind::cancelled:
       return ExitCode::cancelled;
+    case TransportError::Kind::overloaded:
     case TransportError::Kind::other:
       break;
   }
