@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The Runtime as a whole: installed, used through a service, signed out of, and shut down.
+#include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/TestServer.h"
 #include "tests/support/Outcome.h"
 #include "tests/support/ScopedVariable.h"
@@ -15,6 +16,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <filesystem>
@@ -329,6 +332,33 @@ TEST(RuntimeDeathTest, AnswersEveryCallHoweverItEnds) {
       if (answer.get_future().get().error() != shutDown) std::_Exit(3);
     }
     std::_Exit(0);
+  };
+  EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
+}
+
+// The child has no thread that drains the main queue, and none that transfers.
+TEST(RuntimeDeathTest, AnswersCallsOfAForkedProcess) {
+  if (!mayStartThreadsInAChild) GTEST_SKIP();
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  const auto run = [] {
+    const Backend backend;
+    const Runtime runtime =
+        install({.baseURL = backend.url("/base"), .tokens = "ann", .drainsMainQueue = true});
+    const auto fetched = [](const Identity& identity) {
+      std::promise<Result<User>> answer;
+      UserService(identity).fetch({}, {},
+                                  [&](Result<User> user) { answer.set_value(std::move(user)); });
+      return answer.get_future().get();
+    };
+    if (!fetched(Identity{"key", {}})) std::_Exit(2);
+    const pid_t child = ::fork();
+    if (child == 0) {
+      const bool isTold = !fetched(Identity{"key", {}}) && !fetched(Identity{"other", {}});
+      std::_Exit(isTold && runtime.shutdown(std::chrono::hours(1)) ? 0 : 3);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    std::_Exit(WIFEXITED(status) ? WEXITSTATUS(status) : 4);
   };
   EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
 }

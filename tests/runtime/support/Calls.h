@@ -15,6 +15,15 @@
 
 namespace orvane {
 
+/// ThreadSanitizer ends a forked process that starts a thread.
+#if defined(__SANITIZE_THREAD__)
+inline constexpr bool mayStartThreadsInAChild = false;
+#elif defined(__has_feature)
+inline constexpr bool mayStartThreadsInAChild = !__has_feature(thread_sanitizer);
+#else
+inline constexpr bool mayStartThreadsInAChild = true;
+#endif
+
 /// A manager that must be possible.
 [[nodiscard]] inline std::shared_ptr<CurlRequestManager> managerWith(TransportOptions options) {
   return CurlRequestManager::make(std::move(options)).value().value();
