@@ -67,6 +67,20 @@ TEST(RepetitionTest, RepeatsAReadOnceAndAWriteNever) {
   }
 }
 
+// libcurl counts whole seconds: with one allowed, two must have passed. What lets them pass is a
+// request that nobody answers.
+TEST(RepetitionTest, LeavesConnectionsAloneThatHaveBeenIdleForLong) {
+  const TestServer server(answering(ok));
+  const TestServer silent(keepSilent);
+  const auto manager = managerWith({.maximumIdleConnectionAge = std::chrono::seconds(1)});
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(get(*manager, server.url()), ok);
+  EXPECT_EQ(server.connectionCount(), 1U);
+  const auto pause = managerWith({.totalTimeout = std::chrono::milliseconds(2100)});
+  EXPECT_EQ(kindOf(get(*pause, silent.url())), Kind::timeOut);
+  EXPECT_EQ(get(*manager, server.url()), ok);
+  EXPECT_EQ(server.connectionCount(), 2U);
+}
+
 enum class Farewell : std::uint8_t { goAway, refusal, none };
 
 // The second request over the first connection meets the farewell; other connections answer.

@@ -327,6 +327,34 @@ TEST(TransportTest, SurvivesAnswersForWhichThereIsNoMemory) {
   EXPECT_TRUE(loop->shutdown(std::chrono::seconds(30)));
 }
 
+// What a server announces it need not send.
+TEST(TransportTest, SetsNoMemoryAsideForMereAnnouncements) {
+  class Measuring final : public Transfer {
+   public:
+    using Transfer::Transfer;
+    std::promise<std::size_t> held;
+
+   protected:
+    [[nodiscard]] bool take(const char* bytes, std::size_t count) override {
+      const bool isTaken = Transfer::take(bytes, count);
+      held.set_value(heldMemory());
+      return isTaken;
+    }
+  };
+  const TestServer server([](ServerConnection& connection, const ReceivedRequest&) {
+    connection.send("HTTP/1.1 200 OK\r\nContent-Length: 60000000\r\n\r\nx");
+    connection.waitUntilClosed();
+  });
+  const auto loop = TransferLoop::make({}).value().value();
+  OutgoingRequest request{Verb::get, *URL::parse(server.url()), {}, {}};
+  ASSERT_FALSE(check(request, false));
+  const auto transfer = std::make_shared<Measuring>(loop, request, nullptr);
+  loop->start(transfer);
+  EXPECT_THAT(transfer->held.get_future().get(), Le(std::size_t{2} << 20U));
+  EXPECT_TRUE(transfer->cancel());
+  EXPECT_TRUE(loop->shutdown(std::chrono::seconds(30)));
+}
+
 TEST(TransportTest, TellsFailuresApart) {
   const Authority authority;
   const Authority unknown;
