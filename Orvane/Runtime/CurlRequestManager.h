@@ -94,9 +94,12 @@ struct ORVANE_RUNTIME_EXPORT TransportOptions {
 /// not the body's, a URL without host or with a password. What keeps a request from being started
 /// (one that must not be sent, a manager that is shut down) is answered inside `send`.
 ///
-/// A handler may cancel, start requests, and let go of the manager. No request is sent again that a
-/// server may have acted on, with one exception: a read (`Verb::get`) whose connection ends without
-/// a byte of an answer is sent once more.
+/// A handler may cancel, start requests, and let go of the manager; waiting for a request there is
+/// a programming fault. In a process that was forked after the first request every request fails at
+/// once.
+///
+/// No request is sent again that a server may have acted on, with one exception: a read
+/// (`Verb::get`) whose connection ends without a byte of an answer is sent once more.
 class ORVANE_RUNTIME_EXPORT CurlRequestManager final : public RequestManager {
  public:
   /// A manager, or the `ConfigurationError` that tells which option can't work. Starts no thread.
