@@ -56,7 +56,8 @@ class ORVANE_EXPORT MainQueue {
 
   /// Waits until `request` has finished: draining the queue where that is this thread's business
   /// (see `isDrainedByThisThread`), else leaving it to whoever drains it. On the thread of a loop
-  /// that the queue was handed to it would wait for itself: a programming fault.
+  /// that the queue was handed to, and in a handler on a transport's thread, it would wait for
+  /// itself: a programming fault.
   void wait(const std::shared_ptr<Request>& request);
 
   /// Runs the jobs that are waiting, and those that they add, without waiting for more. Answers how

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Runtime/CurlErrors.h>
+#include <Orvane/Runtime/CurlTLS.h>
 #include <Orvane/Runtime/FileTransfer.h>
 #include <Orvane/Runtime/HTTPDate.h>
 #include <Orvane/Runtime/TransportError.h>
@@ -106,8 +107,9 @@ std::optional<Error> FileTransfer::prepare(std::unique_ptr<CurlEasy> easy) {
 std::optional<Error> FileTransfer::begin() {
   hasBegun_ = true;
   if (!head().coding().empty()) return protocolError("the file comes compressed, unasked");
-  // Over TLS the end of the connection tells as much, and is seen to be there.
-  if (!head().tellsItsEnd() && !request().isEncrypted) {
+  // Over TLS the end of the connection tells as much, where it is looked at.
+  const bool seesFarewell = request().isEncrypted && usesOpenSSL();
+  if (!head().tellsItsEnd() && !seesFarewell) {
     return protocolError("the answer does not tell where the file ends");
   }
   switch (head().status()) {
