@@ -61,6 +61,7 @@ void StuckNameLookups::waitFor(std::size_t count) const {
 }  // namespace orvane
 
 // Takes the place of the C library's function, for libcurl as well: hence visible.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): those are reserved
 extern "C" [[gnu::visibility("default")]] int getaddrinfo(const char* name, const char* service,
                                                           const addrinfo* hints, addrinfo** found) {
   if (name != nullptr && std::string_view(name) == orvane::StuckNameLookups::host &&
