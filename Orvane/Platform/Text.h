@@ -20,7 +20,8 @@ namespace orvane {
 [[nodiscard]] bool isASCII(std::string_view text) noexcept;
 
 /// The pieces as one text.
-[[nodiscard]] ORVANE_EXPORT std::string concatenated(std::initializer_list<std::string_view> pieces);
+[[nodiscard]] ORVANE_EXPORT std::string concatenated(
+    std::initializer_list<std::string_view> pieces);
 
 /// The texts, or the wire texts of the cases, of a list or set, in its order, separated by ","
 /// without blanks.

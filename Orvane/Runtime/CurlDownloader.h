@@ -3,9 +3,9 @@
 #pragma once
 
 #include <Orvane/Common/Downloader.h>
-#include <Orvane/Runtime/Export.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Runtime/CurlRequestManager.h>
+#include <Orvane/Runtime/Export.h>
 
 #include <chrono>
 #include <memory>

@@ -3,9 +3,9 @@
 #pragma once
 
 #include <Orvane/Common/RequestManager.h>
-#include <Orvane/Runtime/Export.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Runtime/Exchange.h>
+#include <Orvane/Runtime/Export.h>
 
 #include <chrono>
 #include <cstddef>

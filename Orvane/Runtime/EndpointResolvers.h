@@ -3,9 +3,9 @@
 #pragma once
 
 #include <Orvane/Common/Resolvers.h>
-#include <Orvane/Runtime/Export.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Platform/URL.h>
+#include <Orvane/Runtime/Export.h>
 
 #include <concepts>
 #include <map>

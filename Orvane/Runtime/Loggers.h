@@ -3,8 +3,8 @@
 #pragma once
 
 #include <Orvane/Common/Logger.h>
-#include <Orvane/Runtime/Export.h>
 #include <Orvane/Platform/UniqueFunction.h>
+#include <Orvane/Runtime/Export.h>
 
 namespace orvane {
 

@@ -4,10 +4,10 @@
 
 #include <Orvane/Common/Identity.h>
 #include <Orvane/Common/Logger.h>
-#include <Orvane/Runtime/Export.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Runtime/CurlRequestManager.h>
 #include <Orvane/Runtime/EndpointResolvers.h>
+#include <Orvane/Runtime/Export.h>
 #include <Orvane/Runtime/TokenResolvers.h>
 
 #include <chrono>

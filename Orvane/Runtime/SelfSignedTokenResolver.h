@@ -59,6 +59,7 @@ class ORVANE_RUNTIME_EXPORT SelfSignedTokenResolver final : public KeepingTokenR
 };
 
 /// The bytes that a text of hexadecimal digits stands for; absent for any other text.
-[[nodiscard]] ORVANE_RUNTIME_EXPORT std::optional<std::string> bytesFromHexadecimal(std::string_view text);
+[[nodiscard]] ORVANE_RUNTIME_EXPORT std::optional<std::string> bytesFromHexadecimal(
+    std::string_view text);
 
 }  // namespace orvane

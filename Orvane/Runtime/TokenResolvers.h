@@ -3,8 +3,8 @@
 #pragma once
 
 #include <Orvane/Common/Resolvers.h>
-#include <Orvane/Runtime/Export.h>
 #include <Orvane/Platform/Result.h>
+#include <Orvane/Runtime/Export.h>
 
 #include <concepts>
 #include <memory>

@@ -18,8 +18,9 @@ namespace orvane {
 
 /// Answers backend details or an error; `exampleDetails()` at once until it is told otherwise. (The
 /// resolvers that work for real answer on the main queue: `AnswerTime::onMainQueue`.)
-class ORVANE_TESTING_EXPORT FixedOrvaneDetailsResolver final : public OrvaneDetailsResolver,
-                                                       public Script<Identity, OrvaneDetails> {
+class ORVANE_TESTING_EXPORT FixedOrvaneDetailsResolver final
+    : public OrvaneDetailsResolver,
+      public Script<Identity, OrvaneDetails> {
  public:
   explicit FixedOrvaneDetailsResolver(Answer answer = exampleDetails());
   ~FixedOrvaneDetailsResolver() override;
@@ -37,7 +38,7 @@ struct TokenQuestion {
 
 /// Answers tokens; "token" at once until it is told otherwise.
 class ORVANE_TESTING_EXPORT FixedTokenResolver final : public TokenResolver,
-                                               public Script<TokenQuestion, std::string> {
+                                                       public Script<TokenQuestion, std::string> {
  public:
   explicit FixedTokenResolver(Answer answer = std::string("token"));
   ~FixedTokenResolver() override;
@@ -49,7 +50,7 @@ class ORVANE_TESTING_EXPORT FixedTokenResolver final : public TokenResolver,
 /// Answers base URLs, asked with an API key; "https://backend.example" at once until it is told
 /// otherwise.
 class ORVANE_TESTING_EXPORT FixedEndpointResolver final : public EndpointResolver,
-                                                  public Script<std::string, URL> {
+                                                          public Script<std::string, URL> {
  public:
   explicit FixedEndpointResolver(Answer answer = *URL::parse("https://backend.example"));
   ~FixedEndpointResolver() override;

@@ -5,10 +5,10 @@
 
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Common/Request.h>
-#include <Orvane/Testing/Export.h>
 #include <Orvane/Platform/Fatal.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Platform/UniqueFunction.h>
+#include <Orvane/Testing/Export.h>
 
 #include <atomic>
 #include <concepts>

@@ -21,8 +21,9 @@ struct RecordedDownload {
 /// The downloader's double. Its answers are the contents of the file, which it tells the progress
 /// of, all at once, and writes before it calls the handler; or the error. Until it is told
 /// otherwise it answers every download at once with a failure without an error.
-class ORVANE_TESTING_EXPORT ScriptedDownloader final : public Downloader,
-                                               public Script<RecordedDownload, std::string> {
+class ORVANE_TESTING_EXPORT ScriptedDownloader final
+    : public Downloader,
+      public Script<RecordedDownload, std::string> {
  public:
   explicit ScriptedDownloader(Answer answer = Result<std::string>{});
   ~ScriptedDownloader() override;

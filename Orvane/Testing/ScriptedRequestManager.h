@@ -41,8 +41,9 @@ struct RecordedRequest {
 /// transport->answerWaiting();                                        // … this call
 /// EXPECT_EQ(transport->questions().at(0).url.path(), "/users/42");
 /// ```
-class ORVANE_TESTING_EXPORT ScriptedRequestManager final : public RequestManager,
-                                                   public Script<RecordedRequest, std::string> {
+class ORVANE_TESTING_EXPORT ScriptedRequestManager final
+    : public RequestManager,
+      public Script<RecordedRequest, std::string> {
  public:
   explicit ScriptedRequestManager(Answer answer = Result<std::string>{});
   ~ScriptedRequestManager() override;
