@@ -184,9 +184,9 @@ class Listener::Server : public httplib::Server {
       // Every thread has a connection: give this one up so that others are served as well.
       const bool last = open_ >= options_.threads;
       bool closed = false;
-      const bool complete =
-          process(connection, last, closed,
-                  [&](httplib::Request& request) { prepare(request, connection); });
+      const bool complete = process(connection, last, closed, [&](httplib::Request& request) {
+        prepare(request, connection);
+      });
       if (!connection.flush() || !complete) return;  // cut off: no goodbye
       if (last || closed || connection.exchange.closeAfterwards) break;
     }
