@@ -1,68 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
-// Encoding 100 trips with their events and routes: from records, beside the writers of RapidJSON
-// and nlohmann/json, which find the same text in documents that are ready for them.
+// Encoding 100 trips with their events and routes.
+#include "benchmarks/EncodedPage.h"
 #include "benchmarks/TripsPage.h"
-#include <Orvane/Orvane.h>
-
-#include <benchmark/benchmark.h>
-#include <nlohmann/json.hpp>
-#include <rapidjson/document.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
-
-#include <string>
-#include <vector>
 
 namespace {
 
-using orvane::Trip;
-
-const std::vector<Trip>& trips() {
-  static const auto trips = *orvane::decode<std::vector<Trip>>(page()).value();
+const EncodedPage<orvane::Trip>& trips() {
+  static const EncodedPage<orvane::Trip> trips(page());
   return trips;
 }
 
-// A record does not write all that it reads.
-const std::string& text() {
-  static const auto text = *orvane::encode(trips()).value();
-  return text;
-}
-
-void reportSpeed(benchmark::State& state) {
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text().size()));
-}
-
-void encodeTrips(benchmark::State& state) {
-  for (auto _ : state) {
-    auto encoded = orvane::encode(trips());
-    if (!encoded) state.SkipWithError("not encoded");
-    benchmark::DoNotOptimize(encoded);
-  }
-  reportSpeed(state);
-}
+void encodeTrips(benchmark::State& state) { encodeRecords(state, trips()); }
 BENCHMARK(encodeTrips);
 
-void writeTripsWithRapidJSON(benchmark::State& state) {
-  rapidjson::Document document;
-  document.Parse(text().c_str(), text().size());
-  for (auto _ : state) {
-    rapidjson::StringBuffer buffer;
-    rapidjson::Writer writer(buffer);
-    document.Accept(writer);
-    benchmark::DoNotOptimize(buffer.GetString());
-  }
-  reportSpeed(state);
-}
+void writeTripsWithRapidJSON(benchmark::State& state) { writeWithRapidJSON(state, trips()); }
 BENCHMARK(writeTripsWithRapidJSON);
 
-void writeTripsWithNlohmann(benchmark::State& state) {
-  const auto document = nlohmann::ordered_json::parse(text());
-  for (auto _ : state) {
-    auto written = document.dump();
-    benchmark::DoNotOptimize(written);
-  }
-  reportSpeed(state);
-}
+void writeTripsWithNlohmann(benchmark::State& state) { writeWithNlohmann(state, trips()); }
 BENCHMARK(writeTripsWithNlohmann);
 
 }  // namespace

@@ -72,9 +72,10 @@ step lint ./dev lint
 step shared ./dev test shared
 step clang ./dev test clang
 
+# The sanitizers without what only starts processes: the command line and the trials end to end.
 slow=(
-  "15 asan ./dev test asan"
-  "15 tsan ./dev test tsan"
+  "15 asan ./dev test asan -L unit|runtime|sandbox"
+  "15 tsan ./dev test tsan -L unit|runtime"
   "20 trixie ./dev test trixie"
   "20 bookworm tools/debian-root.sh --fresh bookworm ./dev demo"
   "15 release ./dev build release"

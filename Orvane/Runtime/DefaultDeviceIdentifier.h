@@ -27,7 +27,7 @@ struct DeviceFolders {
 ///
 /// - "orvane-device-id" among the documents, where it exists: the identifier's former place;
 /// - "orvane/device-id" in the folder for what programs keep: $XDG_STATE_HOME or ~/.local/state
-///   (XDG Base Directory Specification, by which a relative value is ignored), on macOS
+///   (XDG base directories, by which a relative value is ignored), on macOS
 ///   ~/Library/Application Support, on Windows %LOCALAPPDATA%. A home that is the root, or not
 ///   there, is none: daemons' users have such;
 /// - "orvane-device-id" among the documents, where that folder exists: on a platform without a
