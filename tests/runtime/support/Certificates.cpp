@@ -12,7 +12,10 @@
 namespace orvane {
 namespace {
 
-std::shared_ptr<EVP_PKEY> newKey() { return {EVP_EC_gen("P-256"), &EVP_PKEY_free}; }
+// Not EVP_EC_gen, a macro that casts a const away.
+std::shared_ptr<EVP_PKEY> newKey() {
+  return {EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256"), &EVP_PKEY_free};
+}
 
 void addExtension(X509* certificate, int kind, const char* value) {
   X509_EXTENSION* extension = X509V3_EXT_conf_nid(nullptr, nullptr, kind, value);
