@@ -6,7 +6,7 @@
 file(GLOB_RECURSE orvane_headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/Orvane/*.h)
 set(orvane_public_headers)
 foreach(header IN LISTS orvane_headers)
-  file(STRINGS ${PROJECT_SOURCE_DIR}/${header} head LIMIT_COUNT 10)
+  file(STRINGS ${PROJECT_SOURCE_DIR}/${header} head LIMIT_COUNT 2)
   if(NOT head MATCHES "// Private header: not installed\\.")
     list(APPEND orvane_public_headers ${header})
   endif()

@@ -25,6 +25,7 @@ fi
 # Where this machine gets its own Debian from; nothing where it is none, and mmdebstrap knows one itself.
 mirror() {
   local codename
+  grep -qx 'ID=debian' /etc/os-release || return 0
   codename=$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)
   # shellcheck disable=SC2016 # apt's own variables
   apt-get indextargets --format '$(REPO_URI) $(RELEASE)' 2>/dev/null |

@@ -18,14 +18,13 @@ void addDateRange(QueryItems& items, const DateRange& range, std::string_view co
           place.line());
     return;
   }
-  const auto start = formatDate(range.start, weekYearDayPattern);
-  const auto end = formatDate(range.end, weekYearDayPattern);
-  if (!start || !end) {
+  const auto days = formatDates(range.start, range.end, weekYearDayPattern);
+  if (!days) {
     log.w("Not filtering by date because start or end is on no day of the calendar.", composer,
           place.functionName(), place.line());
     return;
   }
-  items.add("startDate", *start).add("endDate", *end);
+  items.add("startDate", days->first).add("endDate", days->second);
 }
 
 }  // namespace orvane

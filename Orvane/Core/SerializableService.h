@@ -31,7 +31,8 @@ class OrvaneDetailsResolver;
 /// What can arrive:
 ///
 /// - the resolver's error, or `NetworkError::unknown` where it has none;
-/// - `NetworkError::malformedRequest`: the arguments do not form a URL;
+/// - `NetworkError::malformedRequest`: base URL and arguments form no URL, or the arguments no
+/// body;
 /// - `DataError`: a text of a form is not UTF-8;
 /// - `NetworkError::invalidStatusCode`: the backend refused;
 /// - `NetworkError::noData`: an empty answer where a record was expected;

@@ -219,7 +219,11 @@ std::optional<Date> noonOf(Formats& formats, const DateComponents& components) {
   if (calendar == nullptr) return std::nullopt;
   calendar->set(static_cast<std::int32_t>(*components.year), static_cast<std::int32_t>(month - 1),
                 static_cast<std::int32_t>(day), noon, 0);
-  return timeOf(*calendar);
+  const std::optional<Date> date = timeOf(*calendar);
+  // Even when it is strict ICU forms the days that the Gregorian reform left out.
+  UErrorCode status = U_ZERO_ERROR;
+  const bool isThatDay = calendar->get(UCAL_DATE, status) == day;
+  return isThatDay && U_SUCCESS(status) != 0 ? date : std::nullopt;
 }
 
 // All of it in one zone, whatever becomes of the machine's meanwhile.
@@ -264,6 +268,15 @@ std::optional<DateComponents> parse(Formats& formats, std::string_view text, Dig
 
 std::optional<std::string> formatDate(Date date, std::string_view pattern) {
   return currentFormats().format(date, pattern, Digits::device);
+}
+
+std::optional<std::pair<std::string, std::string>> formatDates(Date first, Date second,
+                                                               std::string_view pattern) {
+  Formats& formats = currentFormats();
+  auto one = formats.format(first, pattern, Digits::device);
+  auto other = formats.format(second, pattern, Digits::device);
+  if (!one || !other) return std::nullopt;
+  return std::pair(*std::move(one), *std::move(other));
 }
 
 std::optional<Date> dateOf(const DateComponents& components) {

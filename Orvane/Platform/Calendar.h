@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace orvane {
 
@@ -19,6 +20,11 @@ inline constexpr std::string_view dayPattern = "yyyy-MM-dd";
 /// `date` in a pattern of Unicode Technical Standard 35. Absent for a date that is not finite, or
 /// that the calendar does not reach: some five million years either way. Any thread.
 [[nodiscard]] std::optional<std::string> formatDate(Date date, std::string_view pattern);
+
+/// Two dates in one pattern and in one zone, whatever becomes of the machine's meanwhile; absent
+/// where one of them is. Any thread.
+[[nodiscard]] std::optional<std::pair<std::string, std::string>> formatDates(
+    Date first, Date second, std::string_view pattern);
 
 /// Noon of the day that the components form. Absent without a year, or where the calendar refuses
 /// them. (Noon, since midnight does not exist everywhere on every day.)

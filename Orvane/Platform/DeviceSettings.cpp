@@ -54,15 +54,18 @@ std::string systemDocumentsDirectory() {
   return {};
 }
 
+// The log is told of an unknown zone as long as that is true.
+void note(bool isKnown) {
+  Notice expected = isKnown ? Notice::due : Notice::none;
+  unknownZone.compare_exchange_strong(expected, isKnown ? Notice::none : Notice::due);
+}
+
 // The machine's zone. It is looked at again as long as it can change. Under the lock.
 std::string followedTimeZone(State& shared) {
   // Before the zone: a change between the two is seen at the next look.
   shared.stamp = stampOf(shared.source.file);
   SystemTimeZone zone = systemTimeZone(shared.source);
-  if (!zone.isKnown) {
-    Notice expected = Notice::none;
-    unknownZone.compare_exchange_strong(expected, Notice::due);
-  }
+  note(zone.isKnown);
   lookClock = shared.source.clock;
   nextLook =
       zone.canChange ? (shared.source.clock() + lookInterval).time_since_epoch().count() : never;
@@ -76,6 +79,7 @@ void adopt(State& shared, DeviceSettings settings) {
   if (settings.timeZone.empty()) {
     settings.timeZone = followedTimeZone(shared);
   } else {
+    note(true);
     nextLook = never;
   }
   if (settings.documentsDirectory.empty()) {

@@ -27,8 +27,8 @@ struct ORVANE_EXPORT UnknownTimeZone {
 struct ORVANE_EXPORT DeviceSettings {
   /// A locale identifier (CLDR), for example "en_US" or "de_DE".
   std::string locale{};
-  /// A time zone of the IANA database, for example "Europe/Zurich". Empty on a machine whose own is
-  /// not known: UTC, of which the log is told once.
+  /// A time zone of the IANA database, for example "Europe/Zurich". Where the machine's own has no
+  /// name there (TZ may hold a rule, such as "CET-1CEST"): UTC, of which the log is told once.
   std::string timeZone{};
   /// A calendar type (CLDR), for example "gregorian" or "buddhist"; empty: the locale's own.
   std::string calendar{};

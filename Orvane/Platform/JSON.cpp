@@ -68,6 +68,11 @@ Document::Document(std::string& text) : parser_(takeParser()) {
   if (text.capacity() - text.size() < padding) text.reserve(text.size() + padding);
   std::string_view body = text;
   if (body.starts_with(byteOrderMark)) body.remove_prefix(byteOrderMark.size());
+  // Newer versions of simdjson would pass over another one.
+  if (body.starts_with(byteOrderMark)) {
+    failure_ = "the text begins with two byte order marks";
+    return;
+  }
 
   simdjson::error_code error = parse(body);
   if (error == simdjson::SUCCESS) return;

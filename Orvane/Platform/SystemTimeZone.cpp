@@ -65,7 +65,8 @@ std::optional<SystemTimeZone> zoneOfVariable(const SystemTimeZoneSource& source)
   if (value == nullptr) return std::nullopt;
   std::string_view text(value);
   if (text.starts_with(':')) text.remove_prefix(1);
-  if (text == source.file.string()) return std::nullopt;
+  // The file itself, or what the database has for it on some systems: a link back.
+  if (text == source.file.string() || fs::path(text).filename() == "localtime") return std::nullopt;
   if (text.empty()) return madeOf("UTC", false);
   if (!text.starts_with('/')) return madeOf(withoutVariant(text), false);
   const auto name = nameOfPath(std::string(text));
@@ -82,12 +83,18 @@ SystemTimeZone systemTimeZone(const SystemTimeZoneSource& source) {
 
 std::string stampOf(const fs::path& file) {
   std::error_code error;
-  fs::path link = fs::read_symlink(file, error);
-  if (!error) return std::move(link).string();
-  const auto changed = fs::last_write_time(file, error);
-  const auto size = fs::file_size(file, error);
+  // What tells the zone by itself needs no further look.
+  if (const fs::path link = fs::read_symlink(file, error); !error && nameOfPath(link.string())) {
+    return link.string();
+  }
+  const fs::path path = fs::canonical(file, error);
   if (error) return {};
-  return std::to_string(changed.time_since_epoch().count()) + ' ' + std::to_string(size);
+  const auto changed = fs::last_write_time(path, error);
+  if (error) return {};
+  const auto size = fs::file_size(path, error);
+  if (error) return {};
+  return path.string() + ' ' + std::to_string(changed.time_since_epoch().count()) + ' ' +
+         std::to_string(size);
 }
 
 }  // namespace orvane

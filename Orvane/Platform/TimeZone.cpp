@@ -2,6 +2,7 @@
 #include <Orvane/Platform/TimeZone.h>
 #include <Orvane/Platform/ZoneRules.h>
 
+#include <cmath>
 #include <cstdlib>
 
 namespace orvane {
@@ -28,7 +29,8 @@ std::optional<TimeZone> TimeZone::named(std::string_view name) {
 }
 
 std::int64_t TimeZone::secondsFromGMT(Date date) const {
-  if (!name_) return offset_;
+  // ICU finds an offset even for what is not a number, and not always the same.
+  if (!name_ || std::isnan(secondsSince1970(date))) return offset_;
   std::int32_t raw = 0;
   std::int32_t daylightSaving = 0;
   UErrorCode status = U_ZERO_ERROR;

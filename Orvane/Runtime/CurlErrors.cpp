@@ -12,8 +12,8 @@ namespace {
 constexpr int tooLargeForLibcurl = 100;
 
 // Has the code of a connection that broke, but is nothing of the kind.
-bool isAboutChunks(const std::string& details) {
-  return details.find("chunked-encoding") != std::string::npos;
+bool isAboutChunks(CURLcode code, const std::string& details) {
+  return code == CURLE_RECV_ERROR && details.find("chunk") != std::string::npos;
 }
 
 TransportError::Kind kindOf(CURLcode code) {
@@ -72,7 +72,7 @@ Error errorOf(CURLcode code, std::string details) {
   // libcurl shows such an address, which the environment gave, with the password in it.
   if (details.starts_with("Unsupported proxy")) details = "the environment's proxy can't be used";
   if (details.empty()) details = curl_easy_strerror(code);
-  const auto kind = isAboutChunks(details) ? TransportError::Kind::protocol : kindOf(code);
+  const auto kind = isAboutChunks(code, details) ? TransportError::Kind::protocol : kindOf(code);
   return TransportError(kind, std::move(details));
 }
 

@@ -2,10 +2,8 @@
 #include <Orvane/Common/Logger.h>
 #include <Orvane/Runtime/DefaultDeviceIdentifier.h>
 
-#ifndef _WIN32
 #include <pwd.h>
 #include <unistd.h>
-#endif
 
 #include <cerrno>
 #include <cstdlib>
@@ -19,11 +17,7 @@ namespace {
 
 using Path = std::filesystem::path;
 
-#ifdef _WIN32
-constexpr const char* stateVariable = "LOCALAPPDATA";
-constexpr const char* homeVariable = "USERPROFILE";
-constexpr const char* stateBelowHome = "AppData/Local";
-#elif defined(__APPLE__)
+#if defined(__APPLE__)
 constexpr const char* stateVariable = nullptr;
 constexpr const char* homeVariable = "HOME";
 constexpr const char* stateBelowHome = "Library/Application Support";
@@ -42,9 +36,6 @@ std::string named(const char* variable) {
 
 // The home folder that the user database names.
 std::string homeOfTheUser() {
-#ifdef _WIN32
-  return {};
-#else
   std::vector<char> texts(1024);
   passwd user{};
   passwd* found = nullptr;
@@ -52,7 +43,6 @@ std::string homeOfTheUser() {
     texts.resize(2 * texts.size());
   }
   return found != nullptr && found->pw_dir != nullptr ? found->pw_dir : std::string();
-#endif
 }
 
 bool isFolder(const Path& path) {

@@ -15,7 +15,7 @@ namespace orvane {
 
 /// The folders by which the identifier's place is chosen; empty where the system names none.
 struct DeviceFolders {
-  std::string state{};      ///< $XDG_STATE_HOME, on Windows %LOCALAPPDATA%.
+  std::string state{};      ///< $XDG_STATE_HOME.
   std::string home{};       ///< The user's home folder.
   std::string documents{};  ///< `DeviceSettings::documentsDirectory`.
 
@@ -28,8 +28,8 @@ struct DeviceFolders {
 /// - "orvane-device-id" among the documents, where it exists: the identifier's former place;
 /// - "orvane/device-id" in the folder for what programs keep: $XDG_STATE_HOME or ~/.local/state
 ///   (XDG base directories, by which a relative value is ignored), on macOS
-///   ~/Library/Application Support, on Windows %LOCALAPPDATA%. A home that is the root, or not
-///   there, is none: daemons' users have such;
+///   ~/Library/Application Support. A home that is the root, or not there, is none: daemons' users
+///   have such;
 /// - "orvane-device-id" among the documents, where that folder exists: on a platform without a
 ///   home the application names it.
 [[nodiscard]] std::string defaultDeviceIdentifierFile(const DeviceFolders& folders);

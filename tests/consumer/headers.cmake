@@ -37,7 +37,7 @@ string(REGEX MATCHALL "[^ \\\n]+" dependencies "${dependencies}")
 if(NOT dependencies MATCHES "${STAGE}/include/Orvane/Orvane\\.h")
   message(FATAL_ERROR "the installed headers were not read")
 endif()
-list(FILTER dependencies EXCLUDE REGEX "^${STAGE}/include/Orvane/")
+list(FILTER dependencies EXCLUDE REGEX "^${STAGE}/include/Orvane/|/c\\+\\+/")
 list(FILTER dependencies INCLUDE REGEX
      "/(absl|boost|curl|gmock|gtest|httplib|nlohmann|openssl|simdjson|sqlite3|unicode)[./]")
 if(dependencies)

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # Builds and runs a user's files with what pkg-config says, which is Orvane's own and nobody else's:
-# cmake -DCOMPILER=... -DPKG_CONFIG=... -DSTAGE=... -DLIBDIR=... -DSHARED=... -DSOURCE=... -DBUILD=... -DOPTIONS=...
+# cmake -DGENERATOR=... -DCOMPILER=... -DPKG_CONFIG=... -DSTAGE=... -DLIBDIR=... -DSHARED=... -DSOURCE=... -DBUILD=... -DOPTIONS=...
 #       -P pkg-config.cmake
 set(here ${CMAKE_CURRENT_LIST_DIR})
 set(definition " -DORVANE_STATIC")
@@ -42,9 +42,10 @@ foreach(program IN ITEMS main:orvane "runtime:orvane-testing;orvane-runtime")
 endforeach()
 
 # Folders given whole, as some distributions do, each somewhere else.
+file(REMOVE_RECURSE ${BUILD}-absolute)
 execute_process(
   COMMAND
-    ${CMAKE_COMMAND} -S ${SOURCE} -B ${BUILD}-absolute ${OPTIONS} -DORVANE_BUILD_TESTS=OFF -DORVANE_BUILD_TOOLS=OFF
+    ${CMAKE_COMMAND} -G ${GENERATOR} -S ${SOURCE} -B ${BUILD}-absolute ${OPTIONS} -DORVANE_BUILD_TESTS=OFF -DORVANE_BUILD_TOOLS=OFF
     -DORVANE_BUILD_EXAMPLES=OFF -DORVANE_BUILD_BENCHMARKS=OFF -DCMAKE_INSTALL_PREFIX=/opt/orvane
     -DCMAKE_INSTALL_LIBDIR=/srv/libraries/arch -DCMAKE_INSTALL_INCLUDEDIR=/srv/headers
   OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)

@@ -29,13 +29,13 @@ QueryItems itemsOf(const alert::LateNight& setting) {
   QueryItems items = target(setting.driverId);
   items.add("enableLateNightDrivingAlert", setting.enableAlert ? "true" : "false");
   if (!setting.startTime || !setting.endTime) return items;
-  const auto start = formatDate(*setting.startTime, timeOfDay);
-  const auto end = formatDate(*setting.endTime, timeOfDay);
-  if (!start || !end) {
+  const auto times = formatDates(*setting.startTime, *setting.endTime, timeOfDay);
+  if (!times) {
     log.w("Not sending the late-night range because start or end has no time of day.");
     return items;
   }
-  items.add("lateNightDrivingAlertStart", *start).add("lateNightDrivingAlertEnd", *end);
+  items.add("lateNightDrivingAlertStart", times->first)
+      .add("lateNightDrivingAlertEnd", times->second);
   return items;
 }
 

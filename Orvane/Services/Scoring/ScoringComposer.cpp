@@ -17,10 +17,9 @@ constexpr std::string_view customPeriod = "CUSTOM";
 // False where the calendar can't form one of the days: as with leaderboards, the whole query is
 // left out then.
 [[nodiscard]] bool addDates(QueryItems& items, Date from, Date to) {
-  const auto start = formatDate(from, dayPattern);
-  const auto end = formatDate(to, dayPattern);
-  if (!start || !end) return false;
-  items.add("startDate", *start).add("endDate", *end);
+  const auto days = formatDates(from, to, dayPattern);
+  if (!days) return false;
+  items.add("startDate", days->first).add("endDate", days->second);
   return true;
 }
 

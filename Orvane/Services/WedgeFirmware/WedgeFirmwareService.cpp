@@ -5,6 +5,7 @@
 #include <Orvane/Common/RequestManager.h>
 #include <Orvane/Common/Version.h>
 #include <Orvane/Core/Container+Network.h>
+#include <Orvane/Core/Once.h>
 #include <Orvane/Platform/Fatal.h>
 #include <Orvane/Platform/Files.h>
 #include <Orvane/Platform/Regex.h>
@@ -138,7 +139,8 @@ RequestHandle WedgeFirmwareService::downloadPackage(DownloadProgressHandler prog
     finish(FirmwareDownloadError{downloader_ ? Case::noFolder : Case::noDownloader});
     return std::make_shared<EmptyRequest>();
   }
-  return downloader_->download(remoteURL_, std::move(path), std::move(progress), std::move(finish));
+  return downloader_->download(remoteURL_, std::move(path), std::move(progress),
+                               once(std::move(finish)));
 }
 
 }  // namespace orvane

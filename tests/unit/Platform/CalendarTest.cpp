@@ -66,6 +66,7 @@ TEST(CalendarTest, formsADayOfItsComponents) {
       {{2017, 10, 15}, "2017-10-15"},  {{1500, 2, 29}, "1500-02-29"},
       {{12345, 1, 2}, "12345-01-02"},  {{most, 1, 1}, std::nullopt},
       {{2024, most, 1}, std::nullopt}, {{2024, 1, -most}, std::nullopt},
+      {{1582, 10, 4}, "1582-10-04"},   {{1582, 10, 10}, std::nullopt},
   };
   for (const auto& [components, text] : rows) {
     EXPECT_EQ(dayText(components), text) << text.value_or("-");

@@ -84,9 +84,11 @@ TEST_F(SystemTimeZoneTest, isReadWhereTheMachineSaysIt) {
     EXPECT_EQ(zone.isKnown, row.isKnown) << row.link;
     EXPECT_EQ(zone.canChange, row.variable == nullptr);
   }
-  setenv(variable, (":" + file()).c_str(), 1);
   link("/usr/share/zoneinfo/Europe/Berlin");
-  EXPECT_EQ(systemTimeZone(source()).name, "Europe/Berlin");
+  for (const std::string& itself : {":" + file(), std::string("localtime")}) {
+    setenv(variable, itself.c_str(), 1);
+    EXPECT_EQ(systemTimeZone(source()).name, "Europe/Berlin") << itself;
+  }
 }
 
 TEST_F(SystemTimeZoneTest, isLookedAtOnceASecond) {
@@ -108,6 +110,18 @@ TEST_F(SystemTimeZoneTest, isLookedAtOnceASecond) {
   link("/usr/share/zoneinfo/Asia/Kolkata");
   now += 1s;
   EXPECT_EQ(DeviceSettings::current()->timeZone, "Asia/Kolkata");
+
+  // Behind a link that stays, as where /etc can't be written.
+  const std::string other = file() + "-elsewhere";
+  link(other);
+  for (const std::string zone : {"Asia/Tokyo", "Europe/Zurich"}) {
+    const std::string target = "/usr/share/zoneinfo/" + zone;
+    if (!fs::exists(target)) GTEST_SKIP() << "this machine has no zones";
+    fs::remove(other);
+    fs::create_symlink(target, other);
+    now += 1s;
+    EXPECT_EQ(DeviceSettings::current()->timeZone, zone);
+  }
 }
 
 TEST_F(SystemTimeZoneTest, isNotAskedForWhereOneWasChosen) {
@@ -146,6 +160,17 @@ TEST_F(SystemTimeZoneTest, thatIsNotKnownIsToldOnce) {
   EXPECT_EQ(lines[0].level, Logger::Level::warning);
   EXPECT_EQ(lines[0].message,
             "Days are those of UTC because the machine's time zone is not known.");
+}
+
+TEST_F(SystemTimeZoneTest, thatNoLongerCountsIsNotTold) {
+  const RecordingLogger logger;
+  link("/usr/share/zoneinfo/Mars/Base");
+  now += 1s;
+  EXPECT_EQ(hour(), "0");
+  const ScopedDeviceSettings settings({.locale = "en_US", .timeZone = "Europe/Zurich"});
+  expectRequest("GET users/42",
+                [](const Identity& identity) { UserService(identity).fetch({}, {}, nullptr); });
+  EXPECT_TRUE(logger.lines().empty());
 }
 
 TEST(DeviceSettingsTest, anUnknownZoneChangesNothing) {
