@@ -29,7 +29,9 @@ class AnswerHead {
   [[nodiscard]] bool isMultiplexed() const noexcept { return isMultiplexed_; }
 
   /// The bytes that the body has on its way; absent when they are not announced.
-  [[nodiscard]] std::optional<std::int64_t> length() const noexcept { return length_; }
+  [[nodiscard]] std::optional<std::int64_t> length() const noexcept {
+    return isChunked_ ? std::nullopt : length_;
+  }
   /// The body has an end of its own, so that one that was cut can be told from a whole one.
   [[nodiscard]] bool tellsItsEnd() const noexcept {
     return length_ || isChunked_ || isMultiplexed_ || status_ == 204 || status_ == 205;

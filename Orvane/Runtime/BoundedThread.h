@@ -35,9 +35,8 @@ class BoundedThread {
   /// thread.
   [[nodiscard]] bool isOfAnotherProcess() const noexcept;
 
-  /// Waits until the thread has ended, one that was never started and one
-  /// of another process included. False when it has not
-  /// within `timeout`, or is the calling one.
+  /// Waits until the thread has ended; one that was never started, or is another process's, has.
+  /// False when it has not within `timeout`, or is the calling one.
   bool join(std::chrono::milliseconds timeout);
 
  private:

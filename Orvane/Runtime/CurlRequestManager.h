@@ -99,7 +99,7 @@ struct ORVANE_RUNTIME_EXPORT TransportOptions {
 /// once.
 ///
 /// No request is sent again that a server may have acted on, with one exception: a read
-/// (`Verb::get`) whose connection ends without a byte of an answer is sent once more.
+/// (`Verb::get`) whose kept connection ends without a byte of an answer is sent once more.
 class ORVANE_RUNTIME_EXPORT CurlRequestManager final : public RequestManager {
  public:
   /// A manager, or the `ConfigurationError` that tells which option can't work. Starts no thread.

@@ -47,7 +47,7 @@ std::string validatorIn(const CurlEasy& easy) {
 // seen from the bytes that come.
 struct ContentRange {
   std::int64_t first;
-  std::optional<std::int64_t> total;
+  std::int64_t total;
 };
 
 std::optional<std::int64_t> takeNumber(std::string_view& text) {
@@ -69,10 +69,10 @@ std::optional<ContentRange> contentRange(std::string_view text) {
   const auto first = takeNumber(text);
   if (!first || !takeText(text, "-")) return std::nullopt;
   if (!takeNumber(text) || !takeText(text, "/")) return std::nullopt;
-  if (text == "*") return ContentRange{*first, std::nullopt};
+  // "*" would leave open whether the part reaches the file's end.
   const auto total = takeNumber(text);
   if (!total || !text.empty()) return std::nullopt;
-  return ContentRange{*first, total};
+  return ContentRange{*first, *total};
 }
 
 Completion<std::string> withoutText(Completion<Unit> then) {

@@ -201,7 +201,14 @@ int Transfer::beforeSending(void* transfer, char*, char*, int, int localPort) {
 // A connection stands, and the request goes out next: for the first time, or once more, because the
 // connection before died without a word of an answer.
 bool Transfer::maySend(int localPort) {
+  const bool isNew = easy_->info<long>(CURLINFO_NUM_CONNECTS) > 0;
   isConnectionDead_ = loop_->isClosedByPeer(localPort);
+  if (isConnectionDead_ && isNew) {
+    // The next one would be no better, and the one after it neither.
+    isConnectionDead_ = false;
+    return fail(TransportError(TransportError::Kind::cutOff,
+                               "the server ended the connection before the request went out"));
+  }
   if (isConnectionDead_) return false;
   if (attempts_ > 0 && !mayRepeat()) {
     return fail(TransportError(
@@ -209,7 +216,7 @@ bool Transfer::maySend(int localPort) {
         "the server ended the connection without an answer, and may have read the request"));
   }
   // Ports are used again; what was said about a former connection's streams is not about these.
-  if (easy_->info<long>(CURLINFO_NUM_CONNECTS) > 0) loop_->forgetFarewell(localPort);
+  if (isNew) loop_->forgetFarewell(localPort);
   ++attempts_;
   isRefused_ = false;
   stream_ = 0;

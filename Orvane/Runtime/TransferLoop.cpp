@@ -108,6 +108,12 @@ std::optional<Error> TransferLoop::problemWithStarting() {
   if (options_.maximumWaitingRequests > 0 && waiting_ >= options_.maximumWaitingRequests) {
     return TransportError(TransportError::Kind::overloaded);
   }
+  if (!hasStarted_ && process_ != ::getpid()) {
+    // Forked before the first request: who wakes this handle would wake the parent's.
+    curl_multi_cleanup(std::exchange(multi_, makeMulti(options_)));
+    if (multi_ == nullptr) return TransportError(TransportError::Kind::other, "no libcurl");
+    process_ = ::getpid();
+  }
   if (!hasStarted_) hasStarted_ = thread_.start([self = shared_from_this()] { self->run(); });
   if (!hasStarted_) return TransportError(TransportError::Kind::other, "no thread can be started");
   return std::nullopt;
@@ -162,7 +168,8 @@ void TransferLoop::run() {
   for (; !inbox.isStopping; inbox = takeInbox()) {
     for (const auto& transfer : inbox.dropped) abandon(*transfer);
     for (const auto& transfer : inbox.started) line(transfer);
-    inbox = {};  // lets go of what is not needed any more before it waits
+    inbox = {};    // lets go of what is not needed any more before it waits
+    finishLate();  // what is too late by now is not sent any more
     beginWaiting();
     int count = 0;
     curl_multi_perform(multi_, &count);

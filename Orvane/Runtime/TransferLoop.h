@@ -11,6 +11,7 @@
 #include <Orvane/Runtime/Transfer.h>
 
 #include <curl/curl.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -111,6 +112,8 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
 
   const TransportOptions options_;
   CURLM* multi_;
+  // Whose handle it is.
+  pid_t process_ = ::getpid();
 
   std::mutex mutex_;
   Inbox inbox_;

@@ -320,6 +320,8 @@ TEST_F(DownloadTest, survivesAnswersThatAreNoFile) {
       {"HTTP/1.1 206 Part\r\nContent-Range: bytes 0-2/3\r\nContent-Length: 3\r\n\r\nabc", noPart,
        false},
       {"HTTP/1.1 206 Part\r\nContent-Length: 3\r\n\r\nabc", noPart, false},
+      {"HTTP/1.1 206 Part\r\nContent-Range: bytes 39999-40001/*\r\nContent-Length: 3\r\n\r\nabc",
+       noPart, false},
       {"HTTP/1.1 206 Part\r\nContent-Range: bytes 39999-x/3\r\nContent-Length: 3\r\n\r\nabc",
        noPart, false},
       {"HTTP/1.1 206 Part\r\nContent-Range: bytes 39999-40001/100000\r\nContent-Length: 3\r\n\r\n"
