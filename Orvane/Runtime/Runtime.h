@@ -70,7 +70,8 @@ class ORVANE_RUNTIME_EXPORT Runtime {
   /// Lets what is under way come to its end first, and what that starts, for up to `patience`; then
   /// as `shutdown`. False also when something had to be cut short. A token or an address that the
   /// application's own function still owes is not waited for. On the thread that drains the main
-  /// queue it drains it meanwhile. Any thread but those of the handlers.
+  /// queue it drains it meanwhile; what another thread or a loop is to drain it does not wait for.
+  /// Any thread but those of the handlers.
   bool finish(std::chrono::milliseconds patience,
               std::chrono::milliseconds timeout = std::chrono::seconds(5)) const;
 
