@@ -54,6 +54,8 @@ copy_checkout() {
 [[ $fresh == no && -d $root ]] || make_root
 copy_checkout
 cp -L /etc/resolv.conf "$root/etc/resolv.conf"
+# As every installed machine has it.
+[[ -f $root/etc/hosts ]] || printf '127.0.0.1 localhost\n::1 localhost\n' >"$root/etc/hosts"
 cache=${CCACHE_DIR:-$HOME/.cache/ccache}
 mkdir -p "$cache" "$root/var/cache/ccache"
 

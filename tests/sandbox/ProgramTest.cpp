@@ -60,7 +60,9 @@ TEST(Program, TellsHowToReachItAndStopsWhenAsked) {
   const auto answer =
       client.Get("/kavra/api/sdk/identity",
                  {{"Authorization", "Bearer " + first["developmentToken"].get<std::string>()}});
-  ASSERT_TRUE(answer);
+  // Or else the program would be waited for.
+  if (!answer) ::kill(description["pid"].get<pid_t>(), SIGTERM);
+  ASSERT_TRUE(answer) << httplib::to_string(answer.error());
   EXPECT_EQ(json::parse(answer->body)["userId"], first["userId"]);
 
   // A port is one server's: else requests would go to either.
