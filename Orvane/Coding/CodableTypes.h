@@ -17,10 +17,12 @@ namespace orvane {
 template <class T>
 inline constexpr bool hasCoding = false;
 
-/// An enumeration that is one text on the wire: that of a table, or any.
+/// An enumeration that is one text of a record: that of a table which says `isJSONText`, or any.
+/// Those that stand only in a query or a header have a table, too, and no coding.
 template <class E>
 concept TextEnumeration =
-    !hasCoding<E> && (Enumeration<E> || (OpenEnumeration<E> && requires(std::string_view text) {
+    !hasCoding<E> && ((Enumeration<E> && requires { requires EnumerationTable<E>::isJSONText; }) ||
+                      (OpenEnumeration<E> && requires(std::string_view text) {
                         { E::fromWireText(text) } -> std::same_as<E>;
                       }));
 
@@ -34,7 +36,8 @@ struct EntryOf<std::vector<T>> : std::type_identity<T> {};
 
 }  // namespace detail
 
-/// A record of Orvane/Models, an enumeration with wire texts, or a list (`std::vector`) of either.
+/// A record of Orvane/Models, an enumeration that stands in one, or a list (`std::vector`) of
+/// either.
 template <class T>
 concept Codable = hasCoding<typename detail::EntryOf<T>::type> ||
     TextEnumeration<typename detail::EntryOf<T>::type>;

@@ -35,6 +35,7 @@ struct EnumerationTable<DriverDetection::Status> {
   // The backend names what it does once the training is complete.
   static constexpr EnumerationCase<DriverDetection::Status> cases[] = {{inTraining, "TRAINING"},
                                                                        {trained, "DETECTION"}};
+  static constexpr bool isJSONText = true;
 };
 
 template <>

@@ -72,6 +72,7 @@ struct EnumerationTable<Invitation::Status> {
       {declinedAcknowledged, "DECLINED_ACKNOWLEDGED"},
       {unknown, "UNKNOWN"},
   };
+  static constexpr bool isJSONText = true;
 };
 
 template <>

@@ -46,6 +46,7 @@ struct EnumerationTable<Subscription::SubscriptionType> {
       {TryAndBuy, "TryAndBuy"},
       {aFNOL, "aFNOL"},
   };
+  static constexpr bool isJSONText = true;
 };
 
 template <>

@@ -45,6 +45,7 @@ struct EnumerationTable<TransportMode> {
       {other, "OTHER"},
   };
   static constexpr auto fallback = unknown;
+  static constexpr bool isJSONText = true;
 };
 
 }  // namespace orvane

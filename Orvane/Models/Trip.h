@@ -83,6 +83,7 @@ struct EnumerationTable<Trip::Purpose> {
   static constexpr EnumerationCase<Trip::Purpose> cases[] = {
       {unknown, "UNKNOWN"}, {personal, "PERSONAL"}, {business, "BUSINESS"}};
   static constexpr auto fallback = unknown;
+  static constexpr bool isJSONText = true;
 };
 
 template <>
@@ -91,6 +92,7 @@ struct EnumerationTable<Trip::Status> {
   static constexpr EnumerationCase<Trip::Status> cases[] = {
       {inProgress, "STARTED"}, {complete, "FINISHED"}, {unknown, "UNKNOWN"}};
   static constexpr auto fallback = unknown;
+  static constexpr bool isJSONText = true;
 };
 
 template <>

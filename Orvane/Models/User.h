@@ -197,6 +197,7 @@ struct EnumerationTable<UserRole::RoleName> {
   };
   // The record's name, not the enumeration's: so the error has always read.
   static constexpr std::string_view reportedName = "UserRole";
+  static constexpr bool isJSONText = true;
 };
 
 template <>
@@ -208,6 +209,7 @@ struct EnumerationTable<User::DriverType> {
       {professional_driver, "PROFESSIONAL_DRIVER"},
   };
   static constexpr std::string_view reportedName = "DriverType";
+  static constexpr bool isJSONText = true;
 };
 
 template <>
@@ -216,6 +218,7 @@ struct EnumerationTable<User::DataCollectionType> {
   static constexpr EnumerationCase<User::DataCollectionType> cases[] = {{obd, "OBD"},
                                                                         {mobile, "MOBILE"}};
   static constexpr std::string_view reportedName = "DataCollectionType";
+  static constexpr bool isJSONText = true;
 };
 
 template <>
@@ -223,6 +226,7 @@ struct EnumerationTable<User::ScoringType> {
   using enum User::ScoringType;
   static constexpr EnumerationCase<User::ScoringType> cases[] = {{ims, "IMS"}, {wtw, "WTW"}};
   static constexpr std::string_view reportedName = "ScoringType";
+  static constexpr bool isJSONText = true;
 };
 
 template <>
@@ -231,6 +235,7 @@ struct EnumerationTable<User::EnrollmentModelType> {
   static constexpr EnumerationCase<User::EnrollmentModelType> cases[] = {
       {phone_only, "MOBILE_FLEXIBLE"}, {wedge, "MOBILE_WITH_VEHICLE_IDENTIFIER"}, {obd, "OBD"}};
   static constexpr std::string_view reportedName = "EnrollmentModelType";
+  static constexpr bool isJSONText = true;
 };
 
 template <>
@@ -244,6 +249,7 @@ struct EnumerationTable<User::AccountRole> {
       {unknown, "UNKNOWN"},
   };
   static constexpr std::string_view reportedName = "AccountRole";
+  static constexpr bool isJSONText = true;
 };
 
 template <>

@@ -20,7 +20,8 @@ struct EnumerationCase {
 };
 
 /// The table of an enumeration, specialised beside it: `static constexpr EnumerationCase<E>
-/// cases[]` in the order of declaration.
+/// cases[]` in the order of declaration; `isJSONText`, `fallback` and `reportedName` where the
+/// enumeration stands in a record (see Coding/CodableTypes.h).
 template <class E>
 struct EnumerationTable;
 

@@ -23,6 +23,7 @@ template <>
 struct EnumerationTable<TestLevel> {
   static constexpr EnumerationCase<TestLevel> cases[] = {
       {TestLevel::low, "LOW"}, {TestLevel::high, "HIGH"}, {TestLevel::unknown, "UNKNOWN"}};
+  static constexpr bool isJSONText = true;
   static constexpr TestLevel fallback = TestLevel::unknown;
 };
 
@@ -31,6 +32,7 @@ template <>
 struct EnumerationTable<TestState> {
   static constexpr EnumerationCase<TestState> cases[] = {{TestState::on, "ON"},
                                                          {TestState::off, "OFF"}};
+  static constexpr bool isJSONText = true;
 };
 
 struct TestInner {

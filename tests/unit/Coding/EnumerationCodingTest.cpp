@@ -18,6 +18,9 @@ struct Anything {};
 static_assert(!Codable<int> && !Codable<std::string> && !Codable<Anything> && !Codable<Polyline>);
 static_assert(!Codable<std::vector<double>> && !Codable<std::optional<User>>);
 static_assert(!Codable<std::vector<std::vector<User>>> && !Codable<TripService::Filter>);
+static_assert(!Codable<Verb> && !Codable<TripService::Expansion> &&
+              !Codable<DrivingEventSeverity> && !Codable<Event::KnownEventType> &&
+              !Codable<std::vector<ContentService::Key>>);
 static_assert(Codable<std::vector<User>> && Codable<Event::EventType> && Codable<User::Gender>);
 
 template <class E>
