@@ -5,10 +5,17 @@
 #include <Orvane/Platform/Deadline.h>
 #include <Orvane/Platform/Fatal.h>
 
+#ifndef _WIN32
+#include <pthread.h>
+#endif
+
 #include <atomic>
 #include <condition_variable>
 #include <deque>
+#include <future>
+#include <iterator>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <thread>
 
@@ -36,6 +43,9 @@ struct MainQueue::State {
   std::condition_variable changed;   // for who drains: a job has come, or a request has finished
   std::condition_variable finished;  // for who only waits: a request has finished
   std::deque<Job> jobs;
+  std::deque<Job> ofParents;  // in a forked process; what they hold must not be let go of
+  std::uint64_t added = 0;
+  int running = 0;  // jobs, one inside the other
   Post post;
   bool isForwarded = false;
   bool isStopped = false;
@@ -58,25 +68,78 @@ struct MainQueue::State {
     hasWarned = false;
     return job;
   }
+
+  // Runs the next job without the lock.
+  void runNext(std::unique_lock<std::mutex>& lock) {
+    Job job = next();
+    ++running;
+    lock.unlock();
+    job();
+    job = nullptr;  // what it holds is let go of without the lock
+    lock.lock();
+    --running;
+  }
+
+  [[nodiscard]] bool isDrainedByThisThread() const {
+    return !drainer || *drainer == std::this_thread::get_id();
+  }
+
+  // In a process that was just forked by a thread with the lock. Who waited for the queue has not
+  // come along; what they left in the conditions must not be waited for.
+  void leaveParent() {
+    new (&changed) std::condition_variable;
+    new (&finished) std::condition_variable;
+    ofParents.insert(ofParents.end(), std::make_move_iterator(jobs.begin()),
+                     std::make_move_iterator(jobs.end()));
+    jobs.clear();
+    const bool isDrainer = drainer && *drainer == std::this_thread::get_id();
+    if (isForwarded || isDrainer) return;
+    drainer.reset();
+    isStopped = false;
+    running = 0;
+  }
+
+  // Forking takes the lock, so that the child finds the queue whole.
+  static void surviveForks(State& main) {
+#ifndef _WIN32
+    static State* state = nullptr;
+    state = &main;
+    pthread_atfork([] { state->mutex.lock(); }, [] { state->mutex.unlock(); },
+                   [] {
+                     state->leaveParent();
+                     state->mutex.unlock();
+                   });
+#else
+    static_cast<void>(main);
+#endif
+  }
 };
 
 MainQueue& MainQueue::main() {
-  static MainQueue& queue = *new MainQueue;
+  static MainQueue& queue = []() -> MainQueue& {
+    auto& made = *new MainQueue;
+    State::surviveForks(*made.state_);
+    return made;
+  }();
   return queue;
 }
 
 MainQueue::MainQueue(Clock clock) : state_(std::make_unique<State>(clock)) {}
 MainQueue::~MainQueue() = default;
 
-void MainQueue::async(Job job) {
+void MainQueue::async(Job job) { add(std::move(job)); }
+
+std::uint64_t MainQueue::add(Job job) {
   bool isJammed = false;
+  std::uint64_t number = 0;
   std::shared_ptr<UniqueFunction<void()>> onJob;
   {
     const std::scoped_lock lock(state_->mutex);
+    number = ++state_->added;
     if (state_->isForwarded) {
       // Inside the lock, so that jobs reach the loop in the order in which they came.
       state_->post(std::move(job));
-      return;
+      return number;
     }
     isJammed = !state_->jobs.empty();
     if (!isJammed) state_->waitingSince = state_->now();
@@ -86,6 +149,7 @@ void MainQueue::async(Job job) {
   state_->changed.notify_all();
   if (onJob) (*onJob)();
   if (isJammed) warnWhenStalled();
+  return number;
 }
 
 void MainQueue::run() {
@@ -94,11 +158,7 @@ void MainQueue::run() {
   while (true) {
     state_->changed.wait(lock, [this] { return state_->isStopped || !state_->jobs.empty(); });
     if (std::exchange(state_->isStopped, false)) return;
-    Job job = state_->next();
-    lock.unlock();
-    job();
-    job = nullptr;  // what it holds is let go of without the lock
-    lock.lock();
+    state_->runNext(lock);
   }
 }
 
@@ -128,12 +188,8 @@ bool MainQueue::runUntil(const std::shared_ptr<Request>& request, std::chrono::m
       isInTime = state_->changed.wait_until(lock, end) == std::cv_status::no_timeout;
       continue;
     }
-    Job job = state_->next();
-    lock.unlock();
-    job();
-    job = nullptr;
+    state_->runNext(lock);
     isInTime = std::chrono::steady_clock::now() < end;
-    lock.lock();
   }
   lock.unlock();
   state_->waiters.fetch_sub(1, std::memory_order_seq_cst);
@@ -159,14 +215,33 @@ std::size_t MainQueue::drain() {
   std::size_t count = 0;
   std::unique_lock lock(state_->mutex);
   state_->becomeDrainer();
-  for (; !state_->jobs.empty(); ++count) {
-    Job job = state_->next();
+  for (; !state_->jobs.empty(); ++count) state_->runNext(lock);
+  return count;
+}
+
+bool MainQueue::settle(std::chrono::milliseconds limit) {
+  std::unique_lock lock(state_->mutex);
+  if (state_->isDrainedByThisThread()) {
+    if (state_->isForwarded) return false;
     lock.unlock();
-    job();
-    job = nullptr;
+    drain();
+    return true;
+  }
+  const TimePoint end = deadlineAfter(limit);
+  while (state_->isForwarded || !state_->jobs.empty() || state_->running > 0) {
+    lock.unlock();
+    // A job that comes behind all others and tells how many have been added when it runs.
+    auto told = std::make_shared<std::promise<std::uint64_t>>();
+    std::future<std::uint64_t> count = told->get_future();
+    const std::uint64_t number = add([this, told] {
+      const std::scoped_lock again(state_->mutex);
+      told->set_value(state_->added);
+    });
+    if (count.wait_until(end) != std::future_status::ready) return false;
+    if (count.get() == number) return true;
     lock.lock();
   }
-  return count;
+  return true;
 }
 
 void MainQueue::forward(Post post) {
@@ -195,7 +270,7 @@ bool MainQueue::isForwarded() const {
 
 bool MainQueue::isDrainedByThisThread() const {
   const std::scoped_lock lock(state_->mutex);
-  return !state_->drainer || *state_->drainer == std::this_thread::get_id();
+  return state_->isDrainedByThisThread();
 }
 
 std::chrono::milliseconds MainQueue::warnWhenStalled() {

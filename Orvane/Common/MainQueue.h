@@ -7,6 +7,7 @@
 #include <Orvane/Platform/UniqueFunction.h>
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <utility>
 
@@ -22,10 +23,13 @@ class ORVANE_EXPORT MainQueue {
  public:
   using Job = UniqueFunction<void()>;
   /// Posts a job to a loop; called from any thread, the job to be run later on the loop's. Inside
-  /// the call it must neither run nor let go of the job, nor use the queue, which is locked.
+  /// the call it must neither run nor let go of the job, nor use the queue, which is locked, nor
+  /// fork.
   using Post = UniqueFunction<void(Job)>;
 
-  /// The main queue of the process, made on first use and never destroyed.
+  /// The main queue of the process, made on first use and never destroyed. A process that was
+  /// forked has one of its own: without the jobs of its parent, which are the parent's to run, and
+  /// drained by nobody yet; what the queue was handed to (`forward`), or left to, stays.
   [[nodiscard]] static MainQueue& main();
 
   /// Reads the time by which a job has waited for long.
@@ -64,6 +68,12 @@ class ORVANE_EXPORT MainQueue {
   /// many they were.
   std::size_t drain();
 
+  /// Waits until the jobs that are waiting have run, and those that they add: draining the queue
+  /// where that is this thread's business (see `isDrainedByThisThread`), else leaving it to whoever
+  /// drains it. False when they have not within `limit`, and at once on the thread of a loop that
+  /// the queue was handed to, which can't run them meanwhile.
+  [[nodiscard]] bool settle(std::chrono::milliseconds limit);
+
   /// Hands the queue to the application's own loop: `post` receives every job from now on, those
   /// that are waiting first. To be called once, by the loop's thread; draining the queue afterwards
   /// is a programming fault.
@@ -95,6 +105,10 @@ class ORVANE_EXPORT MainQueue {
 
  private:
   struct State;
+
+  /// Adds a job, and answers how many have been added by then.
+  std::uint64_t add(Job job);
+
   const std::unique_ptr<State> state_;
 };
 

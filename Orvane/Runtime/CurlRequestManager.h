@@ -96,7 +96,7 @@ struct ORVANE_RUNTIME_EXPORT TransportOptions {
 ///
 /// A handler may cancel, start requests, and let go of the manager; waiting for a request there is
 /// a programming fault. In a process that was forked after the first request every request fails at
-/// once.
+/// once with a reason, and `shutdown` returns at once; forked before, it works there, too.
 ///
 /// No request is sent again that a server may have acted on, with one exception: a read
 /// (`Verb::get`) whose kept connection ends without a byte of an answer is sent once more.

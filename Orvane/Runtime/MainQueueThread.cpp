@@ -19,6 +19,7 @@ bool MainQueueThread::start() {
   // Again and again: a `stop()` may be left over from who drained the queue before.
   const bool isStarted = thread_.start([state = state_] {
     while (!state->isStopped) MainQueue::main().run();
+    state->drain();
   });
   if (!isStarted) return false;
   MainQueue::main().async([hasBegun = std::move(hasBegun)]() mutable { hasBegun.set_value(); });
@@ -27,24 +28,14 @@ bool MainQueueThread::start() {
   return true;
 }
 
-bool MainQueueThread::settle(std::chrono::milliseconds timeout) const {
-  if (thread_.isCurrent() || thread_.isOfAnotherProcess()) return false;
-  std::promise<void> isDone;
-  const std::future<void> done = isDone.get_future();
-  MainQueue::main().async([isDone = std::move(isDone)]() mutable {
-    MainQueue::main().drain();
-    isDone.set_value();
-  });
-  return done.wait_until(deadlineAfter(timeout)) == std::future_status::ready;
-}
-
 bool MainQueueThread::stop(std::chrono::milliseconds timeout) {
   if (thread_.isOfAnotherProcess()) return true;
   // Once: a second call would end whoever drains the queue next.
   if (!isToStop_.exchange(true)) {
     MainQueue::main().async([state = state_] {
+      // Before others see the end: until this thread has gone, late jobs are its business, too.
+      static_cast<void>(state->isFirst());
       state->isStopped = true;
-      MainQueue::main().drain();
       MainQueue::main().stop();
     });
   }
@@ -53,21 +44,32 @@ bool MainQueueThread::stop(std::chrono::milliseconds timeout) {
 
 void MainQueueThread::disown() { MainQueue::main().whenAbandoned(nullptr); }
 
+bool MainQueueThread::State::isFirst() noexcept {
+  const std::uint64_t none = static_cast<std::uint64_t>(::getpid()) << 32U;
+  std::uint64_t seen = late;
+  std::uint64_t next = 0;
+  do {
+    next = (seen >> 32U == none >> 32U ? seen : none) + 1;
+  } while (!late.compare_exchange_weak(seen, next));
+  return next == none + 1;
+}
+
+void MainQueueThread::State::drain() {
+  std::uint64_t seen = late;
+  do {
+    MainQueue::main().drain();
+  } while (!late.compare_exchange_strong(seen, 0));
+}
+
 // A call that comes after the end, or in a forked process, which has not got the thread, is to hear
 // that, too.
 void MainQueueThread::drainLate(const std::shared_ptr<State>& state) {
   const bool isAbandoned = state->isStopped || state->process != ::getpid();
-  if (!isAbandoned || state->isDraining.exchange(true)) return;
-  const auto run = [state] {
-    MainQueue::main().drain();
-    state->isDraining = false;
-    // For a job that came before that was so, and started no thread.
-    MainQueue::main().drain();
-  };
+  if (!isAbandoned || !state->isFirst()) return;
   try {
-    std::thread(run).detach();
+    std::thread([state] { state->drain(); }).detach();
   } catch (const std::system_error&) {
-    state->isDraining = false;  // the queue waits for whoever drains it
+    state->late = 0;  // the queue waits for whoever drains it
   }
 }
 

@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <memory>
 
 namespace orvane {
@@ -21,10 +22,6 @@ class MainQueueThread {
   /// system has no thread to give.
   [[nodiscard]] bool start();
 
-  /// Runs what waits, and what that adds; returns when it is done. False when it was not within
-  /// `timeout`, or when this is the thread.
-  [[nodiscard]] bool settle(std::chrono::milliseconds timeout) const;
-
   /// Ends the thread when it has run what waits, and what that adds, and waits for it. False when
   /// it has not ended within `timeout`, or is the calling one. Whatever comes later is run by a
   /// thread that lasts no longer than that, until `disown`.
@@ -36,8 +33,15 @@ class MainQueueThread {
  private:
   struct State {
     std::atomic<bool> isStopped{false};
-    std::atomic<bool> isDraining{false};  // what came later
+    // How many jobs have come since somebody drains the queue for good, and in which process: a
+    // forked one has not got that thread.
+    std::atomic<std::uint64_t> late{0};
     const pid_t process = ::getpid();
+
+    /// Notes a job. True when nobody drains the queue: the caller is to.
+    [[nodiscard]] bool isFirst() noexcept;
+    /// Drains the queue until no more jobs have come meanwhile.
+    void drain();
   };
 
   static void drainLate(const std::shared_ptr<State>& state);

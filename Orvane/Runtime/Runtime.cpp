@@ -110,14 +110,6 @@ void registerParts(const Parts& parts) {
 struct Runtime::State {
   Parts parts;
   std::optional<MainQueueThread> mainQueueThread;
-
-  // Runs what waits in the main queue, where that is the Runtime's business or this thread's.
-  [[nodiscard]] bool settleMainQueue(Clock::time_point end) const {
-    if (mainQueueThread) return mainQueueThread->settle(timeUntil(end));
-    MainQueue& queue = MainQueue::main();
-    if (!queue.isForwarded() && queue.isDrainedByThisThread()) queue.drain();
-    return true;
-  }
 };
 
 Result<Runtime> Runtime::install(RuntimeOptions options) {
@@ -166,10 +158,13 @@ bool Runtime::finish(std::chrono::milliseconds patience, std::chrono::millisecon
            state_->parts.downloader->waitUntilIdle(timeUntil(until));
   };
   // What the main queue holds may start requests, and their answers add to what it holds.
+  MainQueue& queue = MainQueue::main();
   bool isDone = false;
-  while (!isDone && Clock::now() < end && state_->settleMainQueue(end)) {
+  while (!isDone && Clock::now() < end) {
+    const bool isSettled = queue.settle(timeUntil(end));
     if (!isIdle(std::min(end, deadlineAfter(longestLook)))) continue;
-    isDone = state_->settleMainQueue(end) && isIdle(Clock::now());
+    if (!isSettled) break;  // nobody can run what the queue holds
+    isDone = queue.settle(timeUntil(end)) && isIdle(Clock::now());
   }
   return shutdown(timeout) && isDone;
 }

@@ -42,7 +42,8 @@ struct ORVANE_RUNTIME_EXPORT RuntimeOptions {
 };
 
 /// The installed Runtime. A handle: copies stand for the same one, and letting go of them changes
-/// nothing.
+/// nothing. In a process that was forked after the first request every call fails at once with a
+/// reason, and `shutdown` returns at once: a child that is to make requests installs its own.
 class ORVANE_RUNTIME_EXPORT Runtime {
  public:
   /// Registers transport, downloader, resolvers, stores and the device identifier in
@@ -70,8 +71,9 @@ class ORVANE_RUNTIME_EXPORT Runtime {
   /// Lets what is under way come to its end first, and what that starts, for up to `patience`; then
   /// as `shutdown`. False also when something had to be cut short. A token or an address that the
   /// application's own function still owes is not waited for. On the thread that drains the main
-  /// queue it drains it meanwhile; what another thread or a loop is to drain it does not wait for.
-  /// Any thread but those of the handlers.
+  /// queue it drains it meanwhile; whoever else drains it is waited for. On the thread of a loop
+  /// that the queue was handed to, which can't run what it holds meanwhile, that is cut short, and
+  /// the answer is false. Any thread but those of the handlers.
   bool finish(std::chrono::milliseconds patience,
               std::chrono::milliseconds timeout = std::chrono::seconds(5)) const;
 

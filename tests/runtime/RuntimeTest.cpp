@@ -10,6 +10,7 @@
 #include <Orvane/Common/Stores.h>
 #include <Orvane/Core/OrvaneDetails.h>
 #include <Orvane/Runtime.h>
+#include <Orvane/Runtime/MainQueueThread.h>
 #include <Orvane/Services/User/UserService.h>
 #include <Orvane/Testing/Device.h>
 #include <Orvane/Testing/RecordingLogger.h>
@@ -22,6 +23,7 @@
 #include <atomic>
 #include <filesystem>
 #include <future>
+#include <thread>
 #include <vector>
 
 namespace orvane {
@@ -336,51 +338,132 @@ TEST(RuntimeDeathTest, AnswersEveryCallHoweverItEnds) {
   EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
 }
 
-// The child has no thread that drains the main queue, and none that transfers.
+// The child has no thread that drains the main queue, and none that transfers; what it copies of
+// the queue is what the parent's threads were just doing with it. One that hung would be killed.
 TEST(RuntimeDeathTest, AnswersCallsOfAForkedProcess) {
-  if (!mayStartThreadsInAChild) GTEST_SKIP();
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
   const auto run = [] {
     const Backend backend;
-    const Runtime runtime =
-        install({.baseURL = backend.url("/base"), .tokens = "ann", .drainsMainQueue = true});
-    const auto fetched = [](const Identity& identity) {
-      std::promise<Result<User>> answer;
-      UserService(identity).fetch({}, {},
-                                  [&](Result<User> user) { answer.set_value(std::move(user)); });
-      return answer.get_future().get();
+    const auto installed = [&] {
+      return install({.baseURL = backend.url("/base"), .tokens = "ann", .drainsMainQueue = true});
     };
-    if (!fetched(Identity{"key", {}})) std::_Exit(2);
-    const pid_t child = ::fork();
-    if (child == 0) {
-      const bool isTold = !fetched(Identity{"key", {}}) && !fetched(Identity{"other", {}});
-      std::_Exit(isTold && runtime.shutdown(std::chrono::hours(1)) ? 0 : 3);
-    }
+    const Runtime runtime = installed();
+    const auto isFetched = [](const char* key) {
+      std::promise<Result<User>> answer;
+      UserService(Identity{key, {}}).fetch({}, {}, [&](Result<User> user) {
+        answer.set_value(std::move(user));
+      });
+      return bool{answer.get_future().get()};
+    };
+    if (!isFetched("key")) std::_Exit(2);
+    const pid_t parent = ::getpid();
+    std::atomic<bool> isOver = false;
+    std::atomic<bool> ranInAChild = false;
+    std::thread posting([&] {
+      while (!isOver) {
+        MainQueue::main().async([&] { ranInAChild = ranInAChild || ::getpid() != parent; });
+      }
+    });
+    const auto live = [&] {
+      ::alarm(30);
+      if (!mayStartThreadsInAChild) return MainQueue::main().drain() == 0;
+      const bool isTold = !isFetched("key") && !isFetched("other");
+      if (!isTold || !runtime.shutdown(std::chrono::hours(1))) return false;
+      const Runtime own = installed();
+      return isFetched("own") && own.finish(std::chrono::hours(1)) && !ranInAChild;
+    };
     int status = 0;
-    ::waitpid(child, &status, 0);
+    for (int i = 0; i < 50 && status == 0; ++i) {
+      const pid_t child = ::fork();
+      if (child == 0) std::_Exit(live() ? 0 : 3);
+      ::waitpid(child, &status, 0);
+    }
+    isOver = true;
+    posting.join();
     std::_Exit(WIFEXITED(status) ? WEXITSTATUS(status) : 4);
   };
   EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
 }
 
+// Who drains the main queue while `finish` waits. The foreign ones start late: what the queue holds
+// is not to be overlooked.
+enum class Drainer : std::uint8_t { caller, runtime, thread, loop };
+
 TEST(RuntimeDeathTest, FinishesWhatIsUnderWay) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
-  const auto run = [](bool drainsMainQueue) {
+  const auto run = [](Drainer drainer) {
     const Backend backend;
-    const Runtime runtime = install(
-        {.baseURL = backend.url("/base"), .tokens = "ann", .drainsMainQueue = drainsMainQueue});
+    MainQueue loop;
+    std::promise<void> hasFinished;
+    std::thread draining;
+    if (drainer == Drainer::thread || drainer == Drainer::loop) {
+      std::promise<void> isReady;
+      draining = std::thread([&, finished = hasFinished.get_future()] {
+        MainQueue& queue = drainer == Drainer::loop ? loop : MainQueue::main();
+        if (drainer == Drainer::loop) {
+          MainQueue::main().forward([&](MainQueue::Job job) { loop.async(std::move(job)); });
+        } else {
+          MainQueue::main().drain();
+        }
+        isReady.set_value();
+        finished.wait_for(std::chrono::milliseconds(100));
+        queue.run();
+      });
+      isReady.get_future().wait();
+    }
+    const Runtime runtime = install({.baseURL = backend.url("/base"),
+                                     .tokens = "ann",
+                                     .drainsMainQueue = drainer == Drainer::runtime});
     const UserService users(Identity{"key", {}});
     std::atomic<int> answered = 0;
     for (int i = 0; i < 20; ++i) {
       users.fetch({}, {}, [&](Result<User> user) { answered += user ? 1 : 0; });
     }
     if (!runtime.finish(std::chrono::seconds(30)) || answered != 20) std::_Exit(2);
+    hasFinished.set_value();
     const TestServer silent(keepSilent);
     const Runtime other = install({.baseURL = silent.url(), .tokens = "ann"});
     UserService(Identity{"other", {}}).fetch({}, {}, nullptr);
-    std::_Exit(other.finish(std::chrono::milliseconds(20)) ? 3 : 0);
+    if (other.finish(std::chrono::milliseconds(20))) std::_Exit(3);
+    if (drainer == Drainer::loop) {
+      std::promise<bool> inside;
+      MainQueue::main().async([&] { inside.set_value(other.finish(std::chrono::hours(1))); });
+      if (inside.get_future().get()) std::_Exit(4);  // the loop can't run what it holds meanwhile
+    }
+    std::_Exit(0);
   };
-  for (const bool drains : {false, true}) EXPECT_EXIT(run(drains), testing::ExitedWithCode(0), "");
+  for (const Drainer drainer :
+       {Drainer::caller, Drainer::runtime, Drainer::thread, Drainer::loop}) {
+    EXPECT_EXIT(run(drainer), testing::ExitedWithCode(0), "") << static_cast<int>(drainer);
+  }
+}
+
+// The last job that the thread runs, and one that comes meanwhile, when the queue counts as left.
+TEST(RuntimeDeathTest, RunsOneJobAtATimeToTheEnd) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  const auto run = [] {
+    MainQueueThread thread;
+    if (!thread.start()) std::_Exit(2);
+    std::promise<void> gate;
+    std::promise<void> late;
+    std::future<void> hasRun = late.get_future();
+    std::atomic<bool> ranBeside = true;
+    MainQueue::main().async([&] { gate.get_future().wait(); });
+    if (thread.stop(std::chrono::milliseconds(0))) std::_Exit(3);
+    MainQueue::main().async([&] {
+      MainQueue::main().async([&] { late.set_value(); });
+      const auto state = hasRun.wait_for(std::chrono::milliseconds(100));
+      ranBeside = state == std::future_status::ready;
+    });
+    gate.set_value();
+    if (!thread.stop(std::chrono::seconds(30)) || ranBeside) std::_Exit(4);
+    hasRun.wait();
+    std::promise<void> later;
+    MainQueue::main().async([&] { later.set_value(); });
+    later.get_future().wait();
+    std::_Exit(0);
+  };
+  EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace
