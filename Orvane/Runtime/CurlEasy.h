@@ -49,6 +49,8 @@ class CurlEasy {
   /// Sends the next transfer past the proxy of the options and the environment.
   void bypassProxy() noexcept { set(CURLOPT_PROXY, ""); }
 
+  /// True when libcurl has said something about a failure.
+  [[nodiscard]] bool hasComplained() const noexcept { return errorText_[0] != '\0'; }
   /// What libcurl said about the failure of the last transfer.
   [[nodiscard]] std::string errorText() const { return errorText_.data(); }
 

@@ -48,9 +48,11 @@ std::string headerLine(const std::string& name, const std::string& value) {
   return name + ": " + value;
 }
 
-// The number that follows `label`, wherever in `text` that stands.
-std::optional<std::uint32_t> numberBehind(std::string_view label, std::string_view text) {
-  const std::size_t place = text.find(label);
+// The number that follows `label` in a text that begins with `opening`.
+std::optional<std::uint32_t> numberIn(std::string_view text, std::string_view opening,
+                                      std::string_view label = {}) {
+  if (!text.starts_with(opening)) return std::nullopt;
+  const std::size_t place = text.find(label, opening.size());
   if (place == std::string_view::npos) return std::nullopt;
   const std::string_view digits = text.substr(place + label.size());
   std::uint32_t number = 0;
@@ -152,13 +154,16 @@ void Transfer::setCallbacks() {
   easy_->set(CURLOPT_PREREQFUNCTION, &Transfer::beforeSending);
   easy_->set(CURLOPT_XFERINFODATA, this);
   easy_->set(CURLOPT_XFERINFOFUNCTION, &Transfer::hasMoved);
-  // A farewell is told to one of the transfers that share the connection.
-  if (request_.verb == Verb::get && !(hostLine != nullptr && hostLine->isMultiplexed)) return;
-  easy_->set(CURLOPT_VERBOSE, 1L);
+  if (request_.verb != Verb::get && !request_.body.empty()) easy_->set(CURLOPT_NOPROGRESS, 0L);
+  // Where TLS does not tell which connections are shared.
+  if (request_.isEncrypted && !usesOpenSSL()) listen();
+}
+
+// A farewell is told to any one of the transfers that share a connection.
+void Transfer::listen() noexcept {
   easy_->set(CURLOPT_DEBUGDATA, this);
-  easy_->set(CURLOPT_DEBUGFUNCTION, &Transfer::listen);
-  if (request_.verb == Verb::get || request_.body.empty()) return;
-  easy_->set(CURLOPT_NOPROGRESS, 0L);
+  easy_->set(CURLOPT_DEBUGFUNCTION, &Transfer::hear);
+  easy_->set(CURLOPT_VERBOSE, 1L);
 }
 
 void Transfer::writeHeaderLines() {
@@ -192,17 +197,20 @@ void Transfer::setVerb() {
   easy_->set(CURLOPT_CUSTOMREQUEST, wireText(request_.verb).data());
 }
 
-int Transfer::beforeSending(void* transfer, char*, char*, int, int localPort) {
+int Transfer::beforeSending(void* transfer, char* remoteAddress, char*, int remotePort,
+                            int localPort) {
   Transfer& self = *static_cast<Transfer*>(transfer);
-  const bool may = withoutThrowing([&] { return self.maySend(localPort); });
+  const bool may = withoutThrowing([&] {
+    return self.maySend(self.loop_->sockets().find(localPort, remoteAddress, remotePort));
+  });
   return may ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
 }
 
 // A connection stands, and the request goes out next: for the first time, or once more, because the
 // connection before died without a word of an answer.
-bool Transfer::maySend(int localPort) {
+bool Transfer::maySend(std::shared_ptr<OpenSocket> socket) {
   const bool isNew = easy_->info<long>(CURLINFO_NUM_CONNECTS) > 0;
-  isConnectionDead_ = loop_->isClosedByPeer(localPort);
+  isConnectionDead_ = socket && socket->isClosedByPeer();
   if (isConnectionDead_ && isNew) {
     // The next one would be no better, and the one after it neither.
     isConnectionDead_ = false;
@@ -215,14 +223,14 @@ bool Transfer::maySend(int localPort) {
         TransportError::Kind::cutOff,
         "the server ended the connection without an answer, and may have read the request"));
   }
-  // Ports are used again; what was said about a former connection's streams is not about these.
-  if (isNew) loop_->forgetFarewell(localPort);
   ++attempts_;
   isRefused_ = false;
   stream_ = 0;
-  localPort_ = localPort;
+  socket_ = std::move(socket);
   lastMove_ = Clock::now();
-  loop_->hasConnected(*this, isMultiplexed());
+  const bool isShared = isMultiplexed();
+  if (isShared) listen();
+  loop_->hasConnected(*this, isShared);
   return true;
 }
 
@@ -230,7 +238,8 @@ bool Transfer::maySend(int localPort) {
 bool Transfer::mayRepeat() const noexcept {
   // RFC 9113, section 8.7: what is refused has not been processed, nor what is above the last
   // stream of a farewell.
-  if (isRefused_ || loop_->hasLeftOut(localPort_, stream_)) return attempts_ < mostAttempts;
+  const bool isLeftOut = socket_ && socket_->lastStream && stream_ > *socket_->lastStream;
+  if (isRefused_ || isLeftOut) return attempts_ < mostAttempts;
   return request_.verb == Verb::get && attempts_ < 2;
 }
 
@@ -252,7 +261,7 @@ const curl_tlssessioninfo* Transfer::session() const noexcept {
   return easy_->info<const curl_tlssessioninfo*>(CURLINFO_TLS_SSL_PTR);
 }
 
-int Transfer::listen(CURL*, curl_infotype kind, char* text, std::size_t size, void* transfer) {
+int Transfer::hear(CURL*, curl_infotype kind, char* text, std::size_t size, void* transfer) {
   if (kind == CURLINFO_TEXT) static_cast<Transfer*>(transfer)->note({text, size});
   return 0;
 }
@@ -261,11 +270,24 @@ int Transfer::listen(CURL*, curl_infotype kind, char* text, std::size_t size, vo
 // a write that could be repeated fails instead.
 void Transfer::note(std::string_view text) noexcept {
   for (const std::string_view opening : {"Using Stream ID: ", "[HTTP/2] ["}) {
-    if (const auto number = numberBehind(opening, text)) stream_ = *number;
+    if (const auto number = numberIn(text, opening)) stream_ = *number;
   }
-  isRefused_ = isRefused_ || text.starts_with("REFUSED_STREAM");
-  if (text.find("GOAWAY") == std::string_view::npos) return;
-  if (const auto number = numberBehind("last_stream=", text)) loop_->hasLeft(localPort_, *number);
+  for (const std::string_view opening : {"received GOAWAY", "recveived GOAWAY"}) {
+    const auto number = numberIn(text, opening, "last_stream=");
+    if (number && socket_) socket_->lastStream = number;
+  }
+  // It asks for HTTP/1.1 instead of looking at it (RFC 9113, section 7).
+  if (text.starts_with("REFUSED_STREAM") || text.starts_with("Downgrades to HTTP/1.1")) {
+    isRefused_ = true;
+  }
+  // A refusal over a connection that was used before passes for the end of that.
+  if (text.starts_with("Connection died, retrying") && isConnectionWell()) isRefused_ = true;
+}
+
+// Nothing has happened to the connection over HTTP/2: no error, and no end.
+bool Transfer::isConnectionWell() const noexcept {
+  return stream_ > 0 && socket_ && !socket_->isClosedByPeer() && !easy_->hasComplained() &&
+         isMultiplexed() && !hasTakenLeave(*session());
 }
 
 // Called often while a transfer lasts, and a last time before its connection is let go.

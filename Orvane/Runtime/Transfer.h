@@ -9,6 +9,7 @@
 #include <Orvane/Runtime/ContentDecoder.h>
 #include <Orvane/Runtime/CurlEasy.h>
 #include <Orvane/Runtime/HostLines.h>
+#include <Orvane/Runtime/OpenSockets.h>
 #include <Orvane/Runtime/OutgoingRequest.h>
 
 #include <curl/curl.h>
@@ -115,17 +116,20 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
   // What libcurl calls.
   static std::size_t receiveHead(char* bytes, std::size_t, std::size_t count, void* transfer);
   static std::size_t receive(char* bytes, std::size_t, std::size_t count, void* transfer);
-  static int beforeSending(void* transfer, char*, char*, int, int localPort);
+  static int beforeSending(void* transfer, char* remoteAddress, char*, int remotePort,
+                           int localPort);
   static int hasMoved(void* transfer, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent);
-  static int listen(CURL*, curl_infotype kind, char* text, std::size_t size, void* transfer);
+  static int hear(CURL*, curl_infotype kind, char* text, std::size_t size, void* transfer);
 
   void setVerb();
   void watchForFarewell() noexcept;
   [[nodiscard]] const curl_tlssessioninfo* session() const noexcept;
   void setCallbacks();
-  [[nodiscard]] bool maySend(int localPort);
+  [[nodiscard]] bool maySend(std::shared_ptr<OpenSocket> socket);
+  void listen() noexcept;
   void note(std::string_view text) noexcept;
   [[nodiscard]] bool mayRepeat() const noexcept;
+  [[nodiscard]] bool isConnectionWell() const noexcept;
   [[nodiscard]] bool isMultiplexed() const noexcept;
   [[nodiscard]] bool keepHead(std::string_view line);
   [[nodiscard]] bool keep(std::string_view bytes);
@@ -153,10 +157,10 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
   bool hasFarewell_ = false;
   curl_off_t sent_ = 0;
   int attempts_ = 0;
-  int localPort_ = 0;              // of the last attempt's connection
-  std::uint32_t stream_ = 0;       // and its number there (HTTP/2)
-  bool isRefused_ = false;         // the server says that it has not acted on it
-  bool isConnectionDead_ = false;  // and nothing was sent over it
+  std::shared_ptr<OpenSocket> socket_;  // of the last attempt's connection
+  std::uint32_t stream_ = 0;            // and its number there (HTTP/2)
+  bool isRefused_ = false;              // the server says that it has not acted on it
+  bool isConnectionDead_ = false;       // and nothing was sent over it
 };
 
 }  // namespace orvane

@@ -306,18 +306,6 @@ void TransferLoop::hasConnected(Transfer& transfer, bool isMultiplexed) {
   schedule(transfer);
 }
 
-void TransferLoop::hasLeft(int localPort, std::uint32_t lastStream) noexcept {
-  lastFarewell_ = {localPort, lastStream};
-}
-
-void TransferLoop::forgetFarewell(int localPort) noexcept {
-  if (lastFarewell_.localPort == localPort) lastFarewell_ = {};
-}
-
-bool TransferLoop::hasLeftOut(int localPort, std::uint32_t stream) const noexcept {
-  return stream > 0 && localPort == lastFarewell_.localPort && stream > lastFarewell_.lastStream;
-}
-
 bool TransferLoop::mayHold(std::size_t count) const noexcept {
   const std::size_t most = options_.maximumAnswerMemory;
   return most == 0 || (held_ <= most && count <= most - held_);

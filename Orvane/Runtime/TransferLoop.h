@@ -54,17 +54,10 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   void hasFinished() noexcept;
 
   // What follows, up to the end, is for the loop's thread.
-  /// The other side has closed the connection that has this port on this side.
-  [[nodiscard]] bool isClosedByPeer(int localPort) { return sockets_.isClosedByPeer(localPort); }
+  /// The sockets of the connections.
+  [[nodiscard]] const OpenSockets& sockets() const noexcept { return sockets_; }
   /// See `HostLines::hasConnected`.
   void hasConnected(Transfer& transfer, bool isMultiplexed);
-  /// The server of the connection that has this port on this side takes its leave (HTTP/2): it has
-  /// processed no later stream.
-  void hasLeft(int localPort, std::uint32_t lastStream) noexcept;
-  /// A new connection has this port on this side.
-  void forgetFarewell(int localPort) noexcept;
-  /// The server of that connection has said that it has not processed this stream.
-  [[nodiscard]] bool hasLeftOut(int localPort, std::uint32_t stream) const noexcept;
   /// The answers under way may take so many bytes more.
   [[nodiscard]] bool mayHold(std::size_t count) const noexcept;
   /// An answer has taken so many bytes more.
@@ -131,11 +124,6 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   Transfers running_;
   // When to look at the clock, and for whom.
   std::set<std::pair<Clock::time_point, Transfer*>> times_;
-  // The last farewell over HTTP/2: those that it concerns end right after it.
-  struct {
-    int localPort = 0;
-    std::uint32_t lastStream = 0;
-  } lastFarewell_;
   // Bytes of memory that the answers under way take.
   std::size_t held_ = 0;
   std::vector<std::unique_ptr<CurlEasy>> idle_;

@@ -3,14 +3,21 @@
 #include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/HTTP2.h"
 #include "tests/runtime/support/TestServer.h"
+#include <Orvane/Runtime/OpenSockets.h>
 
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <atomic>
+#include <future>
 #include <optional>
 #include <semaphore>
 #include <string>
 #include <tuple>
+#include <vector>
 
 namespace orvane {
 namespace {
@@ -81,7 +88,8 @@ TEST(RepetitionTest, LeavesConnectionsAloneThatHaveBeenIdleForLong) {
   EXPECT_EQ(server.connectionCount(), 2U);
 }
 
-enum class Farewell : std::uint8_t { goAway, refusal, none };
+// Error codes of a request's stream (RFC 9113, section 7), and two ways to end the connection.
+enum class Farewell : std::uint8_t { error = 2, refusal = 7, http1 = 13, goAway, none };
 
 // The second request over the first connection meets the farewell; other connections answer.
 class HTTP2Server {
@@ -94,6 +102,10 @@ class HTTP2Server {
 
  private:
   void serve(ServerConnection& connection, std::size_t number) {
+    if (number > 0 && farewell_ == Farewell::http1) {
+      for (; connection.receive(); connection.answer(200, ok)) ++requestCount_;
+      return;
+    }
     HTTP2Connection http(connection);
     for (int count = 0; const auto stream = http.receive(); ++count) {
       ++requestCount_;
@@ -101,8 +113,8 @@ class HTTP2Server {
         http.answer(*stream, ok);
       } else if (farewell_ == Farewell::goAway) {
         http.goAway(*stream - 2);
-      } else if (farewell_ == Farewell::refusal) {
-        http.refuse(*stream);
+      } else if (farewell_ != Farewell::none) {
+        http.reset(*stream, static_cast<std::uint8_t>(farewell_));
       } else {
         return connection.end();
       }
@@ -120,8 +132,10 @@ class HTTP2Server {
 TEST(RepetitionTest, RepeatsOverHTTP2WhatTheServerHasNotLookedAt) {
   const std::tuple<Farewell, Verb, bool, int> rows[] = {
       {Farewell::goAway, Verb::get, true, 3},  {Farewell::goAway, Verb::post, true, 3},
-      {Farewell::refusal, Verb::get, true, 3}, {Farewell::none, Verb::get, true, 3},
-      {Farewell::none, Verb::post, false, 2},
+      {Farewell::refusal, Verb::get, true, 3}, {Farewell::refusal, Verb::post, true, 3},
+      {Farewell::http1, Verb::get, true, 3},   {Farewell::http1, Verb::post, true, 3},
+      {Farewell::none, Verb::get, true, 3},    {Farewell::none, Verb::post, false, 2},
+      {Farewell::error, Verb::post, false, 2},
   };
   for (const auto& [farewell, verb, succeeds, count] : rows) {
     SCOPED_TRACE(std::string(wireText(verb)) + " " + std::to_string(static_cast<int>(farewell)));
@@ -136,6 +150,80 @@ TEST(RepetitionTest, RepeatsOverHTTP2WhatTheServerHasNotLookedAt) {
     }
     EXPECT_EQ(server.requestCount(), count);
   }
+}
+
+// The farewell is told to the one that has been waiting, and concerns the other.
+TEST(RepetitionTest, HearsAFarewellThatTheFirstRequestIsTold) {
+  const Authority authority;
+  std::promise<void> first;
+  const TestServer server(
+      [&](ServerConnection& connection, std::size_t number) {
+        HTTP2Connection http(connection);
+        const auto waiting = http.receive();
+        if (number > 0) return http.answer(*waiting, ok);
+        first.set_value();
+        static_cast<void>(http.receive());
+        http.goAway(*waiting);
+        http.answer(*waiting, ok);
+        connection.waitUntilClosed();
+      },
+      authority.issue({}), "h2");
+  const auto manager = managerWith({.caPEM = authority.pem()});
+  auto waiting = start(*manager, Verb::get, server.url());
+  first.get_future().wait();
+  EXPECT_EQ(await(*manager, Verb::post, server.url(), "body"), ok);
+  EXPECT_EQ(waiting.get(), ok);
+}
+
+struct Listener {
+  explicit Listener(const char* host, in_port_t port = 0) {
+    address.sin_family = AF_INET;
+    address.sin_port = port;
+    ::inet_pton(AF_INET, host, &address.sin_addr);
+    ::bind(socket, generic(), size);
+    ::listen(socket, 1);
+    ::getsockname(socket, generic(), &size);
+  }
+  ~Listener() { ::close(socket); }
+  Listener(const Listener&) = delete;
+  Listener& operator=(const Listener&) = delete;
+
+  sockaddr* generic() { return reinterpret_cast<sockaddr*>(&address); }
+
+  sockaddr_in address{};
+  socklen_t size = sizeof address;
+  const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+};
+
+// The system gives a port to several connections, where they lead to different places.
+TEST(RepetitionTest, TellsConnectionsFromTheSamePortApart) {
+  Listener near("127.0.0.1");
+  Listener far("127.0.0.2", near.address.sin_port);
+  OpenSockets sockets;
+  curl_sockaddr kind{};
+  kind.family = AF_INET;
+  kind.socktype = SOCK_STREAM;
+  sockaddr_in own{};
+  own.sin_family = AF_INET;
+  own.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  auto* local = reinterpret_cast<sockaddr*>(&own);
+  socklen_t size = sizeof own;
+  std::vector<curl_socket_t> opened;
+  for (Listener* server : {&near, &far}) {
+    const curl_socket_t socket = OpenSockets::open(&sockets, CURLSOCKTYPE_IPCXN, &kind);
+    const int on = 1;
+    ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    ASSERT_EQ(::bind(socket, local, size), 0);
+    ASSERT_EQ(::connect(socket, server->generic(), server->size), 0);
+    ASSERT_EQ(::getsockname(socket, local, &size), 0);
+    opened.push_back(socket);
+  }
+  const int port = ntohs(own.sin_port);
+  const int remote = ntohs(near.address.sin_port);
+  EXPECT_EQ(sockets.find(port, "127.0.0.1", remote)->descriptor, opened[0]);
+  EXPECT_EQ(sockets.find(port, "127.0.0.2", remote)->descriptor, opened[1]);
+  for (const curl_socket_t socket : opened) OpenSockets::close(&sockets, socket);
+  EXPECT_EQ(sockets.find(port, "127.0.0.1", remote), nullptr);
 }
 
 }  // namespace

@@ -5,11 +5,10 @@ namespace orvane {
 namespace {
 
 // Frame types and flags (RFC 9113, section 6).
-constexpr std::uint8_t data = 0, headers = 1, reset = 3, settings = 4, ping = 6, away = 7;
+constexpr std::uint8_t data = 0, headers = 1, resetStream = 3, settings = 4, ping = 6, away = 7;
 constexpr std::uint8_t acknowledgement = 1, endOfStream = 1, endOfHeaders = 4;
 
 constexpr std::size_t prefaceSize = 24;
-constexpr std::uint32_t refusedStream = 7;
 
 std::string number(std::uint32_t value) {
   std::string bytes;
@@ -50,8 +49,8 @@ void HTTP2Connection::answer(std::uint32_t stream, std::string_view body) {
   send(data, endOfStream, stream, body);
 }
 
-void HTTP2Connection::refuse(std::uint32_t stream) {
-  send(reset, 0, stream, number(refusedStream));
+void HTTP2Connection::reset(std::uint32_t stream, std::uint8_t code) {
+  send(resetStream, 0, stream, number(code));
 }
 
 void HTTP2Connection::goAway(std::uint32_t lastStream) {

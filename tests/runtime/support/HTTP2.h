@@ -22,8 +22,8 @@ class HTTP2Connection {
   [[nodiscard]] std::optional<std::uint32_t> receive();
   /// A whole answer with status 200.
   void answer(std::uint32_t stream, std::string_view body);
-  /// Says that a request was not looked at.
-  void refuse(std::uint32_t stream);
+  /// Ends a request with an error code (RFC 9113, section 7).
+  void reset(std::uint32_t stream, std::uint8_t code);
   /// Says that no request after that of `lastStream` is looked at.
   void goAway(std::uint32_t lastStream);
 

@@ -12,7 +12,6 @@
 #include <array>
 #include <cctype>
 #include <csignal>
-#include <cstring>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
@@ -20,12 +19,13 @@
 namespace orvane {
 namespace {
 
-// Agrees on the protocol that `text` is, as ALPN writes it.
-int selectProtocol(SSL*, const unsigned char** chosen, unsigned char* size, const unsigned char*,
-                   unsigned, void* text) {
-  const auto* protocol = static_cast<const char*>(text);
-  *chosen = reinterpret_cast<const unsigned char*>(protocol);
-  *size = static_cast<unsigned char>(std::strlen(protocol));
+// Agrees on HTTP/2 with who speaks it, and on HTTP/1.1 with others.
+int selectProtocol(SSL*, const unsigned char** chosen, unsigned char* size,
+                   const unsigned char* offered, unsigned offeredSize, void*) {
+  static constexpr unsigned char spoken[] = "\x02h2\x08http/1.1";
+  unsigned char* selected = nullptr;
+  SSL_select_next_proto(&selected, size, spoken, sizeof spoken - 1, offered, offeredSize);
+  *chosen = selected;
   return SSL_TLSEXT_ERR_OK;
 }
 
@@ -34,10 +34,7 @@ std::shared_ptr<SSL_CTX> contextWith(const Credentials& credentials,
   std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), &SSL_CTX_free);
   SSL_CTX_use_certificate(context.get(), credentials.certificate.get());
   SSL_CTX_use_PrivateKey(context.get(), credentials.key.get());
-  if (protocol == "h2") {
-    static char text[] = "h2";
-    SSL_CTX_set_alpn_select_cb(context.get(), selectProtocol, text);
-  }
+  if (protocol == "h2") SSL_CTX_set_alpn_select_cb(context.get(), selectProtocol, nullptr);
   return context;
 }
 
