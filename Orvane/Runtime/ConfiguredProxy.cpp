@@ -52,6 +52,52 @@ std::optional<ConfigurationError> problemWith(const Handle& url) {
   return std::nullopt;
 }
 
+bool isHexadecimal(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+// RFC 3986, section 2.1.
+bool hasBrokenEscape(std::string_view text) {
+  for (std::size_t i = text.find('%'); i != std::string_view::npos; i = text.find('%', i + 1)) {
+    if (i + 2 >= text.size() || !isHexadecimal(text[i + 1]) || !isHexadecimal(text[i + 2])) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// A name or a password out of the URL, without its escapes; absent where one is broken, or stands
+// for a control character.
+std::optional<std::string> credential(const Handle& url, CURLUPart which) {
+  const std::string escaped = part(url, which);
+  std::string text = part(url, which, CURLU_URLDECODE);
+  if (hasBrokenEscape(escaped) || text.empty() != escaped.empty()) return std::nullopt;
+  return text;
+}
+
+// RFC 7617, section 2, allows no control characters and, since it ends the name, no colon there;
+// RFC 1929, section 2, no more bytes than that.
+std::optional<ConfigurationError> problemWithCredentials(const TransportOptions& options,
+                                                         std::string_view scheme) {
+  const auto isControl = [](char c) { return (c >= '\0' && c < ' ') || c == '\x7F'; };
+  const std::string& user = options.proxyUser;
+  const std::string& password = options.proxyPassword;
+  if (std::any_of(user.begin(), user.end(), isControl) ||
+      std::any_of(password.begin(), password.end(), isControl)) {
+    return ConfigurationError("proxyUser or proxyPassword holds a control character");
+  }
+  if (user.find(':') != std::string::npos) return ConfigurationError("proxyUser holds a colon");
+  if (user.empty() && !password.empty()) return ConfigurationError("proxyPassword needs a user");
+  if (scheme.starts_with("socks4") && !password.empty()) {
+    return ConfigurationError("proxy: socks4 and socks4a know no password");
+  }
+  constexpr std::size_t most = 255;
+  if (scheme.starts_with("socks5") && (user.size() > most || password.size() > most)) {
+    return ConfigurationError("proxyUser or proxyPassword is longer than socks5 allows");
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<ConfigurationError> separateProxyCredentials(TransportOptions& options) {
@@ -67,19 +113,19 @@ std::optional<ConfigurationError> separateProxyCredentials(TransportOptions& opt
                                                         CURLU_NON_SUPPORT_SCHEME) == CURLUE_OK;
   if (!isURL) return ConfigurationError("proxy is no URL");
   if (auto problem = problemWith(url)) return problem;
-  const std::string user = part(url, CURLUPART_USER, CURLU_URLDECODE);
-  const std::string password = part(url, CURLUPART_PASSWORD, CURLU_URLDECODE);
-  if (!user.empty() || !password.empty()) {
+  const auto user = credential(url, CURLUPART_USER);
+  const auto password = credential(url, CURLUPART_PASSWORD);
+  if (!user || !password) {
+    return ConfigurationError("proxy: its user or password holds an escape that can't stand there");
+  }
+  if (!user->empty() || !password->empty()) {
     if (!options.proxyUser.empty() || !options.proxyPassword.empty()) {
       return ConfigurationError("proxy holds a user, and so does proxyUser");
     }
-    options.proxyUser = user;
-    options.proxyPassword = password;
+    options.proxyUser = *user;
+    options.proxyPassword = *password;
   }
-  // RFC 7617, section 2: a colon ends the name.
-  if (options.proxyUser.find(':') != std::string::npos) {
-    return ConfigurationError("proxyUser holds a colon");
-  }
+  if (auto problem = problemWithCredentials(options, part(url, CURLUPART_SCHEME))) return problem;
   curl_url_set(url.get(), CURLUPART_USER, nullptr, 0);
   curl_url_set(url.get(), CURLUPART_PASSWORD, nullptr, 0);
   options.proxy = part(url, CURLUPART_URL);

@@ -53,8 +53,6 @@ TransportError::Kind kindOf(CURLcode code) {
       return cutOff;
     case CURLE_FILESIZE_EXCEEDED:
       return tooLarge;
-    case CURLE_ABORTED_BY_CALLBACK:
-      return cancelled;
     case CURLE_WEIRD_SERVER_REPLY:
     case CURLE_BAD_CONTENT_ENCODING:
     // http and https are let through and spoken: what is not spoken is the answer's version.

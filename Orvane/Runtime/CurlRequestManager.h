@@ -64,13 +64,15 @@ struct ORVANE_RUNTIME_EXPORT TransportOptions {
   /// Opens the private key, where it is encrypted.
   std::string clientKeyPassword{};
   /// Lets SSLKEYLOGFILE of the environment have its way: whoever has that file can read what was
-  /// transferred. For debugging only.
+  /// transferred. For debugging only. No effect where libcurl's TLS is not OpenSSL's: whether the
+  /// variable is obeyed is that library's affair.
   bool allowsKeyLog{false};
 
   /// A proxy's URL: http, https, socks4, socks4a, socks5 or socks5h, host and port (1080). Empty:
   /// as the environment says (https_proxy, no_proxy, …). Requests to this machine never use one.
   std::string proxy{};
-  /// Who the proxy is to be told that asks; a user in the proxy's URL is the same.
+  /// Who the proxy is to be told that asks; a user in the proxy's URL is the same. No control
+  /// characters, and no colon in the name; a password needs a user, and a proxy other than socks4.
   std::string proxyUser{};
   std::string proxyPassword{};
   /// The value of "User-Agent"; empty: none is sent.

@@ -17,7 +17,8 @@
 
 namespace orvane {
 
-/// A request that went out and what came of it. Unless the application asks for secrets, the values
+/// A request that the transport took over, and what came of it: it may have waited for a connection
+/// to the end, and not gone out at all. Unless the application asks for secrets, the values
 /// of queries, of "Authorization" and of cookies read "…", and the bodies are empty.
 struct ORVANE_RUNTIME_EXPORT Exchange {
   Verb verb = Verb::get;
@@ -36,13 +37,15 @@ struct ORVANE_RUNTIME_EXPORT Exchange {
   std::size_t responseSize = 0;
   /// What the caller is told instead of a body.
   std::optional<Error> error;
-  /// From the moment the request was handed to the network to the end of its answer.
+  /// From the moment the request was handed to the network to the end of its answer; zero when it
+  /// never was.
   Seconds duration{0};
 };
 
-/// Sees every exchange when it has ended, right before the handler is called; cancelled ones too.
-/// Called on the thread that did the transfer: requests and downloads have one each. Must be quick
-/// and must not throw.
+/// Sees every exchange when it has ended, right before the handler is called; cancelled ones and
+/// those that waited in vain, too. Not seen are requests that are answered inside `send`: they were
+/// not taken over. Called on the thread that does the transfers: requests and downloads have one
+/// each. Must be quick and must not throw.
 using ExchangeObserver = std::function<void(const Exchange&)>;
 
 }  // namespace orvane

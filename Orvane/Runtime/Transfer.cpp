@@ -404,8 +404,9 @@ Error Transfer::failureOf(CURLcode code, std::string details) const {
   if (isAboutMemory(code) && !head_.isComplete()) {
     return TransportError(TransportError::Kind::tooLarge, "its headers");
   }
-  if (code == CURLE_WRITE_ERROR) {
-    return TransportError(TransportError::Kind::other, "there is no memory left for the answer");
+  // A callback that had a reason of its own has told it.
+  if (code == CURLE_WRITE_ERROR || code == CURLE_ABORTED_BY_CALLBACK) {
+    return TransportError(TransportError::Kind::other, "there is no memory left for it");
   }
   return errorOf(code, std::move(details));
 }
@@ -446,7 +447,7 @@ Exchange Transfer::exchange(const Result<std::string>& outcome, bool withSecrets
     exchange.requestBody = request_.body;
     exchange.responseBody = outcome.value().value_or("");
   }
-  if (!easy_) return exchange;
+  if (!easy_ || easy_->get() == nullptr) return exchange;
   if (head_.status() > 0) exchange.statusCode = head_.status();
   curl_header* header = nullptr;
   while ((header = curl_easy_nextheader(easy_->get(), CURLH_HEADER, -1, header)) != nullptr) {

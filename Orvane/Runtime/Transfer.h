@@ -93,6 +93,9 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
   bool isWaiting = false;
 
  protected:
+  /// The request has a connection, and goes out next. False ends the transfer: see `problem`.
+  [[nodiscard]] virtual bool maySend(std::shared_ptr<OpenSocket> socket);
+
   /// The answer's status line and headers.
   [[nodiscard]] const AnswerHead& head() const noexcept { return head_; }
 
@@ -125,7 +128,6 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
   void watchForFarewell() noexcept;
   [[nodiscard]] const curl_tlssessioninfo* session() const noexcept;
   void setCallbacks();
-  [[nodiscard]] bool maySend(std::shared_ptr<OpenSocket> socket);
   void listen() noexcept;
   void note(std::string_view text) noexcept;
   [[nodiscard]] bool mayRepeat() const noexcept;

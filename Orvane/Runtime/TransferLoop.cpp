@@ -201,7 +201,7 @@ std::unique_ptr<CurlEasy> TransferLoop::takeEasy() {
 void TransferLoop::line(const std::shared_ptr<Transfer>& transfer) {
   if (!transfer->isPending()) {
     --waiting_;
-    return;
+    return answer(transfer, shutDown());
   }
   lines_.add(transfer);
   schedule(*transfer);
@@ -216,32 +216,24 @@ void TransferLoop::beginWaiting() {
 }
 
 void TransferLoop::begin(const std::shared_ptr<Transfer>& transfer) {
-  if (!transfer->isPending()) {  // cancelled, of which the inbox will tell
-    unschedule(*transfer);
-    return lines_.hasEnded(*transfer);
-  }
-  std::optional<Error> error = transfer->prepare(takeEasy());
+  // Cancelled, of which the inbox will tell.
+  std::optional<Error> error;
+  if (!transfer->isPending()) error = shutDown();
+  if (!error) error = transfer->prepare(takeEasy());
   if (!error && curl_multi_add_handle(multi_, transfer->easy()->get()) != CURLM_OK) {
     error = errorOf(CURLE_FAILED_INIT, {});
   }
   if (error) {
     unschedule(*transfer);
     lines_.hasEnded(*transfer);
-    transfer->release().reset();
-    transfer->complete(*std::move(error));
-    return;
+    return answer(transfer, *std::move(error));
   }
   transfer->index = running_.size();
   running_.push_back(transfer);
 }
 
 void TransferLoop::abandon(Transfer& transfer) {
-  if (transfer.isWaiting) {
-    unschedule(transfer);
-    takeOut(transfer).reset();
-  } else if (transfer.easy() != nullptr) {
-    end(transfer, shutDown());
-  }
+  if (transfer.isWaiting || transfer.easy() != nullptr) end(transfer, shutDown());
 }
 
 void TransferLoop::finishEnded() {
@@ -328,13 +320,19 @@ void TransferLoop::end(Transfer& transfer, Result<std::string> outcome) {
   const std::shared_ptr<Transfer> ending = takeOut(transfer);
   unschedule(transfer);
   if (transfer.easy() != nullptr) curl_multi_remove_handle(multi_, transfer.easy()->get());
-  if (options_.observer) {
-    options_.observer(ending->exchange(outcome, options_.observerSeesSecrets));
-  }
   held_ -= ending->heldMemory();
-  std::unique_ptr<CurlEasy> easy = ending->release();
-  if (easy && idle_.size() < mostIdleHandles) idle_.push_back(std::move(easy));
-  ending->complete(std::move(outcome));
+  answer(ending, std::move(outcome));
+}
+
+// The end of every transfer that was taken over.
+void TransferLoop::answer(const std::shared_ptr<Transfer>& transfer, Result<std::string> outcome) {
+  if (options_.observer) {
+    options_.observer(transfer->exchange(outcome, options_.observerSeesSecrets));
+  }
+  std::unique_ptr<CurlEasy> easy = transfer->release();
+  const bool isOfUse = easy && easy->get() != nullptr;
+  if (isOfUse && idle_.size() < mostIdleHandles) idle_.push_back(std::move(easy));
+  transfer->complete(std::move(outcome));
 }
 
 void TransferLoop::wait() {
@@ -368,7 +366,7 @@ int TransferLoop::pause() {
 void TransferLoop::close(const Transfers& late) {
   lines_.takeAll([this](Transfer& transfer) { end(transfer, shutDown()); });
   while (!running_.empty()) end(*running_.back(), shutDown());
-  for (const auto& transfer : late) transfer->complete(shutDown());
+  for (const auto& transfer : late) answer(transfer, shutDown());
   while (wakers_.load() != 0) std::this_thread::yield();
   idle_.clear();
   curl_multi_cleanup(std::exchange(multi_, nullptr));

@@ -97,6 +97,7 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   void schedule(Transfer& transfer);
   void unschedule(Transfer& transfer);
   void end(Transfer& transfer, Result<std::string> outcome);
+  void answer(const std::shared_ptr<Transfer>& transfer, Result<std::string> outcome);
   [[nodiscard]] std::shared_ptr<Transfer> takeOut(Transfer& transfer);
   void wait();
   [[nodiscard]] int pause();

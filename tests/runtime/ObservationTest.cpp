@@ -9,7 +9,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <future>
+#include <iterator>
 #include <sstream>
+#include <tuple>
 #include <vector>
 
 namespace orvane {
@@ -88,18 +91,38 @@ TEST(ObservationTest, ShowsFailuresAndCancellations) {
     connection.waitUntilClosed();
   });
   std::vector<Exchange> exchanges;
-  const auto manager = managerWith({.observer = keepingIn(exchanges)});
+  const auto manager = managerWith(
+      {.idleTimeout = {}, .maximumConnectionsPerHost = 1, .observer = keepingIn(exchanges)});
   EXPECT_FALSE(get(*manager, server.url("/refused")));
   const RequestHandle request = manager->get(*URL::parse(server.url("/silent")), {}, nullptr);
   server.waitForRequests(2);
+  // These wait for the connection: one is cancelled, one runs out of time, one is there at the end.
+  EXPECT_TRUE(manager->get(*URL::parse(server.url("/cancelled")), {}, nullptr)->cancel());
+  std::promise<void> isLate;
+  manager->send(Verb::get, *URL::parse(server.url("/late")), {}, {},
+                std::chrono::steady_clock::now() + std::chrono::milliseconds(1),
+                [&](Result<std::string>) { isLate.set_value(); });
+  isLate.get_future().wait();
   EXPECT_TRUE(request->cancel());
+  auto last = start(*manager, Verb::get, server.url("/silent"));
   manager->shutdown();
 
-  ASSERT_EQ(exchanges.size(), 2U);
-  EXPECT_EQ(exchanges[0].statusCode, 403);
-  EXPECT_EQ(exchanges[0].error, Error(NetworkError::invalidStatusCode(403)));
-  EXPECT_EQ(exchanges[1].statusCode, std::nullopt);
-  EXPECT_EQ(exchanges[1].error, Error(TransportError(TransportError::Kind::cancelled)));
+  const Error cancelled = TransportError(TransportError::Kind::cancelled);
+  const Error late = TransportError(TransportError::Kind::timeOut, "the answer is not complete");
+  const std::tuple<const char*, std::optional<std::int64_t>, Error> rows[] = {
+      {"/refused", 403, NetworkError::invalidStatusCode(403)},
+      {"/cancelled", {}, cancelled},
+      {"/late", {}, late},
+      {"/silent", {}, cancelled},
+      {"/silent", {}, cancelled},
+  };
+  ASSERT_EQ(exchanges.size(), std::size(rows));
+  for (std::size_t i = 0; i < exchanges.size(); ++i) {
+    const auto& [target, status, error] = rows[i];
+    EXPECT_EQ(exchanges[i].url, server.url(target));
+    EXPECT_EQ(exchanges[i].statusCode, status) << target;
+    EXPECT_EQ(exchanges[i].error, error) << target;
+  }
 }
 
 // Sends secrets through every way of succeeding and failing, and searches all that comes out.

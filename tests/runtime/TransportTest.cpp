@@ -312,18 +312,31 @@ TEST(TransportTest, SurvivesAnswersForWhichThereIsNoMemory) {
    protected:
     [[nodiscard]] bool take(const char*, std::size_t) override { throw std::bad_alloc(); }
   };
+  class StarvingEarly final : public Transfer {
+   public:
+    using Transfer::Transfer;
+
+   protected:
+    [[nodiscard]] bool maySend(std::shared_ptr<OpenSocket>) override { throw std::bad_alloc(); }
+  };
   const TestServer server(answering("ok"));
   const auto loop = TransferLoop::make({}).value().value();
   OutgoingRequest request{Verb::get, *URL::parse(server.url()), {}, {}};
   ASSERT_FALSE(check(request, false));
-  std::promise<Result<std::string>> starved;
-  std::promise<Result<std::string>> fed;
-  loop->start(std::make_shared<Starving>(
-      loop, request, [&](Result<std::string> result) { starved.set_value(std::move(result)); }));
-  loop->start(std::make_shared<Transfer>(
-      loop, request, [&](Result<std::string> result) { fed.set_value(std::move(result)); }));
-  EXPECT_EQ(kindOf(starved.get_future().get()), Kind::other);
-  EXPECT_EQ(fed.get_future().get(), ok);
+  std::promise<Result<std::string>> promises[3];
+  const auto handler = [&](int number) {
+    return [&promises, number](Result<std::string> result) {
+      promises[number].set_value(std::move(result));
+    };
+  };
+  loop->start(std::make_shared<Starving>(loop, request, handler(0)));
+  loop->start(std::make_shared<StarvingEarly>(loop, request, handler(1)));
+  loop->start(std::make_shared<Transfer>(loop, request, handler(2)));
+  for (const int starved : {0, 1}) {
+    EXPECT_EQ(promises[starved].get_future().get(),
+              Error(TransportError(Kind::other, "there is no memory left for it")));
+  }
+  EXPECT_EQ(promises[2].get_future().get(), ok);
   EXPECT_TRUE(loop->shutdown(std::chrono::seconds(30)));
 }
 
