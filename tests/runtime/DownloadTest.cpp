@@ -60,6 +60,8 @@ class Publisher {
   bool waitsAfterCut = false;
   // What is answered to the next request, whatever it asks for, before the connection ends.
   const char* rudeAnswer = nullptr;
+  // That end is a proper one.
+  bool takesLeave = false;
 
   [[nodiscard]] std::string url(std::string_view target = "/") const { return server_.url(target); }
 
@@ -91,7 +93,7 @@ class Publisher {
   void answer(ServerConnection& connection, const ReceivedRequest& request) {
     if (const char* rude = std::exchange(rudeAnswer, nullptr); rude != nullptr) {
       connection.send(rude);
-      return connection.cut();
+      return takesLeave ? connection.end() : connection.cut();
     }
     const Answer answer = answerTo(request);
     connection.send(answer.head);
@@ -209,6 +211,21 @@ TEST_F(DownloadTest, takesFilesOfAnyAnnouncement) {
                 (DownloadProgress{static_cast<std::int64_t>(file.size()), total}));
     }
     EXPECT_THAT(names(), ElementsAre("image.zip"));
+  }
+}
+
+// The farewell of TLS is an end as good as a length.
+TEST_F(DownloadTest, takesAFileOfUnknownLengthWithAFarewellOnly) {
+  const Authority authority;
+  const auto downloader = downloaderWith({.caPEM = authority.pem()});
+  writeFile(target_, "former");
+  for (const bool takesLeave : {false, true}) {
+    Publisher publisher({}, authority.issue({}));
+    publisher.rudeAnswer = "HTTP/1.1 200 OK\r\n\r\nabc";
+    publisher.takesLeave = takesLeave;
+    EXPECT_EQ(kindOf(download(*downloader, publisher.url(), target_)),
+              takesLeave ? std::nullopt : std::optional(Kind::cutOff));
+    EXPECT_EQ(contentsOf(target_), takesLeave ? "abc" : "former");
   }
 }
 

@@ -138,6 +138,35 @@ TEST(WaitingTest, NoMoreThanAllowed) {
   for (auto& result : pending) EXPECT_EQ(kindOf(result.get()), Kind::cancelled);
 }
 
+// The whole takes longer than nothing may move, in either direction.
+TEST(WaitingTest, WhatTricklesIsNotIdle) {
+  constexpr auto idle = 1000ms;
+  constexpr std::size_t pieceSize = std::size_t{512} << 10U;
+  constexpr std::size_t pieceCount = 32;  // more than the systems take off the hands of both
+  const Authority authority;
+  std::promise<void> never;
+  const TestServer server(
+      [pause = never.get_future().share()](ServerConnection& connection, std::size_t number) {
+        const bool isUpload = number == 0;
+        if (!isUpload) {
+          static_cast<void>(connection.receive());
+          connection.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n");
+        }
+        for (std::size_t i = 0; i < pieceCount; ++i) {
+          pause.wait_for(40ms);
+          isUpload ? void(connection.receiveBytes(pieceSize)) : void(connection.send("1\r\nx\r\n"));
+        }
+        connection.send(isUpload ? "HTTP/1.1 204 Done\r\n\r\n" : "0\r\n\r\n");
+        connection.waitUntilClosed();
+      },
+      authority.issue({}));
+  const auto manager = managerWith({.idleTimeout = idle, .caPEM = authority.pem()});
+  auto upload = start(*manager, Verb::put, server.url(), std::string(pieceCount * pieceSize, 'x'));
+  server.waitForConnections(1);
+  EXPECT_EQ(get(*manager, server.url()), std::string(pieceCount, 'x'));
+  EXPECT_EQ(upload.get(), std::string());
+}
+
 // Two answers, each of which fits, of which the second finds the memory taken.
 TEST(WaitingTest, AnswersShareTheMemory) {
   std::promise<void> end;
