@@ -223,6 +223,7 @@ TEST_F(DownloadTest, takesAFileOfUnknownLengthWithAFarewellOnly) {
     Publisher publisher({}, authority.issue({}));
     publisher.rudeAnswer = "HTTP/1.1 200 OK\r\n\r\nabc";
     publisher.takesLeave = takesLeave;
+    EXPECT_EQ(kindOf(download(publisher.url())), Kind::tls) << "of an authority that is not known";
     EXPECT_EQ(kindOf(download(*downloader, publisher.url(), target_)),
               takesLeave ? std::nullopt : std::optional(Kind::cutOff));
     EXPECT_EQ(contentsOf(target_), takesLeave ? "abc" : "former");
@@ -359,31 +360,12 @@ TEST_F(DownloadTest, survivesAnswersThatAreNoFile) {
   }
 }
 
-TEST_F(DownloadTest, refusesAPartNobodyAskedFor) {
+TEST_F(DownloadTest, refusesAPartNobodyAskedForAndPlainHTTP) {
   Publisher publisher;
   publisher.rudeAnswer =
       "HTTP/1.1 206 Part\r\nContent-Range: bytes 0-2/3\r\nContent-Length: 3\r\n\r\nabc";
   EXPECT_EQ(kindOf(download(publisher.url())), Kind::protocol);
   EXPECT_TRUE(names().empty());
-}
-
-TEST_F(DownloadTest, trustsTheGivenAuthorityOnly) {
-  const Authority authority;
-  const Authority stranger;
-  const Publisher publisher({}, authority.issue({}));
-  writeFile(target_, "former");
-  for (const std::string& trusted : {std::string(), stranger.pem()}) {
-    EXPECT_EQ(kindOf(download(*downloaderWith({.caPEM = trusted}), publisher.url(), target_)),
-              Kind::tls);
-    EXPECT_EQ(contentsOf(target_), "former");
-    EXPECT_THAT(names(), ElementsAre("image.zip"));
-  }
-  EXPECT_EQ(download(*downloaderWith({.caPEM = authority.pem()}), publisher.url(), target_),
-            Unit{});
-  EXPECT_TRUE(contentsOf(target_) == publisher.file);
-}
-
-TEST_F(DownloadTest, sendsNothingInTheClear) {
   EXPECT_EQ(kindOf(download("http://firmware.example/image.zip")), Kind::insecure);
 }
 

@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <future>
@@ -175,55 +174,35 @@ TEST(RepetitionTest, HearsAFarewellThatTheFirstRequestIsTold) {
   EXPECT_EQ(waiting.get(), ok);
 }
 
-struct Listener {
-  explicit Listener(const char* host, in_port_t port = 0) {
-    address.sin_family = AF_INET;
-    address.sin_port = port;
-    ::inet_pton(AF_INET, host, &address.sin_addr);
-    ::bind(socket, generic(), size);
-    ::listen(socket, 1);
-    ::getsockname(socket, generic(), &size);
-  }
-  ~Listener() { ::close(socket); }
-  Listener(const Listener&) = delete;
-  Listener& operator=(const Listener&) = delete;
-
-  sockaddr* generic() { return reinterpret_cast<sockaddr*>(&address); }
-
-  sockaddr_in address{};
-  socklen_t size = sizeof address;
-  const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-};
-
-// The system gives a port to several connections, where they lead to different places.
+// The system gives a port to several connections, where they lead to different places. (Datagrams
+// need nobody who listens.)
 TEST(RepetitionTest, TellsConnectionsFromTheSamePortApart) {
-  Listener near("127.0.0.1");
-  Listener far("127.0.0.2", near.address.sin_port);
   OpenSockets sockets;
   curl_sockaddr kind{};
   kind.family = AF_INET;
-  kind.socktype = SOCK_STREAM;
+  kind.socktype = SOCK_DGRAM;
   sockaddr_in own{};
   own.sin_family = AF_INET;
-  own.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  auto* local = reinterpret_cast<sockaddr*>(&own);
+  auto* name = reinterpret_cast<sockaddr*>(&own);
   socklen_t size = sizeof own;
   std::vector<curl_socket_t> opened;
-  for (Listener* server : {&near, &far}) {
+  for (const char* host : {"127.0.0.1", "127.0.0.2"}) {
     const curl_socket_t socket = OpenSockets::open(&sockets, CURLSOCKTYPE_IPCXN, &kind);
     const int on = 1;
     ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-    ASSERT_EQ(::bind(socket, local, size), 0);
-    ASSERT_EQ(::connect(socket, server->generic(), server->size), 0);
-    ASSERT_EQ(::getsockname(socket, local, &size), 0);
+    ASSERT_EQ(::bind(socket, name, size), 0);
+    ASSERT_EQ(::getsockname(socket, name, &size), 0);
+    sockaddr_in server = own;
+    ::inet_pton(AF_INET, host, &server.sin_addr);
+    server.sin_port = htons(443);
+    ASSERT_EQ(::connect(socket, reinterpret_cast<sockaddr*>(&server), sizeof server), 0);
     opened.push_back(socket);
   }
   const int port = ntohs(own.sin_port);
-  const int remote = ntohs(near.address.sin_port);
-  EXPECT_EQ(sockets.find(port, "127.0.0.1", remote)->descriptor, opened[0]);
-  EXPECT_EQ(sockets.find(port, "127.0.0.2", remote)->descriptor, opened[1]);
+  EXPECT_EQ(sockets.find(port, "127.0.0.1", 443)->descriptor, opened[0]);
+  EXPECT_EQ(sockets.find(port, "127.0.0.2", 443)->descriptor, opened[1]);
   for (const curl_socket_t socket : opened) OpenSockets::close(&sockets, socket);
-  EXPECT_EQ(sockets.find(port, "127.0.0.1", remote), nullptr);
+  EXPECT_EQ(sockets.find(port, "127.0.0.1", 443), nullptr);
 }
 
 }  // namespace

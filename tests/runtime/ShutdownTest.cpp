@@ -2,8 +2,7 @@
 // The end of a transport: asked for, forced, and from inside.
 #include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/TestServer.h"
-#include "tests/support/Outcome.h"
-#include <Orvane/Runtime/TransportError.h>
+#include <Orvane/Common/MainQueue.h>
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -34,37 +33,28 @@ TEST(ShutdownTest, AnswersWhatIsPending) {
   }
   EXPECT_EQ(get(*manager, server.url()), shutDown) << "requests that come later";
   EXPECT_TRUE(manager->shutdown(0ms)) << "once more changes nothing";
+  EXPECT_TRUE(managerWith({})->shutdown(0ms)) << "nothing needs to have been asked before";
 }
 
-TEST(ShutdownTest, NeedsNoRequestBefore) { EXPECT_TRUE(managerWith({})->shutdown(0ms)); }
-
-TEST(ShutdownTest, WaitsNoLongerThanItIsTold) {
+TEST(ShutdownTest, WaitsForAHandlerButNoLongerThanItIsTold) {
   const TestServer server(answering("/"));
-  const auto manager = managerWith({});
-  std::promise<void> entered;
+  auto manager = managerWith({});
+  std::promise<bool> inside;
   std::promise<void> gate;
   const RequestHandle request =
       manager->get(*URL::parse(server.url()), {}, [&](Result<std::string>) {
-        entered.set_value();
+        inside.set_value(manager->shutdown(30s));
         gate.get_future().wait();
       });
-  entered.get_future().wait();
+  EXPECT_FALSE(inside.get_future().get()) << "the thread cannot wait for itself";
   EXPECT_FALSE(manager->shutdown(10ms));
   gate.set_value();
-  EXPECT_TRUE(manager->shutdown(30s));
-  EXPECT_TRUE(request->isFinished());
-}
-
-TEST(ShutdownTest, WorksFromAHandlerAndFromSeveralThreadsAtOnce) {
-  const TestServer server(answering("/"));
-  const auto manager = managerWith({});
-  std::promise<bool> inside;
-  manager->get(*URL::parse(server.url()), {},
-               [&](Result<std::string>) { inside.set_value(manager->shutdown(30s)); });
-  EXPECT_FALSE(inside.get_future().get()) << "the thread cannot wait for itself";
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) threads.emplace_back([&] { EXPECT_TRUE(manager->shutdown(30s)); });
   for (std::thread& thread : threads) thread.join();
+  EXPECT_TRUE(request->isFinished());
+  manager.reset();
+  EXPECT_FALSE(request->cancel());
 }
 
 TEST(ShutdownTest, LetsAHandlerDropTheManager) {
@@ -96,18 +86,6 @@ TEST(ShutdownTest, LetsCancellationDropTheManager) {
                                               [last = std::move(manager)](Result<std::string>) {});
   server.waitForRequests(1);
   EXPECT_TRUE(request->cancel());
-}
-
-TEST(ShutdownTest, HandlesOutliveTheManager) {
-  const TestServer server(keepSilent);
-  const Outcome<std::string> outcome;
-  auto manager = managerWith({});
-  const RequestHandle request = manager->get(*URL::parse(server.url()), {}, outcome.handler());
-  server.waitForRequests(1);
-  manager.reset();
-  EXPECT_EQ(outcome.result(), shutDown);
-  EXPECT_TRUE(request->isFinished());
-  EXPECT_FALSE(request->cancel());
 }
 
 TEST(ShutdownTest, CanWaitForWhatIsUnderWay) {

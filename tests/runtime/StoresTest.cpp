@@ -24,6 +24,7 @@
 namespace orvane {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
@@ -40,6 +41,18 @@ unsigned modeOf(const std::filesystem::path& path) {
 std::size_t fileCount(const TemporaryFolder& folder) {
   const std::filesystem::directory_iterator files(folder.path());
   return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+}
+
+// What is warned of, once, while the identifier stays the same.
+std::string warningOf(const DeviceIdentifier& device) {
+  const RecordingLogger logger;
+  const std::string identifier = device.current();
+  EXPECT_THAT(identifier, MatchesRegex(uuid));
+  EXPECT_EQ(device.current(), identifier);
+  EXPECT_THAT(logger.lines(), SizeIs(1));
+  if (logger.lines().empty()) return {};
+  EXPECT_EQ(logger.lines()[0].level, Logger::Level::warning);
+  return logger.lines()[0].message;
 }
 
 TEST(FileDeviceIdentifierTest, OutlivesTheProcess) {
@@ -91,13 +104,9 @@ TEST(FileDeviceIdentifierTest, ReplacesWhatIsDamaged) {
        {std::string(), std::string("01234567-89ab-4cde-8f01"),
         std::string("01234567-89AB-4CDE-8F01-23456789ABCDx"), std::string(100'000, 'x')}) {
     writeFile(path, damaged);
-    const RecordingLogger logger;
-    const std::string identifier = FileDeviceIdentifier(path).current();
-    EXPECT_THAT(identifier, MatchesRegex(uuid));
-    EXPECT_EQ(FileDeviceIdentifier(path).current(), identifier);
-    ASSERT_THAT(logger.lines(), SizeIs(1));
-    EXPECT_EQ(logger.lines()[0].message,
-              "The device identifier was damaged and is replaced: " + path);
+    const FileDeviceIdentifier device(path);
+    EXPECT_EQ(warningOf(device), "The device identifier was damaged and is replaced: " + path);
+    EXPECT_EQ(contentsOf(path), device.current() + "\n");
     EXPECT_EQ(fileCount(folder), 1U);
   }
 }
@@ -107,13 +116,7 @@ TEST(FileDeviceIdentifierTest, DoesWithoutAFileItCannotUse) {
   std::filesystem::create_directory(folder / "a-folder");
   writeFile(folder / "a-file", "");
   for (const std::string& path : {folder / "a-folder", folder / "a-file/device-id"}) {
-    const RecordingLogger logger;
-    const FileDeviceIdentifier device(path);
-    const std::string identifier = device.current();
-    EXPECT_THAT(identifier, MatchesRegex(uuid));
-    EXPECT_EQ(device.current(), identifier);
-    ASSERT_THAT(logger.lines(), SizeIs(1)) << path;
-    EXPECT_THAT(logger.lines()[0].message, HasSubstr(path));
+    EXPECT_THAT(warningOf(FileDeviceIdentifier(path)), HasSubstr(path));
   }
   const RecordingLogger logger;
   EXPECT_THAT(FileDeviceIdentifier("").current(), MatchesRegex(uuid));
@@ -184,15 +187,8 @@ TEST(DefaultDeviceIdentifierTest, SaysOnceThatItEndsWithTheProcess) {
       {std::nullopt, folder / "nonexistent"}, {folder / "file", folder / "file/orvane/device-id"}};
   for (const auto& [state, place] : rows) {
     const ScopedVariable stateHome("XDG_STATE_HOME", state);
-    const RecordingLogger logger;
-    const DefaultDeviceIdentifier device("");
-    const std::string identifier = device.current();
-    EXPECT_THAT(identifier, MatchesRegex(uuid));
-    EXPECT_EQ(device.current(), identifier);
-    ASSERT_THAT(logger.lines(), SizeIs(1));
-    EXPECT_EQ(logger.lines()[0].level, Logger::Level::warning);
-    EXPECT_THAT(logger.lines()[0].message, HasSubstr("ends with the process"));
-    EXPECT_THAT(logger.lines()[0].message, HasSubstr(place));
+    EXPECT_THAT(warningOf(DefaultDeviceIdentifier("")),
+                AllOf(HasSubstr("ends with the process"), HasSubstr(place)));
   }
   EXPECT_EQ(fileCount(folder), 1U) << "no home is made";
 }

@@ -16,6 +16,7 @@
 #include <sstream>
 #include <string>
 #include <tuple>
+#include <type_traits>
 #include <vector>
 
 namespace orvane {
@@ -65,6 +66,12 @@ std::string chunk(const std::string& bytes) {
   std::ostringstream text;
   text << std::hex << bytes.size() << "\r\n" << bytes << "\r\n";
   return text.str();
+}
+
+OutgoingRequest requestTo(const TestServer& server) {
+  OutgoingRequest request{Verb::get, *URL::parse(server.url()), {}, {}};
+  EXPECT_FALSE(check(request, false));
+  return request;
 }
 
 TEST(TransportTest, SendsWhatItIsGivenAndNothingElse) {
@@ -185,15 +192,22 @@ TEST(TransportTest, AnswersRefusalsWithStatusAndServerClock) {
   const auto refused = [](int status, std::optional<Date> serverDate = {}) {
     return Error(NetworkError::invalidStatusCode(status, serverDate));
   };
-  const std::vector<std::tuple<int, std::string, Result<std::string>>> rows = {
+  struct Row {
+    int status;
+    std::string headers;
+    Result<std::string> outcome;
+    std::optional<Seconds> retryAfter{};
+  };
+  const std::string clock = "Date: Sun, 06 Nov 1994 08:49:37 GMT\r\n";
+  const std::vector<Row> rows = {
       {200, "", std::string("body")},
-      {201, "Date: Sun, 06 Nov 1994 08:49:37 GMT\r\n", std::string("body")},
+      {201, clock, std::string("body")},
       {299, "", std::string("body")},
       {300, "", refused(300)},
       {301, "Location: /elsewhere\r\n", refused(301)},
       {302, "Location: https://elsewhere.example/\r\n", refused(302)},
       {307, "Location: /elsewhere\r\n", refused(307)},
-      {401, "Date: Sun, 06 Nov 1994 08:49:37 GMT\r\n", refused(401, date)},
+      {401, clock, refused(401, date)},
       {401, "date: Sunday, 06-Nov-94 08:49:37 GMT\r\n", refused(401, date)},
       {401, "DATE: Sun Nov  6 08:49:37 1994\r\n", refused(401, date)},
       {401, "Date: soon\r\n", refused(401)},
@@ -203,19 +217,30 @@ TEST(TransportTest, AnswersRefusalsWithStatusAndServerClock) {
       {401, "Date: Sun, 06 Nov 1994 08:49:37 GMT+1\r\n", refused(401)},
       {401, "WWW-Authenticate: Basic realm=\"x\"\r\n", refused(401)},
       {404, "", refused(404)},
-      {503, "Retry-After: 0\r\n", refused(503)},
       {999, "", refused(999)},
+      {503, "Retry-After: 0\r\n", refused(503), Seconds(0)},
+      {503, "Retry-After: 120\r\n", refused(503), Seconds(120)},
+      {503, "Retry-After: 99999999999999999999999\r\n", refused(503), Seconds(31'536'000)},
+      {503, "Retry-After: -1\r\n", refused(503)},
+      {503, "Retry-After: soon\r\n", refused(503)},
+      // By the server's own clock.
+      {503, clock + "Retry-After: Sun, 06 Nov 1994 08:50:37 GMT\r\n", refused(503, date),
+       Seconds(60)},
+      {503, clock + "Retry-After: Sun, 06 Nov 1994 08:48:37 GMT\r\n", refused(503, date),
+       Seconds(0)},
   };
   std::atomic<std::size_t> row = 0;
   const TestServer server([&](ServerConnection& connection, const ReceivedRequest&) {
-    const auto& [status, headers, outcome] = rows[row];
-    connection.answer(status, "body", headers);
+    connection.answer(rows[row].status, "body", rows[row].headers);
   });
   const auto manager = managerWith({});
   for (row = 0; row < rows.size(); ++row) {
-    const auto& [status, headers, outcome] = rows[row];
+    const auto& [status, headers, outcome, retryAfter] = rows[row];
     SCOPED_TRACE(std::to_string(status) + " " + headers);
-    EXPECT_EQ(get(*manager, server.url()), outcome);
+    const auto result = get(*manager, server.url());
+    EXPECT_EQ(result, outcome);
+    if (!result.error()) continue;
+    EXPECT_EQ(result.error()->as<NetworkError>()->retryAfter(), retryAfter);
   }
   EXPECT_EQ(server.requests().size(), rows.size()) << "nothing is to be asked twice, nor elsewhere";
 }
@@ -272,17 +297,12 @@ TEST(TransportTest, RefusesAnswersThatAreTooLarge) {
   std::atomic<std::size_t> sent = 0;
   const TestServer server([&](ServerConnection& connection, const ReceivedRequest& request) {
     sent = 0;
-    if (request.target() == "/announced") {
-      connection.send("HTTP/1.1 200 OK\r\nContent-Length: 100000000\r\n\r\n");
-    } else if (request.target() == "/unannounced") {
-      connection.send("HTTP/1.1 200 OK\r\n\r\n");
-    } else if (request.target() == "/bomb") {
-      connection.answer(200, bomb, "Content-Encoding: gzip\r\n");
-      return;
-    } else {
-      connection.answer(200, std::string(limit, 'x'));
-      return;
-    }
+    const std::string target = request.target();
+    if (target == "/bomb") return connection.answer(200, bomb, "Content-Encoding: gzip\r\n");
+    if (target == "/just-right") return connection.answer(200, std::string(limit, 'x'));
+    const bool isAnnounced = target == "/announced";
+    connection.send(isAnnounced ? "HTTP/1.1 200 OK\r\nContent-Length: 100000000\r\n\r\n"
+                                : "HTTP/1.1 200 OK\r\n\r\n");
     while (sent < hundredMegabytes && connection.send(chunk)) sent += chunk.size();
     connection.cut();
   });
@@ -321,22 +341,17 @@ TEST(TransportTest, SurvivesAnswersForWhichThereIsNoMemory) {
   };
   const TestServer server(answering("ok"));
   const auto loop = TransferLoop::make({}).value().value();
-  OutgoingRequest request{Verb::get, *URL::parse(server.url()), {}, {}};
-  ASSERT_FALSE(check(request, false));
-  std::promise<Result<std::string>> promises[3];
-  const auto handler = [&](int number) {
-    return [&promises, number](Result<std::string> result) {
-      promises[number].set_value(std::move(result));
-    };
+  const OutgoingRequest request = requestTo(server);
+  const auto outcome = [&]<class Made>(std::type_identity<Made>) {
+    std::promise<Result<std::string>> promise;
+    auto future = promise.get_future();
+    loop->start(std::make_shared<Made>(loop, request, keeping(std::move(promise))));
+    return future.get();
   };
-  loop->start(std::make_shared<Starving>(loop, request, handler(0)));
-  loop->start(std::make_shared<StarvingEarly>(loop, request, handler(1)));
-  loop->start(std::make_shared<Transfer>(loop, request, handler(2)));
-  for (const int starved : {0, 1}) {
-    EXPECT_EQ(promises[starved].get_future().get(),
-              Error(TransportError(Kind::other, "there is no memory left for it")));
-  }
-  EXPECT_EQ(promises[2].get_future().get(), ok);
+  const Error starved = TransportError(Kind::other, "there is no memory left for it");
+  EXPECT_EQ(outcome(std::type_identity<Starving>()), starved);
+  EXPECT_EQ(outcome(std::type_identity<StarvingEarly>()), starved);
+  EXPECT_EQ(outcome(std::type_identity<Transfer>()), ok);
   EXPECT_TRUE(loop->shutdown(std::chrono::seconds(30)));
 }
 
@@ -359,8 +374,7 @@ TEST(TransportTest, SetsNoMemoryAsideForMereAnnouncements) {
     connection.waitUntilClosed();
   });
   const auto loop = TransferLoop::make({}).value().value();
-  OutgoingRequest request{Verb::get, *URL::parse(server.url()), {}, {}};
-  ASSERT_FALSE(check(request, false));
+  const OutgoingRequest request = requestTo(server);
   const auto transfer = std::make_shared<Measuring>(loop, request, nullptr);
   loop->start(transfer);
   EXPECT_THAT(transfer->held.get_future().get(), Le(std::size_t{2} << 20U));
@@ -368,107 +382,95 @@ TEST(TransportTest, SetsNoMemoryAsideForMereAnnouncements) {
   EXPECT_TRUE(loop->shutdown(std::chrono::seconds(30)));
 }
 
+// What comes before the connection is cut. Without a kind it is the refusal.
+TEST(TransportTest, TellsBrokenAnswersApart) {
+  const std::string success = "HTTP/1.1 200 OK\r\n";
+  const std::string refusal = "HTTP/1.1 403 Forbidden\r\n";
+  const std::string chunks = "Transfer-Encoding: chunked\r\n\r\n";
+  const std::string halfPacked = "Content-Encoding: gzip\r\nContent-Length: 20\r\n\r\n" +
+                                 gzipped(std::string(1000, 'x')).substr(0, 20);
+  const std::string unpacked = "Content-Length: 3\r\n\r\nabc";
+  struct Row {
+    std::string answer;
+    std::optional<Kind> kind;
+    std::string forever{};  // follows as long as somebody listens
+  };
+  const std::vector<Row> rows = {
+      {"", Kind::cutOff},
+      {success, Kind::cutOff},
+      {success + "Content-Type: text/plain\r\nContent-Len", Kind::cutOff},
+      {"HTTP/1.1 103 Early Hints\r\n\r\n", Kind::cutOff},
+      {success + "\r\nabc", Kind::cutOff},
+      {success + "Content-Length: 9\r\n\r\nabc", Kind::cutOff},
+      {success + chunks + "9\r\nabc", Kind::cutOff},
+      {"what is this\r\n\r\n", Kind::protocol},
+      {success + "Content-Length: 2\r\n" + unpacked, Kind::protocol},
+      {success + "Content-Length: 99999999999999999999\r\n\r\nabc", Kind::protocol},
+      {success + chunks + "what?\r\n", Kind::protocol},
+      {success + halfPacked, Kind::protocol},
+      {success + "Content-Encoding: gzip\r\n" + unpacked, Kind::protocol},
+      {success + "Content-Encoding: sloth\r\n" + unpacked, Kind::protocol},
+      {success, Kind::protocol, "X: y\r\n"},
+      {success + "X: " + std::string(150'000, 'x') + "\r\n\r\n", Kind::tooLarge},
+      {refusal + "Content-Length: 9\r\n\r\n", {}},
+      {refusal + "Content-Length: 9\r\n\r\nabc", {}},
+      {refusal + halfPacked, {}},
+      {refusal + "Content-Encoding: sloth\r\n\r\nabc", {}},
+      {refusal + chunks + "what?\r\n", {}},
+      {refusal + "\r\n", {}, std::string(65536, 'x')},
+  };
+  const Authority authority;
+  std::atomic<std::size_t> row = 0;
+  const TestServer server(
+      [&](ServerConnection& connection, const ReceivedRequest&) {
+        connection.send(rows[row].answer);
+        while (!rows[row].forever.empty() && connection.send(rows[row].forever)) {
+        }
+        connection.cut();
+      },
+      authority.issue({}));
+  for (row = 0; row < rows.size(); ++row) {
+    SCOPED_TRACE(rows[row].answer.substr(0, 100));
+    const auto result = get(*managerWith({.caPEM = authority.pem()}), server.url());
+    EXPECT_EQ(kindOf(result), rows[row].kind);
+    if (!rows[row].kind) {
+      EXPECT_EQ(result, Error(NetworkError::invalidStatusCode(403)));
+    }
+  }
+}
+
 TEST(TransportTest, TellsFailuresApart) {
   const Authority authority;
-  const Authority unknown;
-  const auto handler = [](ServerConnection& connection, const ReceivedRequest& request) {
-    // Sent before the connection is cut.
-    const std::string broken = "Transfer-Encoding: chunked\r\n\r\nwhat?\r\n";
-    const std::string halfPacked = gzipped(std::string(1000, 'x')).substr(0, 20);
-    const std::string packed = "Content-Encoding: gzip\r\nContent-Length: 20\r\n\r\n" + halfPacked;
-    const std::map<std::string, std::string> answers = {
-        {"/nothing", ""},
-        {"/status", "HTTP/1.1 200 OK\r\n"},
-        {"/head", "HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\nContent-Len"},
-        {"/interim", "HTTP/1.1 103 Early Hints\r\n\r\n"},
-        {"/unannounced", "HTTP/1.1 200 OK\r\n\r\nabc"},
-        {"/lengths", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\nContent-Length: 2\r\n\r\nabc"},
-        {"/length", "HTTP/1.1 200 OK\r\nContent-Length: 99999999999999999999\r\n\r\nabc"},
-        {"/chunks", "HTTP/1.1 200 OK\r\n" + broken},
-        {"/half-packed", "HTTP/1.1 200 OK\r\n" + packed},
-        {"/unpacked", "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: 3\r\n\r\nabc"},
-        {"/huge-header", "HTTP/1.1 200 OK\r\nX: " + std::string(150'000, 'x') + "\r\n\r\n"},
-        {"/endless-headers", "HTTP/1.1 200 OK\r\n"},
-        {"/silent-refusal", "HTTP/1.1 403 Forbidden\r\nContent-Length: 9\r\n\r\n"},
-        {"/packed-refusal", "HTTP/1.1 403 Forbidden\r\n" + packed},
-        {"/sloth-refusal", "HTTP/1.1 403 Forbidden\r\nContent-Encoding: sloth\r\n\r\nabc"},
-        {"/chunked-refusal", "HTTP/1.1 403 Forbidden\r\n" + broken},
-        {"/short", "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc"},
-        {"/short-chunk", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n9\r\nabc"},
-        {"/short-refusal", "HTTP/1.1 403 Forbidden\r\nContent-Length: 9\r\n\r\nabc"},
-        {"/garbage", "what is this\r\n\r\n"},
-        {"/encoding", "HTTP/1.1 200 OK\r\nContent-Encoding: sloth\r\nContent-Length: 3\r\n\r\nabc"},
-        {"/endless-refusal", "HTTP/1.1 403 Forbidden\r\n\r\n"},
-    };
-    const std::string target = request.target().substr(0, request.target().find('?'));
-    const auto answer = answers.find(target);
-    if (answer == answers.end()) return connection.waitUntilClosed();
-    connection.send(answer->second);
-    const std::string bytes(65536, 'x');
-    while (target == "/endless-refusal" && connection.send(bytes)) {
-    }
-    while (target == "/endless-headers" && connection.send("X: y\r\n")) {
-    }
-    connection.cut();
-  };
-  const TestServer good(handler, authority.issue({}));
-  const TestServer expired(handler, authority.issue({.expiresIn = -3600}));
-  const TestServer wrongHost(handler, authority.issue({.address = "127.0.0.2"}));
-  const TestServer stranger(handler, unknown.issue({}));
-  const TestServer plain(handler);  // mute for who speaks TLS
-  const std::string port = std::to_string(plain.port());
+  const TestServer mute(keepSilent, authority.issue({}));
+  const TestServer expired(keepSilent, authority.issue({.expiresIn = -3600}));
+  const TestServer wrongHost(keepSilent, authority.issue({.address = "127.0.0.2"}));
+  const TestServer stranger(keepSilent, Authority().issue({}));
+  const TestServer plain(keepSilent);  // mute for who speaks TLS
+  const std::string plainURL = "https://127.0.0.1:" + std::to_string(plain.port()) + "/";
 
   using std::chrono_literals::operator""ms;
   const TransportOptions usual{.caPEM = authority.pem()};
   const TransportOptions impatient{.connectTimeout = 100ms, .caPEM = authority.pem()};
   const TransportOptions hurried{.totalTimeout = 100ms, .caPEM = authority.pem()};
   const TransportOptions restless{.idleTimeout = 100ms, .caPEM = authority.pem()};
-
-  // Without a kind it is the refusal.
-  const std::tuple<std::string, TransportOptions, std::optional<Kind>> rows[] = {
+  const std::tuple<std::string, TransportOptions, Kind> rows[] = {
       // Longer than a label may be (RFC 1035), so that no name server is asked.
       {"https://" + std::string(64, 'x') + ".example/", usual, Kind::nameLookup},
       {"https://127.0.0.1:1/", usual, Kind::connection},
       {expired.url(), usual, Kind::tls},
       {wrongHost.url(), usual, Kind::tls},
       {stranger.url(), usual, Kind::tls},
-      {good.url(), {}, Kind::tls},
-      {"https://127.0.0.1:" + port + "/", impatient, Kind::timeOut},
-      {good.url("/mute"), hurried, Kind::timeOut},
-      {good.url("/mute"), restless, Kind::timeOut},
-      {good.url("/nothing"), usual, Kind::cutOff},
-      {good.url("/short"), usual, Kind::cutOff},
-      {good.url("/short-chunk"), usual, Kind::cutOff},
-      {good.url("/garbage"), usual, Kind::protocol},
-      {good.url("/encoding"), usual, Kind::protocol},
-      {good.url("/status"), usual, Kind::cutOff},
-      {good.url("/head"), usual, Kind::cutOff},
-      {good.url("/interim"), usual, Kind::cutOff},
-      {good.url("/unannounced"), usual, Kind::cutOff},
-      {good.url("/lengths"), usual, Kind::protocol},
-      {good.url("/length"), usual, Kind::protocol},
-      {good.url("/chunks"), usual, Kind::protocol},
-      {good.url("/half-packed"), usual, Kind::protocol},
-      {good.url("/unpacked"), usual, Kind::protocol},
-      {good.url("/huge-header"), usual, Kind::tooLarge},
-      {good.url("/endless-headers"), usual, Kind::protocol},
-      {good.url("/silent-refusal"), usual, {}},
-      {good.url("/packed-refusal"), usual, {}},
-      {good.url("/sloth-refusal"), usual, {}},
-      {good.url("/chunked-refusal"), usual, {}},
-      {good.url("/short-refusal"), usual, {}},
-      {good.url("/endless-refusal"), usual, {}},
+      {mute.url(), {}, Kind::tls},
+      {plainURL, impatient, Kind::timeOut},
+      {mute.url(), hurried, Kind::timeOut},
+      {mute.url(), restless, Kind::timeOut},
   };
   for (const auto& [url, options, kind] : rows) {
     SCOPED_TRACE(url);
     const auto result = get(*managerWith(options), url + "?q=hidden");
-    ASSERT_TRUE(result.error());
     EXPECT_EQ(kindOf(result), kind);
-    if (!kind) {
-      EXPECT_EQ(result.error(), NetworkError::invalidStatusCode(403));
-    } else {
-      EXPECT_THAT(result.error()->message(), AllOf(HasSubstr(": "), Not(HasSubstr("hidden"))));
-    }
+    ASSERT_TRUE(result.error());
+    EXPECT_THAT(result.error()->message(), AllOf(HasSubstr(": "), Not(HasSubstr("hidden"))));
   }
 }
 
@@ -493,17 +495,6 @@ TEST(TransportTest, SharesAFewConnectionsPatiently) {
   EXPECT_EQ(server.connectionCount(), 2U);
 }
 
-// The wait for a connection counts as well.
-TEST(TransportTest, LetsNoRequestWaitBeyondItsTime) {
-  const TestServer server(keepSilent);
-  const auto manager = managerWith({.idleTimeout = std::chrono::seconds(0),
-                                    .totalTimeout = std::chrono::milliseconds(200),
-                                    .maximumConnectionsPerHost = 1});
-  std::vector<std::future<Result<std::string>>> results;
-  for (int i = 0; i < 5; ++i) results.push_back(start(*manager, Verb::get, server.url()));
-  for (auto& result : results) EXPECT_EQ(kindOf(result.get()), Kind::timeOut);
-}
-
 TEST(TransportTest, LetsNoRequestWaitForASlowAnswer) {
   const Authority authority;
   for (const bool isEncrypted : {false, true}) {
@@ -520,43 +511,6 @@ TEST(TransportTest, LetsNoRequestWaitForASlowAnswer) {
     EXPECT_EQ(get(*manager, server.url("/quick")), ok);
     EXPECT_TRUE(manager->shutdown());
     EXPECT_EQ(slow.get(), Error(TransportError(Kind::cancelled)));
-  }
-}
-
-TEST(TransportTest, TellsHowLongAServerWantsToBeLeftAlone) {
-  constexpr const char* date = "Date: Sun, 06 Nov 1994 08:49:37 GMT\r\n";
-  const std::pair<std::string, std::optional<Seconds>> rows[] = {
-      {"", {}},
-      {"Retry-After: 120\r\n", Seconds(120)},
-      {"Retry-After: 99999999999999999999999\r\n", Seconds(31'536'000)},
-      {"Retry-After: -1\r\n", {}},
-      {"Retry-After: soon\r\n", {}},
-      // By the server's own clock.
-      {std::string(date) + "Retry-After: Sun, 06 Nov 1994 08:50:37 GMT\r\n", Seconds(60)},
-      {std::string(date) + "Retry-After: Sun, 06 Nov 1994 08:48:37 GMT\r\n", Seconds(0)},
-  };
-  const TestServer server([&](ServerConnection& connection, const ReceivedRequest& request) {
-    connection.answer(503, "", rows[std::stoul(request.target().substr(1))].first);
-  });
-  const auto manager = managerWith({});
-  for (std::size_t row = 0; row < std::size(rows); ++row) {
-    const auto result = get(*manager, server.url("/" + std::to_string(row)));
-    EXPECT_EQ(result.error()->as<NetworkError>()->retryAfter(), rows[row].second)
-        << rows[row].first;
-  }
-}
-
-TEST(TransportTest, RefusesOptionsThatCannotWork) {
-  const std::pair<TransportOptions, const char*> rows[] = {
-      {{.connectTimeout = std::chrono::milliseconds(-1)}, "a time-out is negative"},
-      {{.caFile = "/no/such/file"}, "caFile can't be read: /no/such/file"},
-      {{.caFile = "/dev/null"}, "caFile holds no certificate: /dev/null"},
-      {{.caPEM = "no certificate"}, "caPEM holds no certificate"},
-      {{.userAgent = "a\r\nX-Other: b"}, "userAgent is not UTF-8, or holds control characters"},
-      {{.caFile = "/dev/null", .caPEM = "x"}, "caFile and caPEM exclude one another"},
-  };
-  for (const auto& [options, message] : rows) {
-    EXPECT_EQ(CurlRequestManager::make(options).error()->message(), message);
   }
 }
 

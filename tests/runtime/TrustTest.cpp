@@ -81,11 +81,17 @@ TEST(TrustTest, ShowsACertificateWhereOneIsAskedFor) {
   EXPECT_EQ(server.requests().size(), std::size(rows));
 }
 
-TEST(TrustTest, RefusesWhatCannotWork) {
+TEST(TrustTest, RefusesOptionsThatCannotWork) {
   const Authority authority;
   const Credentials own = authority.issue({});
   const std::string other = authority.issue({}).keyPEM();
   const std::pair<TransportOptions, const char*> rows[] = {
+      {{.connectTimeout = std::chrono::milliseconds(-1)}, "a time-out is negative"},
+      {{.userAgent = "a\r\nX-Other: b"}, "userAgent is not UTF-8, or holds control characters"},
+      {{.caFile = "/no/such/file"}, "caFile can't be read: /no/such/file"},
+      {{.caFile = "/dev/null"}, "caFile holds no certificate: /dev/null"},
+      {{.caPEM = "no certificate"}, "caPEM holds no certificate"},
+      {{.caFile = "/dev/null", .caPEM = "x"}, "caFile and caPEM exclude one another"},
       {{.pinnedPublicKeys = {own.pin(), "sha256//" + own.pin()}},
        "pinnedPublicKeys: one is no SHA-256 in base64"},
       {{.revocationListFile = "/dev/null"},

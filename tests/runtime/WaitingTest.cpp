@@ -91,15 +91,7 @@ TEST(WaitingTest, DeadlinesHoldInTheLine) {
   auto first = start(*manager, Verb::get, server.url());
   server.waitForRequests(1);
   std::vector<std::future<Result<std::string>>> results;
-  for (int i = 0; i < 5; ++i) {
-    std::promise<Result<std::string>> promise;
-    results.push_back(promise.get_future());
-    manager->send(Verb::get, *URL::parse(server.url()), {}, {},
-                  std::chrono::steady_clock::now() + i * 20ms,
-                  [promise = std::move(promise)](Result<std::string> result) mutable {
-                    promise.set_value(std::move(result));
-                  });
-  }
+  for (int i = 0; i < 5; ++i) results.push_back(startFor(*manager, server.url(), i * 20ms));
   for (auto& result : results) EXPECT_EQ(kindOf(result.get()), Kind::timeOut);
   EXPECT_EQ(first.wait_for(0s), std::future_status::timeout);
   EXPECT_TRUE(manager->shutdown(30s));
@@ -113,12 +105,7 @@ TEST(WaitingTest, WhatIsTooLateIsNotSent) {
   });
   const auto manager = managerWith({});
   EXPECT_TRUE(get(*manager, server.url()));
-  std::promise<Result<std::string>> promise;
-  auto late = promise.get_future();
-  manager->send(Verb::post, *URL::parse(server.url()), {}, {},
-                std::chrono::steady_clock::now() - 1s,
-                [&promise](Result<std::string> result) { promise.set_value(std::move(result)); });
-  EXPECT_EQ(kindOf(late.get()), Kind::timeOut);
+  EXPECT_EQ(kindOf(startFor(*manager, server.url(), -1s).get()), Kind::timeOut);
   EXPECT_TRUE(get(*manager, server.url()));
   EXPECT_EQ(requests, 2);
 }

@@ -7,6 +7,7 @@
 #include <Orvane/Runtime/CurlRequestManager.h>
 #include <Orvane/Runtime/TransportError.h>
 
+#include <chrono>
 #include <future>
 #include <memory>
 #include <optional>
@@ -29,6 +30,13 @@ inline constexpr bool mayStartThreadsInAChild = true;
   return CurlRequestManager::make(std::move(options)).value().value();
 }
 
+/// Keeps a promise with the outcome.
+[[nodiscard]] inline Completion<std::string> keeping(std::promise<Result<std::string>> promise) {
+  return [promise = std::move(promise)](Result<std::string> result) mutable {
+    promise.set_value(std::move(result));
+  };
+}
+
 /// The outcome of a request, when it is there.
 [[nodiscard]] inline std::future<Result<std::string>> start(RequestManager& manager, Verb verb,
                                                             const std::string& url,
@@ -37,9 +45,18 @@ inline constexpr bool mayStartThreadsInAChild = true;
   std::promise<Result<std::string>> promise;
   auto future = promise.get_future();
   manager.send(verb, *URL::parse(url), std::move(body), std::move(headers),
-               [promise = std::move(promise)](Result<std::string> result) mutable {
-                 promise.set_value(std::move(result));
-               });
+               keeping(std::move(promise)));
+  return future;
+}
+
+/// The same for a write without a body that has a deadline.
+[[nodiscard]] inline std::future<Result<std::string>> startFor(CurlRequestManager& manager,
+                                                               const std::string& url,
+                                                               std::chrono::milliseconds time) {
+  std::promise<Result<std::string>> promise;
+  auto future = promise.get_future();
+  manager.send(Verb::post, *URL::parse(url), {}, {}, std::chrono::steady_clock::now() + time,
+               keeping(std::move(promise)));
   return future;
 }
 
