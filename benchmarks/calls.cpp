@@ -9,17 +9,16 @@
 #include <benchmark/benchmark.h>
 #include <curl/curl.h>
 
-#include <array>
 #include <atomic>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace {
 
 using namespace orvane;
 
 constexpr int callsPerRound = 2000;
-constexpr int callsAtOnce = 32;
 constexpr std::string_view token = "token";
 
 constexpr std::string_view userAnswer =
@@ -53,14 +52,19 @@ void reportCalls(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * callsPerRound);
 }
 
+// So many calls are under way at once.
+void atOnce(benchmark::internal::Benchmark* measured) {
+  measured->Arg(1)->Arg(32)->Arg(1000)->Unit(benchmark::kMillisecond)->UseRealTime();
+}
+
 // Keeps calls under way until a round is done. Handlers run on the transport's thread, one at a
 // time.
 class Round {
  public:
-  explicit Round(const UserService& users) : users_(users) {}
+  Round(const UserService& users, int callsAtOnce) : users_(users), callsAtOnce_(callsAtOnce) {}
 
   bool run() {
-    for (int i = 0; i < callsAtOnce; ++i) startOne();
+    for (int i = 0; i < callsAtOnce_; ++i) startOne();
     MainQueue::main().run();
     return failures_ == 0;
   }
@@ -69,12 +73,13 @@ class Round {
   void startOne() {
     users_.fetch(std::nullopt, {}, [this](Result<User> user) {
       if (!user) ++failures_;
-      if (++finished_ + callsAtOnce <= callsPerRound) return startOne();
+      if (++finished_ + callsAtOnce_ <= callsPerRound) return startOne();
       if (finished_ == callsPerRound) MainQueue::main().stop();
     });
   }
 
   const UserService& users_;
+  const int callsAtOnce_;
   std::atomic<int> failures_ = 0;
   std::atomic<int> finished_ = 0;
 };
@@ -86,12 +91,12 @@ void fetchUsers(benchmark::State& state) {
   if (!runtime) return state.SkipWithError("not installed");
   const UserService users(Identity{"key", "ann"});
   for (auto _ : state) {
-    if (!Round(users).run()) state.SkipWithError("a call failed");
+    if (!Round(users, static_cast<int>(state.range(0))).run()) state.SkipWithError("a call failed");
   }
   reportCalls(state);
   runtime.value()->shutdown();
 }
-BENCHMARK(fetchUsers)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(fetchUsers)->Apply(&atOnce);
 
 std::size_t keep(char* bytes, std::size_t, std::size_t count, void* text) {
   static_cast<std::string*>(text)->append(bytes, count);
@@ -102,7 +107,7 @@ std::size_t keep(char* bytes, std::size_t, std::size_t count, void* text) {
 // each request its own URL and header.
 class BareLoop {
  public:
-  BareLoop() : multi_(curl_multi_init()) {
+  explicit BareLoop(std::size_t callsAtOnce) : multi_(curl_multi_init()), transfers_(callsAtOnce) {
     curl_multi_setopt(multi_, CURLMOPT_MAX_HOST_CONNECTIONS, 8L);
     curl_blob trusted{backend().authorityPEM.data(), backend().authorityPEM.size(),
                       CURL_BLOB_NOCOPY};
@@ -186,16 +191,16 @@ class BareLoop {
   CURLM* const multi_;
   const std::string root_ = backend().server.url("");
   const std::string userID_ = "42";
-  std::array<Transfer, callsAtOnce> transfers_;
+  std::vector<Transfer> transfers_;
 };
 
 void bareLoop(benchmark::State& state) {
-  BareLoop loop;
+  BareLoop loop(static_cast<std::size_t>(state.range(0)));
   for (auto _ : state) {
     if (!loop.run()) state.SkipWithError("a transfer failed");
   }
   reportCalls(state);
 }
-BENCHMARK(bareLoop)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(bareLoop)->Apply(&atOnce);
 
 }  // namespace
