@@ -4,19 +4,26 @@
 #pragma once
 
 #include <Orvane/Coding/Coding.h>
-#include <Orvane/Common/Await.h>
+#include <Orvane/Common/All.h>
+#include <Orvane/Common/Awaiting.h>
 #include <Orvane/Common/Container.h>
 #include <Orvane/Common/CurrentDate.h>
 #include <Orvane/Common/Downloader.h>
 #include <Orvane/Common/FirmwareHost.h>
+#include <Orvane/Common/Future.h>
 #include <Orvane/Common/Identity.h>
 #include <Orvane/Common/Logger.h>
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/Common/Operation.h>
+#include <Orvane/Common/Relay.h>
 #include <Orvane/Common/Request.h>
 #include <Orvane/Common/RequestManager.h>
 #include <Orvane/Common/Resolvers.h>
+#include <Orvane/Common/Retrying.h>
 #include <Orvane/Common/Stores.h>
+#include <Orvane/Common/Task.h>
+#include <Orvane/Common/Timers.h>
 #include <Orvane/Common/Version.h>
 #include <Orvane/Core/DeviceNamingService.h>
 #include <Orvane/Core/OrvaneDetails.h>
@@ -45,6 +52,7 @@
 #include <Orvane/Platform/CLLocation.h>
 #include <Orvane/Platform/DateRange.h>
 #include <Orvane/Platform/DeviceSettings.h>
+#include <Orvane/Platform/SetOf.h>
 #include <Orvane/Platform/TimeZone.h>
 #include <Orvane/Services/Activation/ActivationService.h>
 #include <Orvane/Services/Content/ContentService.h>

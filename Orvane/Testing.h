@@ -5,6 +5,7 @@
 #include <Orvane/Testing/Device.h>
 #include <Orvane/Testing/FixedResolvers.h>
 #include <Orvane/Testing/MemoryStores.h>
+#include <Orvane/Testing/MovableTimers.h>
 #include <Orvane/Testing/RecordingLogger.h>
 #include <Orvane/Testing/ScopedFoundation.h>
 #include <Orvane/Testing/Script.h>

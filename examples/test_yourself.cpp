@@ -9,9 +9,8 @@ namespace {
 
 // The application's code: greets whoever is signed in, and says so when that is not known.
 std::string greeting(const orvane::UserService& users) {
-  const auto user = orvane::wait<orvane::User>(
-      [&](auto then) { return users.fetch(std::nullopt, {}, std::move(then)); });
-  if (user) return "Hello " + user.value()->firstName.value_or("stranger");
+  const auto user = users.fetch().wait();
+  if (user) return "Hello " + user->firstName.value_or("stranger");
   const auto* refusal = user.error() ? user.error()->as<orvane::NetworkError>() : nullptr;
   return refusal != nullptr && refusal->statusCode() == 401 ? "Please sign in" : "Try again later";
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Coding/Decoder.h>
+#include <Orvane/Platform/Text.h>
 
 #include <algorithm>
 
@@ -8,6 +9,8 @@ namespace {
 
 // Reading them recurses, with less than a kilobyte of stack for each. Backends nest a handful.
 constexpr int deepestRecord = 64;
+
+constexpr std::string_view wasExpected = " was expected, found ";
 
 }  // namespace
 
@@ -25,16 +28,12 @@ bool Decoder::enterRecord() {
 
 bool Decoder::typeMismatch(std::string_view expected, json::Element found) {
   if (found.is_null()) return valueNotFound(expected);
-  std::string description = "expected ";
-  description += expected;
-  description += ", found " + json::describe(found);
-  return note(DecodingError::Kind::typeMismatch, std::move(description));
+  return note(DecodingError::Kind::typeMismatch,
+              concatenated({expected, wasExpected, json::describe(found)}));
 }
 
 bool Decoder::valueNotFound(std::string_view expected) {
-  std::string description = "expected ";
-  description += expected;
-  return note(DecodingError::Kind::valueNotFound, std::move(description) + ", found null");
+  return note(DecodingError::Kind::valueNotFound, concatenated({expected, wasExpected, "null"}));
 }
 
 bool Decoder::keyNotFound(std::string_view key) {

@@ -9,6 +9,7 @@
 #include <pthread.h>
 #endif
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <deque>
@@ -197,18 +198,25 @@ bool MainQueue::runUntil(const std::shared_ptr<Request>& request, std::chrono::m
 }
 
 void MainQueue::wait(const std::shared_ptr<Request>& request) {
-  if (!request || isDrainedByThisThread()) return runUntil(request);
+  while (!wait(request, std::chrono::hours(1))) {
+  }
+}
+
+bool MainQueue::wait(const std::shared_ptr<Request>& request, std::chrono::milliseconds limit) {
+  if (!request || isDrainedByThisThread()) return runUntil(request, limit);
   checkMayWait(*request);
+  const TimePoint end = deadlineAfter(limit);
   state_->waiters.fetch_add(1, std::memory_order_seq_cst);
   std::unique_lock lock(state_->mutex);
-  while (!request->isFinished()) {
-    state_->finished.wait_for(lock, patience);
+  while (!request->isFinished() && std::chrono::steady_clock::now() < end) {
+    state_->finished.wait_until(lock, std::min(end, deadlineAfter(patience)));
     lock.unlock();
     warnWhenStalled();
     lock.lock();
   }
   lock.unlock();
   state_->waiters.fetch_sub(1, std::memory_order_seq_cst);
+  return request->isFinished();
 }
 
 std::size_t MainQueue::drain() {

@@ -14,6 +14,8 @@
 namespace orvane {
 
 class Request;
+template <class T>
+class Task;
 
 /// Runs jobs one after the other, in order, on the thread that drains it. It has no thread of its
 /// own: the application drains it (`run`, `runUntil`, `drain`) or hands in its own loop
@@ -57,12 +59,19 @@ class ORVANE_EXPORT MainQueue {
   void runUntil(const std::shared_ptr<Request>& request);
   /// The same with a limit; false when it ran out before the request had finished.
   bool runUntil(const std::shared_ptr<Request>& request, std::chrono::milliseconds limit);
+  /// Runs a task to its end and answers its value; an exception that it lets out comes out here.
+  /// Runs jobs on this thread meanwhile; where another thread drains the queue, it only waits.
+  /// Include Orvane/Common/Task.h.
+  template <class T>
+  T runUntil(Task<T> task);
 
   /// Waits until `request` has finished: draining the queue where that is this thread's business
   /// (see `isDrainedByThisThread`), else leaving it to whoever drains it. On the thread of a loop
   /// that the queue was handed to, and in a handler on a transport's thread, it would wait for
   /// itself: a programming fault.
   void wait(const std::shared_ptr<Request>& request);
+  /// The same with a limit; false when it ran out before the request had finished.
+  bool wait(const std::shared_ptr<Request>& request, std::chrono::milliseconds limit);
 
   /// Runs the jobs that are waiting, and those that they add, without waiting for more. Answers how
   /// many they were.

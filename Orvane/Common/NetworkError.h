@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace orvane {
 
@@ -51,6 +52,11 @@ class ORVANE_EXPORT NetworkError {
     return error;
   }
 
+  /// True for the refusals that pass: 429, and 502 to 504 (RFC 6585, RFC 9110).
+  [[nodiscard]] constexpr bool isTransient() const noexcept {
+    return statusCode_ == 429 || (statusCode_ >= 502 && statusCode_ <= 504);
+  }
+
   [[nodiscard]] std::string message() const;
   /// Equal when case, status and server's clock are. What the server says about a next attempt
   /// takes no part.
@@ -75,6 +81,11 @@ inline constexpr NetworkError NetworkError::malformedRequest{Case::malformedRequ
 inline constexpr NetworkError NetworkError::invalidResponseData{Case::invalidResponseData};
 inline constexpr NetworkError NetworkError::noData{Case::noData};
 inline constexpr NetworkError NetworkError::unknown{Case::unknown};
+
+/// What the body of a refusal says in words, for `ErrorContext::reason`: the members "message" and
+/// "error" of a JSON object, the title of an HTML page, or the first line of any other text, in one
+/// line of at most 500 characters without control characters; empty where it says nothing.
+[[nodiscard]] ORVANE_EXPORT std::string reasonIn(std::string_view body);
 
 /// A text of a multipart body is not UTF-8.
 struct ORVANE_EXPORT DataError {

@@ -13,6 +13,7 @@ std::uint64_t RequestBox::nextStep() {
 
 void RequestBox::keep(std::uint64_t number, RequestHandle request) {
   RequestHandle former;
+  bool isInterrupted = false;
   {
     const std::scoped_lock lock(mutex_);
     // Cancelling changes the state before it takes the lock: either it sees the request stored
@@ -21,13 +22,15 @@ void RequestBox::keep(std::uint64_t number, RequestHandle request) {
       former = std::exchange(value_, std::move(request));
       return;
     }
+    isInterrupted = isInterrupted_;
   }
-  if (cancelled() && request) request->cancel();
+  if ((isInterrupted || cancelled()) && request) request->cancel();
 }
 
-RequestHandle RequestBox::letGo() {
+RequestHandle RequestBox::letGo(bool isInterrupted) {
   const std::scoped_lock lock(mutex_);
   ++step_;
+  isInterrupted_ = isInterrupted;
   return std::move(value_);
 }
 
@@ -37,6 +40,15 @@ bool RequestBox::claim() {
     return false;
   }
   letGo();  // the finished request and its closure, which may hold this box
+  return true;
+}
+
+bool RequestBox::claim(RequestHandle& underWay) {
+  State expected = State::pending;
+  if (!state_.compare_exchange_strong(expected, State::claimed, std::memory_order_acq_rel)) {
+    return false;
+  }
+  underWay = letGo(true);
   return true;
 }
 

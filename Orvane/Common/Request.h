@@ -77,19 +77,33 @@ class ORVANE_EXPORT RequestBox final : public Request {
     finish();
   }
 
+  /// Ends the chain from outside with an outcome instead of without one: claims, cancels the step
+  /// under way, calls the handler with the result, and finishes. Does nothing when the box has been
+  /// cancelled or claimed before.
+  template <class Handler, class Result>
+  void interrupt(Handler& handler, Result&& result) {
+    RequestHandle underWay;
+    if (!claim(underWay)) return;
+    if (underWay) underWay->cancel();
+    std::exchange(handler, nullptr)(std::forward<Result>(result));
+    finish();
+  }
+
   bool cancel() override;
   [[nodiscard]] bool isFinished() const noexcept override;
 
  private:
   enum class State : std::uint8_t { pending, claimed, finished, cancelled };
 
+  bool claim(RequestHandle& underWay);
   std::uint64_t nextStep();
   void keep(std::uint64_t number, RequestHandle request);
-  RequestHandle letGo();
+  RequestHandle letGo(bool isInterrupted = false);
 
   std::atomic<State> state_{State::pending};
   std::mutex mutex_;
   std::uint64_t step_ = 0;
+  bool isInterrupted_ = false;
   RequestHandle value_;
 };
 

@@ -8,24 +8,54 @@
 namespace orvane {
 namespace {
 
-// What is to be sent, or the error that keeps it from being sent.
-struct Outgoing {
+// Stands in a path for an identifier that is not known yet.
+constexpr std::string_view anyUser = "{userId}";
+
+constexpr std::size_t longestFinding = 500;
+
+}  // namespace
+
+// What is to be sent.
+struct Call::Outgoing {
   URL url;
   std::string body;
   Headers headers;
 };
 
-Result<Outgoing> compose(const URLComposer& composer, OrvaneDetails details) {
+RequestHandle Call::start() {
+  // Copies: an answer inside the call may be the end of this.
+  const auto box = box_;
+  const auto description = description_;
+  box->step([&] {
+    return description->resolver->resolve(
+        description->identity, once([self = shared_from_this()](Result<OrvaneDetails> details) {
+          self->detailsArrived(std::move(details));
+        }));
+  });
+  return box;
+}
+
+void Call::detailsArrived(Result<OrvaneDetails> details) {
+  if (box_->cancelled()) return;
+  if (!details) return notSent(details.errorOr(NetworkError::unknown));
+  Result<Outgoing> outgoing = compose(*std::move(details));
+  if (!outgoing) return notSent(*std::move(outgoing).error());
+  send(*std::move(outgoing));
+}
+
+Result<Call::Outgoing> Call::compose(OrvaneDetails details) {
+  const URLComposer& composer = description_->composer;
   std::optional<URL> url = composer.url(details);
+  userID_ = std::move(details.userID);
   if (takeUnknownSystemTimeZone()) {
     log.w("Days are those of UTC because the machine's time zone is not known.");
   }
   if (!url) return NetworkError::malformedRequest;
   Outgoing outgoing{*std::move(url), {}, {}};
   if (auto body = composer.body()) {
-    if (!body->value()) return body->errorOr(NetworkError::malformedRequest);
-    outgoing.body = std::move(body->value()->bytes);
-    outgoing.headers = std::move(body->value()->headers);
+    if (!*body) return body->errorOr(NetworkError::malformedRequest);
+    outgoing.body = std::move((*body)->bytes);
+    outgoing.headers = std::move((*body)->headers);
   }
   if (auto header = composer.additionalHeader()) outgoing.headers.insert(*std::move(header));
   // Last, since merging keeps what is there: the body's headers must describe the body.
@@ -33,59 +63,29 @@ Result<Outgoing> compose(const URLComposer& composer, OrvaneDetails details) {
   return outgoing;
 }
 
-// A call under way. The closures of its steps own it, and never the service, which may be gone. Its
-// box is apart, so that who keeps the handle does not keep the handler.
-struct Call : std::enable_shared_from_this<Call> {
-  Call(const std::shared_ptr<RequestManager>& manager, Verb sent,
-       std::unique_ptr<const URLComposer> by, AnswerHandler handler)
-      : requestManager(manager), verb(sent), composer(std::move(by)), answer(std::move(handler)) {}
-
-  const std::shared_ptr<RequestManager> requestManager;
-  const Verb verb;
-  const std::unique_ptr<const URLComposer> composer;
-  AnswerHandler answer;
-  const std::shared_ptr<RequestBox> box = std::make_shared<RequestBox>();
-
-  void detailsArrived(Result<OrvaneDetails> details) {
-    if (box->cancelled()) return;
-    if (!details.value()) return fail(details.errorOr(NetworkError::unknown));
-    Result<Outgoing> outgoing = compose(*composer, *std::move(details).value());
-    if (!outgoing.value()) return fail(*std::move(outgoing).error());
-    send(*std::move(outgoing).value());
-  }
-
-  void send(Outgoing outgoing) {
-    box->step([&] {
-      return requestManager->send(verb, std::move(outgoing.url), std::move(outgoing.body),
-                                  std::move(outgoing.headers),
-                                  once([self = shared_from_this()](Result<std::string> response) {
-                                    self->responseArrived(std::move(response));
-                                  }));
-    });
-  }
-
-  void responseArrived(Result<std::string> response) {
-    if (!box->cancelled()) answer(*box, std::move(response));
-  }
-
-  void fail(Error error) { answer(*box, Unsent{std::move(error)}); }
-};
-
-}  // namespace
-
-RequestHandle call(const SerializableService& service, Verb verb,
-                   std::unique_ptr<const URLComposer> composer, AnswerHandler answer) {
-  const auto call = std::make_shared<Call>(service.requestManager(), verb, std::move(composer),
-                                           std::move(answer));
-  // Copies: an answer inside the call may be the end of the service.
-  const auto resolver = std::shared_ptr(service.orvaneDetailsResolver());
-  const auto identity = Identity(service.identity());
-  call->box->step([&] {
-    return resolver->resolve(identity, once([self = call](Result<OrvaneDetails> details) {
-                               self->detailsArrived(std::move(details));
-                             }));
+void Call::send(Outgoing outgoing) {
+  box_->step([&] {
+    return description_->requestManager->send(
+        description_->verb, std::move(outgoing.url), std::move(outgoing.body),
+        std::move(outgoing.headers),
+        once([self = shared_from_this()](Result<std::string> response) {
+          if (!self->box_->cancelled()) self->answered(std::move(response));
+        }));
   });
-  return call->box;
+}
+
+Error Call::explained(const Error& error, std::string finding) const {
+  const std::string path =
+      description_->composer.path(userID_.empty() ? anyUser : std::string_view(userID_));
+  return error.with({.operation = concatenated({wireText(description_->verb), " ", path}),
+                     .finding = std::move(finding)});
+}
+
+std::string findingIn(const Error& decodingError, std::string_view body) {
+  const std::size_t begin = body.find_first_not_of(" \t\r\n");
+  const bool isPage = begin != std::string_view::npos && body[begin] == '<';
+  return isPage ? concatenated({reasonIn(body), " was found in the place of JSON"})
+                : oneLine(decodingError.message(), longestFinding);
 }
 
 }  // namespace orvane

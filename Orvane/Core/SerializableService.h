@@ -3,6 +3,7 @@
 #pragma once
 
 #include <Orvane/Common/Identity.h>
+#include <Orvane/Common/Operation.h>
 #include <Orvane/Common/Request.h>
 #include <Orvane/Platform/Export.h>
 #include <Orvane/Platform/Result.h>

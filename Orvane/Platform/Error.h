@@ -7,13 +7,32 @@
 #include <Orvane/Platform/TypeIdentity.h>
 
 #include <concepts>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
 namespace orvane {
 
 class Error;
+
+/// What was going on when an error came up, for who has to find out why. Everything may be missing.
+struct ORVANE_EXPORT ErrorContext {
+  /// What was asked for: the verb and the path below the API root, "GET users/42/trips". Never the
+  /// query, which may tell about people.
+  std::string operation{};
+  /// The HTTP status of the answer (RFC 9110).
+  std::optional<std::int64_t> status{};
+  /// Why the backend refused, in its own words: one line of at most 500 characters, none of them a
+  /// control character. Somebody else wrote it; the library never logs it.
+  std::string reason{};
+  /// What can't be read of an answer: the place and what was found there,
+  /// "[17].events.speeding[2].timeStamp: an integer was expected, found the text "x"".
+  std::string finding{};
+
+  friend bool operator==(const ErrorContext&, const ErrorContext&) = default;
+};
 
 /// What a type needs in order to travel in an `Error`: copying, equality and a text for people.
 template <class E>
@@ -22,7 +41,8 @@ concept ErrorValue = !std::same_as<E, Error> && requires(const E& error) {
 }
 &&std::copyable<E>&& std::equality_comparable<E>;
 
-/// Holds an error of any type and can be asked for it. Copies share the error, which never changes.
+/// Holds an error of any type and can be asked for it, and for what was going on when it came up.
+/// Copies share the error, which never changes.
 class ORVANE_EXPORT Error {
  public:
   template <ErrorValue E>
@@ -32,15 +52,31 @@ class ORVANE_EXPORT Error {
   /// The error as an `E`, or null when it is of another type. Valid as long as this value.
   template <ErrorValue E>
   [[nodiscard]] const E* as() const noexcept {
-    return box_->type() == typeid(E) ? &static_cast<const Box<E>&>(*box_).error : nullptr;
+    const AnyBox& bare = box_->bare();
+    return bare.type() == typeid(E) ? &static_cast<const Box<E>&>(bare).error : nullptr;
   }
 
   /// What went wrong, in one line, for a log or a developer; not localised.
-  [[nodiscard]] std::string message() const { return box_->message(); }
+  [[nodiscard]] std::string message() const { return box_->bare().message(); }
 
-  /// Equal when both hold equal errors of one type.
+  /// What was going on when it came up; null where nobody has said.
+  [[nodiscard]] const ErrorContext* context() const noexcept { return box_->context(); }
+
+  /// The same error with a context. What is in the context that it has already stays.
+  [[nodiscard]] Error with(ErrorContext context) const;
+
+  /// `message()` with the context around it, for people: "GET users/9: the backend refused the
+  /// request with status 404: There is no such user." May hold the backend's words.
+  [[nodiscard]] std::string description() const;
+
+  /// True where another attempt may well succeed, since the error says so of itself (a member
+  /// `bool isTransient() const`): the connection failed, it took too long, the backend is busy.
+  [[nodiscard]] bool isTransient() const { return box_->bare().isTransient(); }
+
+  /// Equal when both hold equal errors of one type. The context takes no part.
   friend bool operator==(const Error& left, const Error& right) {
-    return left.box_ == right.box_ || left.box_->equals(*right.box_);
+    const AnyBox& bare = left.box_->bare();
+    return &bare == &right.box_->bare() || bare.equals(right.box_->bare());
   }
 
   template <ErrorValue E>
@@ -56,10 +92,15 @@ class ORVANE_EXPORT Error {
     AnyBox(const AnyBox&) = delete;
     AnyBox& operator=(const AnyBox&) = delete;
     virtual ~AnyBox();
+    /// The error without what has been put around it.
+    [[nodiscard]] virtual const AnyBox& bare() const noexcept { return *this; }
+    [[nodiscard]] virtual const ErrorContext* context() const noexcept { return nullptr; }
     [[nodiscard]] virtual const std::type_info& type() const noexcept = 0;
     [[nodiscard]] virtual std::string message() const = 0;
     [[nodiscard]] virtual bool equals(const AnyBox& other) const = 0;
+    [[nodiscard]] virtual bool isTransient() const = 0;
   };
+  class Explained;
 
   template <class E>
   class Box final : public AnyBox {
@@ -70,9 +111,18 @@ class ORVANE_EXPORT Error {
     [[nodiscard]] bool equals(const AnyBox& other) const override {
       return other.type() == typeid(E) && static_cast<const Box&>(other).error == error;
     }
+    [[nodiscard]] bool isTransient() const override {
+      if constexpr (requires { bool(error.isTransient()); }) {
+        return error.isTransient();
+      } else {
+        return false;
+      }
+    }
 
     const E error;
   };
+
+  explicit Error(std::shared_ptr<const AnyBox> box) noexcept : box_(std::move(box)) {}
 
   std::shared_ptr<const AnyBox> box_;
 };

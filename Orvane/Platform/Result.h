@@ -3,9 +3,13 @@
 #pragma once
 
 #include <Orvane/Platform/Error.h>
+#include <Orvane/Platform/Export.h>
 #include <Orvane/Platform/UniqueFunction.h>
 
+#include <concepts>
+#include <functional>
 #include <optional>
+#include <type_traits>
 #include <utility>
 
 namespace orvane {
@@ -15,8 +19,29 @@ struct Unit {
   friend bool operator==(const Unit&, const Unit&) = default;
 };
 
+template <class T>
+class Result;
+
+namespace detail {
+
+/// Says that a failure has no value, and which failure that was.
+[[noreturn]] ORVANE_EXPORT void stopWithoutValue(const Error* error) noexcept;
+
+template <class T>
+inline constexpr bool isResult = false;
+template <class T>
+inline constexpr bool isResult<Result<T>> = true;
+
+template <class T>
+using ValueOrUnit = std::conditional_t<std::is_void_v<T>, Unit, std::remove_cvref_t<T>>;
+
+}  // namespace detail
+
 /// Success with a value, or failure with an error. A failure may come without its error (a
-/// transport need not know why); then both accessors are absent.
+/// transport need not know why); then both accessors are absent, and every way on keeps it so.
+///
+/// Used in the manner of std::expected (C++23): `if (trip) use(trip->id);`. Reading the value of a
+/// failure, which is undefined there, is a programming fault that stops the process.
 template <class T>
 class Result {
  public:
@@ -46,10 +71,98 @@ class Result {
 
   /// True on success.
   explicit operator bool() const noexcept { return value_.has_value(); }
+  [[nodiscard]] bool has_value() const noexcept { return value_.has_value(); }
+
+  /// The value; of a failure, a programming fault.
+  [[nodiscard]] const T& operator*() const& noexcept { return checked(), *value_; }
+  [[nodiscard]] T& operator*() & noexcept { return checked(), *value_; }
+  [[nodiscard]] T&& operator*() && noexcept { return checked(), *std::move(value_); }
+  [[nodiscard]] const T* operator->() const noexcept { return checked(), &*value_; }
+  [[nodiscard]] T* operator->() noexcept { return checked(), &*value_; }
+
+  /// The value, or `substitute` on failure.
+  template <class U>
+  [[nodiscard]] T value_or(U&& substitute) const& {
+    return value_ ? *value_ : static_cast<T>(std::forward<U>(substitute));
+  }
+  template <class U>
+  [[nodiscard]] T value_or(U&& substitute) && {
+    return value_ ? *std::move(value_) : static_cast<T>(std::forward<U>(substitute));
+  }
+
+  /// On success what `next` makes of the value, itself a `Result`; the same failure otherwise.
+  template <class Next>
+  auto and_then(Next&& next) const& {
+    return goOn(*this, std::forward<Next>(next));
+  }
+  template <class Next>
+  auto and_then(Next&& next) && {
+    return goOn(std::move(*this), std::forward<Next>(next));
+  }
+
+  /// On success what `make` makes of the value, `Unit` where it makes nothing; the same failure
+  /// otherwise.
+  template <class Make>
+  auto transform(Make&& make) const& {
+    return convert(*this, std::forward<Make>(make));
+  }
+  template <class Make>
+  auto transform(Make&& make) && {
+    return convert(std::move(*this), std::forward<Make>(make));
+  }
+
+  /// On failure what `recover` makes of it, itself a `Result<T>`; the same success otherwise. What
+  /// takes an `Error` is not asked about a failure without one, which stays; what takes a
+  /// `std::optional<Error>` is.
+  template <class Recover>
+  Result or_else(Recover&& recover) const& {
+    return Result(*this).or_else(std::forward<Recover>(recover));
+  }
+  template <class Recover>
+  Result or_else(Recover&& recover) && {
+    if (value_) return std::move(*this);
+    if constexpr (std::is_invocable_v<Recover, std::optional<Error>>) {
+      return std::invoke(std::forward<Recover>(recover), std::move(error_));
+    } else {
+      return error_ ? std::invoke(std::forward<Recover>(recover), *std::move(error_))
+                    : std::move(*this);
+    }
+  }
+
+  /// The same failure of another type. To be called on a failure.
+  template <class U>
+  [[nodiscard]] Result<U> failure() const {
+    return error_ ? Result<U>(*error_) : Result<U>();
+  }
 
   friend bool operator==(const Result&, const Result&) = default;
 
  private:
+  void checked() const noexcept {
+    if (!value_) detail::stopWithoutValue(error_ ? &*error_ : nullptr);
+  }
+
+  template <class Self, class Next>
+  static auto goOn(Self&& self, Next&& next) {
+    using Other = std::remove_cvref_t<std::invoke_result_t<Next, decltype(*std::declval<Self>())>>;
+    static_assert(detail::isResult<Other>, "and_then goes on with what answers an orvane::Result");
+    if (!self.value_) return self.template failure<typename Other::Value>();
+    return std::invoke(std::forward<Next>(next), *std::forward<Self>(self));
+  }
+
+  template <class Self, class Make>
+  static auto convert(Self&& self, Make&& make) {
+    using Made = std::invoke_result_t<Make, decltype(*std::declval<Self>())>;
+    using Other = Result<detail::ValueOrUnit<Made>>;
+    if (!self.value_) return self.template failure<typename Other::Value>();
+    if constexpr (std::is_void_v<Made>) {
+      std::invoke(std::forward<Make>(make), *std::forward<Self>(self));
+      return Other(Unit{});
+    } else {
+      return Other(std::invoke(std::forward<Make>(make), *std::forward<Self>(self)));
+    }
+  }
+
   std::optional<T> value_;
   std::optional<Error> error_;
 };

@@ -2,13 +2,23 @@
 #include <Orvane/Platform/Text.h>
 
 #include <simdjson.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 namespace orvane {
+namespace {
+
+// Of a longer text the beginning is enough for a line.
+constexpr std::size_t longestText = 64 * 1024;
+
+}  // namespace
 
 bool isUTF8(std::string_view text) noexcept {
   return simdjson::validate_utf8(text.data(), text.size());
@@ -48,6 +58,28 @@ std::string concatenated(std::initializer_list<std::string_view> pieces) {
   text.reserve(size);
   for (const std::string_view piece : pieces) text += piece;
   return text;
+}
+
+std::string oneLine(std::string_view text, std::size_t most) {
+  const auto read = icu::UnicodeString::fromUTF8(
+      icu::StringPiece(text.data(), static_cast<std::int32_t>(std::min(text.size(), longestText))));
+  icu::UnicodeString line;
+  bool isBlankDue = false;
+  for (std::int32_t at = 0; at < read.length(); at = read.moveIndex32(at, 1)) {
+    const UChar32 character = read.char32At(at);
+    if (u_isUWhiteSpace(character)) {
+      isBlankDue = !line.isEmpty();
+      continue;
+    }
+    if (u_iscntrl(character) || u_hasBinaryProperty(character, UCHAR_BIDI_CONTROL)) continue;
+    if (std::exchange(isBlankDue, false)) line.append(UChar32{' '});
+    line.append(character);
+  }
+  if (static_cast<std::size_t>(line.countChar32()) > most) {
+    line.truncate(line.moveIndex32(0, static_cast<std::int32_t>(most)));
+  }
+  std::string bytes;
+  return line.toUTF8String(bytes);
 }
 
 }  // namespace orvane

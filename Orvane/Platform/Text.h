@@ -6,6 +6,7 @@
 #include <Orvane/Platform/Enumeration.h>
 #include <Orvane/Platform/Export.h>
 
+#include <cstddef>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -22,6 +23,11 @@ namespace orvane {
 /// The pieces as one text.
 [[nodiscard]] ORVANE_EXPORT std::string concatenated(
     std::initializer_list<std::string_view> pieces);
+
+/// `text` as one line of at most `most` characters (code points): blank space of any kind is one
+/// blank, other control characters and those that turn the direction of writing are left out, and
+/// what is not UTF-8 is a replacement character each.
+[[nodiscard]] std::string oneLine(std::string_view text, std::size_t most);
 
 /// The texts, or the wire texts of the cases, of a list or set, in its order, separated by ","
 /// without blanks.

@@ -84,9 +84,11 @@ Result<Parts> makeParts(RuntimeOptions& options) {
                *std::move(host).value()};
 }
 
-void registerParts(const Parts& parts) {
+void registerParts(const Parts& parts, const std::optional<RetryPolicy>& retry) {
   Container& container = *Container::common();
-  container.register_<RequestManager>(parts.requestManager);
+  std::shared_ptr<RequestManager> requestManager = parts.requestManager;
+  if (retry) requestManager = std::make_shared<RetryingRequestManager>(requestManager, *retry);
+  container.register_<RequestManager>(std::move(requestManager));
   container.register_<Downloader>(parts.downloader);
   container.register_<EndpointResolver>(parts.endpointResolver);
   container.register_<TokenResolver>(parts.tokenResolver);
@@ -126,7 +128,7 @@ Result<Runtime> Runtime::install(RuntimeOptions options) {
   if (options.drainsMainQueue && !state->mainQueueThread.emplace().start()) {
     return failed(ConfigurationError("drainsMainQueue: no thread can be started"));
   }
-  registerParts(state->parts);
+  registerParts(state->parts, options.retry);
   return Runtime(std::move(state));
 }
 

@@ -4,6 +4,7 @@
 
 #include <Orvane/Common/Identity.h>
 #include <Orvane/Common/Logger.h>
+#include <Orvane/Common/Retrying.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Runtime/CurlRequestManager.h>
 #include <Orvane/Runtime/EndpointResolvers.h>
@@ -12,6 +13,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace orvane {
@@ -24,6 +26,9 @@ struct ORVANE_RUNTIME_EXPORT RuntimeOptions {
   TokenSource tokens{};
   /// How requests and downloads travel.
   TransportOptions transport{};
+  /// Tries failed requests again, of all services: none unless it is set. Requests that pause are
+  /// not under way: `Runtime::finish` does not wait for them.
+  std::optional<RetryPolicy> retry{};
   /// Where firmware is published: scheme and host, for example "https://firmware.example". Empty
   /// leaves what is registered.
   std::string firmwareHost{};

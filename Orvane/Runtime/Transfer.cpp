@@ -20,7 +20,7 @@ namespace {
 // The parser of answers reads this far behind the text; the room for it spares a copy.
 constexpr std::size_t padding = 64;
 
-// The body of a refusal is of no interest; one that is longer is not waited for.
+// The body of a refusal may say why in words; one that is longer is not waited for.
 constexpr std::size_t longestRefusal = std::size_t{64} << 10U;
 
 // Memory is set aside for as much as is announced up to here; more, for more that has come.
@@ -336,7 +336,13 @@ bool Transfer::keep(std::string_view bytes) {
   lastMove_ = Clock::now();
   if (head_.isSuccess() && decoder_) return decode(bytes);
   received_ += bytes.size();
-  return head_.isSuccess() ? take(bytes.data(), bytes.size()) : received_ <= longestRefusal;
+  return head_.isSuccess() ? take(bytes.data(), bytes.size()) : takeReason(bytes);
+}
+
+bool Transfer::takeReason(std::string_view bytes) {
+  if (received_ > longestRefusal) return false;
+  answer_.append(bytes);
+  return true;
 }
 
 bool Transfer::decode(std::string_view bytes) {
@@ -386,11 +392,26 @@ bool Transfer::fail(TransportError error) {
 
 Result<std::string> Transfer::taken() { return std::move(answer_); }
 
+// The words of a refusal, as far as they can be read.
+std::string Transfer::reason() const {
+  if (head_.coding().empty()) return reasonIn(answer_);
+  std::string text;
+  if (const auto decoder = ContentDecoder::make(head_.coding())) {
+    static_cast<void>(decoder->decode(answer_, [&text](const char* piece, std::size_t count) {
+      text.append(piece, count);
+      return text.size() <= longestRefusal;
+    }));
+  }
+  return reasonIn(text);
+}
+
 Error Transfer::refusal() const {
   const Date now = DeviceClock::now();
   const std::optional<Date> date = dateFromHTTP(easy_->header("Date"), now);
-  return NetworkError::invalidStatusCode(head_.status(), date)
-      .withRetryAfter(pauseFromHTTP(easy_->header("Retry-After"), date.value_or(now)));
+  const Error error =
+      NetworkError::invalidStatusCode(head_.status(), date)
+          .withRetryAfter(pauseFromHTTP(easy_->header("Retry-After"), date.value_or(now)));
+  return error.with({.status = head_.status(), .reason = reason()});
 }
 
 Error Transfer::failureOf(CURLcode code, std::string details) const {
@@ -445,7 +466,7 @@ Exchange Transfer::exchange(const Result<std::string>& outcome, bool withSecrets
   exchange.error = outcome.error();
   if (withSecrets) {
     exchange.requestBody = request_.body;
-    exchange.responseBody = outcome.value().value_or("");
+    exchange.responseBody = outcome ? *outcome : answer_;
   }
   if (!easy_ || easy_->get() == nullptr) return exchange;
   if (head_.status() > 0) exchange.statusCode = head_.status();

@@ -31,6 +31,11 @@ class ORVANE_RUNTIME_EXPORT TransportError {
       : kind_(kind), message_(std::move(message)) {}
 
   [[nodiscard]] Kind kind() const noexcept { return kind_; }
+  /// True where another attempt may well succeed: the network failed, or was too slow.
+  [[nodiscard]] bool isTransient() const noexcept {
+    return kind_ == Kind::nameLookup || kind_ == Kind::connection || kind_ == Kind::timeOut ||
+           kind_ == Kind::cutOff;
+  }
   /// The kind and the details known, in one line; never with a query, a header or a body.
   [[nodiscard]] std::string message() const;
   friend bool operator==(const TransportError&, const TransportError&) = default;

@@ -76,7 +76,9 @@ std::set<std::string> declaredOperations() {
        std::filesystem::recursive_directory_iterator(root / "Orvane/Services")) {
     if (!entry.path().filename().string().ends_with("Service.h")) continue;
     const std::string service = entry.path().stem();
-    for (const std::string& name : findAll(contentsOf(entry.path()), R"(RequestHandle (\w+)\()")) {
+    const std::string header = contentsOf(entry.path());
+    const std::string open = header.substr(0, header.find("\n private:"));
+    for (const std::string& name : findAll(open, R"((?:RequestHandle|Operation<\S+>) (\w+)\()")) {
       names.insert(std::string(service).append(".").append(name));
     }
   }

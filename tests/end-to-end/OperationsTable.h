@@ -24,7 +24,8 @@ struct OperationRow {
 
 [[nodiscard]] std::vector<OperationRow> documentedOperations();
 
-/// "UserService.fetch" for everything in the headers of the services that answers a handle.
+/// "UserService.fetch" for everything in the headers of the services that answers an operation or a
+/// handle.
 [[nodiscard]] std::set<std::string> declaredOperations();
 
 /// `name` without what stands behind its blank: the operation without its variant.

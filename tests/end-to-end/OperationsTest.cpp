@@ -3,7 +3,6 @@
 #include "CommandLine.h"
 #include "OperationsTable.h"
 #include "SandboxProcess.h"
-#include <Orvane/Common/Await.h>
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Orvane.h>
 #include <Orvane/Runtime/Runtime.h>
@@ -22,8 +21,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <tuple>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -38,53 +35,26 @@ const Identity anna{"sandbox-api-key", "anna.keller"};
 const Identity daniel{"sandbox-api-key", "daniel.meier"};
 const Identity nora{"sandbox-api-key", "nora.frei"};
 
-// What an operation answers: what the handler is given that it takes last.
+// The value of an operation that must succeed.
 template <class T>
-T answered(const Completion<T>&);
-template <class... Parameters>
-using Answer = decltype(answered(
-    std::declval<std::tuple_element_t<sizeof...(Parameters) - 1, std::tuple<Parameters...>>>()));
-
-// Calls an operation of a person's service and waits for what comes of it.
-template <class Service, class... Parameters, class... Arguments>
-Result<Answer<Parameters...>> call(RequestHandle (Service::*operation)(Parameters...) const,
-                                   const Identity& identity, const Arguments&... arguments) {
-  return wait<Answer<Parameters...>>(
-      [&](auto then) { return (Service(identity).*operation)(arguments..., std::move(then)); });
-}
-
-// The same for an operation that must succeed: its value.
-template <class Operation, class... Arguments>
-auto ask(Operation operation, const Identity& identity, const Arguments&... arguments) {
-  auto result = call(operation, identity, arguments...);
-  EXPECT_TRUE(result) << result.errorOr(NetworkError::unknown).message();
-  using Value = std::decay_t<decltype(*result.value())>;
-  return result.value() ? *std::move(result).value() : Value{};
+T ask(const Operation<T>& operation) {
+  Result<T> result = operation.wait();
+  EXPECT_TRUE(result) << result.errorOr(NetworkError::unknown).description();
+  return result ? *std::move(result) : T{};
 }
 
 // The status with which the backend refuses an operation.
-template <class Operation, class... Arguments>
-std::int64_t refusal(Operation operation, const Identity& identity, const Arguments&... arguments) {
-  const auto result = call(operation, identity, arguments...);
+template <class T>
+std::int64_t refusal(const Operation<T>& operation) {
+  const Result<T> result = operation.wait();
   return result.errorOr(NetworkError::unknown).template as<NetworkError>()->statusCode();
 }
 
-// No expansion, no filter.
-struct None {
-  template <class T>
-  operator std::set<T>() const {
-    return {};
-  }
-};
-constexpr None none;
-
-User userOf(const Identity& identity) {
-  return ask(&UserService::fetch, identity, std::nullopt, none);
-}
+User userOf(const Identity& identity) { return ask(UserService(identity).fetch()); }
 
 std::vector<std::string> vehicleInvitations(const char* states) {
   std::vector<std::string> ids;
-  for (const Invitation& invitation : ask(&InvitationService::fetchVehicleInvites, anna, states)) {
+  for (const Invitation& invitation : ask(InvitationService(anna).fetchVehicleInvites(states))) {
     ids.push_back(invitation.invitationId.value_or(""));
   }
   return ids;
@@ -99,21 +69,8 @@ NewInvitation toNora() {
 
 using Trips = std::vector<Trip>;
 
-// Those that share a name with others.
-constexpr RequestHandle (TripService::*fetchTrip)(std::string, std::set<TripService::Expansion>,
-                                                  Completion<Trip>) const = &TripService::fetch;
-constexpr RequestHandle (TripService::*fetchTrips)(const std::optional<User>&,
-                                                   std::set<TripService::Filter>,
-                                                   std::set<TripService::Expansion>,
-                                                   Completion<Trips>) const = &TripService::fetch;
-constexpr RequestHandle (TripService::*fetchPages)(TripPages, Completion<Trips>) const =
-    &TripService::fetchPages;
-constexpr RequestHandle (TripService::*updateTrip)(std::string, std::optional<TransportMode>,
-                                                   std::optional<Trip::Purpose>,
-                                                   Completion<Trip>) const = &TripService::update;
-
 Trips latestTrips(std::int64_t count) {
-  return ask(fetchTrips, anna, std::nullopt, std::set{TripService::Filter::cursor(count, 0)}, none);
+  return ask(TripService(anna).fetch(std::nullopt, {TripService::Filter::cursor(count, 0)}));
 }
 
 double metres(const CLLocationCoordinate2D& from, const CLLocationCoordinate2D& to) {
@@ -155,7 +112,7 @@ Leaderboard leaderboard() {
       std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now()));
   const DateComponents day{static_cast<int>(today.year()), static_cast<unsigned>(today.month()),
                            static_cast<unsigned>(today.day())};
-  return ask(&LeaderboardService::fetch, anna, day, none);
+  return ask(LeaderboardService(anna).fetch(day));
 }
 
 // A period of scores that people with a history have.
@@ -193,12 +150,12 @@ void addPeople(Operations& all) {
                             .dateOfBirth = expected.dateOfBirth,
                             .email = expected.email,
                             .selfDescription = expected.selfDescription};
-    EXPECT_EQ(ask(&UserService::update, anna, update), expected);
+    EXPECT_EQ(ask(UserService(anna).update(update)), expected);
     EXPECT_EQ(userOf(anna), expected);
   });
   all.emplace_back("UserService.updateAddress", [] {
     const UserAddressUpdate update{.city = "Zürich", .formattedAddress = "Langstrasse 1\nZürich"};
-    const User user = ask(&UserService::updateAddress, anna, update);
+    const User user = ask(UserService(anna).updateAddress(update));
     EXPECT_EQ(user.city, update.city);
     EXPECT_EQ(user.formattedAddress, update.formattedAddress);
   });
@@ -206,7 +163,7 @@ void addPeople(Operations& all) {
     EXPECT_EQ(vehicleInvitations("DECLINED"), std::vector<std::string>{"9003"});
   });
   all.emplace_back("InvitationService.fetchAccountInvites", [] {
-    const auto invitations = ask(&InvitationService::fetchAccountInvites, anna, std::nullopt);
+    const auto invitations = ask(InvitationService(anna).fetchAccountInvites(std::nullopt));
     ASSERT_THAT(invitations, SizeIs(1));
     EXPECT_EQ(invitations[0].invitationId, "9008");
     EXPECT_EQ(invitations[0].account->accountId, "2003");
@@ -214,76 +171,76 @@ void addPeople(Operations& all) {
   all.emplace_back("InvitationService.sendVehicleInvitation", [] {
     NewInvitation draft = toNora();
     draft.vehicleIDs = {"3006"};
-    const Invitation sent = ask(&InvitationService::sendVehicleInvitation, anna, draft);
+    const Invitation sent = ask(InvitationService(anna).sendVehicleInvitation(draft));
     EXPECT_EQ(sent.invitationId, "9011");
     EXPECT_EQ(sent.status, Invitation::Status::pending);
     EXPECT_EQ(sent.toUser->userId, "1007");
     EXPECT_EQ(sent.vehicle->vehicleId, "3006");
   });
   all.emplace_back("InvitationService.sendAccountInvitation", [] {
-    const auto sent = ask(&InvitationService::sendAccountInvitation, anna, toNora());
+    const auto sent = ask(InvitationService(anna).sendAccountInvitation(toNora()));
     ASSERT_THAT(sent, SizeIs(1));
     EXPECT_EQ(sent[0].account->accountId, "2001");
   });
   all.emplace_back("InvitationService.respondToInvitation", [] {
     const InvitationReply reply{
         .toUserId = "1007", .invitationId = "9011", .response = Invitation::Response::accept};
-    ask(&InvitationService::respondToInvitation, nora, reply);
+    ask(InvitationService(nora).respondToInvitation(reply));
     EXPECT_THAT(vehicleInvitations("ACCEPTED"), Contains("9011"));
   });
   all.emplace_back("InvitationService.cancelVehicleInvitation", [] {
-    ask(&InvitationService::cancelVehicleInvitation, anna, "1001", "9001");
+    ask(InvitationService(anna).cancelVehicleInvitation("1001", "9001"));
     EXPECT_THAT(vehicleInvitations("PENDING"), Not(Contains("9001")));
   });
   all.emplace_back("InvitationService.removeGuestDriverFromVehicle", [] {
-    constexpr auto remove = &InvitationService::removeGuestDriverFromVehicle;
-    ask(remove, anna, "1007", "3006");
-    EXPECT_EQ(refusal(remove, anna, "1007", "3006"), 404);
+    const auto remove = InvitationService(anna).removeGuestDriverFromVehicle("1007", "3006");
+    ask(remove);
+    EXPECT_EQ(refusal(remove), 404);
   });
   all.emplace_back("InvitationService.removeGuestDriverFromAccount", [] {
-    constexpr auto remove = &InvitationService::removeGuestDriverFromAccount;
-    ask(remove, daniel, "1106", "2002");
-    EXPECT_EQ(refusal(remove, daniel, "1106", "2002"), 404);
+    const auto remove = InvitationService(daniel).removeGuestDriverFromAccount("1106", "2002");
+    ask(remove);
+    EXPECT_EQ(refusal(remove), 404);
   });
   all.emplace_back("ActivationService.activate", [] {
-    ask(&ActivationService::activate, nora, "ACT-1007", "424242", "nora@example.com");
+    ask(ActivationService(nora).activate("ACT-1007", "424242", "nora@example.com"));
     const User user = userOf(nora);
     EXPECT_EQ(user.activated, true);
     EXPECT_EQ(user.displayName, "nora@example.com");
   });
   all.emplace_back("EULAService.acceptTerms", [] {
-    ask(&EULAService::acceptTerms, nora);
+    ask(EULAService(nora).acceptTerms());
     EXPECT_EQ(userOf(nora).acceptedTerms, true);
   });
   all.emplace_back("DeviceService.fetch", [] {
-    const Device device = ask(&DeviceService::fetch, nora);
+    const Device device = ask(DeviceService(nora).fetch());
     EXPECT_TRUE(device.identifier);
     EXPECT_EQ(device.dataCollectionIsActive, true) << "since the activation";
   });
   all.emplace_back("DeviceService.deactivate", [] {
-    EXPECT_EQ(ask(&DeviceService::deactivate, nora).dataCollectionIsActive, false);
+    EXPECT_EQ(ask(DeviceService(nora).deactivate()).dataCollectionIsActive, false);
   });
   all.emplace_back("DeviceService.activate", [] {
-    EXPECT_EQ(ask(&DeviceService::activate, nora).dataCollectionIsActive, true);
+    EXPECT_EQ(ask(DeviceService(nora).activate()).dataCollectionIsActive, true);
   });
   all.emplace_back("PushNotificationService.setToken", [] {
-    const Device device = ask(&PushNotificationService::setToken, nora, "abc 1+2");
+    const Device device = ask(PushNotificationService(nora).setToken("abc 1+2"));
     EXPECT_EQ(device.pushNotificationToken, "abc 1+2");
     EXPECT_EQ(device.pushNotificationsAreEnabled, true);
   });
   all.emplace_back("SubscriptionService.fetchContractDates", [] {
-    const auto subscriptions = ask(&SubscriptionService::fetchContractDates, anna);
+    const auto subscriptions = ask(SubscriptionService(anna).fetchContractDates());
     ASSERT_THAT(subscriptions, SizeIs(5));
     EXPECT_EQ(subscriptions[4].telematicSubscriptionType, Subscription::SubscriptionType::aFNOL);
   });
   all.emplace_back("NamedDriverService.fetch", [] {
-    const auto drivers = ask(&NamedDriverService::fetch, anna);
+    const auto drivers = ask(NamedDriverService(anna).fetch());
     ASSERT_THAT(drivers, SizeIs(3));
     EXPECT_EQ(drivers[2].firstName, "Otto");
   });
   all.emplace_back("NamedDriverService.updateNamedDriver", [] {
     const NamedDriver driver =
-        ask(&NamedDriverService::updateNamedDriver, anna, 1201, "otto@example.com", "");
+        ask(NamedDriverService(anna).updateNamedDriver(1201, "otto@example.com", ""));
     EXPECT_EQ(driver.userId, 1201);
     EXPECT_EQ(driver.email, "otto@example.com");
     EXPECT_FALSE(driver.phone);
@@ -294,88 +251,91 @@ void addDriving(Operations& all) {
   all.emplace_back("TripService.fetch (a user's)", [] {
     EXPECT_THAT(latestTrips(3), SizeIs(3));
     using enum TripService::Expansion;
-    const Trips trips = ask(fetchTrips, anna, std::nullopt, none, std::set{geometry, events});
+    const Trips trips = ask(TripService(anna).fetch(std::nullopt, {}, {geometry, events}));
     EXPECT_GT(trips.size(), 3U);
     for (const Trip& trip : trips) expectRoute(trip);
   });
   all.emplace_back("TripService.fetch (one)", [] {
     const std::string id = latestTrip();
-    EXPECT_EQ(ask(fetchTrip, anna, id, none).id, id);
+    EXPECT_EQ(ask(TripService(anna).fetch(id)).id, id);
   });
   all.emplace_back("TripService.fetchAll", [] {
     const std::set page{TripService::Filter::cursor(2, 1)};
-    EXPECT_THAT(ask(&TripService::fetchAll, anna, page, none), SizeIs(2));
+    EXPECT_THAT(ask(TripService(anna).fetchAll(page)), SizeIs(2));
   });
   all.emplace_back("TripService.fetchAllChecked", [] {
-    EXPECT_THAT(ask(&TripService::fetchAllChecked, nora, none, none), SizeIs(0))
+    EXPECT_THAT(ask(TripService(nora).fetchAllChecked()), SizeIs(0))
         << "who never drove has an empty logbook";
   });
   all.emplace_back("TripService.fetchPages", [] {
-    const Trips paged = ask(fetchPages, anna, TripPages{.pageSize = 3});
+    const Trips paged = ask(TripService(anna).fetchPages({.pageSize = 3}));
     EXPECT_GT(paged.size(), 3U);
-    EXPECT_EQ(paged, ask(&TripService::fetchAll, anna, none, none));
+    EXPECT_EQ(paged, ask(TripService(anna).fetchAll()));
   });
   all.emplace_back("TripService.update", [] {
     const std::string id = latestTrip();
-    const Trip trip = ask(updateTrip, anna, id, std::nullopt, Trip::Purpose::business);
+    const Trip trip = ask(TripService(anna).update(id, std::nullopt, Trip::Purpose::business));
     EXPECT_EQ(trip.id, id);
     EXPECT_EQ(trip.purpose, Trip::Purpose::business);
   });
   all.emplace_back("TripService.fetchTripsByVehicle", [] {
-    const Trips trips = ask(&TripService::fetchTripsByVehicle, anna,
-                            TripsByVehicle{.startDate = "2000-01-01",
-                                           .endDate = "2999-12-31",
-                                           .vehicleId = "3001",
-                                           .vehicleTripsLimit = 2,
-                                           .userId = "1001"});
+    const Trips trips =
+        ask(TripService(anna).fetchTripsByVehicle(TripsByVehicle{.startDate = "2000-01-01",
+                                                                 .endDate = "2999-12-31",
+                                                                 .vehicleId = "3001",
+                                                                 .vehicleTripsLimit = 2,
+                                                                 .userId = "1001"}));
     ASSERT_THAT(trips, SizeIs(2));
     EXPECT_EQ(trips[0].vehicleId, "3001");
   });
   all.emplace_back("LocationService.fetchLastKnownLocation", [] {
-    const Location location = ask(&LocationService::fetchLastKnownLocation, anna);
+    const Location location = ask(LocationService(anna).fetchLastKnownLocation());
     EXPECT_NEAR(location.latitude.value_or(0), 47.5, 1);
     EXPECT_GT(location.date.value_or(Date()), daysAgo(15));
   });
   all.emplace_back("VehicleService.getAllVehicles", [] {
-    EXPECT_EQ(ask(&VehicleService::getAllVehicles, anna, none),
+    EXPECT_EQ(ask(VehicleService(anna).getAllVehicles()),
               (std::vector<Vehicle>{{.vehicleId = "3001"}, {.vehicleId = "3006"}}));
   });
   all.emplace_back("VehicleService.getVehicleFor", [] {
-    EXPECT_EQ(ask(&VehicleService::getVehicleFor, anna, "3001", none, "BS 30461").model, "Octavia");
+    EXPECT_EQ(ask(VehicleService(anna).getVehicleFor("3001", {}, "BS 30461")).model, "Octavia");
   });
   all.emplace_back("DrivingSummaryService.fetch", [] {
     const std::set detection{DrivingSummaryService::Expansion::driverDetection};
-    const DrivingSummary summary = ask(&DrivingSummaryService::fetch, anna, none, detection);
+    const DrivingSummary summary = ask(DrivingSummaryService(anna).fetch({}, detection));
     EXPECT_GT(summary.distanceDriven.value_or(0), 0);
     EXPECT_TRUE(summary.driverDetection);
   });
   all.emplace_back("DrivingSummaryService.fetchList", [] {
-    EXPECT_GT(ask(&DrivingSummaryService::fetchList, anna, none, "DAY").size(), 1U);
+    EXPECT_GT(ask(DrivingSummaryService(anna).fetchList({}, "DAY")).size(), 1U);
   });
   all.emplace_back("DrivingAlertService.registerAlertSetting", [] {
-    constexpr auto set = &DrivingAlertService::registerAlertSetting;
-    ask(set, anna, DrivingAlertType::braking("1001", DrivingEventSeverity::medium));
-    const auto nobody = DrivingAlertType::braking("nobody", DrivingEventSeverity::medium);
-    EXPECT_EQ(refusal(set, anna, nobody), 404);
+    const DrivingAlertService alerts(anna);
+    const auto setting = [](const char* driver) {
+      return DrivingAlertType::braking(driver, DrivingEventSeverity::medium);
+    };
+    ask(alerts.registerAlertSetting(setting("1001")));
+    EXPECT_EQ(refusal(alerts.registerAlertSetting(setting("nobody"))), 404);
   });
 }
 
 // The operations that score days are those of two services.
 template <class Service>
 void addScoredDays(const std::string& service, Operations& all) {
-  using Period = RequestHandle (Service::*)(Completion<ScoringAggregate>) const;
+  using Period = Operation<ScoringAggregate> (Service::*)() const;
   const std::pair<const char*, Period> periods[] = {
       {"last7Days", &Service::last7Days},   {"lastWeek", &Service::lastWeek},
       {"last30Days", &Service::last30Days}, {"lastMonth", &Service::lastMonth},
       {"last90Days", &Service::last90Days}, {"lastYear", &Service::lastYear},
   };
   for (const auto& [name, period] : periods) {
-    all.emplace_back(service + "." + name, [period = period] { expectScores(ask(period, anna)); });
+    all.emplace_back(service + "." + name,
+                     [period = period] { expectScores(ask((Service(anna).*period)())); });
   }
   all.emplace_back(service + ".dateRange",
-                   [] { expectScores(ask(&Service::dateRange, anna, daysAgo(7), now())); });
+                   [] { expectScores(ask(Service(anna).dateRange(daysAgo(7), now()))); });
   all.emplace_back(service + ".today", [] {
-    const ScoringAggregate scores = ask(&Service::today, anna);
+    const ScoringAggregate scores = ask(Service(anna).today());
     ASSERT_TRUE(scores.tripScoringDailyAggregate);
     EXPECT_LE(scores.tripScoringDailyAggregate->size(), 1U);
   });
@@ -384,29 +344,29 @@ void addScoredDays(const std::string& service, Operations& all) {
 void addIncentives(Operations& all) {
   using Scores = ScoringService;
   all.emplace_back("ScoringService.custom",
-                   [] { expectScores(ask(&Scores::custom, anna, daysAgo(7), now())); });
+                   [] { expectScores(ask(Scores(anna).custom(daysAgo(7), now()))); });
   all.emplace_back("ScoringService.fetchWeek", [] {
-    EXPECT_GT(ask(&Scores::fetchWeek, anna, 0U).periodStartDate.value_or(0), 0);
+    EXPECT_GT(ask(Scores(anna).fetchWeek(0U)).periodStartDate.value_or(0), 0);
   });
   all.emplace_back("ScoringService.fetchAggregateScoresByVehicle", [] {
-    expectScores(ask(&Scores::fetchAggregateScoresByVehicle, anna, "3001", daysAgo(7), now()));
+    expectScores(ask(Scores(anna).fetchAggregateScoresByVehicle("3001", daysAgo(7), now())));
   });
   all.emplace_back("ScoringService.fetchLastNDaysAggregateScoresByVehicle", [] {
-    expectScores(ask(&Scores::fetchLastNDaysAggregateScoresByVehicle, anna, "3001", 7U));
+    expectScores(ask(Scores(anna).fetchLastNDaysAggregateScoresByVehicle("3001", 7U)));
   });
   all.emplace_back("ScoringService.fetchAverageScoresByVehicle", [] {
-    expectScores(ask(&Scores::fetchAverageScoresByVehicle, anna, "3001", daysAgo(7), now()));
+    expectScores(ask(Scores(anna).fetchAverageScoresByVehicle("3001", daysAgo(7), now())));
   });
   all.emplace_back("ScoringService.fetchLastNDaysAverageScores", [] {
-    expectScores(ask(&Scores::fetchLastNDaysAverageScores, anna, "3001", 7U));
-    expectScores(ask(&Scores::fetchLastNDaysAverageScores, anna, std::nullopt, 7U));
+    expectScores(ask(Scores(anna).fetchLastNDaysAverageScores("3001", 7U)));
+    expectScores(ask(Scores(anna).fetchLastNDaysAverageScores(std::nullopt, 7U)));
   });
   all.emplace_back("LeaderboardService.optOut", [] {
-    ask(&LeaderboardService::optOut, anna);
+    ask(LeaderboardService(anna).optOut());
     EXPECT_EQ(leaderboard().isOptedIn, false);
   });
   all.emplace_back("LeaderboardService.optIn", [] {
-    ask(&LeaderboardService::optIn, anna);
+    ask(LeaderboardService(anna).optIn());
     EXPECT_EQ(leaderboard().isOptedIn, true);
   });
   all.emplace_back("LeaderboardService.fetch", [] {
@@ -416,15 +376,15 @@ void addIncentives(Operations& all) {
   });
   all.emplace_back("DiscountService.fetchDiscount", [] {
     const std::set scores{DiscountService::Expansion::scores};
-    EXPECT_GT(ask(&DiscountService::fetchDiscount, anna, scores).discountRangeMax.value_or(0), 0);
+    EXPECT_GT(ask(DiscountService(anna).fetchDiscount(scores)).discountRangeMax.value_or(0), 0);
   });
   all.emplace_back("DiscountMetadataService.fetchDiscountMetadata", [] {
-    const auto scheme = ask(&DiscountMetadataService::fetchDiscountMetadata, anna);
+    const auto scheme = ask(DiscountMetadataService(anna).fetchDiscountMetadata());
     ASSERT_TRUE(scheme.scoreDiscountMap());
     EXPECT_GT(scheme.scoreDiscountMap()->size(), 1U);
   });
   all.emplace_back("RewardsService.fetchToken", [] {
-    const RewardToken token = ask(&RewardsService::fetchToken, anna);
+    const RewardToken token = ask(RewardsService(anna).fetchToken());
     EXPECT_THAT(token.token.value_or(""), testing::MatchesRegex("[^.]+.[^.]+.[^.]+")) << "signed";
   });
 }
@@ -432,7 +392,7 @@ void addIncentives(Operations& all) {
 void addContent(Operations& all) {
   all.emplace_back("ContentService.fetch", [] {
     constexpr auto title = ContentService::Key::faqPageTitle;
-    EXPECT_EQ(ask(&ContentService::fetch, anna, title, "de_CH").body, "Häufige Fragen");
+    EXPECT_EQ(ask(ContentService(anna).fetch(title, "de_CH")).body, "Häufige Fragen");
   });
   all.emplace_back("ContentService.allCases<ContentService::Key>()",
                    [] { EXPECT_EQ(std::size(allCases<ContentService::Key>()), 32U); });
@@ -446,18 +406,13 @@ void addContent(Operations& all) {
   });
   all.emplace_back("WedgeFirmwareService.downloadFirmware", [] {
     const WedgeFirmwareService service;
-    std::optional<std::string> version;
-    MainQueue::main().wait(service.downloadFirmware(
-        [&](std::optional<std::string> downloaded) { version = std::move(downloaded); }));
-    EXPECT_EQ(version, "2.2.2");
+    EXPECT_EQ(ask(service.downloadFirmware()), "2.2.2");
     expectPackage(*service.firmwareLocation->filePath() + "/DFU_4417_Release___2_2_2.zip");
   });
   all.emplace_back("WedgeFirmwareService.downloadPackage", [] {
-    const auto package = wait<FirmwarePackage>(
-        [](auto then) { return WedgeFirmwareService().downloadPackage(nullptr, std::move(then)); });
-    ASSERT_TRUE(package) << package.error()->message();
-    EXPECT_EQ(package.value()->version, "2.2.2");
-    expectPackage(package.value()->path);
+    const FirmwarePackage package = ask(WedgeFirmwareService().downloadPackage());
+    EXPECT_EQ(package.version, "2.2.2");
+    expectPackage(package.path);
   });
 }
 

@@ -49,6 +49,9 @@ class Process {
   /// Reads standard error until it contains `text`; false when it ends without.
   [[nodiscard]] bool waitForError(const std::string& text);
 
+  /// What has been read of standard error so far.
+  [[nodiscard]] const std::string& errors() const noexcept { return errors_.text; }
+
   /// Waits until the process has ended. One that does not within `patience` is killed and its
   /// `signal` says so.
   Ending wait();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SandboxProcess.h"
 
-#include <Orvane/Common/Await.h>
+#include <Orvane/Common/Operation.h>
 
 #include <sys/inotify.h>
 

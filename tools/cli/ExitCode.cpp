@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ExitCode.h"
 
-#include <Orvane/Common/Await.h>
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/Common/Operation.h>
 #include <Orvane/Runtime/ConfigurationError.h>
 #include <Orvane/Runtime/DownloadError.h>
 #include <Orvane/Runtime/TokenResolvers.h>
@@ -114,6 +114,7 @@ ExitCode codeOf(const Error& error) {
   if (error.as<TokenError>() != nullptr) return ExitCode::configuration;
   if (error.as<DownloadError>() != nullptr) return ExitCode::output;
   if (error.as<Cancelled>() != nullptr) return ExitCode::cancelled;
+  if (error.as<TimedOut>() != nullptr) return ExitCode::timeOut;
   return ExitCode::internal;
 }
 
@@ -123,10 +124,16 @@ std::span<const ExitCodeRow> exitCodes() noexcept { return rows; }
 
 Failure failureOf(const Error& error) {
   const auto* network = error.as<NetworkError>();
-  if (network != nullptr && network->kind() == NetworkError::Case::invalidStatusCode) {
-    return refusal(network->statusCode());
+  if (network == nullptr || network->kind() != NetworkError::Case::invalidStatusCode) {
+    return {codeOf(error), error.description()};
   }
-  return {codeOf(error), error.message()};
+  const Failure told = refusal(network->statusCode());
+  const ErrorContext* context = error.context();
+  if (context == nullptr) return told;
+  std::string words = told.what();
+  if (!context->reason.empty()) words += "; it says: " + context->reason;
+  if (!context->operation.empty()) words += " [" + context->operation + "]";
+  return {told.code(), words};
 }
 
 }  // namespace orvane::cli

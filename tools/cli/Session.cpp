@@ -61,7 +61,7 @@ Session::Session(Settings settings, OutputStyle style, bool isVerbose)
   device.timeZone = settings_.text(Setting::timeZone).value_or("");
   device.documentsDirectory = settings_.text(Setting::documentsFolder).value_or("");
   const Result<Unit> outcome = DeviceSettings::set(std::move(device));
-  if (outcome.error()) throw Failure(ExitCode::configuration, outcome.error()->message());
+  if (outcome.error()) throw Failure(ExitCode::configuration, outcome.error()->description());
   Logger::setShared(loggerFor(isVerbose_));
 }
 

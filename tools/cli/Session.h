@@ -6,7 +6,7 @@
 #include "Interrupt.h"
 #include "Output.h"
 #include "Settings.h"
-#include <Orvane/Common/Await.h>
+#include <Orvane/Common/Operation.h>
 #include <Orvane/Common/Identity.h>
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Runtime/Runtime.h>

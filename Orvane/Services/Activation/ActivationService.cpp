@@ -6,16 +6,14 @@
 
 namespace orvane {
 
-RequestHandle ActivationService::activate(std::string activationId, std::string activationCode,
-                                          std::string emailAddress, Completion<Unit> then) const {
-  return post(*this,
-              ActivationComposer({.activationID = std::move(activationId),
-                                  .activationCode = std::move(activationCode),
-                                  .email = emailAddress,
-                                  .accountID = identity().externalReferenceID,
-                                  .displayName = emailAddress,
-                                  .deviceID = deviceIdentifier()->current()}),
-              std::move(then));
+Operation<Unit> ActivationService::activate(std::string activationId, std::string activationCode,
+                                            std::string emailAddress) const {
+  return post<Unit>(*this, ActivationComposer({.activationID = std::move(activationId),
+                                               .activationCode = std::move(activationCode),
+                                               .email = emailAddress,
+                                               .accountID = identity().externalReferenceID,
+                                               .displayName = emailAddress,
+                                               .deviceID = deviceIdentifier()->current()}));
 }
 
 }  // namespace orvane

@@ -19,8 +19,13 @@ class ORVANE_EXPORT ActivationService : public DeviceNamingService {
   /// Activates with the id and code that the programme gave the person. The e-mail address is also
   /// sent as the name to be shown, and `Identity::externalReferenceID`, where there is one, as the
   /// account. Any successful answer counts, an empty one included.
+  Operation<Unit> activate(std::string activationId, std::string activationCode,
+                           std::string emailAddress) const;
   RequestHandle activate(std::string activationId, std::string activationCode,
-                         std::string emailAddress, Completion<Unit> then) const;
+                         std::string emailAddress, Completion<Unit> then) const {
+    return activate(std::move(activationId), std::move(activationCode), std::move(emailAddress))
+        .start(std::move(then));
+  }
 };
 
 }  // namespace orvane

@@ -6,9 +6,9 @@
 
 namespace orvane {
 
-RequestHandle ContentService::fetch(Key withKey, std::optional<std::string> languageTags,
-                                    Completion<Content> then) const {
-  return get(*this, ContentComposer(std::move(languageTags), withKey), std::move(then));
+Operation<Content> ContentService::fetch(Key withKey,
+                                         std::optional<std::string> languageTags) const {
+  return get<Content>(*this, ContentComposer(std::move(languageTags), withKey));
 }
 
 }  // namespace orvane

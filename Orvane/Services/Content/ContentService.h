@@ -62,8 +62,11 @@ class ORVANE_EXPORT ContentService : public SerializableService {
   /// Fetches one text.
   /// @param languageTags the languages wanted, the best first, separated by ",": "en-GB,de-CH"
   ///   (RFC 5646; "_" is taken for "-"); absent: as the backend likes.
+  Operation<Content> fetch(Key withKey, std::optional<std::string> languageTags = {}) const;
   RequestHandle fetch(Key withKey, std::optional<std::string> languageTags,
-                      Completion<Content> then) const;
+                      Completion<Content> then) const {
+    return fetch(withKey, std::move(languageTags)).start(std::move(then));
+  }
 };
 
 template <>

@@ -7,19 +7,19 @@
 
 namespace orvane {
 
-RequestHandle DeviceService::activate(Completion<Device> then) const {
-  return post(*this, DeviceComposer(DeviceComposer::Activate{deviceIdentifier()->current()}),
-              std::move(then));
+Operation<Device> DeviceService::activate() const {
+  return post<Device>(*this,
+                      DeviceComposer(DeviceComposer::Activate{deviceIdentifier()->current()}));
 }
 
-RequestHandle DeviceService::deactivate(Completion<Device> then) const {
-  return post(*this, DeviceComposer(DeviceComposer::Deactivate{deviceIdentifier()->current()}),
-              std::move(then));
+Operation<Device> DeviceService::deactivate() const {
+  return post<Device>(*this,
+                      DeviceComposer(DeviceComposer::Deactivate{deviceIdentifier()->current()}));
 }
 
-RequestHandle DeviceService::fetch(Completion<Device> then) const {
-  return get(*this, DeviceComposer(DeviceComposer::Resource{deviceIdentifier()->current()}),
-             std::move(then));
+Operation<Device> DeviceService::fetch() const {
+  return get<Device>(*this,
+                     DeviceComposer(DeviceComposer::Resource{deviceIdentifier()->current()}));
 }
 
 }  // namespace orvane

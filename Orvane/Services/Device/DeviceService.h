@@ -18,13 +18,20 @@ class ORVANE_EXPORT DeviceService : public DeviceNamingService {
 
   /// Makes this device the one that collects the current user's driving, and answers it. How many
   /// devices may do so is up to the backend.
-  RequestHandle activate(Completion<Device> then) const;
+  Operation<Device> activate() const;
+  RequestHandle activate(Completion<Device> then) const {
+    return activate().start(std::move(then));
+  }
 
   /// Ends that, and answers the device.
-  RequestHandle deactivate(Completion<Device> then) const;
+  Operation<Device> deactivate() const;
+  RequestHandle deactivate(Completion<Device> then) const {
+    return deactivate().start(std::move(then));
+  }
 
   /// Fetches this device.
-  RequestHandle fetch(Completion<Device> then) const;
+  Operation<Device> fetch() const;
+  RequestHandle fetch(Completion<Device> then) const { return fetch().start(std::move(then)); }
 };
 
 }  // namespace orvane

@@ -6,9 +6,8 @@
 
 namespace orvane {
 
-RequestHandle DiscountMetadataService::fetchDiscountMetadata(
-    Completion<DiscountMetadata> then) const {
-  return get(*this, DiscountMetadataComposer(), std::move(then));
+Operation<DiscountMetadata> DiscountMetadataService::fetchDiscountMetadata() const {
+  return get<DiscountMetadata>(*this, DiscountMetadataComposer());
 }
 
 }  // namespace orvane

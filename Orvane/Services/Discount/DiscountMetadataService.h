@@ -17,7 +17,10 @@ class ORVANE_EXPORT DiscountMetadataService : public SerializableService {
   explicit DiscountMetadataService(Identity identity) : SerializableService(std::move(identity)) {}
 
   /// Fetches the programme's discount scheme, the same for every user.
-  RequestHandle fetchDiscountMetadata(Completion<DiscountMetadata> then) const;
+  Operation<DiscountMetadata> fetchDiscountMetadata() const;
+  RequestHandle fetchDiscountMetadata(Completion<DiscountMetadata> then) const {
+    return fetchDiscountMetadata().start(std::move(then));
+  }
 };
 
 }  // namespace orvane

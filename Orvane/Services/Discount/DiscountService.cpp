@@ -6,9 +6,8 @@
 
 namespace orvane {
 
-RequestHandle DiscountService::fetchDiscount(std::set<Expansion> expansions,
-                                             Completion<Discount> then) const {
-  return get(*this, DiscountComposer(std::move(expansions)), std::move(then));
+Operation<Discount> DiscountService::fetchDiscount(SetOf<Expansion> expansions) const {
+  return get<Discount>(*this, DiscountComposer(std::move(expansions).elements()));
 }
 
 }  // namespace orvane

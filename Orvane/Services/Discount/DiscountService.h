@@ -6,6 +6,7 @@
 #include <Orvane/Models/Discount.h>
 #include <Orvane/Platform/Enumeration.h>
 #include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/SetOf.h>
 
 #include <cstdint>
 #include <set>
@@ -23,7 +24,10 @@ class ORVANE_EXPORT DiscountService : public SerializableService {
   explicit DiscountService(Identity identity) : SerializableService(std::move(identity)) {}
 
   /// Fetches the current user's present and projected discount.
-  RequestHandle fetchDiscount(std::set<Expansion> expansions, Completion<Discount> then) const;
+  Operation<Discount> fetchDiscount(SetOf<Expansion> expansions = {}) const;
+  RequestHandle fetchDiscount(std::set<Expansion> expansions, Completion<Discount> then) const {
+    return fetchDiscount(std::move(expansions)).start(std::move(then));
+  }
 };
 
 template <>

@@ -5,9 +5,8 @@
 
 namespace orvane {
 
-RequestHandle DrivingAlertService::registerAlertSetting(DrivingAlertType setting,
-                                                        Completion<Unit> then) const {
-  return post(*this, DrivingAlertComposer(std::move(setting)), std::move(then));
+Operation<Unit> DrivingAlertService::registerAlertSetting(DrivingAlertType setting) const {
+  return post<Unit>(*this, DrivingAlertComposer(std::move(setting)));
 }
 
 }  // namespace orvane

@@ -85,7 +85,10 @@ class ORVANE_EXPORT DrivingAlertService : public SerializableService {
   explicit DrivingAlertService(Identity identity) : SerializableService(std::move(identity)) {}
 
   /// Registers one setting.
-  RequestHandle registerAlertSetting(DrivingAlertType setting, Completion<Unit> then) const;
+  Operation<Unit> registerAlertSetting(DrivingAlertType setting) const;
+  RequestHandle registerAlertSetting(DrivingAlertType setting, Completion<Unit> then) const {
+    return registerAlertSetting(std::move(setting)).start(std::move(then));
+  }
 };
 
 }  // namespace orvane

@@ -7,17 +7,16 @@
 
 namespace orvane {
 
-RequestHandle DrivingSummaryService::fetch(std::set<Filter> filters, std::set<Expansion> expansions,
-                                           Completion<DrivingSummary> then) const {
-  return get(*this, DrivingSummaryComposer(std::move(expansions), std::move(filters)),
-             std::move(then));
+Operation<DrivingSummary> DrivingSummaryService::fetch(SetOf<Filter> filters,
+                                                       SetOf<Expansion> expansions) const {
+  return get<DrivingSummary>(*this, DrivingSummaryComposer(std::move(expansions).elements(),
+                                                           std::move(filters).elements()));
 }
 
-RequestHandle DrivingSummaryService::fetchList(
-    std::set<Filter> filters, std::optional<std::string> aggregateBy,
-    Completion<std::vector<DrivingSummaryResult>> then) const {
-  return get(*this, DrivingSummaryListComposer(std::move(filters), std::move(aggregateBy)),
-             std::move(then));
+Operation<std::vector<DrivingSummaryResult>> DrivingSummaryService::fetchList(
+    SetOf<Filter> filters, std::optional<std::string> aggregateBy) const {
+  return get<std::vector<DrivingSummaryResult>>(
+      *this, DrivingSummaryListComposer(std::move(filters).elements(), std::move(aggregateBy)));
 }
 
 }  // namespace orvane

@@ -8,6 +8,7 @@
 #include <Orvane/Platform/Enumeration.h>
 #include <Orvane/Platform/Export.h>
 #include <Orvane/Platform/OneOf.h>
+#include <Orvane/Platform/SetOf.h>
 
 #include <cstdint>
 #include <optional>
@@ -40,13 +41,21 @@ class ORVANE_EXPORT DrivingSummaryService : public SerializableService {
   explicit DrivingSummaryService(Identity identity) : SerializableService(std::move(identity)) {}
 
   /// Fetches the current user's running account.
+  Operation<DrivingSummary> fetch(SetOf<Filter> filters = {},
+                                  SetOf<Expansion> expansions = {}) const;
   RequestHandle fetch(std::set<Filter> filters, std::set<Expansion> expansions,
-                      Completion<DrivingSummary> then) const;
+                      Completion<DrivingSummary> then) const {
+    return fetch(std::move(filters), std::move(expansions)).start(std::move(then));
+  }
 
   /// Fetches the current user's driving period by period; `aggregateBy` names the length of the
   /// periods in the backend's words.
+  Operation<std::vector<DrivingSummaryResult>> fetchList(
+      SetOf<Filter> filters = {}, std::optional<std::string> aggregateBy = {}) const;
   RequestHandle fetchList(std::set<Filter> filters, std::optional<std::string> aggregateBy,
-                          Completion<std::vector<DrivingSummaryResult>> then) const;
+                          Completion<std::vector<DrivingSummaryResult>> then) const {
+    return fetchList(std::move(filters), std::move(aggregateBy)).start(std::move(then));
+  }
 };
 
 template <>

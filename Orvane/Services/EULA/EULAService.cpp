@@ -5,8 +5,6 @@
 
 namespace orvane {
 
-RequestHandle EULAService::acceptTerms(Completion<Unit> then) const {
-  return post(*this, EULAComposer(), std::move(then));
-}
+Operation<Unit> EULAService::acceptTerms() const { return post<Unit>(*this, EULAComposer()); }
 
 }  // namespace orvane

@@ -16,7 +16,10 @@ class ORVANE_EXPORT EULAService : public SerializableService {
   explicit EULAService(Identity identity) : SerializableService(std::move(identity)) {}
 
   /// Accepts the terms. Any successful answer counts, an empty one included.
-  RequestHandle acceptTerms(Completion<Unit> then) const;
+  Operation<Unit> acceptTerms() const;
+  RequestHandle acceptTerms(Completion<Unit> then) const {
+    return acceptTerms().start(std::move(then));
+  }
 };
 
 }  // namespace orvane

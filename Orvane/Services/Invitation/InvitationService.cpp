@@ -10,58 +10,50 @@ using Type = InvitationComposer::InvitationType;
 using FetchInvitations = InvitationComposer::FetchInvitations;
 using DeleteInvitation = InvitationComposer::DeleteInvitation;
 
-RequestHandle InvitationService::fetchVehicleInvites(
-    std::optional<std::string> filtered, Completion<std::vector<Invitation>> then) const {
-  return get(*this, InvitationComposer(FetchInvitations{Type::vehicle}, std::move(filtered)),
-             std::move(then));
+Operation<std::vector<Invitation>> InvitationService::fetchVehicleInvites(
+    std::optional<std::string> filtered) const {
+  return get<std::vector<Invitation>>(
+      *this, InvitationComposer(FetchInvitations{Type::vehicle}, std::move(filtered)));
 }
 
-RequestHandle InvitationService::fetchAccountInvites(
-    std::optional<std::string> filtered, Completion<std::vector<Invitation>> then) const {
-  return get(*this, InvitationComposer(FetchInvitations{Type::account}, std::move(filtered)),
-             std::move(then));
+Operation<std::vector<Invitation>> InvitationService::fetchAccountInvites(
+    std::optional<std::string> filtered) const {
+  return get<std::vector<Invitation>>(
+      *this, InvitationComposer(FetchInvitations{Type::account}, std::move(filtered)));
 }
 
-RequestHandle InvitationService::sendVehicleInvitation(NewInvitation invitation,
-                                                       Completion<Invitation> then) const {
-  return post(*this, InvitationComposer(std::move(invitation)), std::move(then));
+Operation<Invitation> InvitationService::sendVehicleInvitation(NewInvitation invitation) const {
+  return post<Invitation>(*this, InvitationComposer(std::move(invitation)));
 }
 
-RequestHandle InvitationService::sendAccountInvitation(
-    NewInvitation invitation, Completion<std::vector<Invitation>> then) const {
-  return post(*this, InvitationComposer(std::move(invitation)), std::move(then));
+Operation<std::vector<Invitation>> InvitationService::sendAccountInvitation(
+    NewInvitation invitation) const {
+  return post<std::vector<Invitation>>(*this, InvitationComposer(std::move(invitation)));
 }
 
-RequestHandle InvitationService::respondToInvitation(InvitationReply reply,
-                                                     Completion<Unit> then) const {
-  return post(*this, InvitationComposer(std::move(reply)), std::move(then));
+Operation<Unit> InvitationService::respondToInvitation(InvitationReply reply) const {
+  return post<Unit>(*this, InvitationComposer(std::move(reply)));
 }
 
-RequestHandle InvitationService::cancelVehicleInvitation(std::string fromUserId,
-                                                         std::string invitationId,
-                                                         Completion<Unit> then) const {
-  return delete_(*this,
-                 InvitationComposer(DeleteInvitation{.userId = std::move(fromUserId),
-                                                     .invatationId = std::move(invitationId)}),
-                 std::move(then));
+Operation<Unit> InvitationService::cancelVehicleInvitation(std::string fromUserId,
+                                                           std::string invitationId) const {
+  return delete_<Unit>(
+      *this, InvitationComposer(DeleteInvitation{.userId = std::move(fromUserId),
+                                                 .invatationId = std::move(invitationId)}));
 }
 
-RequestHandle InvitationService::removeGuestDriverFromVehicle(std::string toUserId,
-                                                              std::string vehicleId,
-                                                              Completion<Unit> then) const {
-  return delete_(*this,
-                 InvitationComposer(DeleteInvitation{.userId = std::move(toUserId),
-                                                     .vehicleId = std::move(vehicleId)}),
-                 std::move(then));
+Operation<Unit> InvitationService::removeGuestDriverFromVehicle(std::string toUserId,
+                                                                std::string vehicleId) const {
+  return delete_<Unit>(*this,
+                       InvitationComposer(DeleteInvitation{.userId = std::move(toUserId),
+                                                           .vehicleId = std::move(vehicleId)}));
 }
 
-RequestHandle InvitationService::removeGuestDriverFromAccount(std::string toUserId,
-                                                              std::string accountId,
-                                                              Completion<Unit> then) const {
-  return delete_(*this,
-                 InvitationComposer(DeleteInvitation{.userId = std::move(toUserId),
-                                                     .accountID = std::move(accountId)}),
-                 std::move(then));
+Operation<Unit> InvitationService::removeGuestDriverFromAccount(std::string toUserId,
+                                                                std::string accountId) const {
+  return delete_<Unit>(*this,
+                       InvitationComposer(DeleteInvitation{.userId = std::move(toUserId),
+                                                           .accountID = std::move(accountId)}));
 }
 
 }  // namespace orvane

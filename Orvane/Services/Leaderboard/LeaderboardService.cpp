@@ -12,19 +12,18 @@ std::string_view LeaderboardService::Filter::kind() const noexcept {
   return "postalCode";
 }
 
-RequestHandle LeaderboardService::fetch(DateComponents dateComponents, std::set<Filter> filters,
-                                        Completion<Leaderboard> then) const {
-  return get(*this,
-             LeaderboardComposer(LeaderboardComposer::Request{dateComponents, std::move(filters)}),
-             std::move(then));
+Operation<Leaderboard> LeaderboardService::fetch(DateComponents dateComponents,
+                                                 SetOf<Filter> filters) const {
+  return get<Leaderboard>(*this, LeaderboardComposer(LeaderboardComposer::Request{
+                                     dateComponents, std::move(filters).elements()}));
 }
 
-RequestHandle LeaderboardService::optIn(Completion<Unit> then) const {
-  return post(*this, LeaderboardComposer(LeaderboardComposer::OptIn{}), std::move(then));
+Operation<Unit> LeaderboardService::optIn() const {
+  return post<Unit>(*this, LeaderboardComposer(LeaderboardComposer::OptIn{}));
 }
 
-RequestHandle LeaderboardService::optOut(Completion<Unit> then) const {
-  return post(*this, LeaderboardComposer(LeaderboardComposer::OptOut{}), std::move(then));
+Operation<Unit> LeaderboardService::optOut() const {
+  return post<Unit>(*this, LeaderboardComposer(LeaderboardComposer::OptOut{}));
 }
 
 }  // namespace orvane

@@ -8,6 +8,7 @@
 #include <Orvane/Platform/DateComponents.h>
 #include <Orvane/Platform/Export.h>
 #include <Orvane/Platform/OneOf.h>
+#include <Orvane/Platform/SetOf.h>
 
 #include <compare>
 #include <cstddef>
@@ -68,14 +69,19 @@ class ORVANE_EXPORT LeaderboardService : public SerializableService {
   /// Fetches the leaderboard of a day in the device's calendar, narrowed by the filters. A day that
   /// the calendar can't form sends a request without any query, filters included: what it answers
   /// is up to the backend.
+  Operation<Leaderboard> fetch(DateComponents dateComponents, SetOf<Filter> filters = {}) const;
   RequestHandle fetch(DateComponents dateComponents, std::set<Filter> filters,
-                      Completion<Leaderboard> then) const;
+                      Completion<Leaderboard> then) const {
+    return fetch(dateComponents, std::move(filters)).start(std::move(then));
+  }
 
   /// Lets the current user appear on leaderboards.
-  RequestHandle optIn(Completion<Unit> then) const;
+  Operation<Unit> optIn() const;
+  RequestHandle optIn(Completion<Unit> then) const { return optIn().start(std::move(then)); }
 
   /// Takes the current user off leaderboards.
-  RequestHandle optOut(Completion<Unit> then) const;
+  Operation<Unit> optOut() const;
+  RequestHandle optOut(Completion<Unit> then) const { return optOut().start(std::move(then)); }
 };
 
 }  // namespace orvane

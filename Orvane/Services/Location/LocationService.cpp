@@ -6,8 +6,8 @@
 
 namespace orvane {
 
-RequestHandle LocationService::fetchLastKnownLocation(Completion<Location> then) const {
-  return get(*this, LocationComposer(), std::move(then));
+Operation<Location> LocationService::fetchLastKnownLocation() const {
+  return get<Location>(*this, LocationComposer());
 }
 
 }  // namespace orvane

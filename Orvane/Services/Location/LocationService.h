@@ -17,7 +17,10 @@ class ORVANE_EXPORT LocationService : public SerializableService {
   explicit LocationService(Identity identity) : SerializableService(std::move(identity)) {}
 
   /// Fetches the last known position of the current user's phone or vehicle.
-  RequestHandle fetchLastKnownLocation(Completion<Location> then) const;
+  Operation<Location> fetchLastKnownLocation() const;
+  RequestHandle fetchLastKnownLocation(Completion<Location> then) const {
+    return fetchLastKnownLocation().start(std::move(then));
+  }
 };
 
 }  // namespace orvane

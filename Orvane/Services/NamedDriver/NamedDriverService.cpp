@@ -6,17 +6,15 @@
 
 namespace orvane {
 
-RequestHandle NamedDriverService::fetch(Completion<std::vector<NamedDriver>> then) const {
-  return get(*this, NamedDriverComposer(NamedDriverComposer::NamedDrivers{}), std::move(then));
+Operation<std::vector<NamedDriver>> NamedDriverService::fetch() const {
+  return get<std::vector<NamedDriver>>(*this,
+                                       NamedDriverComposer(NamedDriverComposer::NamedDrivers{}));
 }
 
-RequestHandle NamedDriverService::updateNamedDriver(std::int64_t userId, std::string email,
-                                                    std::string phone,
-                                                    Completion<NamedDriver> then) const {
-  return put(*this,
-             NamedDriverComposer(NamedDriverComposer::UpdateNamedDriver{userId, std::move(email),
-                                                                        std::move(phone)}),
-             std::move(then));
+Operation<NamedDriver> NamedDriverService::updateNamedDriver(std::int64_t userId, std::string email,
+                                                             std::string phone) const {
+  return put<NamedDriver>(*this, NamedDriverComposer(NamedDriverComposer::UpdateNamedDriver{
+                                     userId, std::move(email), std::move(phone)}));
 }
 
 }  // namespace orvane

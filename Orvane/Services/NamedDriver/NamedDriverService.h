@@ -21,11 +21,18 @@ class ORVANE_EXPORT NamedDriverService : public SerializableService {
   explicit NamedDriverService(Identity identity) : SerializableService(std::move(identity)) {}
 
   /// Fetches the named drivers.
-  RequestHandle fetch(Completion<std::vector<NamedDriver>> then) const;
+  Operation<std::vector<NamedDriver>> fetch() const;
+  RequestHandle fetch(Completion<std::vector<NamedDriver>> then) const {
+    return fetch().start(std::move(then));
+  }
 
   /// Sets a named driver's e-mail address and phone number, both of them, and answers the driver.
+  Operation<NamedDriver> updateNamedDriver(std::int64_t userId, std::string email,
+                                           std::string phone) const;
   RequestHandle updateNamedDriver(std::int64_t userId, std::string email, std::string phone,
-                                  Completion<NamedDriver> then) const;
+                                  Completion<NamedDriver> then) const {
+    return updateNamedDriver(userId, std::move(email), std::move(phone)).start(std::move(then));
+  }
 };
 
 }  // namespace orvane

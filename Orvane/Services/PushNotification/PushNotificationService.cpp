@@ -13,12 +13,9 @@ constexpr std::int64_t pushAppID = 1;
 
 }  // namespace
 
-RequestHandle PushNotificationService::setToken(std::string deviceToken,
-                                                Completion<Device> then) const {
-  return post(
-      *this,
-      PushNotificationComposer(std::move(deviceToken), deviceIdentifier()->current(), pushAppID),
-      std::move(then));
+Operation<Device> PushNotificationService::setToken(std::string deviceToken) const {
+  return post<Device>(*this, PushNotificationComposer(std::move(deviceToken),
+                                                      deviceIdentifier()->current(), pushAppID));
 }
 
 }  // namespace orvane

@@ -19,7 +19,10 @@ class ORVANE_EXPORT PushNotificationService : public DeviceNamingService {
 
   /// Tells the backend the platform's push token, as a text, and answers the device. The token is
   /// sent as it is, an empty one included.
-  RequestHandle setToken(std::string deviceToken, Completion<Device> then) const;
+  Operation<Device> setToken(std::string deviceToken) const;
+  RequestHandle setToken(std::string deviceToken, Completion<Device> then) const {
+    return setToken(std::move(deviceToken)).start(std::move(then));
+  }
 };
 
 }  // namespace orvane

@@ -6,8 +6,8 @@
 
 namespace orvane {
 
-RequestHandle RewardsService::fetchToken(Completion<RewardToken> then) const {
-  return get(*this, RewardsComposer(), std::move(then));
+Operation<RewardToken> RewardsService::fetchToken() const {
+  return get<RewardToken>(*this, RewardsComposer());
 }
 
 }  // namespace orvane

@@ -17,7 +17,10 @@ class ORVANE_EXPORT RewardsService : public SerializableService {
   explicit RewardsService(Identity identity) : SerializableService(std::move(identity)) {}
 
   /// Fetches a token for whom the request is authenticated.
-  RequestHandle fetchToken(Completion<RewardToken> then) const;
+  Operation<RewardToken> fetchToken() const;
+  RequestHandle fetchToken(Completion<RewardToken> then) const {
+    return fetchToken().start(std::move(then));
+  }
 };
 
 }  // namespace orvane

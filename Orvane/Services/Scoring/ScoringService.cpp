@@ -41,75 +41,69 @@ Result<ClosedRange<Date>> ScoringService::lastDays(std::uint64_t days) {
   return *dates;
 }
 
-RequestHandle ScoringService::dateRange(Date from, Date to,
-                                        Completion<ScoringAggregate> then) const {
-  return get(*this, Aggregate(Aggregate::DateRange{from, to}), std::move(then));
+Operation<ScoringAggregate> ScoringService::dateRange(Date from, Date to) const {
+  return get<ScoringAggregate>(*this, Aggregate(Aggregate::DateRange{from, to}));
 }
 
-RequestHandle ScoringService::last7Days(Completion<ScoringAggregate> completionHandler) const {
-  return get(*this, Aggregate(Aggregate::Period::last7Days), std::move(completionHandler));
+Operation<ScoringAggregate> ScoringService::last7Days() const {
+  return get<ScoringAggregate>(*this, Aggregate(Aggregate::Period::last7Days));
 }
 
-RequestHandle ScoringService::lastWeek(Completion<ScoringAggregate> completionHandler) const {
-  return last7Days(std::move(completionHandler));
+Operation<ScoringAggregate> ScoringService::lastWeek() const { return last7Days(); }
+
+Operation<ScoringAggregate> ScoringService::last30Days() const {
+  return get<ScoringAggregate>(*this, Aggregate(Aggregate::Period::last30Days));
 }
 
-RequestHandle ScoringService::last30Days(Completion<ScoringAggregate> completionHandler) const {
-  return get(*this, Aggregate(Aggregate::Period::last30Days), std::move(completionHandler));
+Operation<ScoringAggregate> ScoringService::lastMonth() const { return last30Days(); }
+
+Operation<ScoringAggregate> ScoringService::last90Days() const {
+  return get<ScoringAggregate>(*this, Aggregate(Aggregate::Period::last90Days));
 }
 
-RequestHandle ScoringService::lastMonth(Completion<ScoringAggregate> completionHandler) const {
-  return last30Days(std::move(completionHandler));
+Operation<ScoringAggregate> ScoringService::lastYear() const {
+  return get<ScoringAggregate>(*this, Aggregate(Aggregate::Period::lastYear));
 }
 
-RequestHandle ScoringService::last90Days(Completion<ScoringAggregate> completionHandler) const {
-  return get(*this, Aggregate(Aggregate::Period::last90Days), std::move(completionHandler));
+Operation<ScoringAggregate> ScoringService::today() const {
+  return get<ScoringAggregate>(*this, Aggregate(Aggregate::Period::today));
 }
 
-RequestHandle ScoringService::lastYear(Completion<ScoringAggregate> completionHandler) const {
-  return get(*this, Aggregate(Aggregate::Period::lastYear), std::move(completionHandler));
+Operation<ScoringAverage> ScoringService::custom(Date from, Date to) const {
+  return get<ScoringAverage>(*this, Average(Average::CUSTOM{from, to}));
 }
 
-RequestHandle ScoringService::today(Completion<ScoringAggregate> completionHandler) const {
-  return get(*this, Aggregate(Aggregate::Period::today), std::move(completionHandler));
+Operation<ScoringAverage> ScoringService::fetchWeek(std::uint64_t weekNumber) const {
+  return get<ScoringAverage>(*this, Average(Average::WEEK{weekNumber}));
 }
 
-RequestHandle ScoringService::custom(Date from, Date to, Completion<ScoringAverage> then) const {
-  return get(*this, Average(Average::CUSTOM{from, to}), std::move(then));
+Operation<ScoringAggregate> ScoringService::fetchAggregateScoresByVehicle(std::string vehicleId,
+                                                                          Date from,
+                                                                          Date to) const {
+  return get<ScoringAggregate>(
+      *this, ByVehicle(ByVehicle::AggregateScoring{std::move(vehicleId), from, to}));
 }
 
-RequestHandle ScoringService::fetchWeek(std::uint64_t weekNumber,
-                                        Completion<ScoringAverage> then) const {
-  return get(*this, Average(Average::WEEK{weekNumber}), std::move(then));
+Operation<ScoringAverage> ScoringService::fetchAverageScoresByVehicle(std::string vehicleId,
+                                                                      Date from, Date to) const {
+  return get<ScoringAverage>(*this,
+                             ByVehicle(ByVehicle::AverageScoring{std::move(vehicleId), from, to}));
 }
 
-RequestHandle ScoringService::fetchAggregateScoresByVehicle(
-    std::string vehicleId, Date from, Date to, Completion<ScoringAggregate> then) const {
-  return get(*this, ByVehicle(ByVehicle::AggregateScoring{std::move(vehicleId), from, to}),
-             std::move(then));
-}
-
-RequestHandle ScoringService::fetchAverageScoresByVehicle(std::string vehicleId, Date from, Date to,
-                                                          Completion<ScoringAverage> then) const {
-  return get(*this, ByVehicle(ByVehicle::AverageScoring{std::move(vehicleId), from, to}),
-             std::move(then));
-}
-
-RequestHandle ScoringService::fetchLastNDaysAggregateScoresByVehicle(
-    std::string vehicleId, std::uint64_t days, Completion<ScoringAggregate> then) const {
+Operation<ScoringAggregate> ScoringService::fetchLastNDaysAggregateScoresByVehicle(
+    std::string vehicleId, std::uint64_t days) const {
   const ClosedRange<Date> dates = lastDaysOrStop(days);
-  return fetchAggregateScoresByVehicle(std::move(vehicleId), dates.lowerBound(), dates.upperBound(),
-                                       std::move(then));
+  return fetchAggregateScoresByVehicle(std::move(vehicleId), dates.lowerBound(),
+                                       dates.upperBound());
 }
 
-RequestHandle ScoringService::fetchLastNDaysAverageScores(std::optional<std::string> vehicleId,
-                                                          std::uint64_t days,
-                                                          Completion<ScoringAverage> then) const {
+Operation<ScoringAverage> ScoringService::fetchLastNDaysAverageScores(
+    std::optional<std::string> vehicleId, std::uint64_t days) const {
   const ClosedRange<Date> dates = lastDaysOrStop(days);
   const Date from = dates.lowerBound();
   const Date to = dates.upperBound();
-  if (!vehicleId || vehicleId->empty()) return custom(from, to, std::move(then));
-  return fetchAverageScoresByVehicle(*std::move(vehicleId), from, to, std::move(then));
+  if (!vehicleId || vehicleId->empty()) return custom(from, to);
+  return fetchAverageScoresByVehicle(*std::move(vehicleId), from, to);
 }
 
 }  // namespace orvane

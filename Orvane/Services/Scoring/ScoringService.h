@@ -44,32 +44,70 @@ class ORVANE_EXPORT ScoringService : public SerializableService {
 
   /// @name The current user's scores, day by day
   /// @{
-  RequestHandle dateRange(Date from, Date to, Completion<ScoringAggregate> then) const;
-  RequestHandle last7Days(Completion<ScoringAggregate> completionHandler) const;
+  Operation<ScoringAggregate> dateRange(Date from, Date to) const;
+  RequestHandle dateRange(Date from, Date to, Completion<ScoringAggregate> then) const {
+    return dateRange(from, to).start(std::move(then));
+  }
+  Operation<ScoringAggregate> last7Days() const;
+  RequestHandle last7Days(Completion<ScoringAggregate> completionHandler) const {
+    return last7Days().start(std::move(completionHandler));
+  }
   /// The same as `last7Days`.
-  RequestHandle lastWeek(Completion<ScoringAggregate> completionHandler) const;
-  RequestHandle last30Days(Completion<ScoringAggregate> completionHandler) const;
+  Operation<ScoringAggregate> lastWeek() const;
+  RequestHandle lastWeek(Completion<ScoringAggregate> completionHandler) const {
+    return lastWeek().start(std::move(completionHandler));
+  }
+  Operation<ScoringAggregate> last30Days() const;
+  RequestHandle last30Days(Completion<ScoringAggregate> completionHandler) const {
+    return last30Days().start(std::move(completionHandler));
+  }
   /// The same as `last30Days`.
-  RequestHandle lastMonth(Completion<ScoringAggregate> completionHandler) const;
-  RequestHandle last90Days(Completion<ScoringAggregate> completionHandler) const;
+  Operation<ScoringAggregate> lastMonth() const;
+  RequestHandle lastMonth(Completion<ScoringAggregate> completionHandler) const {
+    return lastMonth().start(std::move(completionHandler));
+  }
+  Operation<ScoringAggregate> last90Days() const;
+  RequestHandle last90Days(Completion<ScoringAggregate> completionHandler) const {
+    return last90Days().start(std::move(completionHandler));
+  }
   /// The last 365 days.
-  RequestHandle lastYear(Completion<ScoringAggregate> completionHandler) const;
-  RequestHandle today(Completion<ScoringAggregate> completionHandler) const;
+  Operation<ScoringAggregate> lastYear() const;
+  RequestHandle lastYear(Completion<ScoringAggregate> completionHandler) const {
+    return lastYear().start(std::move(completionHandler));
+  }
+  Operation<ScoringAggregate> today() const;
+  RequestHandle today(Completion<ScoringAggregate> completionHandler) const {
+    return today().start(std::move(completionHandler));
+  }
   /// @}
 
   /// @name The current user's average scores
   /// @{
-  RequestHandle custom(Date from, Date to, Completion<ScoringAverage> then) const;
+  Operation<ScoringAverage> custom(Date from, Date to) const;
+  RequestHandle custom(Date from, Date to, Completion<ScoringAverage> then) const {
+    return custom(from, to).start(std::move(then));
+  }
   /// The week goes by the backend's own count.
-  RequestHandle fetchWeek(std::uint64_t weekNumber, Completion<ScoringAverage> then) const;
+  Operation<ScoringAverage> fetchWeek(std::uint64_t weekNumber) const;
+  RequestHandle fetchWeek(std::uint64_t weekNumber, Completion<ScoringAverage> then) const {
+    return fetchWeek(weekNumber).start(std::move(then));
+  }
   /// @}
 
   /// @name The scores of a vehicle
   /// @{
+  Operation<ScoringAggregate> fetchAggregateScoresByVehicle(std::string vehicleId, Date from,
+                                                            Date to) const;
   RequestHandle fetchAggregateScoresByVehicle(std::string vehicleId, Date from, Date to,
-                                              Completion<ScoringAggregate> then) const;
+                                              Completion<ScoringAggregate> then) const {
+    return fetchAggregateScoresByVehicle(std::move(vehicleId), from, to).start(std::move(then));
+  }
+  Operation<ScoringAverage> fetchAverageScoresByVehicle(std::string vehicleId, Date from,
+                                                        Date to) const;
   RequestHandle fetchAverageScoresByVehicle(std::string vehicleId, Date from, Date to,
-                                            Completion<ScoringAverage> then) const;
+                                            Completion<ScoringAverage> then) const {
+    return fetchAverageScoresByVehicle(std::move(vehicleId), from, to).start(std::move(then));
+  }
   /// @}
 
   /// @name The last so many calendar days
@@ -78,13 +116,22 @@ class ORVANE_EXPORT ScoringService : public SerializableService {
   /// @{
 
   /// `fetchAggregateScoresByVehicle` from `days` calendar days ago to now.
+  Operation<ScoringAggregate> fetchLastNDaysAggregateScoresByVehicle(std::string vehicleId,
+                                                                     std::uint64_t days) const;
   RequestHandle fetchLastNDaysAggregateScoresByVehicle(std::string vehicleId, std::uint64_t days,
-                                                       Completion<ScoringAggregate> then) const;
+                                                       Completion<ScoringAggregate> then) const {
+    return fetchLastNDaysAggregateScoresByVehicle(std::move(vehicleId), days)
+        .start(std::move(then));
+  }
   /// `fetchAverageScoresByVehicle` from `days` calendar days ago to now; `custom` with the same
   /// dates when the vehicle is absent or empty.
+  Operation<ScoringAverage> fetchLastNDaysAverageScores(std::optional<std::string> vehicleId,
+                                                        std::uint64_t days) const;
   RequestHandle fetchLastNDaysAverageScores(std::optional<std::string> vehicleId,
                                             std::uint64_t days,
-                                            Completion<ScoringAverage> then) const;
+                                            Completion<ScoringAverage> then) const {
+    return fetchLastNDaysAverageScores(std::move(vehicleId), days).start(std::move(then));
+  }
 
   /// From `days` calendar days ago, the time of day kept, to `currentDate()`. Fails with a
   /// `LastDaysError`. Any thread.

@@ -6,9 +6,8 @@
 
 namespace orvane {
 
-RequestHandle SubscriptionService::fetchContractDates(
-    Completion<std::vector<Subscription>> completionHandler) const {
-  return get(*this, SubscriptionComposer(), std::move(completionHandler));
+Operation<std::vector<Subscription>> SubscriptionService::fetchContractDates() const {
+  return get<std::vector<Subscription>>(*this, SubscriptionComposer());
 }
 
 }  // namespace orvane

@@ -18,7 +18,10 @@ class ORVANE_EXPORT SubscriptionService : public SerializableService {
   explicit SubscriptionService(Identity identity) : SerializableService(std::move(identity)) {}
 
   /// Fetches the current user's contracts; none is an empty list.
-  RequestHandle fetchContractDates(Completion<std::vector<Subscription>> completionHandler) const;
+  Operation<std::vector<Subscription>> fetchContractDates() const;
+  RequestHandle fetchContractDates(Completion<std::vector<Subscription>> completionHandler) const {
+    return fetchContractDates().start(std::move(completionHandler));
+  }
 };
 
 }  // namespace orvane

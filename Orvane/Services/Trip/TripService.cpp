@@ -51,71 +51,77 @@ Result<Trips> tripsOrStop(Result<LogbookWrapper> answer) {
 
 }  // namespace
 
-RequestHandle TripService::fetch(std::string id, std::set<Expansion> expansions,
-                                 Completion<Trip> then) const {
-  return get(*this, TripComposer(TripComposer::Resource{std::move(id)}, std::move(expansions)),
-             std::move(then));
+Operation<Trip> TripService::fetch(std::string id, SetOf<Expansion> expansions) const {
+  return get<Trip>(
+      *this, TripComposer(TripComposer::Resource{std::move(id)}, std::move(expansions).elements()));
 }
 
-RequestHandle TripService::fetch(const std::optional<User>& user, std::set<Filter> filters,
-                                 std::set<Expansion> expansions, Completion<Trips> then) const {
-  TripComposer::Collection collection{false, user ? user->id : std::nullopt, std::move(filters)};
-  return get(*this, TripComposer(std::move(collection), std::move(expansions)), std::move(then));
+Operation<Trips> TripService::fetch(const std::optional<User>& user, SetOf<Filter> filters,
+                                    SetOf<Expansion> expansions) const {
+  TripComposer::Collection collection{false, user ? user->id : std::nullopt,
+                                      std::move(filters).elements()};
+  return get<Trips>(*this, TripComposer(std::move(collection), std::move(expansions).elements()));
 }
 
-RequestHandle TripService::fetchAll(std::set<Filter> filters, std::set<Expansion> expansions,
-                                    Completion<Trips> then) const {
-  return get(*this, logbook(std::move(filters), std::move(expansions)),
-             decoding<LogbookWrapper>(std::move(then), tripsOrStop));
+Operation<Trips> TripService::fetchAll(SetOf<Filter> filters, SetOf<Expansion> expansions) const {
+  return operation<Trips, LogbookWrapper, tripsOrStop>(
+      *this, Verb::get, logbook(std::move(filters).elements(), std::move(expansions).elements()));
 }
 
-RequestHandle TripService::fetchAllChecked(std::set<Filter> filters, std::set<Expansion> expansions,
-                                           Completion<Trips> then) const {
-  return get(*this, logbook(std::move(filters), std::move(expansions)),
-             decoding<LogbookWrapper>(std::move(then), tripsOf));
+Operation<Trips> TripService::fetchAllChecked(SetOf<Filter> filters,
+                                              SetOf<Expansion> expansions) const {
+  return operation<Trips, LogbookWrapper, tripsOf>(
+      *this, Verb::get, logbook(std::move(filters).elements(), std::move(expansions).elements()));
 }
 
-RequestHandle TripService::fetchPages(TripPages pages, TripPageHandler onPage,
-                                      Completion<Unit> then) const {
-  return TripWalk::start(*this, std::move(pages), std::move(onPage), std::move(then));
+TripPageReader TripService::pages(TripPages pages) const {
+  return TripPageReader(*this, std::move(pages));
 }
 
-RequestHandle TripService::fetchPages(TripPages pages, Completion<Trips> then) const {
-  const auto all = std::make_shared<Trips>();
-  return fetchPages(
-      std::move(pages),
-      [all](Trips page) {
-        all->insert(all->end(), std::make_move_iterator(page.begin()),
-                    std::make_move_iterator(page.end()));
+Operation<Unit> TripService::walk(TripPages pages, TripPageHandler onPage) const {
+  // Not to be done again behind the caller's back, who would see pages twice.
+  return Operation<Unit>(
+      [cursor = TripCursor(*this, std::move(pages)),
+       onPage = std::make_shared<TripPageHandler>(std::move(onPage))](Completion<Unit> then) {
+        return TripWalk::start(cursor, onPage, std::move(then));
       },
-      [all, then = std::move(then)](const Result<Unit>& outcome) mutable {
-        if (!outcome) return then(outcome.errorOr(NetworkError::unknown));
-        then(std::move(*all));
-      });
+      Effect::writes);
 }
 
-RequestHandle TripService::update(const Trip& trip, std::optional<TransportMode> transportMode,
-                                  std::optional<Trip::Purpose> purpose,
-                                  Completion<Trip> then) const {
+Operation<Trips> TripService::fetchPages(TripPages pages) const {
+  return Operation<Trips>(
+      [cursor = TripCursor(*this, std::move(pages))](Completion<Trips> then) {
+        const auto all = std::make_shared<Trips>();
+        auto collect = std::make_shared<TripPageHandler>([all](Trips page) {
+          all->insert(all->end(), std::make_move_iterator(page.begin()),
+                      std::make_move_iterator(page.end()));
+        });
+        return TripWalk::start(cursor, std::move(collect),
+                               [all, then = std::move(then)](const Result<Unit>& outcome) mutable {
+                                 then(outcome.transform([&](Unit) { return std::move(*all); }));
+                               });
+      },
+      Effect::reads);
+}
+
+Operation<Trip> TripService::update(const Trip& trip, std::optional<TransportMode> transportMode,
+                                    std::optional<Trip::Purpose> purpose) const {
   const bool changesSomething = transportMode || purpose;
   precondition(trip.id || !changesSomething, "a trip without an id can't be updated");
-  return update(trip.id.value_or(std::string()), transportMode, purpose, std::move(then));
+  return update(trip.id.value_or(std::string()), transportMode, purpose);
 }
 
-RequestHandle TripService::update(std::string tripID, std::optional<TransportMode> transportMode,
-                                  std::optional<Trip::Purpose> purpose,
-                                  Completion<Trip> then) const {
+Operation<Trip> TripService::update(std::string tripID, std::optional<TransportMode> transportMode,
+                                    std::optional<Trip::Purpose> purpose) const {
   if (!transportMode && !purpose) {
-    then(NetworkError::malformedRequest);
-    return std::make_shared<EmptyRequest>();
+    return Operation<Trip>::answering(NetworkError::malformedRequest, Effect::writes);
   }
-  return post(*this, TripComposer(TripComposer::Update{std::move(tripID), transportMode, purpose}),
-              std::move(then));
+  return post<Trip>(*this,
+                    TripComposer(TripComposer::Update{std::move(tripID), transportMode, purpose}));
 }
 
-RequestHandle TripService::fetchTripsByVehicle(TripsByVehicle trips,
-                                               Completion<Trips> completionHandler) const {
-  return get(*this, VehicleTripsComposer(std::move(trips)), std::move(completionHandler));
+Operation<Trips> TripService::fetchTripsByVehicle(TripsByVehicle trips) const {
+  return get<Trips>(*this, VehicleTripsComposer(std::move(trips)));
 }
 
 }  // namespace orvane

@@ -8,13 +8,16 @@
 #include <Orvane/Platform/Enumeration.h>
 #include <Orvane/Platform/Export.h>
 #include <Orvane/Platform/OneOf.h>
+#include <Orvane/Platform/SetOf.h>
 #include <Orvane/Platform/UniqueFunction.h>
 
 #include <compare>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -22,6 +25,7 @@ namespace orvane {
 
 struct TripsByVehicle;
 struct TripPages;
+class TripPageReader;
 
 /// Receives the trips of one page, in the backend's order. It must not throw; null is ignored.
 using TripPageHandler = UniqueFunction<void(std::vector<Trip>)>;
@@ -68,46 +72,86 @@ class ORVANE_EXPORT TripService : public SerializableService {
   explicit TripService(Identity identity) : SerializableService(std::move(identity)) {}
 
   /// Fetches one trip.
-  RequestHandle fetch(std::string id, std::set<Expansion> expansions, Completion<Trip> then) const;
+  Operation<Trip> fetch(std::string id, SetOf<Expansion> expansions = {}) const;
+  RequestHandle fetch(std::string id, std::set<Expansion> expansions, Completion<Trip> then) const {
+    return fetch(std::move(id), std::move(expansions)).start(std::move(then));
+  }
 
   /// Fetches the trips of a user: of the current one when there is no user, or one without an id.
   /// An empty answer is `NetworkError::noData`.
+  Operation<std::vector<Trip>> fetch(const std::optional<User>& user, SetOf<Filter> filters = {},
+                                     SetOf<Expansion> expansions = {}) const;
   RequestHandle fetch(const std::optional<User>& user, std::set<Filter> filters,
-                      std::set<Expansion> expansions, Completion<std::vector<Trip>> then) const;
+                      std::set<Expansion> expansions, Completion<std::vector<Trip>> then) const {
+    return fetch(user, std::move(filters), std::move(expansions)).start(std::move(then));
+  }
 
   /// Fetches the current user's logbook. An empty answer to this request is an empty list;
   /// `NetworkError::noData` of the steps before it stays an error. An answer without its list of
   /// entries, or with an entry that has no trip, stops the process: see `fetchAllChecked`.
+  Operation<std::vector<Trip>> fetchAll(SetOf<Filter> filters = {},
+                                        SetOf<Expansion> expansions = {}) const;
   RequestHandle fetchAll(std::set<Filter> filters, std::set<Expansion> expansions,
-                         Completion<std::vector<Trip>> then) const;
+                         Completion<std::vector<Trip>> then) const {
+    return fetchAll(std::move(filters), std::move(expansions)).start(std::move(then));
+  }
 
   /// The same, with `NetworkError::invalidResponseData` where `fetchAll` stops the process.
+  Operation<std::vector<Trip>> fetchAllChecked(SetOf<Filter> filters = {},
+                                               SetOf<Expansion> expansions = {}) const;
   RequestHandle fetchAllChecked(std::set<Filter> filters, std::set<Expansion> expansions,
-                                Completion<std::vector<Trip>> then) const;
+                                Completion<std::vector<Trip>> then) const {
+    return fetchAllChecked(std::move(filters), std::move(expansions)).start(std::move(then));
+  }
+
+  /// A list of trips of any length, to be read page by page:
+  ///
+  ///     TripPageReader pages = trips.pages({.dates = week});
+  ///     while (auto page = co_await pages.next()) { … }
+  ///     if (pages.error()) …
+  [[nodiscard]] TripPageReader pages(TripPages pages) const;
 
   /// Fetches a list of trips of any length, page by page and one request at a time, until a page
   /// comes that is not full. `onPage` receives each page on the thread on which its answer arrives;
-  /// `then` is called after the last one, or with the first error. Cancelling the request ends the
-  /// walk between two pages or within one: neither handler is called from then on (one that is
-  /// running goes on).
+  /// the outcome comes after the last one, or is the first error. Cancelling the request ends the
+  /// walk between two pages or within one: no handler is called from then on (one that is running
+  /// goes on). Every start begins with the first page.
+  template <class OnPage>
+    requires(!std::is_invocable_v<OnPage&, Result<std::vector<Trip>>> &&
+             std::is_invocable_v<OnPage&, std::vector<Trip>>)
+  Operation<Unit> fetchPages(TripPages pages, OnPage onPage)
+  const;
   RequestHandle fetchPages(TripPages pages, TripPageHandler onPage, Completion<Unit> then) const;
 
   /// The same, with all trips in one list.
+  Operation<std::vector<Trip>> fetchPages(TripPages pages) const;
   RequestHandle fetchPages(TripPages pages, Completion<std::vector<Trip>> then) const;
 
   /// Corrects how somebody travelled on a trip, what for, or both, and answers the corrected trip.
   /// With neither, the handler is called inside the call with `NetworkError::malformedRequest`, and
   /// nothing is sent. A trip without an id is a programming fault that stops the process.
+  Operation<Trip> update(const Trip& trip, std::optional<TransportMode> transportMode,
+                         std::optional<Trip::Purpose> purpose = {}) const;
   RequestHandle update(const Trip& trip, std::optional<TransportMode> transportMode,
-                       std::optional<Trip::Purpose> purpose, Completion<Trip> then) const;
+                       std::optional<Trip::Purpose> purpose, Completion<Trip> then) const {
+    return update(trip, transportMode, purpose).start(std::move(then));
+  }
 
   /// The same by the trip's id.
+  Operation<Trip> update(std::string tripID, std::optional<TransportMode> transportMode,
+                         std::optional<Trip::Purpose> purpose = {}) const;
   RequestHandle update(std::string tripID, std::optional<TransportMode> transportMode,
-                       std::optional<Trip::Purpose> purpose, Completion<Trip> then) const;
+                       std::optional<Trip::Purpose> purpose, Completion<Trip> then) const {
+    return update(std::move(tripID), transportMode, purpose).start(std::move(then));
+  }
 
   /// Fetches the trips of a vehicle. An empty answer is `NetworkError::noData`.
+  Operation<std::vector<Trip>> fetchTripsByVehicle(TripsByVehicle trips) const;
   RequestHandle fetchTripsByVehicle(TripsByVehicle trips,
                                     Completion<std::vector<Trip>> completionHandler) const;
+
+ private:
+  [[nodiscard]] Operation<Unit> walk(TripPages pages, TripPageHandler onPage) const;
 };
 
 template <>
@@ -146,5 +190,43 @@ struct ORVANE_EXPORT TripPages {
   std::set<TripService::Expansion> expansions{};
   std::int64_t pageSize = 100;  ///< 1 to 100; what is beyond is taken as the nearest.
 };
+
+/// Reads a list of trips page by page, one page at a time; made by `TripService::pages`. Copies
+/// read the same list together.
+class ORVANE_EXPORT TripPageReader {
+ public:
+  TripPageReader(const TripService& service, TripPages pages);
+
+  /// The next page, in the backend's order. Behind the last one there is a failure without an
+  /// error, and nothing is sent. After any other failure the same page is asked for again. To be
+  /// started when the page before is there: anything else is a programming fault.
+  [[nodiscard]] Operation<std::vector<Trip>> next() const;
+
+  /// Why the last page asked for is not there; absent where it is, and at the end of the list. Not
+  /// to be called while a page is under way.
+  [[nodiscard]] const std::optional<Error>& error() const noexcept;
+
+ private:
+  struct State;
+  std::shared_ptr<State> state_;
+};
+
+template <class OnPage>
+  requires(!std::is_invocable_v<OnPage&, Result<std::vector<Trip>>> &&
+           std::is_invocable_v<OnPage&, std::vector<Trip>>)
+Operation<Unit> TripService::fetchPages(TripPages pages, OnPage onPage)
+const { return walk(std::move(pages), std::move(onPage)); }
+inline RequestHandle TripService::fetchPages(TripPages pages, TripPageHandler onPage,
+                                             Completion<Unit> then) const {
+  return fetchPages(std::move(pages), std::move(onPage)).start(std::move(then));
+}
+inline RequestHandle TripService::fetchPages(TripPages pages,
+                                             Completion<std::vector<Trip>> then) const {
+  return fetchPages(std::move(pages)).start(std::move(then));
+}
+inline RequestHandle TripService::fetchTripsByVehicle(
+    TripsByVehicle trips, Completion<std::vector<Trip>> completionHandler) const {
+  return fetchTripsByVehicle(std::move(trips)).start(std::move(completionHandler));
+}
 
 }  // namespace orvane

@@ -6,19 +6,19 @@
 
 namespace orvane {
 
-RequestHandle UserService::fetch(std::optional<std::string> id, std::set<Expansion> expansions,
-                                 Completion<User> then) const {
+Operation<User> UserService::fetch(std::optional<std::string> id,
+                                   SetOf<Expansion> expansions) const {
   UserComposer::RequestType type = UserComposer::Current{};
   if (id) type = UserComposer::Other{*std::move(id)};
-  return get(*this, UserComposer(std::move(type), std::move(expansions)), std::move(then));
+  return get<User>(*this, UserComposer(std::move(type), std::move(expansions).elements()));
 }
 
-RequestHandle UserService::update(UserUpdate update, Completion<User> then) const {
-  return post(*this, UserComposer(std::move(update)), std::move(then));
+Operation<User> UserService::update(UserUpdate update) const {
+  return post<User>(*this, UserComposer(std::move(update)));
 }
 
-RequestHandle UserService::updateAddress(UserAddressUpdate update, Completion<User> then) const {
-  return post(*this, UserAddressComposer(std::move(update)), std::move(then));
+Operation<User> UserService::updateAddress(UserAddressUpdate update) const {
+  return post<User>(*this, UserAddressComposer(std::move(update)));
 }
 
 }  // namespace orvane

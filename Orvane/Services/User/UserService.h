@@ -6,11 +6,13 @@
 #include <Orvane/Models/User.h>
 #include <Orvane/Platform/Enumeration.h>
 #include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/SetOf.h>
 
 #include <cstdint>
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace orvane {
 
@@ -61,17 +63,26 @@ class ORVANE_EXPORT UserService : public SerializableService {
   explicit UserService(Identity identity) : SerializableService(std::move(identity)) {}
 
   /// Fetches the user with the given id, or the current one when it is absent.
+  Operation<User> fetch(std::optional<std::string> id = {}, SetOf<Expansion> expansions = {}) const;
   RequestHandle fetch(std::optional<std::string> id, std::set<Expansion> expansions,
-                      Completion<User> then) const;
+                      Completion<User> then) const {
+    return fetch(std::move(id), std::move(expansions)).start(std::move(then));
+  }
 
   /// Updates the current user's profile and answers the updated user. A text that is not UTF-8
   /// fails with `DataError`, a day of birth that the device's calendar can't form with
   /// `NetworkError::malformedRequest`; nothing is sent then.
-  RequestHandle update(UserUpdate update, Completion<User> then) const;
+  Operation<User> update(UserUpdate update) const;
+  RequestHandle update(UserUpdate update, Completion<User> then) const {
+    return this->update(std::move(update)).start(std::move(then));
+  }
 
   /// Updates the current user's address and answers the updated user. A text that is not UTF-8
   /// fails with `DataError`.
-  RequestHandle updateAddress(UserAddressUpdate update, Completion<User> then) const;
+  Operation<User> updateAddress(UserAddressUpdate update) const;
+  RequestHandle updateAddress(UserAddressUpdate update, Completion<User> then) const {
+    return updateAddress(std::move(update)).start(std::move(then));
+  }
 };
 
 template <>

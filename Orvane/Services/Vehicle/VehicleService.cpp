@@ -6,19 +6,17 @@
 
 namespace orvane {
 
-RequestHandle VehicleService::getAllVehicles(std::set<Expansion> expansions,
-                                             Completion<std::vector<Vehicle>> then) const {
-  return get(*this, VehicleComposer(VehicleComposer::Vehicles{}, std::move(expansions)),
-             std::move(then));
+Operation<std::vector<Vehicle>> VehicleService::getAllVehicles(SetOf<Expansion> expansions) const {
+  return get<std::vector<Vehicle>>(
+      *this, VehicleComposer(VehicleComposer::Vehicles{}, std::move(expansions).elements()));
 }
 
-RequestHandle VehicleService::getVehicleFor(std::string vehicleIdentity,
-                                            std::set<Expansion> expansions,
-                                            std::optional<std::string> plate,
-                                            Completion<Vehicle> then) const {
+Operation<Vehicle> VehicleService::getVehicleFor(std::string vehicleIdentity,
+                                                 SetOf<Expansion> expansions,
+                                                 std::optional<std::string> plate) const {
   VehicleComposer::OneVehicle vehicle{std::move(vehicleIdentity)};
-  return get(*this, VehicleComposer(std::move(vehicle), std::move(expansions), std::move(plate)),
-             std::move(then));
+  return get<Vehicle>(*this, VehicleComposer(std::move(vehicle), std::move(expansions).elements(),
+                                             std::move(plate)));
 }
 
 }  // namespace orvane

@@ -6,6 +6,7 @@
 #include <Orvane/Models/Vehicle.h>
 #include <Orvane/Platform/Enumeration.h>
 #include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/SetOf.h>
 
 #include <cstdint>
 #include <optional>
@@ -26,12 +27,20 @@ class ORVANE_EXPORT VehicleService : public SerializableService {
   explicit VehicleService(Identity identity) : SerializableService(std::move(identity)) {}
 
   /// Fetches the current user's vehicles.
+  Operation<std::vector<Vehicle>> getAllVehicles(SetOf<Expansion> expansions = {}) const;
   RequestHandle getAllVehicles(std::set<Expansion> expansions,
-                               Completion<std::vector<Vehicle>> then) const;
+                               Completion<std::vector<Vehicle>> then) const {
+    return getAllVehicles(std::move(expansions)).start(std::move(then));
+  }
 
   /// Fetches one vehicle, by its plate where one is given.
+  Operation<Vehicle> getVehicleFor(std::string vehicleIdentity, SetOf<Expansion> expansions = {},
+                                   std::optional<std::string> plate = {}) const;
   RequestHandle getVehicleFor(std::string vehicleIdentity, std::set<Expansion> expansions,
-                              std::optional<std::string> plate, Completion<Vehicle> then) const;
+                              std::optional<std::string> plate, Completion<Vehicle> then) const {
+    return getVehicleFor(std::move(vehicleIdentity), std::move(expansions), std::move(plate))
+        .start(std::move(then));
+  }
 };
 
 template <>

@@ -106,41 +106,61 @@ Result<bool> WedgeFirmwareService::updateAvailability(
   return isNewer;
 }
 
-RequestHandle WedgeFirmwareService::downloadFirmware(DownloadHandler then) const {
-  return downloadFirmware({}, std::move(then));
-}
-
 RequestHandle WedgeFirmwareService::downloadFirmware(DownloadProgressHandler progress,
                                                      DownloadHandler then) const {
-  return downloadPackage(
-      std::move(progress), [then = std::move(then)](Result<FirmwarePackage> package) mutable {
-        then(package.value() ? std::move(package.value()->version) : std::nullopt);
+  return downloadVersion(std::move(progress))
+      .start([then = std::move(then)](Result<std::optional<std::string>> version) mutable {
+        then(std::move(version).value_or(std::nullopt));
       });
 }
 
-RequestHandle WedgeFirmwareService::downloadPackage(DownloadProgressHandler progress,
-                                                    Completion<FirmwarePackage> then) const {
+Operation<std::optional<std::string>> WedgeFirmwareService::downloadVersion(
+    DownloadProgressHandler progress) const {
+  return Operation<std::optional<std::string>>(
+      [package =
+           downloadPackage(std::move(progress))](Completion<std::optional<std::string>> then) {
+        return package.start([then = std::move(then)](Result<FirmwarePackage> downloaded) mutable {
+          then(std::move(downloaded).transform([](FirmwarePackage whole) {
+            return std::move(whole.version);
+          }));
+        });
+      },
+      Effect::reads);
+}
+
+Operation<FirmwarePackage> WedgeFirmwareService::downloadPackage(
+    DownloadProgressHandler progress) const {
   const auto folder = firmwareLocation ? firmwareLocation->filePath() : std::nullopt;
-  FirmwarePackage package{folder ? concatenated({*folder, "/", packageName}) : std::string(),
-                          availableFirmwareVersion};
-  std::string path = package.path;
-  Completion<Unit> finish = [package = std::move(package),
-                             then = std::move(then)](Result<Unit> result) mutable {
-    if (!result.value()) {
-      Error error = result.errorOr(NetworkError::unknown);
-      logFailure(package.version, error);
-      return then(std::move(error));
-    }
-    logDownload(package.version);
-    then(std::move(package));
-  };
-  if (!downloader_ || !folder) {
-    using Case = FirmwareDownloadError::Case;
-    finish(FirmwareDownloadError{downloader_ ? Case::noFolder : Case::noDownloader});
-    return std::make_shared<EmptyRequest>();
-  }
-  return downloader_->download(remoteURL_, std::move(path), std::move(progress),
-                               once(std::move(finish)));
+  const FirmwarePackage package{folder ? concatenated({*folder, "/", packageName}) : std::string(),
+                                availableFirmwareVersion};
+  const auto onProgress =
+      progress ? std::make_shared<DownloadProgressHandler>(std::move(progress)) : nullptr;
+  std::optional<Error> obstacle;
+  if (!folder) obstacle = FirmwareDownloadError{FirmwareDownloadError::Case::noFolder};
+  if (!downloader_) obstacle = FirmwareDownloadError{FirmwareDownloadError::Case::noDownloader};
+
+  return Operation<FirmwarePackage>(
+      [url = remoteURL_, downloader = downloader_, package, onProgress,
+       obstacle](Completion<FirmwarePackage> then) -> RequestHandle {
+        Completion<Unit> finish = [package,
+                                   then = std::move(then)](const Result<Unit>& result) mutable {
+          if (!result) {
+            Error error = result.errorOr(NetworkError::unknown);
+            logFailure(package.version, error);
+            return then(std::move(error));
+          }
+          logDownload(package.version);
+          then(std::move(package));
+        };
+        if (obstacle) {
+          finish(*obstacle);
+          return std::make_shared<EmptyRequest>();
+        }
+        DownloadProgressHandler tell;
+        if (onProgress) tell = [onProgress](const DownloadProgress& now) { (*onProgress)(now); };
+        return downloader->download(url, package.path, std::move(tell), once(std::move(finish)));
+      },
+      Effect::reads);
 }
 
 }  // namespace orvane

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <Orvane/Common/Downloader.h>
+#include <Orvane/Common/Operation.h>
 #include <Orvane/Platform/Export.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Platform/URL.h>
@@ -12,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace orvane {
 
@@ -79,15 +81,28 @@ class ORVANE_EXPORT WedgeFirmwareService {
   /// a former one, and calls `then` with its version. `then` runs on a thread of the `Downloader`'s
   /// choice; where none is registered, or there is no folder, it is called with nothing before this
   /// returns. What went wrong is logged.
-  RequestHandle downloadFirmware(DownloadHandler then) const;
+  RequestHandle downloadFirmware(DownloadHandler then) const {
+    return downloadFirmware({}, std::move(then));
+  }
 
   /// The same, telling the progress.
   RequestHandle downloadFirmware(DownloadProgressHandler progress, DownloadHandler then) const;
 
-  /// The same, with the package as a value, and what went wrong as an error besides the log: a
-  /// `FirmwareDownloadError`, or the `Downloader`'s.
+  /// The same, with what went wrong as an error besides the log: a `FirmwareDownloadError`, or the
+  /// `Downloader`'s. `progress` is called in every start.
+  Operation<std::optional<std::string>> downloadFirmware() const { return downloadVersion({}); }
+  template <class Progress>
+    requires(!std::is_invocable_v<Progress&, std::optional<std::string>> &&
+             std::is_invocable_v<Progress&, const DownloadProgress&>)
+  Operation<std::optional<std::string>> downloadFirmware(Progress progress)
+  const { return downloadVersion(std::move(progress)); }
+
+  /// The same, with the package as the value.
+  Operation<FirmwarePackage> downloadPackage(DownloadProgressHandler progress = {}) const;
   RequestHandle downloadPackage(DownloadProgressHandler progress,
-                                Completion<FirmwarePackage> then) const;
+                                Completion<FirmwarePackage> then) const {
+    return downloadPackage(std::move(progress)).start(std::move(then));
+  }
 
   /// The folder for downloads, as a file's URL; absent where there is no documents folder.
   std::optional<URL> firmwareLocation;
@@ -95,6 +110,9 @@ class ORVANE_EXPORT WedgeFirmwareService {
   std::optional<std::string> availableFirmwareVersion;
 
  private:
+  [[nodiscard]] Operation<std::optional<std::string>> downloadVersion(
+      DownloadProgressHandler progress) const;
+
   URL remoteURL_;
   std::shared_ptr<RequestManager> requestManager_;
   std::shared_ptr<Downloader> downloader_;  // null where none is registered

@@ -255,26 +255,27 @@ void expectFailures(const std::vector<FailureRow>& rows) {
 TEST(DecodingErrorTest, saysWhatWasExpectedWhere) {
   using enum DecodingError::Kind;
   expectFailures<std::vector<TestSample>>({
-      {"{}", typeMismatch, "", "expected an array, found an object"},
-      {"[null]", valueNotFound, "[0]", "expected an object, found null"},
+      {"{}", typeMismatch, "", "an array was expected, found an object"},
+      {"[null]", valueNotFound, "[0]", "an object was expected, found null"},
       {R"([{},{"flag":1}])", typeMismatch, "[1] flag",
-       "expected true or false, found the number 1"},
+       "true or false was expected, found the number 1"},
       {R"([{"flag":"yes","integer":1.5}])", typeMismatch, "[0] flag",
-       "expected true or false, found the text \"yes\""},
+       "true or false was expected, found the text \"yes\""},
       {R"([{"list":[{"a":1},{"a":1.5}]}])", typeMismatch, "[0] list [1] a",
-       "expected an integer, found the number 1.5"},
-      {R"([{"list":[null]}])", valueNotFound, "[0] list [0]", "expected an object, found null"},
-      {R"([{"inner":{"b":[]}}])", typeMismatch, "[0] inner b", "expected a text, found an array"},
-      {R"([{"time":true}])", typeMismatch, "[0] time", "expected an integer, found true"},
+       "an integer was expected, found the number 1.5"},
+      {R"([{"list":[null]}])", valueNotFound, "[0] list [0]", "an object was expected, found null"},
+      {R"([{"inner":{"b":[]}}])", typeMismatch, "[0] inner b",
+       "a text was expected, found an array"},
+      {R"([{"time":true}])", typeMismatch, "[0] time", "an integer was expected, found true"},
       {R"([{"state":"on"}])", dataCorrupted, "[0] state", "no case has the wire text \"on\""},
       {R"([{"integer":1,"integer":"late"}])", typeMismatch, "[0] integer",
-       "expected an integer, found the text \"late\""},
+       "an integer was expected, found the text \"late\""},
       {R"([{"number":"0123456789012345678901234567890123456789x"}])", typeMismatch, "[0] number",
-       "expected a number, found the text \"0123456789012345678901234567890123456789…\""},
+       "a number was expected, found the text \"0123456789012345678901234567890123456789…\""},
   });
   expectFailures<TestStrict>({
       {"{}", keyNotFound, "must", "a required member is missing"},
-      {R"({"must":null})", valueNotFound, "must", "expected a value, found null"},
+      {R"({"must":null})", valueNotFound, "must", "a value was expected, found null"},
   });
 }
 

@@ -452,7 +452,7 @@ TEST(TripTest, failsWithTheLeastOfItsEvents) {
   EXPECT_EQ(*error,
             (DecodingError{
                 .kind = DecodingError::Kind::typeMismatch,
-                .description = "expected an integer, found the text \"soon\"",
+                .description = "an integer was expected, found the text \"soon\"",
                 .codingPath = {"[17]", "events", "MultiLevelBrakingViolation", "[2]", "timeStamp"},
                 .location = "[17].events.MultiLevelBrakingViolation[2].timeStamp",
             }));

@@ -222,21 +222,18 @@ TEST_F(TripAnswerTest, isTheTripsOfALogbookOrWhyThereAreNone) {
   };
   for (const auto& [answer, trips] : rows) {
     foundation_.requestManager->answer(answer);
-    for (const auto fetch : {&TripService::fetchAll, &TripService::fetchAllChecked}) {
-      EXPECT_EQ(resultOf<Trips>([&](auto then) { (service_.*fetch)({}, {}, std::move(then)); }),
-                trips);
+    for (const auto& fetch : {service_.fetchAll(), service_.fetchAllChecked()}) {
+      EXPECT_EQ(fetch.wait(), trips);
     }
   }
 }
 
 TEST_F(TripAnswerTest, isNoEmptyLogbookWhereTheLogbookWasNotAskedFor) {
   foundation_.detailsResolver->answer(NetworkError::noData);
-  for (const auto fetch : {&TripService::fetchAll, &TripService::fetchAllChecked}) {
-    EXPECT_EQ(resultOf<Trips>([&](auto then) { (service_.*fetch)({}, {}, std::move(then)); }),
-              NetworkError::noData);
+  for (const auto& fetch :
+       {service_.fetchAll(), service_.fetchAllChecked(), service_.fetchPages({})}) {
+    EXPECT_EQ(fetch.wait(), Result<Trips>(NetworkError::noData));
   }
-  EXPECT_EQ(resultOf<Trips>([&](auto then) { service_.fetchPages({}, std::move(then)); }),
-            NetworkError::noData);
 }
 
 TEST_F(TripAnswerTest, isCheckedWhereItIsAskedFor) {

@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: Apache-2.0
+// Several operations at once.
+#pragma once
+
+#include <Orvane/Common/Operation.h>
+#include <Orvane/Platform/Export.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace orvane {
+
+namespace detail {
+
+/// The parts of a whole that are under way, so many at a time. Any thread.
+class ORVANE_EXPORT Gathering final : public Request,
+                                      public std::enable_shared_from_this<Gathering> {
+ public:
+  /// Starts the part with the given number.
+  using StartPart = UniqueFunction<RequestHandle(std::size_t)>;
+
+  /// @param atOnce how many parts may be under way, at least one.
+  Gathering(std::size_t count, std::size_t atOnce, StartPart startPart,
+            UniqueFunction<void()> whenDone);
+
+  /// Starts as many parts as may be under way; answers inside the call where there are none.
+  void start();
+  /// A part has its outcome.
+  void finished(std::size_t part);
+
+  bool cancel() override;
+  [[nodiscard]] bool isFinished() const noexcept override;
+
+ private:
+  void startParts();
+
+  const std::size_t atOnce_;
+  StartPart startPart_;
+  UniqueFunction<void()> whenDone_;
+  mutable std::mutex mutex_;
+  std::vector<RequestHandle> requests_;
+  std::size_t started_ = 0;
+  std::size_t finished_ = 0;
+  bool isStarting_ = false;
+  bool isCancelled_ = false;
+};
+
+/// Puts the outcome of one part into its place; `Cancelled` where the part lets go of it.
+template <class T>
+class PartHandler {
+ public:
+  PartHandler(std::shared_ptr<Gathering> gathering, std::size_t part, Result<T>& place)
+      : gathering_(std::move(gathering)), part_(part), place_(&place) {}
+  PartHandler(PartHandler&&) noexcept = default;
+  PartHandler& operator=(PartHandler&&) = delete;
+  PartHandler(const PartHandler&) = delete;
+  PartHandler& operator=(const PartHandler&) = delete;
+  ~PartHandler() {
+    if (!gathering_ || gathering_->isFinished()) return;
+    // Not here: who lets go of a handler may hold a lock.
+    MainQueue::main().async([self = std::move(*this)]() mutable { self(Cancelled{}); });
+  }
+
+  void operator()(Result<T> result) {
+    const auto gathering = std::move(gathering_);
+    *place_ = std::move(result);
+    gathering->finished(part_);
+  }
+
+ private:
+  std::shared_ptr<Gathering> gathering_;
+  std::size_t part_;
+  Result<T>* place_;  // in what the gathering owns
+};
+
+/// Starts the parts of a whole, whose outcome is `results`: a container of `Result`s that
+/// `startPart` is given to put its own into.
+template <class Results, class StartPart>
+RequestHandle gather(std::size_t count, std::size_t atOnce, Results results, StartPart startPart,
+                     Completion<Results> handler) {
+  // It goes with the gathering, and so with the last part.
+  struct Whole {
+    Results results;
+    StartPart startPart;
+    Completion<Results> handler;
+    std::weak_ptr<Gathering> gathering{};
+    const std::shared_ptr<RequestBox> box = std::make_shared<RequestBox>();
+  };
+  const auto whole =
+      std::make_shared<Whole>(Whole{std::move(results), std::move(startPart), std::move(handler)});
+  const auto box = whole->box;
+  const auto gathering = std::make_shared<Gathering>(
+      count, atOnce,
+      [whole](std::size_t part) {
+        return whole->startPart(part, whole->gathering.lock(), whole->results);
+      },
+      [whole] {
+        whole->box->complete(whole->handler, Result<Results>(std::move(whole->results)));
+      });
+  whole->gathering = gathering;
+  box->step([&] {
+    gathering->start();
+    return gathering;
+  });
+  return box;
+}
+
+}  // namespace detail
+
+/// The outcomes of several operations at once; see `all`.
+template <class... T>
+using Outcomes = std::tuple<Result<T>...>;
+
+/// Starts all of the operations at once, and answers all of their outcomes when the last one is
+/// there, in the order of the operations; a failure of one is no failure of the whole:
+///
+///     auto [me, cars] = co_await all(users.fetch(), vehicles.getAllVehicles());   // two results
+///
+/// Cancelling the whole cancels those that are under way; when it ends early for any other reason
+/// (`within`, `cancelledBy`), each of the outcomes is that error. It answers on the thread on
+/// which the last one does.
+template <class... T>
+[[nodiscard]] Operation<Outcomes<T...>> all(Operation<T>... operations) {
+  const bool readsOnly = ((operations.effect() == Effect::reads) && ...);
+  auto startPart = [operations = std::make_tuple(std::move(operations)...)](
+                       std::size_t part, std::shared_ptr<detail::Gathering> gathering,
+                       Outcomes<T...>& results) {
+    return [&]<std::size_t... I>(std::index_sequence<I...>) {
+      RequestHandle request;
+      ((I == part ? void(request = std::get<I>(operations)
+                                       .start(detail::PartHandler<T>(std::move(gathering), part,
+                                                                     std::get<I>(results))))
+                  : void()),
+       ...);
+      return request;
+    }
+    (std::index_sequence_for<T...>());
+  };
+  return Operation<Outcomes<T...>>(
+      [startPart = std::move(startPart)](Completion<Outcomes<T...>> handler) {
+        return detail::gather(sizeof...(T), sizeof...(T), Outcomes<T...>(), startPart,
+                              std::move(handler));
+      },
+      readsOnly ? Effect::reads : Effect::writes);
+}
+
+/// How many operations of a list may be under way at once.
+struct AtOnce {
+  std::size_t limit = 8;  ///< None is taken for one.
+};
+
+/// The same for a list of operations, of which no more than a limit are under way at a time, begun
+/// in their order:
+///
+///     auto trips = co_await all(std::move(fetches), {.limit = 4});
+///     if (trips) for (const Result<Trip>& trip : *trips) …
+template <class T>
+[[nodiscard]] Operation<std::vector<Result<T>>> all(std::vector<Operation<T>> operations,
+                                                    AtOnce atOnce = {}) {
+  const bool readsOnly = std::all_of(
+      operations.begin(), operations.end(),
+      [](const Operation<T>& operation) { return operation.effect() == Effect::reads; });
+  const auto shared = std::make_shared<const std::vector<Operation<T>>>(std::move(operations));
+  const auto startPart = [shared](std::size_t part, std::shared_ptr<detail::Gathering> gathering,
+                                  std::vector<Result<T>>& results) {
+    return (*shared)[part].start(detail::PartHandler<T>(std::move(gathering), part, results[part]));
+  };
+  return Operation<std::vector<Result<T>>>(
+      [startPart, count = shared->size(), atOnce](Completion<std::vector<Result<T>>> handler) {
+        return detail::gather(count, atOnce.limit, std::vector<Result<T>>(count), startPart,
+                              std::move(handler));
+      },
+      readsOnly ? Effect::reads : Effect::writes);
+}
+
+/// The outcome of the operation with the number `I` of an `all`: its own, or what has ended the
+/// whole before. By these `auto [me, cars] = …` takes an outcome apart.
+template <std::size_t I, class... T>
+[[nodiscard]] std::tuple_element_t<I, Outcomes<T...>> get(Result<Outcomes<T...>>&& outcomes) {
+  if (outcomes) return std::get<I>(*std::move(outcomes));
+  return outcomes.template failure<typename std::tuple_element_t<I, Outcomes<T...>>::Value>();
+}
+template <std::size_t I, class... T>
+[[nodiscard]] std::tuple_element_t<I, Outcomes<T...>> get(const Result<Outcomes<T...>>& outcomes) {
+  return get<I>(Result<Outcomes<T...>>(outcomes));
+}
+
+}  // namespace orvane
+
+template <class... T>
+struct std::tuple_size<orvane::Result<std::tuple<orvane::Result<T>...>>>
+    : std::integral_constant<std::size_t, sizeof...(T)> {};
+
+template <std::size_t I, class... T>
+struct std::tuple_element<I, orvane::Result<std::tuple<orvane::Result<T>...>>>
+    : std::tuple_element<I, std::tuple<orvane::Result<T>...>> {};

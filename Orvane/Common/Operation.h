@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: Apache-2.0
+// Operations as values: to start with a handler, to wait for, to await, to limit and to combine.
+#pragma once
+
+#include <Orvane/Common/Awaiting.h>
+#include <Orvane/Common/Future.h>
+#include <Orvane/Common/MainQueue.h>
+#include <Orvane/Common/Relay.h>
+#include <Orvane/Common/Request.h>
+#include <Orvane/Common/Timers.h>
+#include <Orvane/Platform/Fatal.h>
+#include <Orvane/Platform/Result.h>
+
+#include <chrono>
+#include <concepts>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <type_traits>
+#include <utility>
+#include <version>
+
+#ifdef __cpp_lib_jthread
+#include <stop_token>
+#endif
+
+namespace orvane {
+
+/// What an operation does to what the backend keeps.
+enum class Effect : std::uint8_t {
+  reads,   ///< Nothing: it may be done again without harm (RFC 9110, section 9.2.1).
+  writes,  ///< Something, or it is not known.
+};
+
+/// Something that starts an operation with the handler it is given and returns the operation's
+/// handle: `[=](auto then) { return users.fetch(id, {}, std::move(then)); }`.
+template <class Start, class T>
+concept StartsOperation = requires(Start& start, Completion<T> then) {
+  { start(std::move(then)) } -> std::convertible_to<RequestHandle>;
+};
+
+/// Something to be done that answers a `Result<T>`. Making one sends nothing; it owns its
+/// arguments, may outlive the service that made it, and is cheap to copy. It may be started any
+/// number of times, by several threads at once, too: each start is a request of its own.
+///
+///     auto request = trips.fetch("17").start([](Result<Trip> trip) { … });   // any thread
+///     auto trip = trips.fetch("17").wait();                   // where a thread may block
+///     auto trip = co_await trips.fetch("17").within(5s);      // in any coroutine
+///
+/// One that has been moved from is good for assignment and destruction only; using it stops the
+/// process with the line of the use.
+template <class T>
+class [[nodiscard]] Operation {
+ public:
+  using Value = T;
+
+  /// An operation of one's own. `by` is kept, and called for each start.
+  template <StartsOperation<T> Start>
+    requires(!std::same_as<std::remove_cvref_t<Start>, Operation>)
+  explicit Operation(Start&& by, Effect effect = Effect::writes)
+      : source_(std::make_shared<Kept<std::decay_t<Start>>>(std::forward<Start>(by))),
+        start_([](const std::shared_ptr<const void>& source, Completion<T> handler) {
+          const auto& kept = *static_cast<const Kept<std::decay_t<Start>>*>(source.get());
+          return RequestHandle(kept.start(std::move(handler)));
+        }),
+        effect_(effect) {}
+
+  /// For the library's services: `by` is given `source`, which it knows the type of.
+  using Starter = typename Awaiting<T>::Starter;
+  Operation(std::shared_ptr<const void> source, Starter by, Effect effect) noexcept
+      : source_(std::move(source)), start_(by), effect_(effect) {}
+
+  /// An operation that answers `result` inside the call that starts it.
+  [[nodiscard]] static Operation answering(Result<T> result, Effect effect = Effect::reads) {
+    return Operation(
+        [result = std::move(result)](Completion<T> handler) {
+          handler(result);
+          return std::make_shared<EmptyRequest>();
+        },
+        effect);
+  }
+
+  /// Starts it. The handler is called once, unless the request is cancelled before; on which thread
+  /// says `SerializableService` for the operations of services.
+  RequestHandle start(Completion<T> handler,
+                      const SourceLocation& place = SourceLocation::current()) const {
+    checkUse(place);
+    return start_(source_, std::move(handler));
+  }
+
+  /// Whether it may be done again without harm.
+  [[nodiscard]] Effect effect() const noexcept { return effect_; }
+
+  /// @name To wait for it
+  /// On the thread that drains the main queue, the queue is drained meanwhile; any other thread
+  /// only waits. In a handler on a transport's thread it would wait for itself: a programming
+  /// fault.
+  /// @{
+
+  /// Starts it and waits for its outcome; `Cancelled` when somebody cancelled it.
+  [[nodiscard]] Result<T> wait(const SourceLocation& place = SourceLocation::current()) const {
+    return future(place).get();
+  }
+
+  /// The same for no longer than `limit`: it is cancelled then, and the outcome is `TimedOut`.
+  [[nodiscard]] Result<T> wait(std::chrono::milliseconds limit,
+                               const SourceLocation& place = SourceLocation::current()) const {
+    return future(place).get(limit);
+  }
+
+  /// Starts it, for an outcome that is waited for later.
+  [[nodiscard]] Future<T> future(const SourceLocation& place = SourceLocation::current()) const {
+    checkUse(place);
+    return Future<T>([this](Completion<T> handler) { return start_(source_, std::move(handler)); });
+  }
+  /// @}
+
+  /// For `co_await` in any coroutine: starts it, and goes on with its `Result<T>`.
+  ///
+  /// The coroutine goes on on the thread on which a handler would be called, without a further
+  /// hop; at once where the answer is at hand. Where the operation is cancelled, by whomever, it
+  /// goes on with `Cancelled`, on the main queue. A coroutine that is destroyed while it waits
+  /// cancels the operation; that must not happen while it is about to go on on another thread.
+  [[nodiscard]] Awaiting<T> operator co_await() const {
+    checkUse(SourceLocation::current());
+    return Awaiting<T>(start_, source_);
+  }
+
+  /// @name To change how it is done
+  /// @{
+
+  /// The same, but `TimedOut` when it takes longer than `limit`: it is cancelled then, and answers
+  /// on the thread of the timers. With a limit of nothing it is not started at all, and answers
+  /// inside the call.
+  Operation within(std::chrono::milliseconds limit, Timers& timers = Timers::ofProcess(),
+                   const SourceLocation& place = SourceLocation::current()) const {
+    checkUse(place);
+    return Operation(
+        [operation = *this, limit, &timers](Completion<T> handler) -> RequestHandle {
+          if (limit <= limit.zero()) return answering(TimedOut{}).start(std::move(handler));
+          const auto relay = std::make_shared<Limited>(std::move(handler));
+          relay->timer = timers.after(limit, [late = std::weak_ptr(relay)] {
+            if (const auto kept = late.lock()) kept->interrupt(TimedOut{});
+          });
+          return relay->pass(operation, relay);
+        },
+        effect_);
+  }
+
+#ifdef __cpp_lib_jthread
+  /// The same, but cancelled when `token` is asked to stop: it answers `Cancelled` then, inside
+  /// that call. Where this has happened before, it is not started at all.
+  Operation cancelledBy(std::stop_token token,
+                        const SourceLocation& place = SourceLocation::current()) const {
+    checkUse(place);
+    return Operation(
+        [operation = *this, token = std::move(token)](Completion<T> handler) -> RequestHandle {
+          if (token.stop_requested()) return answering(Cancelled{}).start(std::move(handler));
+          const auto relay = std::make_shared<Stoppable>(std::move(handler));
+          auto request = relay->pass(operation, relay);
+          relay->onStop.emplace(token, Stop{relay});
+          return request;
+        },
+        effect_);
+  }
+#endif
+
+  /// The same, answering on the main queue whatever thread the answer comes on. It can be cancelled
+  /// until its turn comes there.
+  Operation onMain(const SourceLocation& place = SourceLocation::current()) const {
+    checkUse(place);
+    return Operation(
+        [operation = *this](Completion<T> handler) {
+          const auto relay = std::make_shared<detail::Relay<T>>(std::move(handler));
+          return relay->pass(operation, relay, [](auto kept, Result<T> result) {
+            MainQueue::main().async(
+                [kept, result = std::move(result)]() mutable { kept->answer(std::move(result)); });
+          });
+        },
+        effect_);
+  }
+  /// @}
+
+ private:
+  template <class Start>
+  struct Kept {
+    template <class Given>
+    explicit Kept(Given&& given) : start(std::forward<Given>(given)) {}
+    // Who starts operations may well change what it holds.
+    mutable Start start;
+  };
+
+  struct Limited : detail::Relay<T> {
+    using detail::Relay<T>::Relay;
+    ScopedRequest timer;
+  };
+
+#ifdef __cpp_lib_jthread
+  struct Stop {
+    std::weak_ptr<detail::Relay<T>> stopped;
+    void operator()() const noexcept {
+      if (const auto relay = stopped.lock()) relay->interrupt(Cancelled{});
+    }
+  };
+  struct Stoppable : detail::Relay<T> {
+    using detail::Relay<T>::Relay;
+    std::optional<std::stop_callback<Stop>> onStop;
+  };
+#endif
+
+  void checkUse(const SourceLocation& place) const {
+    precondition(source_ != nullptr, "an operation that was moved from can't be used", place);
+  }
+
+  std::shared_ptr<const void> source_;
+  Starter start_;
+  Effect effect_;
+};
+
+/// @name The same for anything that is started with a handler
+/// @{
+template <class T, StartsOperation<T> Start>
+[[nodiscard]] Result<T> wait(Start&& start) {
+  return Operation<T>(std::forward<Start>(start)).wait();
+}
+template <class T, StartsOperation<T> Start>
+[[nodiscard]] Future<T> future(Start&& start) {
+  return Operation<T>(std::forward<Start>(start)).future();
+}
+template <class T, StartsOperation<T> Start>
+[[nodiscard]] Awaiting<T> awaiting(Start&& start) {
+  return Operation<T>(std::forward<Start>(start)).operator co_await();
+}
+/// @}
+
+}  // namespace orvane

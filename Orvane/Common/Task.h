@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: Apache-2.0
+// A coroutine that answers a value: enough to write `main` and an application's own operations
+// without a library of coroutines.
+#pragma once
+
+#include <Orvane/Common/MainQueue.h>
+#include <Orvane/Common/Request.h>
+#include <Orvane/Platform/Fatal.h>
+#include <Orvane/Platform/UniqueFunction.h>
+
+#include <coroutine>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <type_traits>
+#include <utility>
+#include <variant>
+
+namespace orvane {
+
+namespace detail {
+
+struct Nothing {};
+
+/// A coroutine that runs by itself and destroys itself in the end.
+struct Detached {
+  struct promise_type {
+    Detached get_return_object() noexcept { return {}; }
+    std::suspend_never initial_suspend() noexcept { return {}; }
+    std::suspend_never final_suspend() noexcept { return {}; }
+    void return_void() noexcept {}
+    [[noreturn]] void unhandled_exception() noexcept { std::terminate(); }
+  };
+};
+
+/// What the coroutine of a task has made.
+template <class T>
+class TaskOutcome {
+ public:
+  void return_value(T value) { outcome_.template emplace<1>(std::move(value)); }
+  T take() { return std::move(std::get<1>(outcome_)); }
+
+ protected:
+  std::variant<std::monostate, T, std::exception_ptr> outcome_;
+};
+template <>
+class TaskOutcome<void> {
+ public:
+  void return_void() noexcept {}
+  void take() noexcept {}
+
+ protected:
+  std::variant<std::monostate, Nothing, std::exception_ptr> outcome_;
+};
+
+}  // namespace detail
+
+/// A coroutine that begins when it is awaited, started, or handed to `MainQueue::runUntil`, once:
+///
+///     Task<int> run(UserService users) {
+///       const auto user = co_await users.fetch();
+///       co_return user ? 0 : 1;
+///     }
+///     int main() { … return MainQueue::main().runUntil(run(users)); }
+///
+/// It runs on the thread that begins it up to its first waiting, and from then on where what it
+/// waits for goes on: see `Operation`. Arguments that it keeps by reference must outlive it.
+template <class T = void>
+class [[nodiscard]] Task {
+ public:
+  class promise_type;
+
+  Task(Task&& other) noexcept : coroutine_(std::exchange(other.coroutine_, nullptr)) {}
+  Task& operator=(Task&& other) noexcept {
+    std::swap(coroutine_, other.coroutine_);
+    return *this;
+  }
+  Task(const Task&) = delete;
+  Task& operator=(const Task&) = delete;
+  ~Task() {
+    if (coroutine_) coroutine_.destroy();
+  }
+
+  /// Runs it, and goes on with its value; an exception that it lets out comes out here.
+  auto operator co_await() && { return Awaiter{checked(SourceLocation::current())}; }
+  /// A task can be awaited once: `co_await std::move(task)`.
+  auto operator co_await() & = delete;
+
+  /// Runs it by itself; `then` is called with its value (with nothing, for a `Task<void>`) where it
+  /// ends. Cancelling the request lets every operation that it awaits, now and from then on, end
+  /// with `Cancelled`: the task goes on to its end, and `then` is not called. An exception that it
+  /// lets out ends the process.
+  template <class Then>
+  RequestHandle start(Then then, const SourceLocation& place = SourceLocation::current()) && {
+    return begin(
+        [then = std::move(then)](Task task) mutable {
+          if constexpr (std::is_void_v<T>) {
+            task.take();
+            then();
+          } else {
+            then(task.take());
+          }
+        },
+        place);
+  }
+  RequestHandle start(const SourceLocation& place = SourceLocation::current()) && {
+    return begin([](Task task) { task.take(); }, place);
+  }
+
+ private:
+  friend class MainQueue;
+  using Coroutine = std::coroutine_handle<promise_type>;
+  // Called with the task when it has ended.
+  using Ended = UniqueFunction<void(Task)>;
+
+  struct Awaiter {
+    Coroutine coroutine;
+
+    [[nodiscard]] bool await_ready() const noexcept { return false; }
+    template <class Promise>
+    Coroutine await_suspend(std::coroutine_handle<Promise> by) noexcept {
+      if constexpr (requires { by.promise().scope(); }) {
+        coroutine.promise().enterScope(by.promise().scope());
+      }
+      coroutine.promise().continueWith(by);
+      return coroutine;
+    }
+    T await_resume() { return coroutine.promise().take(); }
+  };
+
+  // For who is told of the end alone.
+  struct End : Awaiter {
+    void await_resume() noexcept {}
+  };
+
+  explicit Task(Coroutine coroutine) noexcept : coroutine_(coroutine) {}
+
+  Coroutine checked(const SourceLocation& place) const {
+    precondition(coroutine_ && !coroutine_.promise().hasBegun(), "a task can be run only once",
+                 place);
+    return coroutine_;
+  }
+
+  T take() { return coroutine_.promise().take(); }
+
+  RequestHandle begin(Ended ended, const SourceLocation& place) {
+    checked(place);
+    auto box = std::make_shared<RequestBox>();
+    coroutine_.promise().enterScope(box.get());
+    runToEnd(std::move(*this), box, std::move(ended));
+    return box;
+  }
+
+  static detail::Detached runToEnd(Task task, std::shared_ptr<RequestBox> box, Ended ended) {
+    co_await End{{task.coroutine_}};
+    box->complete(ended, std::move(task));
+  }
+
+  Coroutine coroutine_;
+};
+
+/// The coroutine's side of a task.
+template <class T>
+class Task<T>::promise_type : public detail::TaskOutcome<T> {
+ public:
+  Task get_return_object() noexcept { return Task(Coroutine::from_promise(*this)); }
+  std::suspend_always initial_suspend() noexcept { return {}; }
+  auto final_suspend() noexcept {
+    struct Final {
+      [[nodiscard]] bool await_ready() const noexcept { return false; }
+      std::coroutine_handle<> await_suspend(Coroutine ended) const noexcept {
+        return ended.promise().continuation_;
+      }
+      void await_resume() const noexcept {}
+    };
+    return Final{};
+  }
+  void unhandled_exception() noexcept {
+    this->outcome_.template emplace<2>(std::current_exception());
+  }
+
+  /// What has been returned; throws what has been thrown.
+  T take() {
+    if (auto* thrown = std::get_if<2>(&this->outcome_)) std::rethrow_exception(*thrown);
+    return detail::TaskOutcome<T>::take();
+  }
+
+  /// The request that stands for the whole of which this is a part; null for none.
+  [[nodiscard]] RequestBox* scope() const noexcept { return scope_; }
+  void enterScope(RequestBox* scope) noexcept { scope_ = scope; }
+
+  void continueWith(std::coroutine_handle<> continuation) noexcept { continuation_ = continuation; }
+  [[nodiscard]] bool hasBegun() const noexcept { return continuation_ != nullptr; }
+
+ private:
+  std::coroutine_handle<> continuation_;
+  RequestBox* scope_ = nullptr;
+};
+
+template <class T>
+T MainQueue::runUntil(Task<T> task) {
+  std::optional<Task<T>> ended;
+  const auto request = task.begin([&](Task<T> whole) { ended.emplace(std::move(whole)); },
+                                  SourceLocation::current());
+  wait(request);
+  return ended->take();
+}
+
+}  // namespace orvane

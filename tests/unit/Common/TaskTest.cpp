@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/support/Outcome.h"
+#include "tests/unit/DeathTest.h"
+#include <Orvane/Common/All.h>
+#include <Orvane/Common/NetworkError.h>
+#include <Orvane/Common/Task.h>
+#include <Orvane/Testing/FixedResolvers.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace orvane {
+namespace {
+
+using Text = Result<std::string>;
+
+Operation<std::string> asking(FixedTokenResolver& tokens) {
+  return Operation<std::string>([&tokens](Completion<std::string> then) {
+    return tokens.resolve({}, std::nullopt, std::move(then));
+  });
+}
+
+Task<std::string> greeting(const Operation<std::string>& name) {
+  const Text result = co_await name;
+  co_return result ? "Hello " + *result : result.errorOr(NetworkError::unknown).message();
+}
+
+Task<> failing(const Operation<std::string>& name) {
+  co_await name;
+  throw std::runtime_error("thrown");
+}
+
+Task<int> failed(const Operation<std::string>& name) {
+  try {
+    co_await failing(name);
+  } catch (const std::runtime_error&) {
+    co_return 1;
+  }
+  co_return 0;
+}
+
+class TaskTest : public testing::TestWithParam<AnswerTime> {
+ protected:
+  FixedTokenResolver tokens{{std::string("Ann"), GetParam()}};
+  const Operation<std::string> name = asking(tokens);
+};
+
+INSTANTIATE_TEST_SUITE_P(Answers, TaskTest,
+                         testing::Values(AnswerTime::atOnce, AnswerTime::onMainQueue,
+                                         AnswerTime::onAnotherThread));
+
+TEST_P(TaskTest, answersItsValueOrThrowsWhatItLetsOut) {
+  EXPECT_EQ(MainQueue::main().runUntil(greeting(name)), "Hello Ann");
+  EXPECT_EQ(MainQueue::main().runUntil(failed(name)), 1);
+  EXPECT_THROW(MainQueue::main().runUntil(failing(name)), std::runtime_error);
+}
+
+TEST_P(TaskTest, isAwaitedByOthers) {
+  const auto nested = [](const Operation<std::string>& of) -> Task<std::unique_ptr<std::string>> {
+    auto text = std::make_unique<std::string>();
+    for (int i = 0; i < 3; ++i) *text += co_await greeting(of) + ",";
+    co_return text;
+  };
+  EXPECT_EQ(*MainQueue::main().runUntil(nested(name)), "Hello Ann,Hello Ann,Hello Ann,");
+}
+
+TEST_P(TaskTest, isRunByWhoeverDrainsTheQueueElsewhere) {
+  MainQueue::main().drain();
+  std::thread waiting([&] {
+    EXPECT_EQ(MainQueue::main().runUntil(greeting(name)), "Hello Ann");
+    MainQueue::main().async([] { MainQueue::main().stop(); });
+  });
+  MainQueue::main().run();
+  waiting.join();
+}
+
+// Whoever cancels a task lets it go on to its end, and so lets go of what it holds.
+TEST(TaskCancellationTest, endsEveryWaitingWithCancelled) {
+  FixedTokenResolver tokens(ScriptedAnswer<std::string>::never());
+  std::vector<std::string> seen;
+  const auto outer = [&]() -> Task<int> {
+    seen.push_back(co_await greeting(asking(tokens)));
+    seen.push_back((co_await asking(tokens)).error()->message());
+    co_return 1;
+  };
+  bool isTold = false;
+  const RequestHandle request = outer().start([&](int) { isTold = true; });
+  EXPECT_TRUE(seen.empty());
+  EXPECT_TRUE(request->cancel());
+  EXPECT_TRUE(request->isFinished());
+  MainQueue::main().drain();
+  EXPECT_EQ(seen, std::vector<std::string>(2, Cancelled{}.message()));
+  EXPECT_EQ(tokens.calls().size(), 1U) << "nothing is sent any more";
+  EXPECT_TRUE(tokens.calls().front()->isCancelled());
+  EXPECT_FALSE(isTold);
+}
+
+TEST(TaskCancellationTest, aTaskThatNeverRunsLetsGoOfItsArguments) {
+  const auto kept = std::make_shared<int>(1);
+  const auto keeping = [](std::shared_ptr<int> value) -> Task<int> { co_return *value; };
+  { const auto task = keeping(kept); }
+  EXPECT_EQ(kept.use_count(), 1);
+  auto begun = keeping(kept);
+  const auto moved = std::move(begun);
+  EXPECT_EQ(kept.use_count(), 2);
+}
+
+using TaskDeathTest = DeathTest;
+
+TEST_F(TaskDeathTest, aTaskCanBeRunOnce) {
+  const auto one = []() -> Task<int> { co_return 1; };
+  auto task = one();
+  EXPECT_EQ(MainQueue::main().runUntil(std::move(task)), 1);
+  // NOLINTNEXTLINE(bugprone-use-after-move): that is the fault
+  EXPECT_DEATH(std::move(task).start(), "can be run only once: file .*TaskTest.cpp");
+}
+
+template <class Awaited>
+concept Awaitable = requires(Awaited awaited) {
+  awaited.operator co_await();
+};
+static_assert(!Awaitable<Task<int>&>, "a second waiting is refused by the compiler");
+
+// Three threads at one operation that a task awaits: who answers, who cancels it, and who gives the
+// task up. Each of a round's tasks goes on once, and nothing is left behind.
+TEST(TaskRaceTest, everyTaskGoesOnOnce) {
+  constexpr int rounds = 20'000;
+  std::atomic<int> ended = 0;
+  std::atomic<int> told = 0;
+  const auto counting = [&](Operation<std::string> operation) -> Task<int> {
+    co_await operation;
+    co_await operation;
+    ended.fetch_add(1);
+    co_return 1;
+  };
+  std::atomic<int> round = 0;
+  std::shared_ptr<ScriptedCall<TokenQuestion, std::string>> call;
+  std::stop_source stop;
+  RequestHandle request;
+  std::atomic<int> ready = 0;
+  const auto inEachRound = [&](auto act) {
+    return std::thread([&, act] {
+      for (int mine = 1; mine <= rounds; ++mine) {
+        while (round.load() < mine) std::this_thread::yield();
+        act();
+        ready.fetch_add(1);
+      }
+    });
+  };
+  std::thread threads[] = {inEachRound([&] { call->answer(std::string("Ann")); }),
+                           inEachRound([&] { stop.request_stop(); }),
+                           inEachRound([&] { request->cancel(); })};
+  for (int number = 1; number <= rounds; ++number) {
+    FixedTokenResolver tokens(ScriptedAnswer<std::string>::never());
+    stop = std::stop_source();
+    request = counting(asking(tokens).cancelledBy(stop.get_token())).start([&](int) {
+      told.fetch_add(1);
+    });
+    call = tokens.calls().front();
+    ready = 0;
+    round = number;
+    while (ready.load() < 3) std::this_thread::yield();
+    // The second waiting of a task that was answered is ended by the one or by the other.
+    stop.request_stop();
+    MainQueue::main().drain();
+    ASSERT_EQ(ended.load(), number);
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_LE(told.load(), rounds);
+}
+
+}  // namespace
+}  // namespace orvane
