@@ -6,9 +6,9 @@
 #include "Interrupt.h"
 #include "Output.h"
 #include "Settings.h"
-#include <Orvane/Common/Operation.h>
 #include <Orvane/Common/Identity.h>
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/Common/Operation.h>
 #include <Orvane/Runtime/Runtime.h>
 
 #include <chrono>

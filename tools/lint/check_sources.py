@@ -39,6 +39,9 @@ LIBRARY_HOMES = {
     "openssl/": ["Runtime"],
 }
 
+# Headers for who has a library from outside anyway, by the beginnings of that library's headers' names. Nothing includes them.
+ADAPTERS = {"Orvane/Asio.h": ("boost/asio/", "asio/")}
+
 # The macro by which a layer exports, where it is not the first library's. A DLL that used another's would take its symbols for
 # its own.
 EXPORT_MACROS = {"Runtime": "ORVANE_RUNTIME_EXPORT", "Testing": "ORVANE_TESTING_EXPORT"}
@@ -131,7 +134,7 @@ class Checker:
     def check_form(self, source):
         if source.is_header and "#pragma once" not in source.lines:
             self.report(source.path, 1, "a header needs #pragma once")
-        if source.in_library and source.layer is None and source.path not in UMBRELLAS:
+        if source.in_library and source.layer is None and source.path not in UMBRELLAS | ADAPTERS:
             self.report(source.path, 1, "stands in none of the layers")
         if source.is_public and not source.path.endswith("/Export.h"):
             for number, line in enumerate(source.lines, 1):
@@ -174,10 +177,11 @@ class Checker:
             self.check_layer(source, number, target, included)
 
     def check_layer(self, source, number, target, included):
-        if target in UMBRELLAS:
+        if target in UMBRELLAS | ADAPTERS:
             self.report(source.path, number, "umbrella headers are for users, not for the library")
             return
-        allowed = UMBRELLAS[source.path] if source.path in UMBRELLAS else reachable(source.layer)
+        umbrellas = UMBRELLAS | dict.fromkeys(ADAPTERS, ["Common"])
+        allowed = umbrellas[source.path] if source.path in umbrellas else reachable(source.layer)
         if included.layer not in allowed:
             self.report(source.path, number, f"{source.layer or 'this umbrella'} may not include {target}")
 
@@ -187,7 +191,7 @@ class Checker:
         if spelling[0] == '"':
             self.report(source.path, number, f"include {target} from the repository's root, in angle brackets")
             return
-        if STANDARD_HEADER.match(target):
+        if STANDARD_HEADER.match(target) or target.startswith(tuple(ADAPTERS.get(source.path, ()))):
             return
         if source.is_public:
             self.report(source.path, number, f"a public header includes {target} from outside")
