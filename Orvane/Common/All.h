@@ -5,7 +5,6 @@
 #include <Orvane/Common/Operation.h>
 #include <Orvane/Platform/Export.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <mutex>
@@ -162,9 +161,10 @@ struct AtOnce {
 template <class T>
 [[nodiscard]] Operation<std::vector<Result<T>>> all(std::vector<Operation<T>> operations,
                                                     AtOnce atOnce = {}) {
-  const bool readsOnly = std::all_of(
-      operations.begin(), operations.end(),
-      [](const Operation<T>& operation) { return operation.effect() == Effect::reads; });
+  bool readsOnly = true;
+  for (const Operation<T>& operation : operations) {
+    readsOnly = readsOnly && operation.effect() == Effect::reads;
+  }
   const auto shared = std::make_shared<const std::vector<Operation<T>>>(std::move(operations));
   const auto startPart = [shared](std::size_t part, std::shared_ptr<detail::Gathering> gathering,
                                   std::vector<Result<T>>& results) {

@@ -66,7 +66,8 @@ class [[nodiscard]] Operation {
         effect_(effect) {}
 
   /// For the library's services: `by` is given `source`, which it knows the type of.
-  using Starter = typename Awaiting<T>::Starter;
+  using Starter = RequestHandle (*)(const std::shared_ptr<const void>& source,
+                                    Completion<T> handler);
   Operation(std::shared_ptr<const void> source, Starter by, Effect effect) noexcept
       : source_(std::move(source)), start_(by), effect_(effect) {}
 

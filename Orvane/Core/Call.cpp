@@ -84,7 +84,7 @@ Error Call::explained(const Error& error, std::string finding) const {
 std::string findingIn(const Error& decodingError, std::string_view body) {
   const std::size_t begin = body.find_first_not_of(" \t\r\n");
   const bool isPage = begin != std::string_view::npos && body[begin] == '<';
-  return isPage ? concatenated({reasonIn(body), " was found in the place of JSON"})
+  return isPage ? concatenated({"JSON was expected, found ", reasonIn(body)})
                 : oneLine(decodingError.message(), longestFinding);
 }
 

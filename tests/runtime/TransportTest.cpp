@@ -394,6 +394,7 @@ TEST(TransportTest, TellsBrokenAnswersApart) {
     std::string answer;
     std::optional<Kind> kind;
     std::string forever{};  // follows as long as somebody listens
+    std::string reason{};   // what the refusal says in words
   };
   const std::vector<Row> rows = {
       {"", Kind::cutOff},
@@ -413,11 +414,15 @@ TEST(TransportTest, TellsBrokenAnswersApart) {
       {success, Kind::protocol, "X: y\r\n"},
       {success + "X: " + std::string(150'000, 'x') + "\r\n\r\n", Kind::tooLarge},
       {refusal + "Content-Length: 9\r\n\r\n", {}},
-      {refusal + "Content-Length: 9\r\n\r\nabc", {}},
-      {refusal + halfPacked, {}},
+      {refusal + "Content-Length: 9\r\n\r\nabc\ndef", {}, {}, "abc"},
+      {refusal + halfPacked, {}, {}, std::string(500, 'x')},  // as far as it can be read
+      {refusal + "Content-Encoding: gzip\r\n\r\n" + gzipped(R"({"message":"Not you"})"),
+       {},
+       {},
+       "Not you"},
       {refusal + "Content-Encoding: sloth\r\n\r\nabc", {}},
       {refusal + chunks + "what?\r\n", {}},
-      {refusal + "\r\n", {}, std::string(65536, 'x')},
+      {refusal + "\r\n", {}, std::string(65536, 'x'), std::string(500, 'x')},
   };
   const Authority authority;
   std::atomic<std::size_t> row = 0;
@@ -435,6 +440,8 @@ TEST(TransportTest, TellsBrokenAnswersApart) {
     EXPECT_EQ(kindOf(result), rows[row].kind);
     if (!rows[row].kind) {
       EXPECT_EQ(result, Error(NetworkError::invalidStatusCode(403)));
+      EXPECT_EQ(*result.error()->context(),
+                (ErrorContext{.status = 403, .reason = rows[row].reason}));
     }
   }
 }

@@ -16,4 +16,10 @@ Operation<Unit> ActivationService::activate(std::string activationId, std::strin
                                                .deviceID = deviceIdentifier()->current()}));
 }
 
+RequestHandle ActivationService::activate(std::string activationId, std::string activationCode,
+                                          std::string emailAddress, Completion<Unit> then) const {
+  return activate(std::move(activationId), std::move(activationCode), std::move(emailAddress))
+      .start(std::move(then));
+}
+
 }  // namespace orvane

@@ -22,10 +22,7 @@ class ORVANE_EXPORT ActivationService : public DeviceNamingService {
   Operation<Unit> activate(std::string activationId, std::string activationCode,
                            std::string emailAddress) const;
   RequestHandle activate(std::string activationId, std::string activationCode,
-                         std::string emailAddress, Completion<Unit> then) const {
-    return activate(std::move(activationId), std::move(activationCode), std::move(emailAddress))
-        .start(std::move(then));
-  }
+                         std::string emailAddress, Completion<Unit> then) const;
 };
 
 }  // namespace orvane

@@ -11,4 +11,9 @@ Operation<Content> ContentService::fetch(Key withKey,
   return get<Content>(*this, ContentComposer(std::move(languageTags), withKey));
 }
 
+RequestHandle ContentService::fetch(Key withKey, std::optional<std::string> languageTags,
+                                    Completion<Content> then) const {
+  return fetch(withKey, std::move(languageTags)).start(std::move(then));
+}
+
 }  // namespace orvane

@@ -64,9 +64,7 @@ class ORVANE_EXPORT ContentService : public SerializableService {
   ///   (RFC 5646; "_" is taken for "-"); absent: as the backend likes.
   Operation<Content> fetch(Key withKey, std::optional<std::string> languageTags = {}) const;
   RequestHandle fetch(Key withKey, std::optional<std::string> languageTags,
-                      Completion<Content> then) const {
-    return fetch(withKey, std::move(languageTags)).start(std::move(then));
-  }
+                      Completion<Content> then) const;
 };
 
 template <>

@@ -12,14 +12,26 @@ Operation<Device> DeviceService::activate() const {
                       DeviceComposer(DeviceComposer::Activate{deviceIdentifier()->current()}));
 }
 
+RequestHandle DeviceService::activate(Completion<Device> then) const {
+  return activate().start(std::move(then));
+}
+
 Operation<Device> DeviceService::deactivate() const {
   return post<Device>(*this,
                       DeviceComposer(DeviceComposer::Deactivate{deviceIdentifier()->current()}));
 }
 
+RequestHandle DeviceService::deactivate(Completion<Device> then) const {
+  return deactivate().start(std::move(then));
+}
+
 Operation<Device> DeviceService::fetch() const {
   return get<Device>(*this,
                      DeviceComposer(DeviceComposer::Resource{deviceIdentifier()->current()}));
+}
+
+RequestHandle DeviceService::fetch(Completion<Device> then) const {
+  return fetch().start(std::move(then));
 }
 
 }  // namespace orvane

@@ -19,19 +19,15 @@ class ORVANE_EXPORT DeviceService : public DeviceNamingService {
   /// Makes this device the one that collects the current user's driving, and answers it. How many
   /// devices may do so is up to the backend.
   Operation<Device> activate() const;
-  RequestHandle activate(Completion<Device> then) const {
-    return activate().start(std::move(then));
-  }
+  RequestHandle activate(Completion<Device> then) const;
 
   /// Ends that, and answers the device.
   Operation<Device> deactivate() const;
-  RequestHandle deactivate(Completion<Device> then) const {
-    return deactivate().start(std::move(then));
-  }
+  RequestHandle deactivate(Completion<Device> then) const;
 
   /// Fetches this device.
   Operation<Device> fetch() const;
-  RequestHandle fetch(Completion<Device> then) const { return fetch().start(std::move(then)); }
+  RequestHandle fetch(Completion<Device> then) const;
 };
 
 }  // namespace orvane

@@ -10,4 +10,9 @@ Operation<DiscountMetadata> DiscountMetadataService::fetchDiscountMetadata() con
   return get<DiscountMetadata>(*this, DiscountMetadataComposer());
 }
 
+RequestHandle DiscountMetadataService::fetchDiscountMetadata(
+    Completion<DiscountMetadata> then) const {
+  return fetchDiscountMetadata().start(std::move(then));
+}
+
 }  // namespace orvane

@@ -18,9 +18,7 @@ class ORVANE_EXPORT DiscountMetadataService : public SerializableService {
 
   /// Fetches the programme's discount scheme, the same for every user.
   Operation<DiscountMetadata> fetchDiscountMetadata() const;
-  RequestHandle fetchDiscountMetadata(Completion<DiscountMetadata> then) const {
-    return fetchDiscountMetadata().start(std::move(then));
-  }
+  RequestHandle fetchDiscountMetadata(Completion<DiscountMetadata> then) const;
 };
 
 }  // namespace orvane

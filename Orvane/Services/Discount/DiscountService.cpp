@@ -10,4 +10,9 @@ Operation<Discount> DiscountService::fetchDiscount(SetOf<Expansion> expansions) 
   return get<Discount>(*this, DiscountComposer(std::move(expansions).elements()));
 }
 
+RequestHandle DiscountService::fetchDiscount(std::set<Expansion> expansions,
+                                             Completion<Discount> then) const {
+  return fetchDiscount(std::move(expansions)).start(std::move(then));
+}
+
 }  // namespace orvane

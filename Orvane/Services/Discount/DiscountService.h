@@ -25,9 +25,7 @@ class ORVANE_EXPORT DiscountService : public SerializableService {
 
   /// Fetches the current user's present and projected discount.
   Operation<Discount> fetchDiscount(SetOf<Expansion> expansions = {}) const;
-  RequestHandle fetchDiscount(std::set<Expansion> expansions, Completion<Discount> then) const {
-    return fetchDiscount(std::move(expansions)).start(std::move(then));
-  }
+  RequestHandle fetchDiscount(std::set<Expansion> expansions, Completion<Discount> then) const;
 };
 
 template <>

@@ -9,4 +9,9 @@ Operation<Unit> DrivingAlertService::registerAlertSetting(DrivingAlertType setti
   return post<Unit>(*this, DrivingAlertComposer(std::move(setting)));
 }
 
+RequestHandle DrivingAlertService::registerAlertSetting(DrivingAlertType setting,
+                                                        Completion<Unit> then) const {
+  return registerAlertSetting(std::move(setting)).start(std::move(then));
+}
+
 }  // namespace orvane

@@ -86,9 +86,7 @@ class ORVANE_EXPORT DrivingAlertService : public SerializableService {
 
   /// Registers one setting.
   Operation<Unit> registerAlertSetting(DrivingAlertType setting) const;
-  RequestHandle registerAlertSetting(DrivingAlertType setting, Completion<Unit> then) const {
-    return registerAlertSetting(std::move(setting)).start(std::move(then));
-  }
+  RequestHandle registerAlertSetting(DrivingAlertType setting, Completion<Unit> then) const;
 };
 
 }  // namespace orvane

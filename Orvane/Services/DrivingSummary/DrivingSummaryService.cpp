@@ -13,10 +13,21 @@ Operation<DrivingSummary> DrivingSummaryService::fetch(SetOf<Filter> filters,
                                                            std::move(filters).elements()));
 }
 
+RequestHandle DrivingSummaryService::fetch(std::set<Filter> filters, std::set<Expansion> expansions,
+                                           Completion<DrivingSummary> then) const {
+  return fetch(std::move(filters), std::move(expansions)).start(std::move(then));
+}
+
 Operation<std::vector<DrivingSummaryResult>> DrivingSummaryService::fetchList(
     SetOf<Filter> filters, std::optional<std::string> aggregateBy) const {
   return get<std::vector<DrivingSummaryResult>>(
       *this, DrivingSummaryListComposer(std::move(filters).elements(), std::move(aggregateBy)));
+}
+
+RequestHandle DrivingSummaryService::fetchList(
+    std::set<Filter> filters, std::optional<std::string> aggregateBy,
+    Completion<std::vector<DrivingSummaryResult>> then) const {
+  return fetchList(std::move(filters), std::move(aggregateBy)).start(std::move(then));
 }
 
 }  // namespace orvane

@@ -44,18 +44,14 @@ class ORVANE_EXPORT DrivingSummaryService : public SerializableService {
   Operation<DrivingSummary> fetch(SetOf<Filter> filters = {},
                                   SetOf<Expansion> expansions = {}) const;
   RequestHandle fetch(std::set<Filter> filters, std::set<Expansion> expansions,
-                      Completion<DrivingSummary> then) const {
-    return fetch(std::move(filters), std::move(expansions)).start(std::move(then));
-  }
+                      Completion<DrivingSummary> then) const;
 
   /// Fetches the current user's driving period by period; `aggregateBy` names the length of the
   /// periods in the backend's words.
   Operation<std::vector<DrivingSummaryResult>> fetchList(
       SetOf<Filter> filters = {}, std::optional<std::string> aggregateBy = {}) const;
   RequestHandle fetchList(std::set<Filter> filters, std::optional<std::string> aggregateBy,
-                          Completion<std::vector<DrivingSummaryResult>> then) const {
-    return fetchList(std::move(filters), std::move(aggregateBy)).start(std::move(then));
-  }
+                          Completion<std::vector<DrivingSummaryResult>> then) const;
 };
 
 template <>

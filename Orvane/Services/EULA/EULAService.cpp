@@ -7,4 +7,8 @@ namespace orvane {
 
 Operation<Unit> EULAService::acceptTerms() const { return post<Unit>(*this, EULAComposer()); }
 
+RequestHandle EULAService::acceptTerms(Completion<Unit> then) const {
+  return acceptTerms().start(std::move(then));
+}
+
 }  // namespace orvane

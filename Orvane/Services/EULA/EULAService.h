@@ -17,9 +17,7 @@ class ORVANE_EXPORT EULAService : public SerializableService {
 
   /// Accepts the terms. Any successful answer counts, an empty one included.
   Operation<Unit> acceptTerms() const;
-  RequestHandle acceptTerms(Completion<Unit> then) const {
-    return acceptTerms().start(std::move(then));
-  }
+  RequestHandle acceptTerms(Completion<Unit> then) const;
 };
 
 }  // namespace orvane

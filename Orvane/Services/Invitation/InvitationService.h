@@ -52,63 +52,44 @@ class ORVANE_EXPORT InvitationService : public SerializableService {
   Operation<std::vector<Invitation>> fetchVehicleInvites(
       std::optional<std::string> filtered = {}) const;
   RequestHandle fetchVehicleInvites(std::optional<std::string> filtered,
-                                    Completion<std::vector<Invitation>> then) const {
-    return fetchVehicleInvites(std::move(filtered)).start(std::move(then));
-  }
+                                    Completion<std::vector<Invitation>> then) const;
 
   /// Fetches the current user's invitations to accounts, in the same way.
   Operation<std::vector<Invitation>> fetchAccountInvites(
       std::optional<std::string> filtered = {}) const;
   RequestHandle fetchAccountInvites(std::optional<std::string> filtered,
-                                    Completion<std::vector<Invitation>> then) const {
-    return fetchAccountInvites(std::move(filtered)).start(std::move(then));
-  }
+                                    Completion<std::vector<Invitation>> then) const;
 
   /// Sends an invitation and answers it. A text that is not UTF-8 fails with
   /// `NetworkError::malformedRequest`. What kind of invitation goes out depends on the vehicles
   /// alone, here as in `sendAccountInvitation`; the two differ in what the backend answers.
   Operation<Invitation> sendVehicleInvitation(NewInvitation invitation) const;
-  RequestHandle sendVehicleInvitation(NewInvitation invitation, Completion<Invitation> then) const {
-    return sendVehicleInvitation(std::move(invitation)).start(std::move(then));
-  }
+  RequestHandle sendVehicleInvitation(NewInvitation invitation, Completion<Invitation> then) const;
 
   /// Sends an invitation and answers those that the backend made of it, one for each account.
   Operation<std::vector<Invitation>> sendAccountInvitation(NewInvitation invitation) const;
   RequestHandle sendAccountInvitation(NewInvitation invitation,
-                                      Completion<std::vector<Invitation>> then) const {
-    return sendAccountInvitation(std::move(invitation)).start(std::move(then));
-  }
+                                      Completion<std::vector<Invitation>> then) const;
 
   /// Accepts or declines an invitation, or acknowledges that the other side did.
   Operation<Unit> respondToInvitation(InvitationReply reply) const;
-  RequestHandle respondToInvitation(InvitationReply reply, Completion<Unit> then) const {
-    return respondToInvitation(std::move(reply)).start(std::move(then));
-  }
+  RequestHandle respondToInvitation(InvitationReply reply, Completion<Unit> then) const;
 
   /// Takes back the inviting user's invitations to vehicles. The backend is told the user and not
   /// the invitation: `invitationId` is not sent.
   Operation<Unit> cancelVehicleInvitation(std::string fromUserId, std::string invitationId) const;
   RequestHandle cancelVehicleInvitation(std::string fromUserId, std::string invitationId,
-                                        Completion<Unit> then) const {
-    return cancelVehicleInvitation(std::move(fromUserId), std::move(invitationId))
-        .start(std::move(then));
-  }
+                                        Completion<Unit> then) const;
 
   /// Takes a vehicle from a guest driver.
   Operation<Unit> removeGuestDriverFromVehicle(std::string toUserId, std::string vehicleId) const;
   RequestHandle removeGuestDriverFromVehicle(std::string toUserId, std::string vehicleId,
-                                             Completion<Unit> then) const {
-    return removeGuestDriverFromVehicle(std::move(toUserId), std::move(vehicleId))
-        .start(std::move(then));
-  }
+                                             Completion<Unit> then) const;
 
   /// Removes a guest driver from an account.
   Operation<Unit> removeGuestDriverFromAccount(std::string toUserId, std::string accountId) const;
   RequestHandle removeGuestDriverFromAccount(std::string toUserId, std::string accountId,
-                                             Completion<Unit> then) const {
-    return removeGuestDriverFromAccount(std::move(toUserId), std::move(accountId))
-        .start(std::move(then));
-  }
+                                             Completion<Unit> then) const;
 };
 
 }  // namespace orvane

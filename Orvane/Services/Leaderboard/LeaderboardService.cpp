@@ -18,12 +18,25 @@ Operation<Leaderboard> LeaderboardService::fetch(DateComponents dateComponents,
                                      dateComponents, std::move(filters).elements()}));
 }
 
+RequestHandle LeaderboardService::fetch(DateComponents dateComponents, std::set<Filter> filters,
+                                        Completion<Leaderboard> then) const {
+  return fetch(dateComponents, std::move(filters)).start(std::move(then));
+}
+
 Operation<Unit> LeaderboardService::optIn() const {
   return post<Unit>(*this, LeaderboardComposer(LeaderboardComposer::OptIn{}));
 }
 
+RequestHandle LeaderboardService::optIn(Completion<Unit> then) const {
+  return optIn().start(std::move(then));
+}
+
 Operation<Unit> LeaderboardService::optOut() const {
   return post<Unit>(*this, LeaderboardComposer(LeaderboardComposer::OptOut{}));
+}
+
+RequestHandle LeaderboardService::optOut(Completion<Unit> then) const {
+  return optOut().start(std::move(then));
 }
 
 }  // namespace orvane

@@ -71,17 +71,15 @@ class ORVANE_EXPORT LeaderboardService : public SerializableService {
   /// is up to the backend.
   Operation<Leaderboard> fetch(DateComponents dateComponents, SetOf<Filter> filters = {}) const;
   RequestHandle fetch(DateComponents dateComponents, std::set<Filter> filters,
-                      Completion<Leaderboard> then) const {
-    return fetch(dateComponents, std::move(filters)).start(std::move(then));
-  }
+                      Completion<Leaderboard> then) const;
 
   /// Lets the current user appear on leaderboards.
   Operation<Unit> optIn() const;
-  RequestHandle optIn(Completion<Unit> then) const { return optIn().start(std::move(then)); }
+  RequestHandle optIn(Completion<Unit> then) const;
 
   /// Takes the current user off leaderboards.
   Operation<Unit> optOut() const;
-  RequestHandle optOut(Completion<Unit> then) const { return optOut().start(std::move(then)); }
+  RequestHandle optOut(Completion<Unit> then) const;
 };
 
 }  // namespace orvane

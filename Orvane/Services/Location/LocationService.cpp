@@ -10,4 +10,8 @@ Operation<Location> LocationService::fetchLastKnownLocation() const {
   return get<Location>(*this, LocationComposer());
 }
 
+RequestHandle LocationService::fetchLastKnownLocation(Completion<Location> then) const {
+  return fetchLastKnownLocation().start(std::move(then));
+}
+
 }  // namespace orvane

@@ -18,9 +18,7 @@ class ORVANE_EXPORT LocationService : public SerializableService {
 
   /// Fetches the last known position of the current user's phone or vehicle.
   Operation<Location> fetchLastKnownLocation() const;
-  RequestHandle fetchLastKnownLocation(Completion<Location> then) const {
-    return fetchLastKnownLocation().start(std::move(then));
-  }
+  RequestHandle fetchLastKnownLocation(Completion<Location> then) const;
 };
 
 }  // namespace orvane

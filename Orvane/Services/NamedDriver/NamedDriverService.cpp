@@ -11,10 +11,20 @@ Operation<std::vector<NamedDriver>> NamedDriverService::fetch() const {
                                        NamedDriverComposer(NamedDriverComposer::NamedDrivers{}));
 }
 
+RequestHandle NamedDriverService::fetch(Completion<std::vector<NamedDriver>> then) const {
+  return fetch().start(std::move(then));
+}
+
 Operation<NamedDriver> NamedDriverService::updateNamedDriver(std::int64_t userId, std::string email,
                                                              std::string phone) const {
   return put<NamedDriver>(*this, NamedDriverComposer(NamedDriverComposer::UpdateNamedDriver{
                                      userId, std::move(email), std::move(phone)}));
+}
+
+RequestHandle NamedDriverService::updateNamedDriver(std::int64_t userId, std::string email,
+                                                    std::string phone,
+                                                    Completion<NamedDriver> then) const {
+  return updateNamedDriver(userId, std::move(email), std::move(phone)).start(std::move(then));
 }
 
 }  // namespace orvane

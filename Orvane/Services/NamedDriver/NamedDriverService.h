@@ -22,17 +22,13 @@ class ORVANE_EXPORT NamedDriverService : public SerializableService {
 
   /// Fetches the named drivers.
   Operation<std::vector<NamedDriver>> fetch() const;
-  RequestHandle fetch(Completion<std::vector<NamedDriver>> then) const {
-    return fetch().start(std::move(then));
-  }
+  RequestHandle fetch(Completion<std::vector<NamedDriver>> then) const;
 
   /// Sets a named driver's e-mail address and phone number, both of them, and answers the driver.
   Operation<NamedDriver> updateNamedDriver(std::int64_t userId, std::string email,
                                            std::string phone) const;
   RequestHandle updateNamedDriver(std::int64_t userId, std::string email, std::string phone,
-                                  Completion<NamedDriver> then) const {
-    return updateNamedDriver(userId, std::move(email), std::move(phone)).start(std::move(then));
-  }
+                                  Completion<NamedDriver> then) const;
 };
 
 }  // namespace orvane

@@ -18,4 +18,9 @@ Operation<Device> PushNotificationService::setToken(std::string deviceToken) con
                                                       deviceIdentifier()->current(), pushAppID));
 }
 
+RequestHandle PushNotificationService::setToken(std::string deviceToken,
+                                                Completion<Device> then) const {
+  return setToken(std::move(deviceToken)).start(std::move(then));
+}
+
 }  // namespace orvane

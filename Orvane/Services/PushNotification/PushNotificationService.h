@@ -20,9 +20,7 @@ class ORVANE_EXPORT PushNotificationService : public DeviceNamingService {
   /// Tells the backend the platform's push token, as a text, and answers the device. The token is
   /// sent as it is, an empty one included.
   Operation<Device> setToken(std::string deviceToken) const;
-  RequestHandle setToken(std::string deviceToken, Completion<Device> then) const {
-    return setToken(std::move(deviceToken)).start(std::move(then));
-  }
+  RequestHandle setToken(std::string deviceToken, Completion<Device> then) const;
 };
 
 }  // namespace orvane

@@ -10,4 +10,8 @@ Operation<RewardToken> RewardsService::fetchToken() const {
   return get<RewardToken>(*this, RewardsComposer());
 }
 
+RequestHandle RewardsService::fetchToken(Completion<RewardToken> then) const {
+  return fetchToken().start(std::move(then));
+}
+
 }  // namespace orvane

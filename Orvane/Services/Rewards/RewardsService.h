@@ -18,9 +18,7 @@ class ORVANE_EXPORT RewardsService : public SerializableService {
 
   /// Fetches a token for whom the request is authenticated.
   Operation<RewardToken> fetchToken() const;
-  RequestHandle fetchToken(Completion<RewardToken> then) const {
-    return fetchToken().start(std::move(then));
-  }
+  RequestHandle fetchToken(Completion<RewardToken> then) const;
 };
 
 }  // namespace orvane

@@ -22,40 +22,22 @@ class ORVANE_EXPORT ScoringAggregateService : public SerializableService {
 
   [[nodiscard]] const ScoringService& scoringService() const noexcept { return scoringService_; }
 
-  Operation<ScoringAggregate> dateRange(Date from, Date to) const {
-    return scoringService_.dateRange(from, to);
-  }
-  RequestHandle dateRange(Date from, Date to, Completion<ScoringAggregate> then) const {
-    return dateRange(from, to).start(std::move(then));
-  }
-  Operation<ScoringAggregate> last7Days() const { return scoringService_.last7Days(); }
-  RequestHandle last7Days(Completion<ScoringAggregate> completionHandler) const {
-    return last7Days().start(std::move(completionHandler));
-  }
-  Operation<ScoringAggregate> lastWeek() const { return scoringService_.lastWeek(); }
-  RequestHandle lastWeek(Completion<ScoringAggregate> completionHandler) const {
-    return lastWeek().start(std::move(completionHandler));
-  }
-  Operation<ScoringAggregate> last30Days() const { return scoringService_.last30Days(); }
-  RequestHandle last30Days(Completion<ScoringAggregate> completionHandler) const {
-    return last30Days().start(std::move(completionHandler));
-  }
-  Operation<ScoringAggregate> lastMonth() const { return scoringService_.lastMonth(); }
-  RequestHandle lastMonth(Completion<ScoringAggregate> completionHandler) const {
-    return lastMonth().start(std::move(completionHandler));
-  }
-  Operation<ScoringAggregate> last90Days() const { return scoringService_.last90Days(); }
-  RequestHandle last90Days(Completion<ScoringAggregate> completionHandler) const {
-    return last90Days().start(std::move(completionHandler));
-  }
-  Operation<ScoringAggregate> lastYear() const { return scoringService_.lastYear(); }
-  RequestHandle lastYear(Completion<ScoringAggregate> completionHandler) const {
-    return lastYear().start(std::move(completionHandler));
-  }
-  Operation<ScoringAggregate> today() const { return scoringService_.today(); }
-  RequestHandle today(Completion<ScoringAggregate> completionHandler) const {
-    return today().start(std::move(completionHandler));
-  }
+  Operation<ScoringAggregate> dateRange(Date from, Date to) const;
+  RequestHandle dateRange(Date from, Date to, Completion<ScoringAggregate> then) const;
+  Operation<ScoringAggregate> last7Days() const;
+  RequestHandle last7Days(Completion<ScoringAggregate> completionHandler) const;
+  Operation<ScoringAggregate> lastWeek() const;
+  RequestHandle lastWeek(Completion<ScoringAggregate> completionHandler) const;
+  Operation<ScoringAggregate> last30Days() const;
+  RequestHandle last30Days(Completion<ScoringAggregate> completionHandler) const;
+  Operation<ScoringAggregate> lastMonth() const;
+  RequestHandle lastMonth(Completion<ScoringAggregate> completionHandler) const;
+  Operation<ScoringAggregate> last90Days() const;
+  RequestHandle last90Days(Completion<ScoringAggregate> completionHandler) const;
+  Operation<ScoringAggregate> lastYear() const;
+  RequestHandle lastYear(Completion<ScoringAggregate> completionHandler) const;
+  Operation<ScoringAggregate> today() const;
+  RequestHandle today(Completion<ScoringAggregate> completionHandler) const;
 
  private:
   ScoringService scoringService_;

@@ -45,36 +45,78 @@ Operation<ScoringAggregate> ScoringService::dateRange(Date from, Date to) const 
   return get<ScoringAggregate>(*this, Aggregate(Aggregate::DateRange{from, to}));
 }
 
+RequestHandle ScoringService::dateRange(Date from, Date to,
+                                        Completion<ScoringAggregate> then) const {
+  return dateRange(from, to).start(std::move(then));
+}
+
 Operation<ScoringAggregate> ScoringService::last7Days() const {
   return get<ScoringAggregate>(*this, Aggregate(Aggregate::Period::last7Days));
 }
 
+RequestHandle ScoringService::last7Days(Completion<ScoringAggregate> completionHandler) const {
+  return last7Days().start(std::move(completionHandler));
+}
+
 Operation<ScoringAggregate> ScoringService::lastWeek() const { return last7Days(); }
+
+RequestHandle ScoringService::lastWeek(Completion<ScoringAggregate> completionHandler) const {
+  return lastWeek().start(std::move(completionHandler));
+}
 
 Operation<ScoringAggregate> ScoringService::last30Days() const {
   return get<ScoringAggregate>(*this, Aggregate(Aggregate::Period::last30Days));
 }
 
+RequestHandle ScoringService::last30Days(Completion<ScoringAggregate> completionHandler) const {
+  return last30Days().start(std::move(completionHandler));
+}
+
 Operation<ScoringAggregate> ScoringService::lastMonth() const { return last30Days(); }
+
+RequestHandle ScoringService::lastMonth(Completion<ScoringAggregate> completionHandler) const {
+  return lastMonth().start(std::move(completionHandler));
+}
 
 Operation<ScoringAggregate> ScoringService::last90Days() const {
   return get<ScoringAggregate>(*this, Aggregate(Aggregate::Period::last90Days));
+}
+
+RequestHandle ScoringService::last90Days(Completion<ScoringAggregate> completionHandler) const {
+  return last90Days().start(std::move(completionHandler));
 }
 
 Operation<ScoringAggregate> ScoringService::lastYear() const {
   return get<ScoringAggregate>(*this, Aggregate(Aggregate::Period::lastYear));
 }
 
+RequestHandle ScoringService::lastYear(Completion<ScoringAggregate> completionHandler) const {
+  return lastYear().start(std::move(completionHandler));
+}
+
 Operation<ScoringAggregate> ScoringService::today() const {
   return get<ScoringAggregate>(*this, Aggregate(Aggregate::Period::today));
+}
+
+RequestHandle ScoringService::today(Completion<ScoringAggregate> completionHandler) const {
+  return today().start(std::move(completionHandler));
 }
 
 Operation<ScoringAverage> ScoringService::custom(Date from, Date to) const {
   return get<ScoringAverage>(*this, Average(Average::CUSTOM{from, to}));
 }
 
+RequestHandle ScoringService::custom(Date from, Date to, Completion<ScoringAverage> then) const {
+  return custom(from, to).start(std::move(then));
+}
+
 Operation<ScoringAverage> ScoringService::fetchWeek(std::uint64_t weekNumber) const {
   return get<ScoringAverage>(*this, Average(Average::WEEK{weekNumber}));
+}
+
+RequestHandle ScoringService::fetchWeek(std::uint64_t weekNumber,
+                                        Completion<ScoringAverage> then) const {
+  return fetchWeek(weekNumber).start(std::move(then));
 }
 
 Operation<ScoringAggregate> ScoringService::fetchAggregateScoresByVehicle(std::string vehicleId,
@@ -84,10 +126,20 @@ Operation<ScoringAggregate> ScoringService::fetchAggregateScoresByVehicle(std::s
       *this, ByVehicle(ByVehicle::AggregateScoring{std::move(vehicleId), from, to}));
 }
 
+RequestHandle ScoringService::fetchAggregateScoresByVehicle(
+    std::string vehicleId, Date from, Date to, Completion<ScoringAggregate> then) const {
+  return fetchAggregateScoresByVehicle(std::move(vehicleId), from, to).start(std::move(then));
+}
+
 Operation<ScoringAverage> ScoringService::fetchAverageScoresByVehicle(std::string vehicleId,
                                                                       Date from, Date to) const {
   return get<ScoringAverage>(*this,
                              ByVehicle(ByVehicle::AverageScoring{std::move(vehicleId), from, to}));
+}
+
+RequestHandle ScoringService::fetchAverageScoresByVehicle(std::string vehicleId, Date from, Date to,
+                                                          Completion<ScoringAverage> then) const {
+  return fetchAverageScoresByVehicle(std::move(vehicleId), from, to).start(std::move(then));
 }
 
 Operation<ScoringAggregate> ScoringService::fetchLastNDaysAggregateScoresByVehicle(
@@ -97,6 +149,11 @@ Operation<ScoringAggregate> ScoringService::fetchLastNDaysAggregateScoresByVehic
                                        dates.upperBound());
 }
 
+RequestHandle ScoringService::fetchLastNDaysAggregateScoresByVehicle(
+    std::string vehicleId, std::uint64_t days, Completion<ScoringAggregate> then) const {
+  return fetchLastNDaysAggregateScoresByVehicle(std::move(vehicleId), days).start(std::move(then));
+}
+
 Operation<ScoringAverage> ScoringService::fetchLastNDaysAverageScores(
     std::optional<std::string> vehicleId, std::uint64_t days) const {
   const ClosedRange<Date> dates = lastDaysOrStop(days);
@@ -104,6 +161,12 @@ Operation<ScoringAverage> ScoringService::fetchLastNDaysAverageScores(
   const Date to = dates.upperBound();
   if (!vehicleId || vehicleId->empty()) return custom(from, to);
   return fetchAverageScoresByVehicle(*std::move(vehicleId), from, to);
+}
+
+RequestHandle ScoringService::fetchLastNDaysAverageScores(std::optional<std::string> vehicleId,
+                                                          std::uint64_t days,
+                                                          Completion<ScoringAverage> then) const {
+  return fetchLastNDaysAverageScores(std::move(vehicleId), days).start(std::move(then));
 }
 
 }  // namespace orvane

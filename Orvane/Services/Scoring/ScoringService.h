@@ -45,53 +45,33 @@ class ORVANE_EXPORT ScoringService : public SerializableService {
   /// @name The current user's scores, day by day
   /// @{
   Operation<ScoringAggregate> dateRange(Date from, Date to) const;
-  RequestHandle dateRange(Date from, Date to, Completion<ScoringAggregate> then) const {
-    return dateRange(from, to).start(std::move(then));
-  }
+  RequestHandle dateRange(Date from, Date to, Completion<ScoringAggregate> then) const;
   Operation<ScoringAggregate> last7Days() const;
-  RequestHandle last7Days(Completion<ScoringAggregate> completionHandler) const {
-    return last7Days().start(std::move(completionHandler));
-  }
+  RequestHandle last7Days(Completion<ScoringAggregate> completionHandler) const;
   /// The same as `last7Days`.
   Operation<ScoringAggregate> lastWeek() const;
-  RequestHandle lastWeek(Completion<ScoringAggregate> completionHandler) const {
-    return lastWeek().start(std::move(completionHandler));
-  }
+  RequestHandle lastWeek(Completion<ScoringAggregate> completionHandler) const;
   Operation<ScoringAggregate> last30Days() const;
-  RequestHandle last30Days(Completion<ScoringAggregate> completionHandler) const {
-    return last30Days().start(std::move(completionHandler));
-  }
+  RequestHandle last30Days(Completion<ScoringAggregate> completionHandler) const;
   /// The same as `last30Days`.
   Operation<ScoringAggregate> lastMonth() const;
-  RequestHandle lastMonth(Completion<ScoringAggregate> completionHandler) const {
-    return lastMonth().start(std::move(completionHandler));
-  }
+  RequestHandle lastMonth(Completion<ScoringAggregate> completionHandler) const;
   Operation<ScoringAggregate> last90Days() const;
-  RequestHandle last90Days(Completion<ScoringAggregate> completionHandler) const {
-    return last90Days().start(std::move(completionHandler));
-  }
+  RequestHandle last90Days(Completion<ScoringAggregate> completionHandler) const;
   /// The last 365 days.
   Operation<ScoringAggregate> lastYear() const;
-  RequestHandle lastYear(Completion<ScoringAggregate> completionHandler) const {
-    return lastYear().start(std::move(completionHandler));
-  }
+  RequestHandle lastYear(Completion<ScoringAggregate> completionHandler) const;
   Operation<ScoringAggregate> today() const;
-  RequestHandle today(Completion<ScoringAggregate> completionHandler) const {
-    return today().start(std::move(completionHandler));
-  }
+  RequestHandle today(Completion<ScoringAggregate> completionHandler) const;
   /// @}
 
   /// @name The current user's average scores
   /// @{
   Operation<ScoringAverage> custom(Date from, Date to) const;
-  RequestHandle custom(Date from, Date to, Completion<ScoringAverage> then) const {
-    return custom(from, to).start(std::move(then));
-  }
+  RequestHandle custom(Date from, Date to, Completion<ScoringAverage> then) const;
   /// The week goes by the backend's own count.
   Operation<ScoringAverage> fetchWeek(std::uint64_t weekNumber) const;
-  RequestHandle fetchWeek(std::uint64_t weekNumber, Completion<ScoringAverage> then) const {
-    return fetchWeek(weekNumber).start(std::move(then));
-  }
+  RequestHandle fetchWeek(std::uint64_t weekNumber, Completion<ScoringAverage> then) const;
   /// @}
 
   /// @name The scores of a vehicle
@@ -99,15 +79,11 @@ class ORVANE_EXPORT ScoringService : public SerializableService {
   Operation<ScoringAggregate> fetchAggregateScoresByVehicle(std::string vehicleId, Date from,
                                                             Date to) const;
   RequestHandle fetchAggregateScoresByVehicle(std::string vehicleId, Date from, Date to,
-                                              Completion<ScoringAggregate> then) const {
-    return fetchAggregateScoresByVehicle(std::move(vehicleId), from, to).start(std::move(then));
-  }
+                                              Completion<ScoringAggregate> then) const;
   Operation<ScoringAverage> fetchAverageScoresByVehicle(std::string vehicleId, Date from,
                                                         Date to) const;
   RequestHandle fetchAverageScoresByVehicle(std::string vehicleId, Date from, Date to,
-                                            Completion<ScoringAverage> then) const {
-    return fetchAverageScoresByVehicle(std::move(vehicleId), from, to).start(std::move(then));
-  }
+                                            Completion<ScoringAverage> then) const;
   /// @}
 
   /// @name The last so many calendar days
@@ -119,19 +95,14 @@ class ORVANE_EXPORT ScoringService : public SerializableService {
   Operation<ScoringAggregate> fetchLastNDaysAggregateScoresByVehicle(std::string vehicleId,
                                                                      std::uint64_t days) const;
   RequestHandle fetchLastNDaysAggregateScoresByVehicle(std::string vehicleId, std::uint64_t days,
-                                                       Completion<ScoringAggregate> then) const {
-    return fetchLastNDaysAggregateScoresByVehicle(std::move(vehicleId), days)
-        .start(std::move(then));
-  }
+                                                       Completion<ScoringAggregate> then) const;
   /// `fetchAverageScoresByVehicle` from `days` calendar days ago to now; `custom` with the same
   /// dates when the vehicle is absent or empty.
   Operation<ScoringAverage> fetchLastNDaysAverageScores(std::optional<std::string> vehicleId,
                                                         std::uint64_t days) const;
   RequestHandle fetchLastNDaysAverageScores(std::optional<std::string> vehicleId,
                                             std::uint64_t days,
-                                            Completion<ScoringAverage> then) const {
-    return fetchLastNDaysAverageScores(std::move(vehicleId), days).start(std::move(then));
-  }
+                                            Completion<ScoringAverage> then) const;
 
   /// From `days` calendar days ago, the time of day kept, to `currentDate()`. Fails with a
   /// `LastDaysError`. Any thread.

@@ -10,4 +10,9 @@ Operation<std::vector<Subscription>> SubscriptionService::fetchContractDates() c
   return get<std::vector<Subscription>>(*this, SubscriptionComposer());
 }
 
+RequestHandle SubscriptionService::fetchContractDates(
+    Completion<std::vector<Subscription>> completionHandler) const {
+  return fetchContractDates().start(std::move(completionHandler));
+}
+
 }  // namespace orvane

@@ -19,9 +19,7 @@ class ORVANE_EXPORT SubscriptionService : public SerializableService {
 
   /// Fetches the current user's contracts; none is an empty list.
   Operation<std::vector<Subscription>> fetchContractDates() const;
-  RequestHandle fetchContractDates(Completion<std::vector<Subscription>> completionHandler) const {
-    return fetchContractDates().start(std::move(completionHandler));
-  }
+  RequestHandle fetchContractDates(Completion<std::vector<Subscription>> completionHandler) const;
 };
 
 }  // namespace orvane

@@ -56,6 +56,11 @@ Operation<Trip> TripService::fetch(std::string id, SetOf<Expansion> expansions) 
       *this, TripComposer(TripComposer::Resource{std::move(id)}, std::move(expansions).elements()));
 }
 
+RequestHandle TripService::fetch(std::string id, std::set<Expansion> expansions,
+                                 Completion<Trip> then) const {
+  return fetch(std::move(id), std::move(expansions)).start(std::move(then));
+}
+
 Operation<Trips> TripService::fetch(const std::optional<User>& user, SetOf<Filter> filters,
                                     SetOf<Expansion> expansions) const {
   TripComposer::Collection collection{false, user ? user->id : std::nullopt,
@@ -63,15 +68,31 @@ Operation<Trips> TripService::fetch(const std::optional<User>& user, SetOf<Filte
   return get<Trips>(*this, TripComposer(std::move(collection), std::move(expansions).elements()));
 }
 
+RequestHandle TripService::fetch(const std::optional<User>& user, std::set<Filter> filters,
+                                 std::set<Expansion> expansions,
+                                 Completion<std::vector<Trip>> then) const {
+  return fetch(user, std::move(filters), std::move(expansions)).start(std::move(then));
+}
+
 Operation<Trips> TripService::fetchAll(SetOf<Filter> filters, SetOf<Expansion> expansions) const {
   return operation<Trips, LogbookWrapper, tripsOrStop>(
       *this, Verb::get, logbook(std::move(filters).elements(), std::move(expansions).elements()));
+}
+
+RequestHandle TripService::fetchAll(std::set<Filter> filters, std::set<Expansion> expansions,
+                                    Completion<std::vector<Trip>> then) const {
+  return fetchAll(std::move(filters), std::move(expansions)).start(std::move(then));
 }
 
 Operation<Trips> TripService::fetchAllChecked(SetOf<Filter> filters,
                                               SetOf<Expansion> expansions) const {
   return operation<Trips, LogbookWrapper, tripsOf>(
       *this, Verb::get, logbook(std::move(filters).elements(), std::move(expansions).elements()));
+}
+
+RequestHandle TripService::fetchAllChecked(std::set<Filter> filters, std::set<Expansion> expansions,
+                                           Completion<std::vector<Trip>> then) const {
+  return fetchAllChecked(std::move(filters), std::move(expansions)).start(std::move(then));
 }
 
 TripPageReader TripService::pages(TripPages pages) const {
@@ -104,11 +125,21 @@ Operation<Trips> TripService::fetchPages(TripPages pages) const {
       Effect::reads);
 }
 
+RequestHandle TripService::fetchPages(TripPages pages, Completion<std::vector<Trip>> then) const {
+  return fetchPages(std::move(pages)).start(std::move(then));
+}
+
 Operation<Trip> TripService::update(const Trip& trip, std::optional<TransportMode> transportMode,
                                     std::optional<Trip::Purpose> purpose) const {
   const bool changesSomething = transportMode || purpose;
   precondition(trip.id || !changesSomething, "a trip without an id can't be updated");
   return update(trip.id.value_or(std::string()), transportMode, purpose);
+}
+
+RequestHandle TripService::update(const Trip& trip, std::optional<TransportMode> transportMode,
+                                  std::optional<Trip::Purpose> purpose,
+                                  Completion<Trip> then) const {
+  return update(trip, transportMode, purpose).start(std::move(then));
 }
 
 Operation<Trip> TripService::update(std::string tripID, std::optional<TransportMode> transportMode,
@@ -120,8 +151,24 @@ Operation<Trip> TripService::update(std::string tripID, std::optional<TransportM
                     TripComposer(TripComposer::Update{std::move(tripID), transportMode, purpose}));
 }
 
+RequestHandle TripService::update(std::string tripID, std::optional<TransportMode> transportMode,
+                                  std::optional<Trip::Purpose> purpose,
+                                  Completion<Trip> then) const {
+  return update(std::move(tripID), transportMode, purpose).start(std::move(then));
+}
+
 Operation<Trips> TripService::fetchTripsByVehicle(TripsByVehicle trips) const {
   return get<Trips>(*this, VehicleTripsComposer(std::move(trips)));
+}
+
+RequestHandle TripService::fetchTripsByVehicle(
+    TripsByVehicle trips, Completion<std::vector<Trip>> completionHandler) const {
+  return fetchTripsByVehicle(std::move(trips)).start(std::move(completionHandler));
+}
+
+RequestHandle TripService::fetchPages(TripPages pages, TripPageHandler onPage,
+                                      Completion<Unit> then) const {
+  return fetchPages(std::move(pages), std::move(onPage)).start(std::move(then));
 }
 
 }  // namespace orvane

@@ -73,18 +73,14 @@ class ORVANE_EXPORT TripService : public SerializableService {
 
   /// Fetches one trip.
   Operation<Trip> fetch(std::string id, SetOf<Expansion> expansions = {}) const;
-  RequestHandle fetch(std::string id, std::set<Expansion> expansions, Completion<Trip> then) const {
-    return fetch(std::move(id), std::move(expansions)).start(std::move(then));
-  }
+  RequestHandle fetch(std::string id, std::set<Expansion> expansions, Completion<Trip> then) const;
 
   /// Fetches the trips of a user: of the current one when there is no user, or one without an id.
   /// An empty answer is `NetworkError::noData`.
   Operation<std::vector<Trip>> fetch(const std::optional<User>& user, SetOf<Filter> filters = {},
                                      SetOf<Expansion> expansions = {}) const;
   RequestHandle fetch(const std::optional<User>& user, std::set<Filter> filters,
-                      std::set<Expansion> expansions, Completion<std::vector<Trip>> then) const {
-    return fetch(user, std::move(filters), std::move(expansions)).start(std::move(then));
-  }
+                      std::set<Expansion> expansions, Completion<std::vector<Trip>> then) const;
 
   /// Fetches the current user's logbook. An empty answer to this request is an empty list;
   /// `NetworkError::noData` of the steps before it stays an error. An answer without its list of
@@ -92,17 +88,13 @@ class ORVANE_EXPORT TripService : public SerializableService {
   Operation<std::vector<Trip>> fetchAll(SetOf<Filter> filters = {},
                                         SetOf<Expansion> expansions = {}) const;
   RequestHandle fetchAll(std::set<Filter> filters, std::set<Expansion> expansions,
-                         Completion<std::vector<Trip>> then) const {
-    return fetchAll(std::move(filters), std::move(expansions)).start(std::move(then));
-  }
+                         Completion<std::vector<Trip>> then) const;
 
   /// The same, with `NetworkError::invalidResponseData` where `fetchAll` stops the process.
   Operation<std::vector<Trip>> fetchAllChecked(SetOf<Filter> filters = {},
                                                SetOf<Expansion> expansions = {}) const;
   RequestHandle fetchAllChecked(std::set<Filter> filters, std::set<Expansion> expansions,
-                                Completion<std::vector<Trip>> then) const {
-    return fetchAllChecked(std::move(filters), std::move(expansions)).start(std::move(then));
-  }
+                                Completion<std::vector<Trip>> then) const;
 
   /// A list of trips of any length, to be read page by page:
   ///
@@ -133,17 +125,13 @@ class ORVANE_EXPORT TripService : public SerializableService {
   Operation<Trip> update(const Trip& trip, std::optional<TransportMode> transportMode,
                          std::optional<Trip::Purpose> purpose = {}) const;
   RequestHandle update(const Trip& trip, std::optional<TransportMode> transportMode,
-                       std::optional<Trip::Purpose> purpose, Completion<Trip> then) const {
-    return update(trip, transportMode, purpose).start(std::move(then));
-  }
+                       std::optional<Trip::Purpose> purpose, Completion<Trip> then) const;
 
   /// The same by the trip's id.
   Operation<Trip> update(std::string tripID, std::optional<TransportMode> transportMode,
                          std::optional<Trip::Purpose> purpose = {}) const;
   RequestHandle update(std::string tripID, std::optional<TransportMode> transportMode,
-                       std::optional<Trip::Purpose> purpose, Completion<Trip> then) const {
-    return update(std::move(tripID), transportMode, purpose).start(std::move(then));
-  }
+                       std::optional<Trip::Purpose> purpose, Completion<Trip> then) const;
 
   /// Fetches the trips of a vehicle. An empty answer is `NetworkError::noData`.
   Operation<std::vector<Trip>> fetchTripsByVehicle(TripsByVehicle trips) const;
@@ -216,17 +204,5 @@ template <class OnPage>
            std::is_invocable_v<OnPage&, std::vector<Trip>>)
 Operation<Unit> TripService::fetchPages(TripPages pages, OnPage onPage)
 const { return walk(std::move(pages), std::move(onPage)); }
-inline RequestHandle TripService::fetchPages(TripPages pages, TripPageHandler onPage,
-                                             Completion<Unit> then) const {
-  return fetchPages(std::move(pages), std::move(onPage)).start(std::move(then));
-}
-inline RequestHandle TripService::fetchPages(TripPages pages,
-                                             Completion<std::vector<Trip>> then) const {
-  return fetchPages(std::move(pages)).start(std::move(then));
-}
-inline RequestHandle TripService::fetchTripsByVehicle(
-    TripsByVehicle trips, Completion<std::vector<Trip>> completionHandler) const {
-  return fetchTripsByVehicle(std::move(trips)).start(std::move(completionHandler));
-}
 
 }  // namespace orvane

@@ -65,24 +65,18 @@ class ORVANE_EXPORT UserService : public SerializableService {
   /// Fetches the user with the given id, or the current one when it is absent.
   Operation<User> fetch(std::optional<std::string> id = {}, SetOf<Expansion> expansions = {}) const;
   RequestHandle fetch(std::optional<std::string> id, std::set<Expansion> expansions,
-                      Completion<User> then) const {
-    return fetch(std::move(id), std::move(expansions)).start(std::move(then));
-  }
+                      Completion<User> then) const;
 
   /// Updates the current user's profile and answers the updated user. A text that is not UTF-8
   /// fails with `DataError`, a day of birth that the device's calendar can't form with
   /// `NetworkError::malformedRequest`; nothing is sent then.
   Operation<User> update(UserUpdate update) const;
-  RequestHandle update(UserUpdate update, Completion<User> then) const {
-    return this->update(std::move(update)).start(std::move(then));
-  }
+  RequestHandle update(UserUpdate update, Completion<User> then) const;
 
   /// Updates the current user's address and answers the updated user. A text that is not UTF-8
   /// fails with `DataError`.
   Operation<User> updateAddress(UserAddressUpdate update) const;
-  RequestHandle updateAddress(UserAddressUpdate update, Completion<User> then) const {
-    return updateAddress(std::move(update)).start(std::move(then));
-  }
+  RequestHandle updateAddress(UserAddressUpdate update, Completion<User> then) const;
 };
 
 template <>

@@ -11,12 +11,25 @@ Operation<std::vector<Vehicle>> VehicleService::getAllVehicles(SetOf<Expansion> 
       *this, VehicleComposer(VehicleComposer::Vehicles{}, std::move(expansions).elements()));
 }
 
+RequestHandle VehicleService::getAllVehicles(std::set<Expansion> expansions,
+                                             Completion<std::vector<Vehicle>> then) const {
+  return getAllVehicles(std::move(expansions)).start(std::move(then));
+}
+
 Operation<Vehicle> VehicleService::getVehicleFor(std::string vehicleIdentity,
                                                  SetOf<Expansion> expansions,
                                                  std::optional<std::string> plate) const {
   VehicleComposer::OneVehicle vehicle{std::move(vehicleIdentity)};
   return get<Vehicle>(*this, VehicleComposer(std::move(vehicle), std::move(expansions).elements(),
                                              std::move(plate)));
+}
+
+RequestHandle VehicleService::getVehicleFor(std::string vehicleIdentity,
+                                            std::set<Expansion> expansions,
+                                            std::optional<std::string> plate,
+                                            Completion<Vehicle> then) const {
+  return getVehicleFor(std::move(vehicleIdentity), std::move(expansions), std::move(plate))
+      .start(std::move(then));
 }
 
 }  // namespace orvane

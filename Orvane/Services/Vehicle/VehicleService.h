@@ -29,18 +29,13 @@ class ORVANE_EXPORT VehicleService : public SerializableService {
   /// Fetches the current user's vehicles.
   Operation<std::vector<Vehicle>> getAllVehicles(SetOf<Expansion> expansions = {}) const;
   RequestHandle getAllVehicles(std::set<Expansion> expansions,
-                               Completion<std::vector<Vehicle>> then) const {
-    return getAllVehicles(std::move(expansions)).start(std::move(then));
-  }
+                               Completion<std::vector<Vehicle>> then) const;
 
   /// Fetches one vehicle, by its plate where one is given.
   Operation<Vehicle> getVehicleFor(std::string vehicleIdentity, SetOf<Expansion> expansions = {},
                                    std::optional<std::string> plate = {}) const;
   RequestHandle getVehicleFor(std::string vehicleIdentity, std::set<Expansion> expansions,
-                              std::optional<std::string> plate, Completion<Vehicle> then) const {
-    return getVehicleFor(std::move(vehicleIdentity), std::move(expansions), std::move(plate))
-        .start(std::move(then));
-  }
+                              std::optional<std::string> plate, Completion<Vehicle> then) const;
 };
 
 template <>

@@ -163,4 +163,9 @@ Operation<FirmwarePackage> WedgeFirmwareService::downloadPackage(
       Effect::reads);
 }
 
+RequestHandle WedgeFirmwareService::downloadPackage(DownloadProgressHandler progress,
+                                                    Completion<FirmwarePackage> then) const {
+  return downloadPackage(std::move(progress)).start(std::move(then));
+}
+
 }  // namespace orvane

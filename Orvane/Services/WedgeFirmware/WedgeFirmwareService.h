@@ -100,9 +100,7 @@ class ORVANE_EXPORT WedgeFirmwareService {
   /// The same, with the package as the value.
   Operation<FirmwarePackage> downloadPackage(DownloadProgressHandler progress = {}) const;
   RequestHandle downloadPackage(DownloadProgressHandler progress,
-                                Completion<FirmwarePackage> then) const {
-    return downloadPackage(std::move(progress)).start(std::move(then));
-  }
+                                Completion<FirmwarePackage> then) const;
 
   /// The folder for downloads, as a file's URL; absent where there is no documents folder.
   std::optional<URL> firmwareLocation;

@@ -131,7 +131,7 @@ static_assert(!Awaitable<Task<int>&>, "a second waiting is refused by the compil
 // Three threads at one operation that a task awaits: who answers, who cancels it, and who gives the
 // task up. Each of a round's tasks goes on once, and nothing is left behind.
 TEST(TaskRaceTest, everyTaskGoesOnOnce) {
-  constexpr int rounds = 20'000;
+  constexpr int rounds = 100'000;
   std::atomic<int> ended = 0;
   std::atomic<int> told = 0;
   const auto counting = [&](Operation<std::string> operation) -> Task<int> {

@@ -117,6 +117,30 @@ TEST_P(CallTest, sendsNothingWithoutDetailsOrURL) {
   EXPECT_TRUE(foundation.requestManager->calls().empty());
 }
 
+TEST_P(CallTest, tellsWhatWasAskedForAndFound) {
+  const Error refused = NetworkError::invalidStatusCode(404);
+  const std::string unreadable = "GET users/42: the backend's answer is not what was asked for: ";
+  const std::pair<Answer, std::string> rows[] = {
+      {refused.with({.status = 404, .reason = "No such user."}),
+       "GET users/42: the backend refused the request with status 404: No such user."},
+      {Error(HostError{}), "GET users/42: the host's own"},
+      {"", "GET users/42: the backend's answer is empty"},
+      {R"({"userId":17})", unreadable + "userId: a text was expected, found the number 17"},
+      {R"({"driverType":"a"})",
+       unreadable + "driverType: Unknown value found when decoding DriverType"},
+      {"<!DOCTYPE html><html><title>Log in</title>",
+       unreadable + "JSON was expected, found an HTML page, \"Log in\""},
+  };
+  for (const auto& [given, description] : rows) {
+    answer(given);
+    EXPECT_EQ(fetch().error()->description(), description);
+  }
+  resolveTo(Error(HostError{}).with({.operation = "GET identity"}));
+  EXPECT_EQ(fetch().error()->description(), "GET identity: the host's own");
+  resolveTo(Error(HostError{}));
+  EXPECT_EQ(fetch().error()->description(), "GET users/{userId}: the host's own");
+}
+
 TEST_P(CallTest, goesOnWithoutItsService) {
   const Outcome<User> outcome;
   std::optional<UserService> users(std::in_place, identity);
