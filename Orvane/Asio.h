@@ -105,6 +105,36 @@ class AnswerOnce {
   std::shared_ptr<State> state_;
 };
 
+/// Starts an operation for a completion handler.
+template <class T, class Executor>
+class Initiation {
+ public:
+  using executor_type = Executor;
+
+  explicit Initiation(const Executor& executor) : executor_(executor) {}
+
+  [[nodiscard]] executor_type get_executor() const noexcept { return executor_; }
+
+  template <class Handler>
+  void operator()(Handler&& handler, const Operation<T>& operation) const {
+    using State = Initiated<T, std::decay_t<Handler>, Executor>;
+    const auto state = std::make_shared<State>(std::forward<Handler>(handler), executor_);
+    auto slot = state->slot();
+    const auto request = std::make_shared<RequestBox>();
+    if (slot.is_connected()) {
+      slot.assign([request, late = std::weak_ptr<State>(state)](auto) {
+        const auto waiting = late.lock();
+        request->cancel();
+        if (waiting) waiting->answer(Cancelled{});
+      });
+    }
+    request->step([&] { return operation.start(AnswerOnce<T, State>(state)); });
+  }
+
+ private:
+  Executor executor_;
+};
+
 }  // namespace detail
 
 /// The operation as an asynchronous operation of Asio's, of the signature `void(Result<T>)`, for
@@ -117,26 +147,13 @@ class AnswerOnce {
 /// What is posted is allocated by its associated allocator. Work is outstanding there until it has
 /// been, so that an `io_context` keeps running. Its cancellation slot cancels the operation (of all
 /// kinds of cancellation: nothing is left behind by any), which completes with `Cancelled` then. It
-/// can be initiated from any thread; the main queue has to be drained as for any other use.
+/// can be initiated from any thread; the main queue has to be drained as for any other use. The
+/// context must outlive what is under way there: shut the Runtime down first.
 template <class T, class Executor, class CompletionToken>
   requires(!std::is_convertible_v<Executor&, detail::library::execution_context&>)
 auto async(Operation<T> operation, const Executor& executor, CompletionToken&& token) {
   return detail::library::async_initiate<CompletionToken, void(Result<T>)>(
-      [executor](auto handler, Operation<T> started) {
-        using State = detail::Initiated<T, decltype(handler), Executor>;
-        const auto state = std::make_shared<State>(std::move(handler), executor);
-        auto slot = state->slot();
-        const auto request = std::make_shared<RequestBox>();
-        if (slot.is_connected()) {
-          slot.assign([request, late = std::weak_ptr<State>(state)](auto) {
-            const auto waiting = late.lock();
-            request->cancel();
-            if (waiting) waiting->answer(Cancelled{});
-          });
-        }
-        request->step([&] { return started.start(detail::AnswerOnce<T, State>(state)); });
-      },
-      token, std::move(operation));
+      detail::Initiation<T, Executor>(executor), token, std::move(operation));
 }
 
 /// The same with the executor of a context.

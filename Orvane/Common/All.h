@@ -62,7 +62,10 @@ class PartHandler {
   ~PartHandler() {
     if (!gathering_ || gathering_->isFinished()) return;
     // Not here: who lets go of a handler may hold a lock.
-    MainQueue::main().async([self = std::move(*this)]() mutable { self(Cancelled{}); });
+    MainQueue::main().async([gathering = std::move(gathering_), part = part_, place = place_] {
+      *place = Cancelled{};
+      gathering->finished(part);
+    });
   }
 
   void operator()(Result<T> result) {

@@ -5,9 +5,11 @@
 #include <Orvane/Common/Future.h>
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Common/Request.h>
+#include <Orvane/Platform/Fatal.h>
 #include <Orvane/Platform/Result.h>
 
 #include <atomic>
+#include <concepts>
 #include <coroutine>
 #include <cstdint>
 #include <memory>
@@ -63,7 +65,11 @@ class [[nodiscard]] Awaiting {
     if (state_ && state_->gate.claim() && state_->request) state_->request->cancel();
   }
 
-  [[nodiscard]] bool await_ready() const noexcept { return false; }
+  [[nodiscard]] bool await_ready(
+      const SourceLocation& place = SourceLocation::current()) const noexcept {
+    precondition(source_ != nullptr, "an operation that was moved from can't be used", place);
+    return false;
+  }
 
   /// A promise that has a `scope()`, as that of `Task` has, hands it the operation under way: who
   /// cancels the scope lets the coroutine go on with `Cancelled`, now and from then on.
@@ -76,7 +82,9 @@ class [[nodiscard]] Awaiting {
       state->request = start_(source_, Completion<T>(Handler(state)));
       return state;
     };
-    if constexpr (requires { coroutine.promise().scope(); }) {
+    if constexpr (requires {
+                    { coroutine.promise().scope() } -> std::same_as<RequestBox*>;
+                  }) {
       if (RequestBox* scope = coroutine.promise().scope()) {
         if (scope->cancelled()) return state->goOnWithout();
         scope->step(start);

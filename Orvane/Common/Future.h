@@ -5,6 +5,7 @@
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Common/Request.h>
 #include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/Fatal.h>
 #include <Orvane/Platform/Result.h>
 
 #include <chrono>
@@ -103,11 +104,13 @@ class [[nodiscard]] Future {
 
   [[nodiscard]] Result<T> take() {
     MainQueue::main().wait(settled());
+    precondition(!std::exchange(isTaken_, true), "the outcome of a future can be taken only once");
     return state_->outcome ? *std::move(state_->outcome) : Result<T>(Cancelled{});
   }
 
   std::shared_ptr<State> state_;
   RequestHandle request_;
+  bool isTaken_ = false;
 };
 
 }  // namespace orvane

@@ -51,7 +51,7 @@ std::string reasonIn(std::string_view body) {
   const std::size_t begin = body.find_first_not_of(" \t\r\n");
   if (begin == std::string_view::npos) return {};
   body.remove_prefix(begin);
-  if (positionOf("<html", body.substr(0, longestHead)) != std::string_view::npos) {
+  if (body.front() == '<' && positionOf("<html", body.substr(0, longestHead)) != body.npos) {
     const std::string title = titleOf(body.substr(0, longestHead));
     return title.empty() ? "an HTML page" : concatenated({"an HTML page, \"", title, "\""});
   }

@@ -47,8 +47,8 @@ concept StartsOperation = requires(Start& start, Completion<T> then) {
 ///     auto trip = trips.fetch("17").wait();                   // where a thread may block
 ///     auto trip = co_await trips.fetch("17").within(5s);      // in any coroutine
 ///
-/// One that has been moved from is good for assignment and destruction only; using it stops the
-/// process with the line of the use.
+/// One that has been moved from is good for assignment and destruction only; using it is a
+/// programming fault that stops the process.
 template <class T>
 class [[nodiscard]] Operation {
  public:
@@ -72,7 +72,8 @@ class [[nodiscard]] Operation {
       : source_(std::move(source)), start_(by), effect_(effect) {}
 
   /// An operation that answers `result` inside the call that starts it.
-  [[nodiscard]] static Operation answering(Result<T> result, Effect effect = Effect::reads) {
+  [[nodiscard]] static Operation answering(
+      Result<T> result, Effect effect = Effect::reads) requires(std::copyable<T>) {
     return Operation(
         [result = std::move(result)](Completion<T> handler) {
           handler(result);
@@ -120,12 +121,10 @@ class [[nodiscard]] Operation {
   ///
   /// The coroutine goes on on the thread on which a handler would be called, without a further
   /// hop; at once where the answer is at hand. Where the operation is cancelled, by whomever, it
-  /// goes on with `Cancelled`, on the main queue. A coroutine that is destroyed while it waits
-  /// cancels the operation; that must not happen while it is about to go on on another thread.
-  [[nodiscard]] Awaiting<T> operator co_await() const {
-    checkUse(SourceLocation::current());
-    return Awaiting<T>(start_, source_);
-  }
+  /// goes on with `Cancelled`: inside `request_stop()` for `cancelledBy`, else on the main queue. A
+  /// coroutine that is destroyed while it waits cancels the operation; that must not happen while
+  /// another thread is about to let it go on.
+  [[nodiscard]] Awaiting<T> operator co_await() const { return Awaiting<T>(start_, source_); }
 
   /// @name To change how it is done
   /// @{
@@ -138,7 +137,7 @@ class [[nodiscard]] Operation {
     checkUse(place);
     return Operation(
         [operation = *this, limit, &timers](Completion<T> handler) -> RequestHandle {
-          if (limit <= limit.zero()) return answering(TimedOut{}).start(std::move(handler));
+          if (limit <= limit.zero()) return failing(TimedOut{}, std::move(handler));
           const auto relay = std::make_shared<Limited>(std::move(handler));
           relay->timer = timers.after(limit, [late = std::weak_ptr(relay)] {
             if (const auto kept = late.lock()) kept->interrupt(TimedOut{});
@@ -156,7 +155,7 @@ class [[nodiscard]] Operation {
     checkUse(place);
     return Operation(
         [operation = *this, token = std::move(token)](Completion<T> handler) -> RequestHandle {
-          if (token.stop_requested()) return answering(Cancelled{}).start(std::move(handler));
+          if (token.stop_requested()) return failing(Cancelled{}, std::move(handler));
           const auto relay = std::make_shared<Stoppable>(std::move(handler));
           auto request = relay->pass(operation, relay);
           relay->onStop.emplace(token, Stop{relay});
@@ -208,6 +207,11 @@ class [[nodiscard]] Operation {
     std::optional<std::stop_callback<Stop>> onStop;
   };
 #endif
+
+  static RequestHandle failing(Error error, Completion<T> handler) {
+    handler(std::move(error));
+    return std::make_shared<EmptyRequest>();
+  }
 
   void checkUse(const SourceLocation& place) const {
     precondition(source_ != nullptr, "an operation that was moved from can't be used", place);

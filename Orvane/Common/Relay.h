@@ -27,6 +27,7 @@ class Relay {
   template <class Operation, class Self, class HandOn>
   RequestHandle pass(const Operation& operation, std::shared_ptr<Self> self, HandOn handOn) {
     const std::shared_ptr<RequestBox> box = box_;
+    if (!box->isPending()) return box;
     box->step([&] {
       return operation.start([self = std::move(self), handOn](Result<T> result) mutable {
         handOn(std::move(self), std::move(result));

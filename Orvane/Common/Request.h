@@ -61,6 +61,11 @@ class ORVANE_EXPORT RequestBox final : public Request {
     return state_.load(std::memory_order_acquire) == State::cancelled;
   }
 
+  /// True until the box is claimed or cancelled: while there is something to go on with.
+  [[nodiscard]] bool isPending() const noexcept {
+    return state_.load(std::memory_order_acquire) == State::pending;
+  }
+
   /// Takes the outcome: true for exactly one caller, unless the box has been cancelled. Whoever
   /// gets true calls the handler and then `finish()`; better use `complete`.
   [[nodiscard]] bool claim();

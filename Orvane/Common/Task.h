@@ -8,6 +8,7 @@
 #include <Orvane/Platform/Fatal.h>
 #include <Orvane/Platform/UniqueFunction.h>
 
+#include <concepts>
 #include <coroutine>
 #include <exception>
 #include <memory>
@@ -119,7 +120,9 @@ class [[nodiscard]] Task {
     [[nodiscard]] bool await_ready() const noexcept { return false; }
     template <class Promise>
     Coroutine await_suspend(std::coroutine_handle<Promise> by) noexcept {
-      if constexpr (requires { by.promise().scope(); }) {
+      if constexpr (requires {
+                      { by.promise().scope() } -> std::same_as<RequestBox*>;
+                    }) {
         coroutine.promise().enterScope(by.promise().scope());
       }
       coroutine.promise().continueWith(by);

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Common/Logger.h>
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Common/Timers.h>
 #include <Orvane/Platform/Deadline.h>
-
-#include <pthread.h>
+#include <Orvane/Platform/Signals.h>
 
 #include <atomic>
 #include <condition_variable>
@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -45,14 +46,18 @@ class ThreadTimers final : public Timers {
   RequestHandle after(std::chrono::milliseconds pause, UniqueFunction<void()> job) override {
     auto timer = std::make_shared<Timer>(*this);
     timer->job_ = std::move(job);
-    const std::scoped_lock lock(mutex_);
-    timer->place_ = waiting_.emplace(deadlineAfter(pause), timer);
-    if (!isRunning_) {
-      std::thread([this] { run(); }).detach();
-      isRunning_ = true;
-    } else if (timer->place_ == waiting_.begin()) {
-      changed_.notify_one();
+    bool isStuck = false;
+    {
+      const std::scoped_lock lock(mutex_);
+      timer->place_ = waiting_.emplace(deadlineAfter(pause), timer);
+      if (!isRunning_) {
+        isRunning_ = begin();
+        isStuck = !isRunning_;
+      } else if (timer->place_ == waiting_.begin()) {
+        changed_.notify_one();
+      }
     }
+    if (isStuck) log.e("No thread can be started for timers: limits of time do not hold.");
     return timer;
   }
 
@@ -73,7 +78,17 @@ class ThreadTimers final : public Timers {
   }
 
  private:
+  [[nodiscard]] bool begin() {
+    try {
+      std::thread([this] { run(); }).detach();
+      return true;
+    } catch (const std::system_error&) {
+      return false;  // the next one tries again
+    }
+  }
+
   void run() {
+    blockSignals();
     MainQueue::forbidWaitingOnThisThread();
     std::unique_lock lock(mutex_);
     while (true) {
@@ -120,8 +135,10 @@ Timers::~Timers() = default;
 
 Timers& Timers::ofProcess() {
   static std::atomic<ThreadTimers*> timers = [] {
-    // A forked child has neither the thread nor, perhaps, the lock.
+  // A forked child has neither the thread nor, perhaps, the lock.
+#ifndef _WIN32
     pthread_atfork(nullptr, nullptr, [] { timers = new ThreadTimers; });
+#endif
     return new ThreadTimers;
   }();
   return *timers;

@@ -32,6 +32,12 @@ inline constexpr bool isResult = false;
 template <class T>
 inline constexpr bool isResult<Result<T>> = true;
 
+// Values that are made of outcomes, and so of anything that an outcome is made of.
+template <class T>
+inline constexpr bool isMadeOfResults = false;
+template <template <class...> class Several, class... T>
+inline constexpr bool isMadeOfResults<Several<Result<T>...>> = sizeof...(T) > 0;
+
 template <class T>
 using ValueOrUnit = std::conditional_t<std::is_void_v<T>, Unit, std::remove_cvref_t<T>>;
 
@@ -52,7 +58,7 @@ class Result {
   Result(T value) : value_(std::move(value)) {}      // NOLINT(google-explicit-constructor)
   Result(Error error) : error_(std::move(error)) {}  // NOLINT(google-explicit-constructor)
   template <ErrorValue E>
-    requires(!std::constructible_from<T, E>)
+    requires(detail::isMadeOfResults<T> || !std::constructible_from<T, E>)
   Result(E error) : error_(std::move(error)) {}  // NOLINT(google-explicit-constructor)
 
   /// Present exactly on success.
@@ -96,6 +102,10 @@ class Result {
     return goOn(*this, std::forward<Next>(next));
   }
   template <class Next>
+  auto and_then(Next&& next) & {
+    return goOn(*this, std::forward<Next>(next));
+  }
+  template <class Next>
   auto and_then(Next&& next) && {
     return goOn(std::move(*this), std::forward<Next>(next));
   }
@@ -107,26 +117,24 @@ class Result {
     return convert(*this, std::forward<Make>(make));
   }
   template <class Make>
+  auto transform(Make&& make) & {
+    return convert(*this, std::forward<Make>(make));
+  }
+  template <class Make>
   auto transform(Make&& make) && {
     return convert(std::move(*this), std::forward<Make>(make));
   }
 
-  /// On failure what `recover` makes of it, itself a `Result<T>`; the same success otherwise. What
-  /// takes an `Error` is not asked about a failure without one, which stays; what takes a
-  /// `std::optional<Error>` is.
+  /// On failure what `recover` makes of its error, itself a `Result<T>`; the same success, or
+  /// failure without an error, otherwise.
   template <class Recover>
   Result or_else(Recover&& recover) const& {
     return Result(*this).or_else(std::forward<Recover>(recover));
   }
   template <class Recover>
   Result or_else(Recover&& recover) && {
-    if (value_) return std::move(*this);
-    if constexpr (std::is_invocable_v<Recover, std::optional<Error>>) {
-      return std::invoke(std::forward<Recover>(recover), std::move(error_));
-    } else {
-      return error_ ? std::invoke(std::forward<Recover>(recover), *std::move(error_))
-                    : std::move(*this);
-    }
+    if (!error_) return std::move(*this);
+    return std::invoke(std::forward<Recover>(recover), *std::move(error_));
   }
 
   /// The same failure of another type. To be called on a failure.

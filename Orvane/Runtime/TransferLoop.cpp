@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Platform/Deadline.h>
+#include <Orvane/Platform/Signals.h>
 #include <Orvane/Runtime/ConfiguredProxy.h>
 #include <Orvane/Runtime/CurlErrors.h>
 #include <Orvane/Runtime/TransferLoop.h>
@@ -56,17 +57,6 @@ CURLM* makeMulti(const TransportOptions& options) {
   curl_multi_setopt(multi, CURLMOPT_MAX_HOST_CONNECTIONS, perHost);
   curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, std::max(mostConnections, perHost));
   return multi;
-}
-
-// Signals belong to the application's threads; a broken pipe is an error of the transfer. What a
-// thread brings on itself stays, for the sake of crash handlers and profilers.
-void blockSignals() {
-  sigset_t signals;
-  sigfillset(&signals);
-  for (const int own : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS, SIGPROF}) {
-    sigdelset(&signals, own);
-  }
-  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
 
 }  // namespace

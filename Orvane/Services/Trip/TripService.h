@@ -186,13 +186,14 @@ class ORVANE_EXPORT TripPageReader {
   TripPageReader(const TripService& service, TripPages pages);
 
   /// The next page, in the backend's order. Behind the last one there is a failure without an
-  /// error, and nothing is sent. After any other failure the same page is asked for again. To be
-  /// started when the page before is there: anything else is a programming fault.
+  /// error, and nothing is sent. After any other failure, one that came of `within` or of
+  /// cancelling included, the same page is asked for again; a page that comes late then counts no
+  /// more.
   [[nodiscard]] Operation<std::vector<Trip>> next() const;
 
-  /// Why the last page asked for is not there; absent where it is, and at the end of the list. Not
-  /// to be called while a page is under way.
-  [[nodiscard]] const std::optional<Error>& error() const noexcept;
+  /// Why the last page asked for is not there: `Cancelled` while it is under way, and where it was
+  /// given up. Absent where it is there, and at the end of the list.
+  [[nodiscard]] std::optional<Error> error() const;
 
  private:
   struct State;

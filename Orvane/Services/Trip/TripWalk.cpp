@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Common/NetworkError.h>
-#include <Orvane/Platform/Fatal.h>
 #include <Orvane/Services/Trip/TripComposer.h>
 #include <Orvane/Services/Trip/TripWalk.h>
 
+#include <cstdint>
+#include <mutex>
 #include <utility>
 
 namespace orvane {
@@ -71,73 +72,58 @@ void TripWalk::finish(Result<Unit> outcome) {
   box_->complete(then_, std::move(outcome));
 }
 
+// The pages that are asked for are numbered, so that one that has been given up changes nothing
+// when it comes all the same.
 struct TripPageReader::State {
   explicit State(TripCursor first) : cursor(std::move(first)) {}
 
+  std::mutex mutex;
   TripCursor cursor;
-  std::atomic<bool> isUnderWay = false;
+  std::uint64_t asked = 0;
   bool isOver = false;
   std::optional<Error> error;
-};
 
-namespace {
-
-// Who asks for a page, until it is there or has been given up.
-template <class State>
-class Turn {
- public:
-  explicit Turn(std::shared_ptr<State> state) : state_(std::move(state)) {
-    precondition(!state_->isUnderWay.exchange(true), "the page before is still under way");
-  }
-  Turn(Turn&&) noexcept = default;
-  Turn& operator=(Turn&&) = delete;
-  Turn(const Turn&) = delete;
-  Turn& operator=(const Turn&) = delete;
-  ~Turn() {
-    if (state_) state_->isUnderWay = false;
+  // What to ask for; absent at the end.
+  std::optional<Operation<std::vector<Trip>>> begin(std::uint64_t& number) {
+    const std::scoped_lock lock(mutex);
+    number = ++asked;
+    error = isOver ? std::nullopt : std::optional<Error>(Cancelled{});
+    if (isOver) return std::nullopt;
+    return cursor.page();
   }
 
-  State* operator->() const noexcept { return state_.get(); }
-  void end() noexcept { std::exchange(state_, nullptr)->isUnderWay = false; }
-
- private:
-  std::shared_ptr<State> state_;
+  // The answer, having gone on behind it.
+  Result<std::vector<Trip>> end(std::uint64_t number, Result<std::vector<Trip>> answer) {
+    const std::scoped_lock lock(mutex);
+    if (!answer) answer = answer.errorOr(NetworkError::unknown);
+    if (number != asked) return answer;
+    if (answer) {
+      const Result<bool> hasMore = cursor.advance(*answer);
+      if (!hasMore) answer = *hasMore.error();
+      isOver = hasMore && !*hasMore;
+    }
+    error = answer.error();
+    return answer;
+  }
 };
-
-}  // namespace
 
 TripPageReader::TripPageReader(const TripService& service, TripPages pages)
     : state_(std::make_shared<State>(TripCursor(service, std::move(pages)))) {}
 
-const std::optional<Error>& TripPageReader::error() const noexcept { return state_->error; }
+std::optional<Error> TripPageReader::error() const {
+  const std::scoped_lock lock(state_->mutex);
+  return state_->error;
+}
 
 Operation<std::vector<Trip>> TripPageReader::next() const {
   using Trips = std::vector<Trip>;
   const auto start = [state = state_](Completion<Trips> then) -> RequestHandle {
-    Turn turn(state);
-    turn->error = std::nullopt;
-    if (turn->isOver) {
-      turn.end();
-      then(Result<Trips>());
-      return std::make_shared<EmptyRequest>();
-    }
-    const Operation<Trips> page = turn->cursor.page();
-    return page.start(
-        [turn = std::move(turn), then = std::move(then)](Result<Trips> answer) mutable {
-          if (answer) {
-            const Result<bool> hasMore = turn->cursor.advance(*answer);
-            if (hasMore) {
-              turn->isOver = !*hasMore;
-            } else {
-              answer = *hasMore.error();
-            }
-          } else {
-            answer = answer.errorOr(NetworkError::unknown);
-          }
-          turn->error = answer.error();
-          turn.end();
-          then(std::move(answer));
-        });
+    std::uint64_t number = 0;
+    const auto page = state->begin(number);
+    if (!page) return Operation<Trips>::answering(Result<Trips>()).start(std::move(then));
+    return page->start([state, number, then = std::move(then)](Result<Trips> answer) mutable {
+      then(state->end(number, std::move(answer)));
+    });
   };
   return Operation<Trips>(start, Effect::reads);
 }

@@ -13,8 +13,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <coroutine>
 #include <exception>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -227,6 +229,59 @@ TEST_P(EndingTest, comesNotAfterTheCoroutineIsGone) {
   EXPECT_FALSE(outcome.isHeld());
 }
 
+// On which thread a coroutine goes on.
+TEST(OperationThreadTest, isTheOneOnWhichTheOutcomeComes) {
+  FixedTokenResolver tokens(ScriptedAnswer<std::string>::never());
+  std::stop_source stop;
+  struct Row {
+    const char* name;
+    Operation<std::string> operation;
+    std::function<void()> end;
+    bool isOnMain;
+  };
+  const Row rows[] = {
+      {"answer", asking(tokens), [&] { tokens.calls().back()->answer(token); }, false},
+      {"answer, on main", asking(tokens).onMain(), [&] { tokens.calls().back()->answer(token); },
+       true},
+      {"cancelled", asking(tokens), [&] { tokens.calls().back()->cancel(); }, true},
+      {"asked to stop", asking(tokens).cancelledBy(stop.get_token()), [&] { stop.request_stop(); },
+       false},
+  };
+  for (const Row& row : rows) {
+    const Outcome<std::string> outcome;
+    awaitInto(outcome.handler(), row.operation);
+    std::thread::id other;
+    std::thread ending([&] {
+      other = std::this_thread::get_id();
+      row.end();
+    });
+    ending.join();
+    MainQueue::main().drain();
+    EXPECT_EQ(outcome.thread(), row.isOnMain ? std::this_thread::get_id() : other) << row.name;
+  }
+}
+
+// A coroutine that is destroyed on the main queue's thread while another one cancels what it waits
+// for neither goes on nor stays.
+TEST(OperationRaceTest, aCoroutineIsDestroyedWhileItsOperationIsCancelled) {
+  for (int round = 0; round < 20'000; ++round) {
+    FixedTokenResolver tokens(ScriptedAnswer<std::string>::never());
+    const Outcome<std::string> outcome;
+    const Foreign coroutine = awaitInto(outcome.handler(), asking(tokens));
+    const auto call = tokens.calls().back();
+    std::atomic<bool> isCancelled = false;
+    runOnAnotherThread([&] {
+      call->cancel();
+      isCancelled = true;
+    });
+    coroutine.handle.destroy();
+    while (!isCancelled) std::this_thread::yield();
+    MainQueue::main().drain();
+    ASSERT_EQ(outcome.count(), 0U);
+    ASSERT_FALSE(outcome.isHeld());
+  }
+}
+
 TEST(OperationEdgesTest, whatHasEndedBeforeItStartsSendsNothing) {
   FixedTokenResolver tokens;
   std::stop_source stop;
@@ -281,7 +336,8 @@ TEST_F(OperationDeathTest, whatWasMovedFromStopsTheProcess) {
   EXPECT_DEATH(moved.start({}), (fault + std::to_string(__LINE__)).c_str());
   EXPECT_DEATH(std::ignore = moved.wait(), (fault + std::to_string(__LINE__)).c_str());
   EXPECT_DEATH(std::ignore = moved.onMain(), (fault + std::to_string(__LINE__)).c_str());
-  EXPECT_DEATH(awaitInto([](const Text&) {}, std::move(moved)), "moved from can't be used");
+  EXPECT_DEATH(awaitInto([](const Text&) {}, std::move(moved)),
+               "moved from can't be used: file .*OperationTest.cpp");
   // NOLINTEND(bugprone-use-after-move)
 }
 
@@ -314,6 +370,10 @@ TEST(AllTest, aFailureOfOneIsNoneOfTheWhole) {
   EXPECT_EQ(number, Result<int>(1));
   EXPECT_EQ(text, Text(NetworkError::noData));
   EXPECT_EQ(nothing, Result<Unit>());
+  const auto [only] = all(bad).wait();
+  EXPECT_EQ(only, Text(NetworkError::noData));
+  const auto [late] = all(bad).within(0s).wait();
+  EXPECT_EQ(late, timedOut);
   EXPECT_EQ(all(good, Operation<int>([](auto) { return nullptr; })).effect(), Effect::writes);
 }
 

@@ -128,8 +128,8 @@ concept Awaitable = requires(Awaited awaited) {
 };
 static_assert(!Awaitable<Task<int>&>, "a second waiting is refused by the compiler");
 
-// Three threads at one operation that a task awaits: who answers, who cancels it, and who gives the
-// task up. Each of a round's tasks goes on once, and nothing is left behind.
+// Three threads at one operation that a task awaits: who answers, who asks it to stop, and who
+// gives the task up. Each of a round's tasks goes on once, to its end, and destroys itself there.
 TEST(TaskRaceTest, everyTaskGoesOnOnce) {
   constexpr int rounds = 100'000;
   std::atomic<int> ended = 0;

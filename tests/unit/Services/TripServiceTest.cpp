@@ -324,6 +324,41 @@ TEST_F(TripPagesTest, endWithTheFirstThatIsNotFull) {
   }
 }
 
+TEST_F(TripPagesTest, areReadOneAfterTheOther) {
+  bool isBroken = false;
+  for (int offset = 0; offset < 6; offset += 2) {
+    const auto isAsked = [offset](const RecordedRequest& request) {
+      return request.url.absoluteString().ends_with("offset=" + std::to_string(offset));
+    };
+    std::string items = R"({"trip":)" + tripNamed(std::to_string(offset)) + "}";
+    if (offset < 4) items += R"(,{"trip":)" + tripNamed(std::to_string(offset + 1)) + "}";
+    foundation_.requestManager->answerWhere(
+        isAsked, {{R"({"items":[)" + items + "]}", AnswerTime::onMainQueue}});
+  }
+  foundation_.requestManager->answerWhere([&](const auto&) { return isBroken; },
+                                          {NetworkError::unknown});
+
+  const TripPageReader pages = service_.pages({.pageSize = 2});
+  EXPECT_EQ(pages.next().wait(), Result<Trips>(Trips{trip("0"), trip("1")}));
+  // One that has been given up is asked for again, and changes nothing when it comes after all.
+  const Outcome<Trips> late;
+  pages.next().start(late.handler());
+  EXPECT_EQ(pages.error(), Error(Cancelled{}));
+  EXPECT_EQ(pages.next().wait(), Result<Trips>(Trips{trip("2"), trip("3")}));
+  EXPECT_EQ(late.count(), 1U);
+  EXPECT_FALSE(pages.error());
+  // A failure passes.
+  isBroken = true;
+  EXPECT_EQ(pages.next().wait(), Result<Trips>(NetworkError::unknown));
+  EXPECT_EQ(pages.error(), Error(NetworkError::unknown));
+  isBroken = false;
+  EXPECT_EQ(pages.next().wait(), Result<Trips>(Trips{trip("4")}));
+  foundation_.requestManager->forgetCalls();
+  EXPECT_EQ(pages.next().wait(), Result<Trips>());
+  EXPECT_TRUE(asked().empty());
+  EXPECT_FALSE(pages.error());
+}
+
 TEST_F(TripPagesTest, areAskedForAsTheListIs) {
   const ScopedDeviceSettings settings({.locale = "de_DE", .timeZone = "UTC"});
   const Date day = utc(2024y / 5 / 3);

@@ -24,6 +24,13 @@ foreach(header IN LISTS headers)
 
   set(values)
   string(REGEX MATCHALL "Operation<[^ ]+> [A-Za-z0-9]+\\([^;{]*\\) const" forms "${text}")
+  # What it can't read it must not pass over.
+  string(REGEX MATCHALL "Operation<" all "${text}")
+  list(LENGTH all there)
+  list(LENGTH forms read)
+  if(NOT there EQUAL read)
+    message(SEND_ERROR "${header}: ${there} operations, of which ${read} can be read")
+  endif()
   foreach(form IN LISTS forms)
     string(REGEX MATCH "^Operation<([^ ]+)> ([A-Za-z0-9]+\\(.*\\)) const$" whole "${form}")
     list(APPEND values "${CMAKE_MATCH_1} ${CMAKE_MATCH_2}")
