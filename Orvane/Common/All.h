@@ -132,12 +132,12 @@ template <class... T>
   auto startPart = [operations = std::make_tuple(std::move(operations)...)](
                        std::size_t part, std::shared_ptr<detail::Gathering> gathering,
                        Outcomes<T...>& results) {
-    return [&]<std::size_t... I>(std::index_sequence<I...>) {
+    return [&]<std::size_t... index>(std::index_sequence<index...>) {
       RequestHandle request;
-      ((I == part ? void(request = std::get<I>(operations)
-                                       .start(detail::PartHandler<T>(std::move(gathering), part,
-                                                                     std::get<I>(results))))
-                  : void()),
+      ((index == part ? void(request = std::get<index>(operations)
+                                           .start(detail::PartHandler<T>(std::move(gathering), part,
+                                                                         std::get<index>(results))))
+                      : void()),
        ...);
       return request;
     }
@@ -181,16 +181,17 @@ template <class T>
       readsOnly ? Effect::reads : Effect::writes);
 }
 
-/// The outcome of the operation with the number `I` of an `all`: its own, or what has ended the
+/// The outcome of the operation with the number `index` of an `all`: its own, or what has ended the
 /// whole before. By these `auto [me, cars] = …` takes an outcome apart.
-template <std::size_t I, class... T>
-[[nodiscard]] std::tuple_element_t<I, Outcomes<T...>> get(Result<Outcomes<T...>>&& outcomes) {
-  if (outcomes) return std::get<I>(*std::move(outcomes));
-  return outcomes.template failure<typename std::tuple_element_t<I, Outcomes<T...>>::Value>();
+template <std::size_t index, class... T>
+[[nodiscard]] std::tuple_element_t<index, Outcomes<T...>> get(Result<Outcomes<T...>>&& outcomes) {
+  if (outcomes) return std::get<index>(*std::move(outcomes));
+  return outcomes.template failure<typename std::tuple_element_t<index, Outcomes<T...>>::Value>();
 }
-template <std::size_t I, class... T>
-[[nodiscard]] std::tuple_element_t<I, Outcomes<T...>> get(const Result<Outcomes<T...>>& outcomes) {
-  return get<I>(Result<Outcomes<T...>>(outcomes));
+template <std::size_t index, class... T>
+[[nodiscard]] std::tuple_element_t<index, Outcomes<T...>> get(
+    const Result<Outcomes<T...>>& outcomes) {
+  return get<index>(Result<Outcomes<T...>>(outcomes));
 }
 
 }  // namespace orvane
@@ -199,6 +200,6 @@ template <class... T>
 struct std::tuple_size<orvane::Result<std::tuple<orvane::Result<T>...>>>
     : std::integral_constant<std::size_t, sizeof...(T)> {};
 
-template <std::size_t I, class... T>
-struct std::tuple_element<I, orvane::Result<std::tuple<orvane::Result<T>...>>>
-    : std::tuple_element<I, std::tuple<orvane::Result<T>...>> {};
+template <std::size_t index, class... T>
+struct std::tuple_element<index, orvane::Result<std::tuple<orvane::Result<T>...>>>
+    : std::tuple_element<index, std::tuple<orvane::Result<T>...>> {};

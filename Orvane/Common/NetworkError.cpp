@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t longestReason = 500;
 // What a server says in words stands at the beginning, and comes to no more.
-constexpr std::size_t longestHead = 64 * 1024;
+constexpr std::size_t longestHead = std::size_t{64} << 10U;
 
 char lowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -38,7 +38,7 @@ std::string textOf(const json::Object& object, std::string_view key) {
 
 std::string wordsOf(const json::Object& object) {
   std::string message = textOf(object, "message");
-  const std::string error = textOf(object, "error");
+  std::string error = textOf(object, "error");
   if (message.empty()) return error;
   if (error.empty() || error == message) return message;
   return oneLine(concatenated({error, ": ", message}), longestReason);
@@ -51,7 +51,8 @@ std::string reasonIn(std::string_view body) {
   const std::size_t begin = body.find_first_not_of(" \t\r\n");
   if (begin == std::string_view::npos) return {};
   body.remove_prefix(begin);
-  if (body.front() == '<' && positionOf("<html", body.substr(0, longestHead)) != body.npos) {
+  if (body.front() == '<' &&
+      positionOf("<html", body.substr(0, longestHead)) != std::string_view::npos) {
     const std::string title = titleOf(body.substr(0, longestHead));
     return title.empty() ? "an HTML page" : concatenated({"an HTML page, \"", title, "\""});
   }

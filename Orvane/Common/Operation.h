@@ -137,7 +137,8 @@ class [[nodiscard]] Operation {
     checkUse(place);
     return Operation(
         [operation = *this, limit, &timers](Completion<T> handler) -> RequestHandle {
-          if (limit <= limit.zero()) return failing(TimedOut{}, std::move(handler));
+          if (limit <= std::chrono::milliseconds::zero())
+            return failing(TimedOut{}, std::move(handler));
           const auto relay = std::make_shared<Limited>(std::move(handler));
           relay->timer = timers.after(limit, [late = std::weak_ptr(relay)] {
             if (const auto kept = late.lock()) kept->interrupt(TimedOut{});

@@ -16,7 +16,7 @@ namespace orvane {
 namespace {
 
 // Of a longer text the beginning is enough for a line.
-constexpr std::size_t longestText = 64 * 1024;
+constexpr std::size_t longestText = std::size_t{64} << 10U;
 
 }  // namespace
 

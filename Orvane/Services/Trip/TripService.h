@@ -203,7 +203,9 @@ class ORVANE_EXPORT TripPageReader {
 template <class OnPage>
   requires(!std::is_invocable_v<OnPage&, Result<std::vector<Trip>>> &&
            std::is_invocable_v<OnPage&, std::vector<Trip>>)
-Operation<Unit> TripService::fetchPages(TripPages pages, OnPage onPage)
+Operation<Unit> TripService::fetchPages(
+    TripPages pages,  // NOLINT(performance-unnecessary-value-param): it is handed on
+    OnPage onPage)
 const { return walk(std::move(pages), std::move(onPage)); }
 
 }  // namespace orvane

@@ -150,7 +150,7 @@ Operation<FirmwarePackage> WedgeFirmwareService::downloadPackage(
             return then(std::move(error));
           }
           logDownload(package.version);
-          then(std::move(package));
+          then(package);
         };
         if (obstacle) {
           finish(*obstacle);

@@ -13,6 +13,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -33,7 +34,7 @@ Task<std::string> greeting(const Operation<std::string>& name) {
 }
 
 Task<> failing(const Operation<std::string>& name) {
-  co_await name;
+  std::ignore = co_await name;
   throw std::runtime_error("thrown");
 }
 
@@ -135,8 +136,8 @@ TEST(TaskRaceTest, everyTaskGoesOnOnce) {
   std::atomic<int> ended = 0;
   std::atomic<int> told = 0;
   const auto counting = [&](Operation<std::string> operation) -> Task<int> {
-    co_await operation;
-    co_await operation;
+    std::ignore = co_await operation;
+    std::ignore = co_await operation;
     ended.fetch_add(1);
     co_return 1;
   };
