@@ -332,13 +332,13 @@ TEST_F(OperationDeathTest, whatWasMovedFromStopsTheProcess) {
   const auto kept = std::move(moved);
   EXPECT_EQ(kept.wait(), token);
   const std::string fault = "moved from can't be used: file .*OperationTest.cpp, line ";
-  // NOLINTBEGIN(bugprone-use-after-move): that is the fault
+  // NOLINTBEGIN(bugprone-use-after-move,clang-analyzer-cplusplus.Move): that is the fault
   EXPECT_DEATH(moved.start({}), (fault + std::to_string(__LINE__)).c_str());
   EXPECT_DEATH(std::ignore = moved.wait(), (fault + std::to_string(__LINE__)).c_str());
   EXPECT_DEATH(std::ignore = moved.onMain(), (fault + std::to_string(__LINE__)).c_str());
   EXPECT_DEATH(awaitInto([](const Text&) {}, std::move(moved)),
                "moved from can't be used: file .*OperationTest.cpp");
-  // NOLINTEND(bugprone-use-after-move)
+  // NOLINTEND(bugprone-use-after-move,clang-analyzer-cplusplus.Move)
 }
 
 // --- Several at once -----------------------------------------------------------------------------
