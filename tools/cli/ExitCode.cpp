@@ -127,7 +127,7 @@ Failure failureOf(const Error& error) {
   if (network == nullptr || network->kind() != NetworkError::Case::invalidStatusCode) {
     return {codeOf(error), error.description()};
   }
-  const Failure told = refusal(network->statusCode());
+  Failure told = refusal(network->statusCode());
   const ErrorContext* context = error.context();
   if (context == nullptr) return told;
   std::string words = told.what();
