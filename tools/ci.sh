@@ -78,6 +78,7 @@ tests_of() {
 }
 
 step test ./dev test
+step demo ./dev demo
 step lint ./dev lint
 step shared ./dev test shared
 step clang ./dev test clang
@@ -88,7 +89,6 @@ slow=(
   "15 tsan ./dev test tsan -L unit|runtime"
   "20 trixie ./dev test trixie"
   "20 bookworm ./dev test bookworm"
-  "15 demo ./dev demo"
   "15 fuzz ./dev fuzz 120"
 )
 turn=$((16#$(git rev-parse HEAD 2>/dev/null | cut -c 1-6 || echo 0)))

@@ -40,7 +40,7 @@ struct CallDescription {
 /// The same with the composer that says what is asked for, all in one piece of memory.
 template <class Composer>
 struct ComposedCall final : CallDescription {
-  ComposedCall(const SerializableService& service, Verb sent, Composer by)
+  ComposedCall(const SerializableService& service, Verb sent, Composer&& by)
       : CallDescription(service, sent, own), own(std::move(by)) {}
 
   const Composer own;
@@ -129,7 +129,7 @@ class TypedCall final : public Call {
 /// An operation whose value is what `make` makes of the record in the answer.
 template <class T, class Record, auto make, class Composer>
 [[nodiscard]] Operation<T> operation(const SerializableService& service, Verb verb,
-                                     Composer composer) {
+                                     Composer&& composer) {
   const auto start = [](const std::shared_ptr<const void>& source, Completion<T> handler) {
     return std::make_shared<TypedCall<T, Record, make>>(
                std::static_pointer_cast<const CallDescription>(source), std::move(handler))
@@ -141,22 +141,22 @@ template <class T, class Record, auto make, class Composer>
                       verb == Verb::get ? Effect::reads : Effect::writes);
 }
 
-/// The verbs, each taking the composer as a value: operations whose value is the record in the
+/// The verbs, each taking the composer over: operations whose value is the record in the
 /// answer.
 template <class T, class Composer>
-[[nodiscard]] Operation<T> get(const SerializableService& service, Composer composer) {
+[[nodiscard]] Operation<T> get(const SerializableService& service, Composer&& composer) {
   return operation<T, T, std::identity{}>(service, Verb::get, std::move(composer));
 }
 template <class T, class Composer>
-[[nodiscard]] Operation<T> post(const SerializableService& service, Composer composer) {
+[[nodiscard]] Operation<T> post(const SerializableService& service, Composer&& composer) {
   return operation<T, T, std::identity{}>(service, Verb::post, std::move(composer));
 }
 template <class T, class Composer>
-[[nodiscard]] Operation<T> put(const SerializableService& service, Composer composer) {
+[[nodiscard]] Operation<T> put(const SerializableService& service, Composer&& composer) {
   return operation<T, T, std::identity{}>(service, Verb::put, std::move(composer));
 }
 template <class T, class Composer>
-[[nodiscard]] Operation<T> delete_(const SerializableService& service, Composer composer) {
+[[nodiscard]] Operation<T> delete_(const SerializableService& service, Composer&& composer) {
   return operation<T, T, std::identity{}>(service, Verb::delete_, std::move(composer));
 }
 
