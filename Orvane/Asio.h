@@ -4,7 +4,9 @@
 // alone (1.22 or later). Nothing of it is in the library.
 #pragma once
 
+#include <Orvane/Common/AnswerOnce.h>
 #include <Orvane/Common/Operation.h>
+#include <Orvane/Platform/Fatal.h>
 
 #ifdef ORVANE_ASIO_STANDALONE
 #include <asio/associated_allocator.hpp>
@@ -59,6 +61,7 @@ class Initiated {
     work_.reset();
     settled_.finish();
   }
+  void unanswered() { answer(Cancelled{}); }
 
   [[nodiscard]] auto slot() const noexcept {
     return library::get_associated_cancellation_slot(handler_);
@@ -86,25 +89,6 @@ class Initiated {
   RequestBox settled_;
 };
 
-/// Answers `Cancelled` where the operation lets go of its handler without calling it.
-template <class T, class State>
-class AnswerOnce {
- public:
-  explicit AnswerOnce(std::shared_ptr<State> state) : state_(std::move(state)) {}
-  AnswerOnce(AnswerOnce&&) noexcept = default;
-  AnswerOnce& operator=(AnswerOnce&&) = delete;
-  AnswerOnce(const AnswerOnce&) = delete;
-  AnswerOnce& operator=(const AnswerOnce&) = delete;
-  ~AnswerOnce() {
-    if (state_) state_->answer(Cancelled{});
-  }
-
-  void operator()(Result<T> result) { state_->answer(std::move(result)); }
-
- private:
-  std::shared_ptr<State> state_;
-};
-
 /// Starts an operation for a completion handler.
 template <class T, class Executor>
 class Initiation {
@@ -128,7 +112,7 @@ class Initiation {
         if (waiting) waiting->answer(Cancelled{});
       });
     }
-    request->step([&] { return operation.start(AnswerOnce<T, State>(state)); });
+    request->step([&] { return operation.start(orvane::detail::answerOnce<T>(state)); });
   }
 
  private:
@@ -151,7 +135,9 @@ class Initiation {
 /// context must outlive what is under way there: shut the Runtime down first.
 template <class T, class Executor, class CompletionToken>
   requires(!std::is_convertible_v<Executor&, detail::library::execution_context&>)
-auto async(Operation<T> operation, const Executor& executor, CompletionToken&& token) {
+auto async(Operation<T> operation, const Executor& executor, CompletionToken&& token,
+           const SourceLocation& place = SourceLocation::current()) {
+  static_cast<void>(operation.effect(place));  // one that was moved from stops here, with its line
   return detail::library::async_initiate<CompletionToken, void(Result<T>)>(
       detail::Initiation<T, Executor>(executor), token, std::move(operation));
 }
@@ -159,15 +145,18 @@ auto async(Operation<T> operation, const Executor& executor, CompletionToken&& t
 /// The same with the executor of a context.
 template <class T, class Context, class CompletionToken>
   requires(std::is_convertible_v<Context&, detail::library::execution_context&>)
-auto async(Operation<T> operation, Context& context, CompletionToken&& token) {
-  return async(std::move(operation), context.get_executor(), std::forward<CompletionToken>(token));
+auto async(Operation<T> operation, Context& context, CompletionToken&& token,
+           const SourceLocation& place = SourceLocation::current()) {
+  return async(std::move(operation), context.get_executor(), std::forward<CompletionToken>(token),
+               place);
 }
 
 /// The same for completion handlers with an executor of their own; any other runs on the system's.
 template <class T, class CompletionToken>
-auto async(Operation<T> operation, CompletionToken&& token) {
+auto async(Operation<T> operation, CompletionToken&& token,
+           const SourceLocation& place = SourceLocation::current()) {
   return async(std::move(operation), detail::library::system_executor(),
-               std::forward<CompletionToken>(token));
+               std::forward<CompletionToken>(token), place);
 }
 
 }  // namespace orvane::asio

@@ -2,6 +2,7 @@
 // Several operations at once.
 #pragma once
 
+#include <Orvane/Common/AnswerOnce.h>
 #include <Orvane/Common/Operation.h>
 #include <Orvane/Platform/Export.h>
 
@@ -49,36 +50,36 @@ class ORVANE_EXPORT Gathering final : public Request,
   bool isCancelled_ = false;
 };
 
-/// Puts the outcome of one part into its place; `Cancelled` where the part lets go of it.
+/// The place of one part's outcome, which the gathering owns.
 template <class T>
-class PartHandler {
+class Part {
  public:
-  PartHandler(std::shared_ptr<Gathering> gathering, std::size_t part, Result<T>& place)
-      : gathering_(std::move(gathering)), part_(part), place_(&place) {}
-  PartHandler(PartHandler&&) noexcept = default;
-  PartHandler& operator=(PartHandler&&) = delete;
-  PartHandler(const PartHandler&) = delete;
-  PartHandler& operator=(const PartHandler&) = delete;
-  ~PartHandler() {
-    if (!gathering_ || gathering_->isFinished()) return;
-    // Not here: who lets go of a handler may hold a lock.
-    MainQueue::main().async([gathering = std::move(gathering_), part = part_, place = place_] {
-      *place = Cancelled{};
-      gathering->finished(part);
-    });
-  }
+  Part(std::shared_ptr<Gathering> gathering, std::size_t number, Result<T>& place)
+      : gathering_(std::move(gathering)), number_(number), place_(&place) {}
 
-  void operator()(Result<T> result) {
-    const auto gathering = std::move(gathering_);
+  explicit operator bool() const noexcept { return gathering_ != nullptr; }
+  const Part* operator->() const noexcept { return this; }
+
+  void answer(Result<T> result) const {
     *place_ = std::move(result);
-    gathering->finished(part_);
+    gathering_->finished(number_);
+  }
+  void unanswered() const {
+    if (gathering_->isFinished()) return;
+    // Not here: who lets go of a handler may hold a lock.
+    MainQueue::main().async([part = *this] { part.answer(Cancelled{}); });
   }
 
  private:
   std::shared_ptr<Gathering> gathering_;
-  std::size_t part_;
-  Result<T>* place_;  // in what the gathering owns
+  std::size_t number_;
+  Result<T>* place_;
 };
+template <class T>
+[[nodiscard]] AnswerOnce<T, Part<T>> partHandler(std::shared_ptr<Gathering> gathering,
+                                                 std::size_t number, Result<T>& place) {
+  return AnswerOnce<T, Part<T>>(Part<T>(std::move(gathering), number, place));
+}
 
 /// Starts the parts of a whole, whose outcome is `results`: a container of `Result`s that
 /// `startPart` is given to put its own into.
@@ -135,7 +136,7 @@ template <class... T>
     return [&]<std::size_t... index>(std::index_sequence<index...>) {
       RequestHandle request;
       ((index == part ? void(request = std::get<index>(operations)
-                                           .start(detail::PartHandler<T>(std::move(gathering), part,
+                                           .start(detail::partHandler<T>(std::move(gathering), part,
                                                                          std::get<index>(results))))
                       : void()),
        ...);
@@ -162,16 +163,17 @@ struct AtOnce {
 ///     auto trips = co_await all(std::move(fetches), {.limit = 4});
 ///     if (trips) for (const Result<Trip>& trip : *trips) …
 template <class T>
-[[nodiscard]] Operation<std::vector<Result<T>>> all(std::vector<Operation<T>> operations,
-                                                    AtOnce atOnce = {}) {
+[[nodiscard]] Operation<std::vector<Result<T>>> all(
+    std::vector<Operation<T>> operations, AtOnce atOnce = {},
+    const SourceLocation& place = SourceLocation::current()) {
   bool readsOnly = true;
   for (const Operation<T>& operation : operations) {
-    readsOnly = readsOnly && operation.effect() == Effect::reads;
+    readsOnly = readsOnly && operation.effect(place) == Effect::reads;
   }
   const auto shared = std::make_shared<const std::vector<Operation<T>>>(std::move(operations));
   const auto startPart = [shared](std::size_t part, std::shared_ptr<detail::Gathering> gathering,
                                   std::vector<Result<T>>& results) {
-    return (*shared)[part].start(detail::PartHandler<T>(std::move(gathering), part, results[part]));
+    return (*shared)[part].start(detail::partHandler<T>(std::move(gathering), part, results[part]));
   };
   return Operation<std::vector<Result<T>>>(
       [startPart, count = shared->size(), atOnce](Completion<std::vector<Result<T>>> handler) {

@@ -2,6 +2,7 @@
 // How a coroutine awaits an operation.
 #pragma once
 
+#include <Orvane/Common/AnswerOnce.h>
 #include <Orvane/Common/Future.h>
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Common/Request.h>
@@ -79,7 +80,7 @@ class [[nodiscard]] Awaiting {
     // Held here, too: the coroutine, and this object in it, may be gone once the handler has run.
     const std::shared_ptr<State> state = state_;
     const auto start = [&] {
-      state->request = start_(source_, Completion<T>(Handler(state)));
+      state->request = start_(source_, detail::answerOnce<T>(state));
       return state;
     };
     if constexpr (requires {
@@ -119,34 +120,17 @@ class [[nodiscard]] Awaiting {
     }
 
     // Not here: who cancels, or lets go of the handler, may hold a lock.
-    void answerCancelledLater() {
+    void unanswered() {
       if (gate.isClaimed()) return;
       MainQueue::main().async([self = this->shared_from_this()] { self->answer(Cancelled{}); });
     }
 
     bool cancel() override {
       if (request) request->cancel();
-      answerCancelledLater();
+      unanswered();
       return true;
     }
     [[nodiscard]] bool isFinished() const noexcept override { return gate.isClaimed(); }
-  };
-
-  class Handler {
-   public:
-    explicit Handler(std::shared_ptr<State> state) : state_(std::move(state)) {}
-    Handler(Handler&&) noexcept = default;
-    Handler& operator=(Handler&&) = delete;
-    Handler(const Handler&) = delete;
-    Handler& operator=(const Handler&) = delete;
-    ~Handler() {
-      if (state_) state_->answerCancelledLater();
-    }
-
-    void operator()(Result<T> result) { state_->answer(std::move(result)); }
-
-   private:
-    std::shared_ptr<State> state_;
   };
 
   const Starter start_;

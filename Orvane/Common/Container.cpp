@@ -32,10 +32,9 @@ Container::~Container() = default;
 
 void Container::throwNotRegistered(const std::type_info& type) { throw NotRegistered(type); }
 
-void Container::add(std::type_index type, Factory factory) {
-  auto shared = std::make_shared<const Factory>(std::move(factory));
+void Container::add(std::type_index type, std::shared_ptr<const Factory> factory) {
   const std::scoped_lock lock(mutex_);
-  factories_[type].swap(shared);
+  factories_[type].swap(factory);
 }
 
 Container::Registrations Container::registrations() const {
@@ -60,7 +59,7 @@ std::shared_ptr<const Container::Factory> Container::factoryOf(std::type_index t
 
 std::shared_ptr<void> Container::make(std::type_index type, const Arguments& arguments) {
   const std::shared_ptr<const Factory> factory = factoryOf(type);
-  return factory ? (*factory)(*this, arguments) : nullptr;
+  return factory ? factory->make(*this, arguments) : nullptr;
 }
 
 }  // namespace orvane

@@ -7,13 +7,12 @@
 
 #include <any>
 #include <exception>
-#include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <type_traits>
 #include <typeindex>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -54,14 +53,7 @@ class ORVANE_EXPORT Container {
   template <class Interface, class Factory>
     requires(std::is_invocable_r_v<std::shared_ptr<Interface>, const Factory&, Container&,
                                    const Arguments&>)
-  void register_(Factory factory) {
-    add(typeid(Interface),
-        [factory = std::move(factory)](Container& container, const Arguments& arguments) {
-          // Erased after the cast to the interface: the other way round the pointer would be wrong.
-          const std::shared_ptr<Interface> made = factory(container, arguments);
-          return std::shared_ptr<void>(made);
-        });
-  }
+  void register_(Factory factory) { add<Interface>(std::move(factory)); }
 
   /// Registers a deferred value: made when it is first injected, the same from then on; where
   /// making it throws, or gives null, the next injection tries again.
@@ -74,20 +66,18 @@ class ORVANE_EXPORT Container {
       std::mutex mutex;
       std::shared_ptr<Interface> made;
     };
-    add(typeid(Interface),
+    add<Interface>(
         [once = std::make_shared<Once>(), value = std::move(value)](Container&, const Arguments&) {
           const std::scoped_lock lock(once->mutex);
           if (!once->made) once->made = value();
-          return std::shared_ptr<void>(once->made);
+          return once->made;
         });
   }
 
   /// Registers a value that is at hand.
   template <class Interface>
   void register_(std::shared_ptr<Interface> value) {
-    add(typeid(Interface), [value = std::move(value)](Container&, const Arguments&) {
-      return std::shared_ptr<void>(value);
-    });
+    add<Interface>([value = std::move(value)](Container&, const Arguments&) { return value; });
   }
 
   /// What is registered for `Interface`. Throws `NotRegistered` where nothing is, and whatever the
@@ -111,12 +101,41 @@ class ORVANE_EXPORT Container {
   void restore(Registrations registrations);
 
  private:
-  using Factory = std::function<std::shared_ptr<void>(Container&, const Arguments&)>;
-  using Factories = std::unordered_map<std::type_index, std::shared_ptr<const Factory>>;
+  /// Not a std::function: <functional> costs every reader of this header more than the rest of it.
+  class Factory {
+   public:
+    Factory() = default;
+    Factory(const Factory&) = delete;
+    Factory& operator=(const Factory&) = delete;
+    virtual ~Factory() = default;
+    [[nodiscard]] virtual std::shared_ptr<void> make(Container& container,
+                                                     const Arguments& arguments) const = 0;
+  };
+
+  template <class Interface, class Make>
+  class FactoryOf final : public Factory {
+   public:
+    explicit FactoryOf(Make make) : make_(std::move(make)) {}
+    [[nodiscard]] std::shared_ptr<void> make(Container& container,
+                                             const Arguments& arguments) const override {
+      // Erased after the cast to the interface: the other way round the pointer would be wrong.
+      return std::shared_ptr<Interface>(make_(container, arguments));
+    }
+
+   private:
+    const Make make_;
+  };
+
+  using Factories = std::map<std::type_index, std::shared_ptr<const Factory>>;
+
+  template <class Interface, class Make>
+  void add(Make make) {
+    add(typeid(Interface), std::make_shared<const FactoryOf<Interface, Make>>(std::move(make)));
+  }
 
   // Not in the header, so that a program without exceptions can include it.
   [[noreturn]] static void throwNotRegistered(const std::type_info& type);
-  void add(std::type_index type, Factory factory);
+  void add(std::type_index type, std::shared_ptr<const Factory> factory);
   [[nodiscard]] std::shared_ptr<const Factory> factoryOf(std::type_index type) const;
   [[nodiscard]] std::shared_ptr<void> make(std::type_index type, const Arguments& arguments);
 

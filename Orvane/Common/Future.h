@@ -2,6 +2,7 @@
 // The outcome of an operation that has been started.
 #pragma once
 
+#include <Orvane/Common/AnswerOnce.h>
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Common/Request.h>
 #include <Orvane/Platform/Export.h>
@@ -38,7 +39,7 @@ class [[nodiscard]] Future {
   /// `start` starts the operation with the handler that it is given and answers its handle.
   template <class Start>
   explicit Future(Start&& start) : state_(std::make_shared<State>()) {
-    request_ = start(Completion<T>(Handler(state_)));
+    request_ = start(Completion<T>(detail::answerOnce<T>(state_)));
   }
 
   /// Waits for the outcome and takes it; to be called once. On the thread that drains the main
@@ -71,27 +72,13 @@ class [[nodiscard]] Future {
     // Claimed by the handler's call, or cancelled as the handler goes without one.
     RequestBox settled;
     std::optional<Result<T>> outcome;
-  };
 
-  class Handler {
-   public:
-    explicit Handler(std::shared_ptr<State> state) : state_(std::move(state)) {}
-    Handler(Handler&&) noexcept = default;
-    Handler& operator=(Handler&&) = delete;
-    Handler(const Handler&) = delete;
-    Handler& operator=(const Handler&) = delete;
-    ~Handler() {
-      if (state_) state_->settled.cancel();
+    void answer(Result<T> result) {
+      if (!settled.claim()) return;
+      outcome = std::move(result);
+      settled.finish();
     }
-
-    void operator()(Result<T> result) {
-      if (!state_->settled.claim()) return;
-      state_->outcome = std::move(result);
-      state_->settled.finish();
-    }
-
-   private:
-    std::shared_ptr<State> state_;
+    void unanswered() { settled.cancel(); }
   };
 
   // A request may count as finished while its answer is still on its way to the handler. One that

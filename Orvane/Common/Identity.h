@@ -2,6 +2,7 @@
 // Who calls the backend.
 #pragma once
 
+#include <Orvane/Platform/Export.h>
 #include <Orvane/Platform/Hash.h>
 
 #include <cstddef>
@@ -20,5 +21,8 @@ struct Identity {
   [[nodiscard]] HashValue hashValue() const { return hashOf(apiKey, externalReferenceID); }
   friend bool operator==(const Identity&, const Identity&) = default;
 };
+
+/// By the bytes of the key, then by those of the identifier; none comes first.
+[[nodiscard]] ORVANE_EXPORT bool operator<(const Identity& left, const Identity& right) noexcept;
 
 }  // namespace orvane

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/Fatal.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Platform/UniqueFunction.h>
 
@@ -63,7 +64,7 @@ class ORVANE_EXPORT MainQueue {
   /// Runs jobs on this thread meanwhile; where another thread drains the queue, it only waits.
   /// Include Orvane/Common/Task.h.
   template <class T>
-  T runUntil(Task<T> task);
+  T runUntil(Task<T> task, const SourceLocation& place = SourceLocation::current());
 
   /// Waits until `request` has finished: draining the queue where that is this thread's business
   /// (see `isDrainedByThisThread`), else leaving it to whoever drains it. On the thread of a loop

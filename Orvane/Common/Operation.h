@@ -91,7 +91,11 @@ class [[nodiscard]] Operation {
   }
 
   /// Whether it may be done again without harm.
-  [[nodiscard]] Effect effect() const noexcept { return effect_; }
+  [[nodiscard]] Effect effect(
+      const SourceLocation& place = SourceLocation::current()) const noexcept {
+    checkUse(place);
+    return effect_;
+  }
 
   /// @name To wait for it
   /// On the thread that drains the main queue, the queue is drained meanwhile; any other thread
@@ -214,7 +218,7 @@ class [[nodiscard]] Operation {
     return std::make_shared<EmptyRequest>();
   }
 
-  void checkUse(const SourceLocation& place) const {
+  void checkUse(const SourceLocation& place) const noexcept {
     precondition(source_ != nullptr, "an operation that was moved from can't be used", place);
   }
 

@@ -9,7 +9,6 @@
 
 #include <chrono>
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -34,7 +33,7 @@ struct ORVANE_EXPORT RetryPolicy {
   /// Writes, too, of which the former attempt may well have been carried out.
   bool includesWrites = false;
   /// Chance: a number from 0 up to 1, anew in each call, by any thread. Null: the process's own.
-  std::function<double()> chance{};
+  double (*chance)() = nullptr;
   /// Null: those of the process.
   std::shared_ptr<Timers> timers{};
 };
@@ -92,9 +91,10 @@ class Retrying : public Relay<T>, public std::enable_shared_from_this<Retrying<T
 /// It can be cancelled at any time, also while it pauses, and answers on the thread of the attempt
 /// that settles it. Each start begins to count anew.
 template <class T>
-[[nodiscard]] Operation<T> retrying(Operation<T> operation, RetryPolicy policy = {}) {
-  if (operation.effect() == Effect::writes && !policy.includesWrites) return operation;
-  const Effect effect = operation.effect();
+[[nodiscard]] Operation<T> retrying(Operation<T> operation, RetryPolicy policy = {},
+                                    const SourceLocation& place = SourceLocation::current()) {
+  const Effect effect = operation.effect(place);
+  if (effect == Effect::writes && !policy.includesWrites) return operation;
   return Operation<T>(
       [operation = std::move(operation), policy = std::move(policy)](Completion<T> handler) {
         return std::make_shared<detail::Retrying<T>>(operation, policy, std::move(handler))

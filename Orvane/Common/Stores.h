@@ -6,10 +6,10 @@
 #include <Orvane/Platform/Export.h>
 
 #include <chrono>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <unordered_map>
 #include <utility>
 
 namespace orvane {
@@ -82,7 +82,7 @@ class TimeMonitoringStore : public Interface {
 
   const std::shared_ptr<TimeMonitor> timeMonitor_;
   mutable std::mutex mutex_;
-  mutable std::unordered_map<Key, Entry> entries_;
+  mutable std::map<Key, Entry> entries_;
 };
 
 /// A store in memory, of `Value`s by identity, that forgets nothing by itself. `Interface` is what
@@ -107,7 +107,7 @@ class MemoryStore final : public Interface {
 
  private:
   mutable std::mutex mutex_;
-  std::unordered_map<Identity, Value> values_;
+  std::map<Identity, Value> values_;
 };
 
 /// Keeps clock offsets in memory, so that a device with a wrong clock pays once per process.

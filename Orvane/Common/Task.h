@@ -15,13 +15,10 @@
 #include <optional>
 #include <type_traits>
 #include <utility>
-#include <variant>
 
 namespace orvane {
 
 namespace detail {
-
-struct Nothing {};
 
 /// A coroutine that runs by itself and destroys itself in the end.
 struct Detached {
@@ -38,20 +35,17 @@ struct Detached {
 template <class T>
 class TaskOutcome {
  public:
-  void return_value(T value) { outcome_.template emplace<1>(std::move(value)); }
-  T take() { return std::move(std::get<1>(outcome_)); }
+  void return_value(T value) { value_.emplace(std::move(value)); }
+  T take() { return *std::move(value_); }
 
- protected:
-  std::variant<std::monostate, T, std::exception_ptr> outcome_;
+ private:
+  std::optional<T> value_;
 };
 template <>
 class TaskOutcome<void> {
  public:
   void return_void() noexcept {}
   void take() noexcept {}
-
- protected:
-  std::variant<std::monostate, Nothing, std::exception_ptr> outcome_;
 };
 
 }  // namespace detail
@@ -83,7 +77,7 @@ class [[nodiscard]] Task {
   }
 
   /// Runs it, and goes on with its value; an exception that it lets out comes out here.
-  auto operator co_await() && { return Awaiter{checked(SourceLocation::current())}; }
+  auto operator co_await() && { return Awaiter{coroutine_}; }
   /// A task can be awaited once: `co_await std::move(task)`.
   auto operator co_await() & = delete;
 
@@ -117,7 +111,11 @@ class [[nodiscard]] Task {
   struct Awaiter {
     Coroutine coroutine;
 
-    [[nodiscard]] bool await_ready() const noexcept { return false; }
+    [[nodiscard]] bool await_ready(
+        const SourceLocation& place = SourceLocation::current()) const noexcept {
+      checkUse(coroutine, place);
+      return false;
+    }
     template <class Promise>
     Coroutine await_suspend(std::coroutine_handle<Promise> by) noexcept {
       if constexpr (requires {
@@ -138,16 +136,15 @@ class [[nodiscard]] Task {
 
   explicit Task(Coroutine coroutine) noexcept : coroutine_(coroutine) {}
 
-  Coroutine checked(const SourceLocation& place) const {
-    precondition(coroutine_ && !coroutine_.promise().hasBegun(), "a task can be run only once",
+  static void checkUse(Coroutine coroutine, const SourceLocation& place) noexcept {
+    precondition(coroutine && !coroutine.promise().hasBegun(), "a task can be run only once",
                  place);
-    return coroutine_;
   }
 
   T take() { return coroutine_.promise().take(); }
 
   RequestHandle begin(Ended ended, const SourceLocation& place) {
-    checked(place);
+    checkUse(coroutine_, place);
     auto box = std::make_shared<RequestBox>();
     coroutine_.promise().enterScope(box.get());
     runToEnd(std::move(*this), box, std::move(ended));
@@ -178,13 +175,11 @@ class Task<T>::promise_type : public detail::TaskOutcome<T> {
     };
     return Final{};
   }
-  void unhandled_exception() noexcept {
-    this->outcome_.template emplace<2>(std::current_exception());
-  }
+  void unhandled_exception() noexcept { thrown_ = std::current_exception(); }
 
   /// What has been returned; throws what has been thrown.
   T take() {
-    if (auto* thrown = std::get_if<2>(&this->outcome_)) std::rethrow_exception(*thrown);
+    if (thrown_) std::rethrow_exception(std::move(thrown_));
     return detail::TaskOutcome<T>::take();
   }
 
@@ -198,13 +193,13 @@ class Task<T>::promise_type : public detail::TaskOutcome<T> {
  private:
   std::coroutine_handle<> continuation_;
   RequestBox* scope_ = nullptr;
+  std::exception_ptr thrown_;
 };
 
 template <class T>
-T MainQueue::runUntil(Task<T> task) {
+T MainQueue::runUntil(Task<T> task, const SourceLocation& place) {
   std::optional<Task<T>> ended;
-  const auto request = task.begin([&](Task<T> whole) { ended.emplace(std::move(whole)); },
-                                  SourceLocation::current());
+  const auto request = task.begin([&](Task<T> whole) { ended.emplace(std::move(whole)); }, place);
   wait(request);
   return ended->take();
 }

@@ -4,7 +4,7 @@
 
 #include <concepts>
 #include <cstddef>
-#include <functional>
+#include <string_view>
 
 namespace orvane {
 

@@ -6,7 +6,6 @@
 
 #include <compare>
 #include <cstddef>
-#include <functional>
 #include <string_view>
 #include <type_traits>
 #include <utility>

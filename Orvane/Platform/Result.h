@@ -7,7 +7,6 @@
 #include <Orvane/Platform/UniqueFunction.h>
 
 #include <concepts>
-#include <functional>
 #include <optional>
 #include <type_traits>
 #include <utility>
@@ -37,6 +36,20 @@ template <class T>
 inline constexpr bool isMadeOfResults = false;
 template <template <class...> class Several, class... T>
 inline constexpr bool isMadeOfResults<Several<Result<T>...>> = sizeof...(T) > 0;
+
+// std::invoke without <functional>, which costs every reader of this header more than the rest of
+// it: what is called is a function, or a member of the value.
+template <class Callable, class Value>
+std::invoke_result_t<Callable, Value> call(Callable&& callable, Value&& value) {
+  using Called = std::remove_cvref_t<Callable>;
+  if constexpr (std::is_member_object_pointer_v<Called>) {
+    return std::forward<Value>(value).*callable;
+  } else if constexpr (std::is_member_function_pointer_v<Called>) {
+    return (std::forward<Value>(value).*callable)();
+  } else {
+    return std::forward<Callable>(callable)(std::forward<Value>(value));
+  }
+}
 
 template <class T>
 using ValueOrUnit = std::conditional_t<std::is_void_v<T>, Unit, std::remove_cvref_t<T>>;
@@ -134,7 +147,7 @@ class Result {
   template <class Recover>
   Result or_else(Recover&& recover) && {
     if (!error_) return std::move(*this);
-    return std::invoke(std::forward<Recover>(recover), *std::move(error_));
+    return detail::call(std::forward<Recover>(recover), *std::move(error_));
   }
 
   /// The same failure of another type. To be called on a failure.
@@ -155,7 +168,7 @@ class Result {
     using Other = std::remove_cvref_t<std::invoke_result_t<Next, decltype(*std::declval<Self>())>>;
     static_assert(detail::isResult<Other>, "and_then goes on with what answers an orvane::Result");
     if (!self.value_) return self.template failure<typename Other::Value>();
-    return std::invoke(std::forward<Next>(next), *std::forward<Self>(self));
+    return detail::call(std::forward<Next>(next), *std::forward<Self>(self));
   }
 
   template <class Self, class Make>
@@ -164,10 +177,10 @@ class Result {
     using Other = Result<detail::ValueOrUnit<Made>>;
     if (!self.value_) return self.template failure<typename Other::Value>();
     if constexpr (std::is_void_v<Made>) {
-      std::invoke(std::forward<Make>(make), *std::forward<Self>(self));
+      detail::call(std::forward<Make>(make), *std::forward<Self>(self));
       return Other(Unit{});
     } else {
-      return Other(std::invoke(std::forward<Make>(make), *std::forward<Self>(self)));
+      return Other(detail::call(std::forward<Make>(make), *std::forward<Self>(self)));
     }
   }
 

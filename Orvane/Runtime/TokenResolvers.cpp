@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Common/AnswerOnce.h>
 #include <Orvane/Platform/Fatal.h>
 #include <Orvane/Runtime/ConfigurationError.h>
 #include <Orvane/Runtime/TokenResolvers.h>
@@ -15,6 +16,7 @@ class Question final : public Request {
   explicit Question(Completion<std::string> then) : then_(std::move(then)) {}
 
   void answer(Result<std::string> token) { box_.complete(then_, std::move(token)); }
+  void unanswered() { answer(TokenError(TokenError::Kind::unanswered)); }
 
   bool cancel() override {
     if (!box_.cancel()) return false;
@@ -31,24 +33,6 @@ class Question final : public Request {
   RequestBox box_;
   Completion<std::string> then_;
   std::atomic_flag hasLetGo_;
-};
-
-// What the function is given to answer a question with.
-class Answer {
- public:
-  explicit Answer(std::shared_ptr<Question> question) : question_(std::move(question)) {}
-  Answer(Answer&&) noexcept = default;
-  Answer& operator=(Answer&&) = delete;
-  Answer(const Answer&) = delete;
-  Answer& operator=(const Answer&) = delete;
-  ~Answer() {
-    if (question_) question_->answer(TokenError(TokenError::Kind::unanswered));
-  }
-
-  void operator()(Result<std::string> token) { question_->answer(std::move(token)); }
-
- private:
-  std::shared_ptr<Question> question_;
 };
 
 }  // namespace
@@ -95,7 +79,7 @@ FunctionTokenResolver::FunctionTokenResolver(Function function) : function_(std:
 RequestHandle FunctionTokenResolver::resolve(const Identity& identity, std::optional<double> offset,
                                              Completion<std::string> resultHandler) {
   auto question = std::make_shared<Question>(std::move(resultHandler));
-  function_(identity, offset, Answer(question));
+  function_(identity, offset, detail::answerOnce<std::string>(question));
   return question;
 }
 

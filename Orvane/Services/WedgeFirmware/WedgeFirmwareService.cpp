@@ -114,6 +114,10 @@ RequestHandle WedgeFirmwareService::downloadFirmware(DownloadProgressHandler pro
       });
 }
 
+Operation<std::optional<std::string>> WedgeFirmwareService::downloadFirmware() const {
+  return downloadVersion({});
+}
+
 Operation<std::optional<std::string>> WedgeFirmwareService::downloadVersion(
     DownloadProgressHandler progress) const {
   return Operation<std::optional<std::string>>(

@@ -90,7 +90,7 @@ class ORVANE_EXPORT WedgeFirmwareService {
 
   /// The same, with what went wrong as an error besides the log: a `FirmwareDownloadError`, or the
   /// `Downloader`'s. `progress` is called in every start.
-  Operation<std::optional<std::string>> downloadFirmware() const { return downloadVersion({}); }
+  Operation<std::optional<std::string>> downloadFirmware() const;
   template <class Progress>
     requires(!std::is_invocable_v<Progress&, std::optional<std::string>> &&
              std::is_invocable_v<Progress&, const DownloadProgress&>)

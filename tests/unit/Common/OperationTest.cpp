@@ -4,6 +4,7 @@
 #include <Orvane/Common/All.h>
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Common/Operation.h>
+#include <Orvane/Common/Retrying.h>
 #include <Orvane/Common/Task.h>
 #include <Orvane/Core/UserIdentifier.h>
 #include <Orvane/Testing/FixedResolvers.h>
@@ -336,6 +337,8 @@ TEST_F(OperationDeathTest, whatWasMovedFromStopsTheProcess) {
   EXPECT_DEATH(moved.start({}), (fault + std::to_string(__LINE__)).c_str());
   EXPECT_DEATH(std::ignore = moved.wait(), (fault + std::to_string(__LINE__)).c_str());
   EXPECT_DEATH(std::ignore = moved.onMain(), (fault + std::to_string(__LINE__)).c_str());
+  EXPECT_DEATH(std::ignore = retrying(moved), (fault + std::to_string(__LINE__)).c_str());
+  EXPECT_DEATH(std::ignore = all(std::vector{moved}), (fault + std::to_string(__LINE__)).c_str());
   EXPECT_DEATH(awaitInto([](const Text&) {}, std::move(moved)),
                "moved from can't be used: file .*OperationTest.cpp");
   // NOLINTEND(bugprone-use-after-move,clang-analyzer-cplusplus.Move)

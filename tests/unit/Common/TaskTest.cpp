@@ -121,6 +121,9 @@ TEST_F(TaskDeathTest, aTaskCanBeRunOnce) {
   EXPECT_EQ(MainQueue::main().runUntil(std::move(task)), 1);
   // NOLINTNEXTLINE(bugprone-use-after-move): that is the fault
   EXPECT_DEATH(std::move(task).start(), "can be run only once: file .*TaskTest.cpp");
+  const auto awaiting = [](Task<int> begun) -> Task<int> { co_return co_await std::move(begun); };
+  EXPECT_DEATH(MainQueue::main().runUntil(awaiting(std::move(task))),
+               "can be run only once: file .*TaskTest.cpp, line " + std::to_string(__LINE__ - 2));
 }
 
 template <class Awaited>

@@ -63,6 +63,13 @@ TEST(ResultTest, givesItsValueAway) {
   Result<std::unique_ptr<std::string>> owner = std::make_unique<std::string>("a");
   owner->get()->append("b");
   EXPECT_EQ(**owner, "ab");
+  struct Car {
+    std::string name;
+    [[nodiscard]] std::size_t length() const { return name.size(); }
+  };
+  const Result<Car> car = Car{"a car"};
+  EXPECT_EQ(car.transform(&Car::name), Text("a car"));
+  EXPECT_EQ(car.transform(&Car::length).value_or(0), 5U);
   auto moved = std::move(owner).transform([](std::unique_ptr<std::string> text) { return text; });
   EXPECT_EQ(*std::move(moved).value_or(nullptr), "ab");
 }
