@@ -6,7 +6,6 @@
 
 #include <Orvane/Common/AnswerOnce.h>
 #include <Orvane/Common/Operation.h>
-#include <Orvane/Platform/Fatal.h>
 
 #ifdef ORVANE_ASIO_STANDALONE
 #include <asio/associated_allocator.hpp>
