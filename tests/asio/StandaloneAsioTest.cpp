@@ -4,14 +4,13 @@
 #define ORVANE_ASIO_STANDALONE
 #include <Orvane/Asio.h>
 
-#include <gtest/gtest.h>
-
 #include <asio/awaitable.hpp>
 #include <asio/co_spawn.hpp>
 #include <asio/detached.hpp>
 #include <asio/io_context.hpp>
 #include <asio/use_awaitable.hpp>
 #include <asio/use_future.hpp>
+#include <gtest/gtest.h>
 
 #include <string>
 
