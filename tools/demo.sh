@@ -38,7 +38,7 @@ start_backend() {
   # shellcheck disable=SC2153  # set by coproc
   sandbox_pid=$SANDBOX_PID
   while read -r -t 60 -u "${SANDBOX[0]}" line; do
-    if [[ $line =~ (https://[^/]+)/kavra/api/sdk ]]; then
+    if [[ $line =~ base\ URL\ +(https://[^ ]+) ]]; then
       base_url=${BASH_REMATCH[1]}
     fi
     [[ $line != 'token of a user:'* ]] || return 0

@@ -86,6 +86,12 @@ Answer SandboxTest::admin(const std::string& path, const json& body) {
                                   "application/json"));
 }
 
+json SandboxTest::adminRead(const std::string& path) {
+  return answerFrom(
+             client_->Get("/admin/" + path, {{adminKeyHeader, sandbox_->backend().adminKey()}}))
+      .parsed();
+}
+
 json SandboxTest::read(const std::string& path) {
   const Answer answer = get(path);
   if (answer.status != 200) {

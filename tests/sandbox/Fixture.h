@@ -44,6 +44,7 @@ class SandboxTest : public testing::Test {
   Answer post(const std::string& path, std::string body = "", const std::string& contentType = "");
   Answer postForm(const std::string& path, const httplib::MultipartFormDataItems& items);
   Answer admin(const std::string& path, const json& body);
+  json adminRead(const std::string& path);
 
   /// Sends requests without a body: each must be refused with the status, and be told why.
   void refuses(int status, const std::vector<std::string>& requests);

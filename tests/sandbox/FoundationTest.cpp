@@ -124,6 +124,76 @@ TEST_F(Foundation, FaultsSpoilExactlyTheRequestsTheyAreMeantFor) {
   EXPECT_EQ(get("identity").status, 200);
 }
 
+TEST_F(Foundation, AdminRequestsReadBackWhatIsInForce) {
+  admin("misbehave", {{"status", 503}, {"times", 2}, {"path", "identity$"}});
+  EXPECT_EQ(get("identity").status, 503);
+  EXPECT_EQ(adminRead("misbehave"),
+            json::parse(R"([{"status":503,"times":1,"path":"identity$"}])"));
+  admin("clock", {{"skew", 90}});
+  const json clock = adminRead("clock");
+  EXPECT_EQ(clock["skew"], 90);
+  EXPECT_EQ(clock["today"], "2025-06-18T12:00:00.000Z");
+  auto stranger = client();
+  stranger.enable_server_certificate_verification(false);
+  EXPECT_EQ(stranger.Get("/admin/health")->status, 200);
+
+  get("trips/4711");
+  postForm("users/1001", {{"firstName", "Änne", "", ""}});
+  const json log = adminRead("requests?bodies=true");
+  const json& refused = log[log.size() - 2];
+  EXPECT_EQ(refused["reason"], refused["answer"].is_string()
+                                   ? json::parse(refused["answer"].get<std::string>())["message"]
+                                   : json());
+  EXPECT_THAT(refused["time"].get<std::string>(), testing::MatchesRegex("20.*T.*Z"));
+  EXPECT_GT(refused["durationMs"].get<double>(), 0);
+  EXPECT_THAT(log.back()["body"].get<std::string>(), HasSubstr("Änne"));
+  EXPECT_FALSE(adminRead("requests").back().contains("body"));
+}
+
+TEST_F(Foundation, SnapshotsBringBackWhatTheySaved) {
+  const std::string before = get("users/1001").body;
+  EXPECT_EQ(admin("snapshots", {{"name", "before"}}).status, 200);
+  postForm("users/1001", {{"firstName", "Änne", "", ""}});
+  EXPECT_NE(get("users/1001").body, before);
+  EXPECT_EQ(admin("snapshots", {{"name", "after"}}).status, 200);
+  EXPECT_EQ(admin("restore", {{"name", "before"}}).status, 200);
+  EXPECT_EQ(get("users/1001").body, before);
+  EXPECT_EQ(adminRead("snapshots"), json({"after", "before"}));
+  EXPECT_EQ(admin("restore", {{"name", "never"}}).status, 404);
+  for (const char* name : {"", ".", "../before", "a/b", "a b", "ä"}) {
+    EXPECT_EQ(admin("snapshots", {{"name", name}}).status, 400) << name;
+  }
+}
+
+TEST_F(Foundation, PagesOfAllowedOriginsReadAnswers) {
+  SandboxOptions options;
+  options.backend.allowedOrigins = {"https://app.example"};
+  start(options);
+  const httplib::Headers page{{"Origin", "https://app.example"}};
+  EXPECT_EQ(get("identity", page).header("Access-Control-Allow-Origin"), "https://app.example");
+  EXPECT_EQ(get("nowhere", page).header("Access-Control-Allow-Origin"), "https://app.example");
+  EXPECT_EQ(
+      get("identity", {{"Origin", "https://other.example"}}).header("Access-Control-Allow-Origin"),
+      "");
+  useToken("");
+  const Answer may = send("OPTIONS identity", "", "",
+                          {{"Origin", "https://app.example"},
+                           {"Access-Control-Request-Method", "GET"},
+                           {"Access-Control-Request-Headers", "authorization"}});
+  EXPECT_EQ(may.status, 204);
+  EXPECT_EQ(may.header("Access-Control-Allow-Methods"), "GET");
+  EXPECT_EQ(may.header("Access-Control-Allow-Headers"), "authorization");
+}
+
+TEST_F(Foundation, ASlowAnswerTakesAsLongAsItsBytes) {
+  const std::string whole = get("users/1001/trips").body;
+  const auto start = std::chrono::steady_clock::now();
+  admin("misbehave", {{"bytesPerSecond", whole.size() * 4}, {"times", 1}});
+  EXPECT_EQ(get("users/1001/trips").body, whole);
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds{200});
+  EXPECT_EQ(admin("misbehave", {{"bytesPerSecond", 0}}).status, 400);
+}
+
 TEST(Reset, LaysTheDataAroundTheTimeOfTheClockThatItSetsBack) {
   const TemporaryFolder folder;
   BackendOptions options;

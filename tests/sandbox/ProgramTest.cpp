@@ -71,19 +71,78 @@ TEST(Program, TellsHowToReachItAndStopsWhenAsked) {
   EXPECT_THAT(second.readLine(), HasSubstr("port " + port + " can't be bound"));
   EXPECT_EQ(second.exitCode(), 1);
 
+  // So is a folder.
+  EXPECT_EQ(json::parse(std::ifstream{data + "/ready.json"}), description);
+  Program third{"--data " + data};
+  EXPECT_THAT(third.readLine(), HasSubstr("another orvane-sandbox runs on the data"));
+  EXPECT_EQ(third.exitCode(), 1);
+
   // A connection that is still open keeps nothing waiting.
   ::kill(description["pid"].get<pid_t>(), SIGTERM);
   EXPECT_EQ(program.exitCode(), 0);
+  EXPECT_FALSE(std::filesystem::exists(ready) || std::filesystem::exists(data + "/ready.json"));
 
   Program other{"--data " + data + " --now 2025-06-19"};
   EXPECT_THAT(other.readLine(), HasSubstr("--fresh"));
   EXPECT_EQ(other.exitCode(), 1);
 }
 
+TEST(Program, RunsACommandWithItsSettingsAndEndsAsItDoes) {
+  Program asks{
+      "--weeks 1 --exec -- sh -c 'curl --silent --show-error --cacert \"$ORVANE_CA_FILE\" "
+      "-H \"Authorization: Bearer $ORVANE_TOKEN\" \"$ORVANE_BASE_URL/kavra/api/sdk/identity\"; "
+      "echo; dirname \"$ORVANE_CA_FILE\"; exit 7'"};
+  EXPECT_EQ(json::parse(asks.readLine())["userId"], "1001");
+  std::string folder = asks.readLine();
+  folder.pop_back();
+  EXPECT_EQ(asks.exitCode(), 7);
+  EXPECT_FALSE(std::filesystem::exists(folder)) << folder;
+
+  const struct {
+    const char* command;
+    int code;
+  } rows[] = {{"sh -c 'kill -KILL $$'", 128 + SIGKILL},
+              {"/nonexistent/program", 127},
+              {"/", 126},
+              {"sh -c 'kill -TERM $PPID; sleep 60 & wait'", 128 + SIGTERM}};
+  for (const auto& [command, code] : rows) {
+    EXPECT_EQ(Program{std::string{"--weeks 1 --exec -- "} + command}.exitCode(), code) << command;
+  }
+}
+
+TEST(Program, ServesOtherMachinesByTheirNames) {
+  const TemporaryFolder folder;
+  const std::string data = folder / "data";
+  Program program{"--data " + data + " --weeks 1 --host 0.0.0.0 --name backend.example"};
+  ASSERT_THAT(program.readLine(), HasSubstr("listening"));
+  const json description = json::parse(std::ifstream{data + "/ready.json"});
+  const std::string url = description["baseURL"];
+  EXPECT_THAT(url, testing::StartsWith("https://backend.example:"));
+  const std::string port = std::to_string(description["port"].get<int>());
+  const std::string ask = "curl --silent --show-error --cacert " + data +
+                          "/ca.pem --resolve backend.example:" + port + ":127.0.0.1 " + url +
+                          "/admin/health";
+  EXPECT_EQ(std::system(ask.c_str()), 0);
+  ::kill(description["pid"].get<pid_t>(), SIGTERM);
+  EXPECT_EQ(program.exitCode(), 0);
+}
+
+TEST(Program, EndsWhileItLaysTheDataWhenAskedTo) {
+  const TemporaryFolder folder;
+  const std::string data = folder / "data";
+  // The lock is there before the data is.
+  const std::string command = "sh -c '" ORVANE_SANDBOX_EXECUTABLE " --weeks 104 --data " + data +
+                              " & while [ ! -e " + data +
+                              "/sandbox.sqlite ]; do sleep 0.01; done; kill -INT $!; wait $!'";
+  const int status = std::system(command.c_str());
+  EXPECT_EQ(WEXITSTATUS(status), 128 + SIGINT);
+}
+
 TEST(Program, RefusesFlagsThatMakeNoSense) {
   const TemporaryFolder folder;
-  for (const char* flags : {"--port 70000", "--now yesterday", "--misbehave '{\"status\":1}'",
-                            "--misbehave nonsense", "--certificate rusty", "--fast", "now"}) {
+  for (const char* flags :
+       {"--port 70000", "--now yesterday", "--misbehave '{\"status\":1}'", "--misbehave nonsense",
+        "--certificate rusty", "--fast", "now", "--exec", "--name a,b", "--slow 0"}) {
     EXPECT_EQ(Program{"--data " + folder.path().string() + " " + flags}.exitCode(), 1) << flags;
   }
 }

@@ -33,6 +33,23 @@ Reply behave(Backend& backend, const Request&) {
   return done();
 }
 
+Reply listMisbehaviours(Backend& backend, const Request&) {
+  auto list = nlohmann::json::array();
+  for (const Fault& fault : backend.misbehaviours().all()) list.push_back(fault.toJson());
+  return jsonReply(list.dump());
+}
+
+Reply showClock(Backend& backend, const Request&) {
+  JsonWriter json;
+  json.beginObject()
+      .member("skew", backend.clock().skew())
+      .member("now", formatTime(backend.clock().now()))
+      .member("today", formatTime(backend.now()))
+      .member("laidAround", formatTime(backend.laidAround()))
+      .endObject();
+  return jsonReply(json.take());
+}
+
 Reply setClock(Backend& backend, const Request& request) {
   const auto json = parseBody(request);
   const auto skew = json.find("skew");
@@ -49,8 +66,10 @@ Reply resetAll(Backend& backend, const Request&) {
   return done();
 }
 
-Reply listRequests(Backend& backend, const Request&) {
-  return jsonReply(backend.requests().json());
+Reply listRequests(Backend& backend, const Request& request) {
+  const bool withBodies = request.query == "bodies=true";
+  if (!withBodies && !request.query.empty()) throw badRequest("the query is not bodies=true");
+  return jsonReply(backend.requests().json(withBodies));
 }
 
 Reply forgetRequests(Backend& backend, const Request&) {
@@ -58,32 +77,71 @@ Reply forgetRequests(Backend& backend, const Request&) {
   return done();
 }
 
+std::string nameOf(const Request& request) {
+  const auto json = parseBody(request);
+  const auto name = json.find("name");
+  if (json.size() != 1 || name == json.end() || !name->is_string()) {
+    throw badRequest("the body is not {\"name\": text}");
+  }
+  return name->get<std::string>();
+}
+
+Reply listSnapshots(Backend& backend, const Request&) {
+  return jsonReply(nlohmann::json(backend.snapshots().names()).dump());
+}
+
+Reply saveSnapshot(Backend& backend, const Request& request) {
+  backend.snapshots().save(nameOf(request), *backend.database().lease());
+  return done();
+}
+
+Reply removeSnapshot(Backend& backend, const Request& request) {
+  backend.snapshots().remove(nameOf(request));
+  return done();
+}
+
+Reply restoreSnapshot(Backend& backend, const Request& request) {
+  backend.restore(nameOf(request));
+  return done();
+}
+
+Reply health(Backend&, const Request&) { return jsonReply(R"({"status":"ok"})"); }
+
 struct AdminRoute {
   std::string_view method;
   std::string_view path;
   Reply (*handle)(Backend&, const Request&);
+  bool needsKey = true;
 };
 
-constexpr std::array<AdminRoute, 6> routes{{
+constexpr auto routes = std::to_array<AdminRoute>({
+    {"GET", "health", &health, false},
+    {"GET", "misbehave", &listMisbehaviours},
     {"POST", "misbehave", &misbehave},
     {"DELETE", "misbehave", &behave},
+    {"GET", "clock", &showClock},
     {"POST", "clock", &setClock},
     {"POST", "reset", &resetAll},
     {"GET", "requests", &listRequests},
     {"DELETE", "requests", &forgetRequests},
-}};
+    {"GET", "snapshots", &listSnapshots},
+    {"POST", "snapshots", &saveSnapshot},
+    {"DELETE", "snapshots", &removeSnapshot},
+    {"POST", "restore", &restoreSnapshot},
+});
 
 Reply dispatch(Backend& backend, const Request& request) {
-  const auto key = request.header(adminKeyHeader);
-  if (!key || !equalInConstantTime(*key, backend.adminKey())) {
-    throw Problem{
-        401, "unauthorized",
-        std::string{"the header "} + adminKeyHeader + " does not hold the key of the ready file"};
-  }
   const std::string_view path = std::string_view{request.path}.substr(adminRoot.size());
   const auto route = std::ranges::find_if(routes, [&](const AdminRoute& candidate) {
     return candidate.path == path && candidate.method == request.method;
   });
+  const auto key = request.header(adminKeyHeader);
+  const bool hasKey = key && equalInConstantTime(*key, backend.adminKey());
+  if (!hasKey && (route == routes.end() || route->needsKey)) {
+    throw Problem{
+        401, "unauthorized",
+        std::string{"the header "} + adminKeyHeader + " does not hold the key of the ready file"};
+  }
   if (route == routes.end()) throw notFound("there is no such admin request");
   return route->handle(backend, request);
 }

@@ -7,6 +7,7 @@
 #include "resources/Resources.h"
 #include "store/Schema.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <exception>
@@ -30,9 +31,12 @@ Backend::Backend(BackendOptions options)
       signingKey_(options_.folder / "signing.key"),
       adminKey_(randomHex(16)),
       database_(options_.folder / "sandbox.sqlite"),
-      misbehaviours_(options_.faults) {
+      misbehaviours_(options_.faults),
+      snapshots_(options_.folder / "snapshots"),
+      today_(options_.now.value_or(clockTime)) {
   makeFirmware(folder());
   layDataIfNeeded();
+  options_.progress = nullptr;  // of the start: nobody looks on later
   addResources(router_);
 }
 
@@ -40,24 +44,29 @@ void Backend::layDataIfNeeded() {
   const auto lease = database_.lease();
   const bool created = createSchema(*lease);
   if (created || options_.fresh) return lay(*lease);
-  Rows laid = lease->query("SELECT around_ms, is_today FROM laid");
-  if (!laid.next()) return lay(*lease);
-  laidAround_ = laid.integer(0);
-  const bool isToday = laid.boolean(1);
-  if (options_.now && (!isToday || *options_.now != laidAround_)) {
+  if (!readLaid(*lease)) return lay(*lease);
+  if (options_.now && options_.now != today_) {
     throw std::runtime_error("the data in " + folder().string() +
                              " was laid around another time (" + httpDate(laidAround_) +
                              "); --fresh lays it anew");
   }
-  if (isToday) options_.now = laidAround_;
+}
+
+/// What the data was laid around, and whether that is today for it; false where there is none.
+bool Backend::readLaid(DatabaseConnection& database) {
+  Rows laid = database.query("SELECT around_ms, is_today FROM laid");
+  if (!laid.next()) return false;
+  laidAround_ = laid.integer(0);
+  today_ = laid.boolean(1) ? laidAround_.load() : clockTime;
+  return true;
 }
 
 void Backend::lay(DatabaseConnection& database) {
   const Milliseconds around = now();
   Transaction transaction{database};
   clearTables(database);
-  layData(database, around, options_.weeks);
-  database.execute("INSERT INTO laid VALUES (?, ?)", around, options_.now.has_value());
+  layData(database, around, options_.weeks, options_.progress);
+  database.execute("INSERT INTO laid VALUES (?, ?)", around, today_ != clockTime);
   transaction.commit();
   laidAround_ = around;
 }
@@ -67,6 +76,12 @@ void Backend::reset() {
   lay(*database_.lease());
   misbehaviours_.reset();
   requests_.clear();
+}
+
+void Backend::restore(const std::string& snapshot) {
+  const auto lease = database_.lease();
+  snapshots_.restore(snapshot, *lease);
+  readLaid(*lease);
 }
 
 std::string Backend::authenticate(DatabaseConnection& database, const Request& request,
@@ -99,16 +114,45 @@ Reply Backend::route(const Request& request) {
 Reply Backend::answer(const Request& request) {
   if (request.path.starts_with(adminRoot)) return answerAdmin(*this, request);
 
+  const Milliseconds time = clock_.machineTime();
   const auto start = std::chrono::steady_clock::now();
-  Reply reply = answerFaulty(request);
-  requests_.add(request, reply.status);
+  Reply reply = answerPage(request);
+  if (reply.bytesPerSecond == 0) reply.bytesPerSecond = options_.bytesPerSecond;
+  const RequestLog::Duration duration = std::chrono::steady_clock::now() - start;
+  requests_.add(request, reply, time, duration);
   if (options_.verbose) {
-    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
     // Query values are personal: e-mail addresses, codes, push tokens.
-    std::fprintf(stderr, "%s %s%s %d %zu bytes %.2f ms\n", request.method.c_str(),
+    std::fprintf(stderr, "%s %s%s %d %zu bytes %.2f ms%s%s\n", request.method.c_str(),
                  request.path.c_str(), request.query.empty() ? "" : "?…", reply.status,
-                 reply.body.size(), time.count());
+                 reply.body.size(), duration.count(), reply.reason.empty() ? "" : ": ",
+                 reply.reason.c_str());
   }
+  return reply;
+}
+
+/// Lets pages of allowed origins read answers, and ask beforehand whether they may (the CORS
+/// protocol of the Fetch standard).
+Reply Backend::answerPage(const Request& request) {
+  const auto origin = request.header("Origin");
+  const auto& allowed = options_.allowedOrigins;
+  const bool isAllowed = origin && std::ranges::any_of(allowed, [&](const std::string& each) {
+                           return each == "*" || each == *origin;
+                         });
+  if (!isAllowed) return answerFaulty(request);
+  const auto wanted = request.header("Access-Control-Request-Method");
+  const bool isQuestion = request.method == "OPTIONS" && wanted;
+  Reply reply = isQuestion ? jsonReply("", 204) : answerFaulty(request);
+  reply.headers.emplace_back("Access-Control-Allow-Origin", *origin);
+  reply.headers.emplace_back("Vary", "Origin");
+  if (!isQuestion) {
+    reply.headers.emplace_back("Access-Control-Expose-Headers", "Date, Retry-After");
+    return reply;
+  }
+  reply.headers.emplace_back("Access-Control-Allow-Methods", *wanted);
+  if (const auto headers = request.header("Access-Control-Request-Headers")) {
+    reply.headers.emplace_back("Access-Control-Allow-Headers", *headers);
+  }
+  reply.headers.emplace_back("Access-Control-Max-Age", "600");
   return reply;
 }
 

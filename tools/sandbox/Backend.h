@@ -6,12 +6,15 @@
 #include "Misbehaviour.h"
 #include "RequestLog.h"
 #include "Router.h"
+#include "Snapshots.h"
 #include "Time.h"
+#include "data/Trips.h"
 #include "security/Tokens.h"
 #include "store/Database.h"
 
 #include <atomic>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,7 +29,10 @@ struct BackendOptions {
   int weeks = 8;       // of trips
   bool fresh = false;  // lay the data anew even when there is some
   std::vector<Fault> faults;
-  bool verbose = false;  // a line per request on standard error
+  std::size_t bytesPerSecond = 0;           // of every answer; 0: at once
+  std::vector<std::string> allowedOrigins;  // of pages that may read answers; "*" is all of them
+  bool verbose = false;                     // a line per request on standard error
+  LayingProgress progress;                  // while the data is laid
 };
 
 class Backend {
@@ -45,10 +51,15 @@ class Backend {
 
   /// Lays the data anew, forgets misbehaviour and requests, and sets the clock back.
   void reset();
+  /// Puts the data of a snapshot in place of the present one. Throws a 404 where there is none.
+  void restore(const std::string& snapshot);
 
   /// The time for whatever is relative to today: what the data was laid around when that was asked
   /// for, and otherwise the server clock's.
-  [[nodiscard]] Milliseconds now() const { return options_.now.value_or(clock_.now()); }
+  [[nodiscard]] Milliseconds now() const {
+    const Milliseconds today = today_;
+    return today == clockTime ? clock_.now() : today;
+  }
 
   /// The time that the data was laid around.
   [[nodiscard]] Milliseconds laidAround() const { return laidAround_; }
@@ -58,13 +69,16 @@ class Backend {
   [[nodiscard]] const SigningKey& signingKey() const { return signingKey_; }
   [[nodiscard]] Misbehaviours& misbehaviours() { return misbehaviours_; }
   [[nodiscard]] RequestLog& requests() { return requests_; }
+  [[nodiscard]] Snapshots& snapshots() { return snapshots_; }
   [[nodiscard]] const std::string& adminKey() const { return adminKey_; }
   [[nodiscard]] const std::filesystem::path& folder() const { return options_.folder; }
 
  private:
   [[nodiscard]] Reply answerFaulty(const Request& request);
   [[nodiscard]] Reply route(const Request& request);
+  [[nodiscard]] Reply answerPage(const Request& request);
   void layDataIfNeeded();
+  bool readLaid(DatabaseConnection& database);
   void lay(DatabaseConnection& database);
 
   BackendOptions options_;
@@ -74,8 +88,11 @@ class Backend {
   Database database_;
   Misbehaviours misbehaviours_;
   RequestLog requests_;
+  Snapshots snapshots_;
   Router router_;
   std::atomic<Milliseconds> laidAround_ = 0;
+  static constexpr Milliseconds clockTime = std::numeric_limits<Milliseconds>::min();
+  std::atomic<Milliseconds> today_;  // what `now()` answers; `clockTime`: the server clock's
 };
 
 inline constexpr std::string_view apiRoot = "/kavra/api/sdk/";

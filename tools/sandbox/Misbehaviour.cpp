@@ -91,6 +91,9 @@ void read(Fault& fault, const std::string& name, const nlohmann::json& value) {
         std::clamp(value.get<std::int64_t>(), std::int64_t{0}, std::int64_t{600'000})};
   } else if (name == "cutAfterBytes") {
     fault.cutAfterBytes = value.get<std::size_t>();
+  } else if (name == "bytesPerSecond") {
+    fault.bytesPerSecond = value.get<std::size_t>();
+    if (fault.bytesPerSecond == 0) throw badRequest("\"bytesPerSecond\" is less than 1");
   } else if (name == "body") {
     fault.body = value.get<std::string>();
     if (std::ranges::find(bodies, fault.body, &FaultBody::name) == bodies.end()) {
@@ -139,7 +142,14 @@ Fault Fault::fromJson(const nlohmann::json& json) {
       throw badRequest("\"" + name + "\" has the wrong type");
     }
   }
+  fault.source_ = json.dump();
   return fault;
+}
+
+nlohmann::json Fault::toJson() const {
+  auto json = nlohmann::json::parse(source_);
+  if (times > 0) json["times"] = times;
+  return json;
 }
 
 Reply Fault::spoil(Reply reply) const {
@@ -153,6 +163,7 @@ Reply Fault::spoil(Reply reply) const {
     reply.cutAfterBytes = cutAfterBytes;
     reply.compressible = false;
   }
+  if (bytesPerSecond > 0) reply.bytesPerSecond = bytesPerSecond;
   reply.drop = drop;
   reply.sendDate = date;
   return reply;
@@ -168,6 +179,11 @@ void Misbehaviours::reset() {
   const std::lock_guard lock{mutex_};
   faults_ = always_;
   any_ = !faults_.empty();
+}
+
+std::vector<Fault> Misbehaviours::all() {
+  const std::lock_guard lock{mutex_};
+  return faults_;
 }
 
 std::optional<Fault> Misbehaviours::next(std::string_view method, const std::string& path) {

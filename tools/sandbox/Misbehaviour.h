@@ -36,21 +36,27 @@ struct Fault {
   std::optional<int> status;
   std::chrono::milliseconds delay{0};
   std::optional<std::size_t> cutAfterBytes;
-  std::string body;             // one of faultBodies(); empty: the true one
-  bool drop = false;            // end the connection without an answer
-  bool date = true;             // false: leave the Date header out
-  std::int64_t times = -1;      // requests still to be spoilt; -1 for all
-  std::string method;           // empty: any
-  std::optional<Pattern> path;  // searched for in the request's path
+  std::size_t bytesPerSecond = 0;  // of the answer; 0: at once
+  std::string body;                // one of faultBodies(); empty: the true one
+  bool drop = false;               // end the connection without an answer
+  bool date = true;                // false: leave the Date header out
+  std::int64_t times = -1;         // requests still to be spoilt; -1 for all
+  std::string method;              // empty: any
+  std::optional<Pattern> path;     // searched for in the request's path
 
   /// Throws a 400 for an unknown member or value.
   static Fault fromJson(const nlohmann::json& json);
+  /// The object that it was made of, with the requests that are still to be spoilt.
+  [[nodiscard]] nlohmann::json toJson() const;
 
   /// Whether the resource is asked at all before the answer is spoilt.
   [[nodiscard]] bool keepsAnswer() const {
     return !status && (body.empty() || body == "truncated");
   }
   [[nodiscard]] Reply spoil(Reply reply) const;
+
+ private:
+  std::string source_;
 };
 
 class Misbehaviours {
@@ -60,6 +66,9 @@ class Misbehaviours {
   void add(Fault fault);
   /// Back to what the command line asked for.
   void reset();
+
+  /// Those in force, in the order in which they are looked at.
+  [[nodiscard]] std::vector<Fault> all();
 
   /// The fault for this request, which is then used up by one.
   [[nodiscard]] std::optional<Fault> next(std::string_view method, const std::string& path);

@@ -8,6 +8,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+
 namespace orvane::sandbox {
 
 namespace {
@@ -38,15 +40,17 @@ void writeIdentities(JsonWriter& json) {
 
 }  // namespace
 
-Sandbox::Sandbox(SandboxOptions options) : options_(prepareFolder(std::move(options))) {
+Sandbox::Sandbox(SandboxOptions options)
+    : options_(prepareFolder(std::move(options))), lock_(options_.backend.folder) {
   const auto& folder = options_.backend.folder;
   if (!options_.plainHttp) {
-    makeCertificates(folder, options_.flaw);
+    makeCertificates(folder, options_.flaw, options_.names);
     tls_ = makeTlsContext(folder);
   }
   backend_ = std::make_unique<Backend>(options_.backend);
   listener_ = std::make_unique<Listener>(
-      Listener::Options{options_.port, options_.threads, options_.compress, tls_.get()},
+      Listener::Options{options_.host, options_.port, options_.threads, options_.compress,
+                        tls_.get()},
       backend_->clock(), [this](const Request& request) { return backend_->answer(request); });
   listener_->start();
 }
@@ -57,8 +61,14 @@ Sandbox::~Sandbox() {
 }
 
 std::string Sandbox::baseUrl() const {
-  return std::string{options_.plainHttp ? "http" : "https"} +
-         "://127.0.0.1:" + std::to_string(port());
+  std::string host = options_.names.empty() ? "127.0.0.1" : options_.names.front();
+  if (host.find(':') != std::string::npos) host = "[" + host + "]";  // RFC 3986, section 3.2.2
+  return (options_.plainHttp ? "http://" : "https://") + host + ":" + std::to_string(port());
+}
+
+std::string Sandbox::sampleToken() {
+  const auto first = std::ranges::find_if(people(), &Person::isSample);
+  return std::string{developmentToken} + first->userId;
 }
 
 std::filesystem::path Sandbox::certificateAuthority() const {
@@ -79,7 +89,8 @@ std::string Sandbox::description() const {
       .member("signingKey", backend_->signingKey().hex())
       .member("adminKeyHeader", adminKeyHeader)
       .member("adminKey", backend_->adminKey())
-      .member("apiKey", sampleApiKey);
+      .member("apiKey", sampleApiKey)
+      .member("token", sampleToken());
   writeIdentities(json);
   return json.endObject().take();
 }

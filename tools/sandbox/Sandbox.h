@@ -4,18 +4,22 @@
 #pragma once
 
 #include "Backend.h"
+#include "FolderLock.h"
 #include "http/Listener.h"
 #include "security/Certificates.h"
 
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace orvane::sandbox {
 
 struct SandboxOptions {
   BackendOptions backend;
-  int port = 0;  // 0: a free one
+  std::string host = "127.0.0.1";  // the address to listen on
+  std::vector<std::string> names;  // further names and addresses that clients know it by
+  int port = 0;                    // 0: a free one
   std::size_t threads = 64;
   bool compress = true;
   bool plainHttp = false;
@@ -31,15 +35,19 @@ class Sandbox {
   Sandbox& operator=(const Sandbox&) = delete;
 
   [[nodiscard]] int port() const { return listener_->port(); }
+  /// With the first of the names, where there is one.
   [[nodiscard]] std::string baseUrl() const;
   [[nodiscard]] std::filesystem::path certificateAuthority() const;
   [[nodiscard]] const Backend& backend() const { return *backend_; }
+  /// The token of the first person, for development.
+  [[nodiscard]] static std::string sampleToken();
 
   /// What a client needs to know, as the JSON text of the ready file.
   [[nodiscard]] std::string description() const;
 
  private:
   SandboxOptions options_;
+  FolderLock lock_;
   TlsContext tls_{nullptr, &SSL_CTX_free};
   std::unique_ptr<Backend> backend_;
   std::unique_ptr<Listener> listener_;

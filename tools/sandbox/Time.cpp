@@ -24,10 +24,11 @@ std::optional<int> digits(std::string_view text) {
 
 }  // namespace
 
-Milliseconds ServerClock::now() const {
+Milliseconds ServerClock::now() const { return machineTime() + skew() * millisPerSecond; }
+
+Milliseconds ServerClock::machineTime() {
   using namespace std::chrono;
-  return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count() +
-         skew() * millisPerSecond;
+  return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
 }
 
 std::string httpDate(Milliseconds time) {
@@ -82,6 +83,16 @@ std::string formatDay(Day day) {
       std::snprintf(text.data(), text.size(), "%04d-%02u-%02u", static_cast<int>(date.year()),
                     static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
   return {text.data(), static_cast<std::size_t>(std::max(size, 0))};
+}
+
+std::string formatTime(Milliseconds time) {
+  const Milliseconds ofDay = time - startOf(dayOf(time));
+  std::array<char, 32> text{};
+  const int size =
+      std::snprintf(text.data(), text.size(), "T%02d:%02d:%02d.%03dZ",
+                    static_cast<int>(ofDay / 3'600'000), static_cast<int>(ofDay / 60'000 % 60),
+                    static_cast<int>(ofDay / 1000 % 60), static_cast<int>(ofDay % 1000));
+  return formatDay(dayOf(time)).append(text.data(), static_cast<std::size_t>(std::max(size, 0)));
 }
 
 int age(Day birth, Day day) {

@@ -24,6 +24,7 @@ class ServerClock {
   explicit ServerClock(std::int64_t skewSeconds) : skewSeconds_(skewSeconds) {}
 
   [[nodiscard]] Milliseconds now() const;
+  [[nodiscard]] static Milliseconds machineTime();
   [[nodiscard]] std::int64_t skew() const { return skewSeconds_.load(std::memory_order_relaxed); }
   void setSkew(std::int64_t seconds) { skewSeconds_.store(seconds, std::memory_order_relaxed); }
 
@@ -41,6 +42,9 @@ class ServerClock {
 [[nodiscard]] std::optional<Milliseconds> parseTimestamp(std::string_view text);
 
 [[nodiscard]] std::string formatDay(Day day);
+
+/// Day and time of day in UTC, to the millisecond: "2025-06-01T12:00:00.000Z".
+[[nodiscard]] std::string formatTime(Milliseconds time);
 
 [[nodiscard]] inline Day dayOf(Milliseconds time) {
   return std::chrono::floor<std::chrono::days>(

@@ -1,18 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // orvane-sandbox: a local backend over HTTPS with believable data.
-#include "Sandbox.h"
-#include "data/People.h"
+#include "Program.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
-#include <pthread.h>
-#include <unistd.h>
 
-#include <csignal>
-#include <cstdio>
-#include <fstream>
-#include <iomanip>
 #include <iostream>
 #include <map>
 
@@ -24,13 +17,22 @@ struct Flags {
   std::string data = "orvane-sandbox-data";
   std::string now;
   std::string readyFile;
+  bool exec = false;
+  std::vector<std::string> command;
   std::string flaw = "none";
   std::vector<std::string> misbehaviours;
   bool verbose = false;
   SandboxOptions options;
 };
 
-constexpr std::int64_t staleDays = 7;
+const CLI::Validator isHostName{
+    [](const std::string& text) {
+      constexpr const char* letters =
+          "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789.-:";
+      const bool isRight = !text.empty() && text.find_first_not_of(letters) == std::string::npos;
+      return isRight ? std::string{} : "not the name of a host: " + text;
+    },
+    ""};
 
 constexpr const char* footer = R"(
 Tokens: a JSON Web Token signed with HS256 and the key whose 64 hexadecimal digits stand in
@@ -38,8 +40,11 @@ DIR/signing.key, with the claims "sub" (a user's external reference id), "iat" a
 development the fixed token sandbox-token-<userId> is accepted as well, for example
   curl --cacert DIR/ca.pem -H 'Authorization: Bearer sandbox-token-1001' URL/kavra/api/sdk/identity
 
-Misbehaviour: a JSON object with any of "status", "delayMs", "cutAfterBytes", "drop", "date",
-"body" (garbage, empty, notUtf8, huge, gzipBomb, wrongType, null, emptyObject, deep, html,
+In one line, the settings for orvane and the examples in the environment:
+  orvane-sandbox --exec -- orvane trips list --limit 3
+
+Misbehaviour: a JSON object with any of "status", "delayMs", "bytesPerSecond", "cutAfterBytes",
+"drop", "date", "body" (garbage, empty, notUtf8, huge, gzipBomb, wrongType, null, emptyObject, deep, html,
 truncated) and, to narrow it, "times", "method" and "path" (an extended regular expression).)";
 
 void declare(CLI::App& app, Flags& flags) {
@@ -50,9 +55,25 @@ void declare(CLI::App& app, Flags& flags) {
   app.add_option("--port", flags.options.port, "Port on 127.0.0.1; 0 takes a free one")
       ->check(CLI::Range(0, 65535))
       ->capture_default_str();
+  app.add_option("--host", flags.options.host,
+                 "Address to listen on; 0.0.0.0 lets other machines in. Keys and tokens of the "
+                 "sandbox are no secrets: not for an open network")
+      ->type_name("ADDRESS")
+      ->capture_default_str();
+  app.add_option("--name", flags.options.names,
+                 "Name or address by which clients know it, for the certificate; the first stands "
+                 "in the base URL. May be repeated")
+      ->type_name("NAME")
+      ->check(isHostName)
+      ->allow_extra_args(false);
   app.add_option("--ready-file", flags.readyFile,
-                 "Written as soon as requests are answered: JSON with URL, keys and identities")
+                 "Like DIR/ready.json, written as soon as requests are answered: JSON with URL, "
+                 "keys and identities. Goes when the sandbox stops")
       ->type_name("FILE");
+  app.add_flag("--exec", flags.exec,
+               "Run the command after \"--\" with the settings in its environment, and end with "
+               "its exit code. Data of its own, gone afterwards, unless --data is given");
+  app.add_option("COMMAND", flags.command, "For --exec: program and arguments, after \"--\"");
   app.add_option(
          "--now", flags.now,
          "Lay the data around this time (yyyy-MM-dd or yyyy-MM-ddThh:mm:ssZ) and keep it as "
@@ -80,6 +101,14 @@ void declare(CLI::App& app, Flags& flags) {
   app.add_option("--threads", flags.options.threads, "Connections served at the same time")
       ->check(CLI::Range(1, 1024))
       ->capture_default_str();
+  app.add_option("--slow", flags.options.backend.bytesPerSecond, "Send answers no faster than that")
+      ->type_name("BYTES/S")
+      ->check(CLI::PositiveNumber);
+  app.add_option("--allow-origin", flags.options.backend.allowedOrigins,
+                 "Origin whose pages may read answers in a browser (CORS); \"*\" for all. May be "
+                 "repeated")
+      ->type_name("ORIGIN")
+      ->allow_extra_args(false);
   app.add_flag("!--no-compression", flags.options.compress, "Never send gzip");
   app.add_flag("--verbose", flags.verbose, "One line per request on standard error");
 }
@@ -103,57 +132,6 @@ SandboxOptions optionsFrom(const Flags& flags) {
   return options;
 }
 
-/// Whoever waits for the file finds either nothing or all of it.
-void writeAtomically(const std::filesystem::path& file, const std::string& text) {
-  std::filesystem::path temporary = file;
-  temporary += ".part";
-  std::ofstream stream{temporary};
-  using std::filesystem::perms;
-  permissions(temporary, perms::owner_read | perms::owner_write);
-  stream << text << '\n';
-  stream.close();
-  if (!stream) throw std::runtime_error("can't write " + temporary.string());
-  rename(temporary, file);
-}
-
-void printWelcome(const Sandbox& sandbox, const SandboxOptions& options) {
-  std::cout << "orvane-sandbox is listening.\n\n"
-            << "  API root   " << sandbox.baseUrl() << "/kavra/api/sdk\n";
-  if (!options.plainHttp)
-    std::cout << "  CA file    " << sandbox.certificateAuthority().string() << '\n';
-  std::cout << "  API key    " << sampleApiKey << "\n\n"
-            << "  user  external reference  who\n";
-  for (const Person& person : people()) {
-    if (!person.isSample) continue;
-    std::cout << "  " << person.userId << "  " << std::left << std::setw(18)
-              << person.externalReferenceId << "  " << person.firstName << ' ' << person.lastName
-              << ": " << person.note << '\n';
-  }
-  std::cout << "\n  token of a user: sandbox-token-<user>\n";
-  const auto days = (sandbox.backend().now() - sandbox.backend().laidAround()) / millisPerDay;
-  if (days > staleDays) {
-    std::cout << "  The trips end " << days << " days ago; --fresh brings them up to date.\n";
-  }
-  std::cout << std::endl;
-}
-
-int run(const Flags& flags) {
-  // Blocked before any thread starts, so that only sigwait() below sees them.
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGINT);
-  sigaddset(&signals, SIGTERM);
-  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-
-  const SandboxOptions options = optionsFrom(flags);
-  const Sandbox sandbox{options};
-  if (!flags.readyFile.empty()) writeAtomically(flags.readyFile, sandbox.description());
-  printWelcome(sandbox, options);
-  int signal = 0;
-  sigwait(&signals, &signal);
-  return 0;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -166,7 +144,16 @@ int main(int argc, char** argv) {
     return app.exit(error) == 0 ? 0 : 1;
   }
   try {
-    return run(flags);
+    if (flags.exec != !flags.command.empty()) {
+      throw std::runtime_error(flags.exec ? "--exec: the command is missing; it follows \"--\""
+                                          : "unexpected: " + flags.command.front());
+    }
+    return run({.sandbox = optionsFrom(flags),
+                .readyFile = flags.readyFile,
+                .command = flags.command,
+                .keepsData = !flags.exec || app.count("--data") > 0});
+  } catch (const Interrupted& interrupted) {
+    return interrupted.exitCode();
   } catch (const std::exception& exception) {
     std::cerr << "orvane-sandbox: " << exception.what() << '\n';
     return 1;

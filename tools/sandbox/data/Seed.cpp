@@ -8,11 +8,12 @@
 
 namespace orvane::sandbox {
 
-void layData(DatabaseConnection& database, Milliseconds now, int weeks) {
+void layData(DatabaseConnection& database, Milliseconds now, int weeks,
+             const LayingProgress& progress) {
   layPeople(database, now);
   layVehicles(database, now);
   layPapers(database, now);
-  layTrips(database, now, weeks);
+  layTrips(database, now, weeks, progress);
 }
 
 }  // namespace orvane::sandbox

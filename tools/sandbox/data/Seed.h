@@ -4,11 +4,13 @@
 #pragma once
 
 #include "Time.h"
+#include "data/Trips.h"
 #include "store/Database.h"
 
 namespace orvane::sandbox {
 
 /// Fills empty tables. The same time and weeks give the same data.
-void layData(DatabaseConnection& database, Milliseconds now, int weeks);
+void layData(DatabaseConnection& database, Milliseconds now, int weeks,
+             const LayingProgress& progress);
 
 }  // namespace orvane::sandbox

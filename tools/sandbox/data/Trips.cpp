@@ -254,13 +254,15 @@ class Diary {
         writer_(writer),
         random_(static_cast<std::uint64_t>(std::stoi(person.userId))) {}
 
-  void live(int weeks) {
+  template <class DayDone>
+  void live(int weeks, const DayDone& dayDone) {
     place_ = haunts_.home;
     for (int daysAgo = weeks * 7; daysAgo >= 0; --daysAgo) {
       const Day day = today_ - std::chrono::days{daysAgo};
       const bool abroad =
           std::string_view{person_.userId} == "1005" && daysAgo >= 8 && daysAgo < 13;
       abroad ? liveAbroad(day) : liveAtHome(day);
+      dayDone();
     }
   }
 
@@ -400,10 +402,17 @@ void layTripUnderWay(TripWriter& writer, Milliseconds now) {
 
 }  // namespace
 
-void layTrips(DatabaseConnection& database, Milliseconds now, int weeks) {
+void layTrips(DatabaseConnection& database, Milliseconds now, int weeks,
+              const LayingProgress& progress) {
+  const auto drives = [](const Person& person) { return person.tripsPerDay > 0; };
+  const int all = static_cast<int>(std::ranges::count_if(people(), drives)) * (weeks * 7 + 1);
+  int done = 0;
+  const auto dayDone = [&] {
+    if (++done; progress) progress(done, all);
+  };
   TripWriter writer{database, now};
   for (const Person& person : people()) {
-    if (person.tripsPerDay > 0) Diary{person, now, writer}.live(weeks);
+    if (drives(person)) Diary{person, now, writer}.live(weeks, dayDone);
   }
   layTripUnderWay(writer, now);
 }

@@ -22,6 +22,7 @@ using namespace std::chrono_literals;
 
 constexpr auto transferTimeout = 20s;
 constexpr auto drainTimeout = 500ms;
+constexpr std::size_t pausesPerSecond = 20;
 constexpr int mostDrained = 256;  // input buffers
 constexpr std::size_t inputBuffer = 16'384;
 constexpr std::size_t outputBuffer = 65'536;
@@ -51,6 +52,11 @@ bool Connection::wait(Direction direction, std::chrono::milliseconds timeout) co
   const int ready =
       ::poll(descriptors.data(), descriptors.size(), static_cast<int>(timeout.count()));
   return ready > 0 && descriptors[0].revents != 0;
+}
+
+bool Connection::pause(std::chrono::milliseconds duration) const {
+  pollfd stop{stopEvent_, POLLIN, 0};
+  return ::poll(&stop, 1, static_cast<int>(duration.count())) == 0;
 }
 
 /// Waits until an unfinished system call or TLS operation may be tried again.
@@ -154,10 +160,16 @@ ssize_t Connection::write(const char* data, size_t size) {
 }
 
 bool Connection::flush() {
+  const std::size_t rate = exchange.bytesPerSecond;
+  const std::size_t piece =
+      rate > 0 ? std::max<std::size_t>(1, rate / pausesPerSecond) : out_.size();
   std::size_t sent = 0;
   while (!broken_ && sent < out_.size()) {
-    const ssize_t count = transmit(out_.data() + sent, out_.size() - sent);
-    if (count > 0) sent += static_cast<std::size_t>(count);
+    const ssize_t count = transmit(out_.data() + sent, std::min(piece, out_.size() - sent));
+    if (count <= 0) break;
+    sent += static_cast<std::size_t>(count);
+    // As long as those bytes take at that rate.
+    if (rate > 0 && !pause(1000ms * count / static_cast<ssize_t>(rate))) broken_ = true;
   }
   out_.clear();
   return !broken_;

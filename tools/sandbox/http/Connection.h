@@ -51,12 +51,15 @@ class Connection : public httplib::Stream {
     bool understood = false;  // the request could be read to its end
     bool sendDate = true;
     bool closeAfterwards = false;
+    std::size_t bytesPerSecond = 0;  // of the answer; 0: at once
   };
   Exchange exchange;
 
  private:
   enum class Direction { in, out };
   bool wait(Direction direction, std::chrono::milliseconds timeout) const;
+  /// False when the sandbox stops meanwhile.
+  bool pause(std::chrono::milliseconds duration) const;
   bool fill();
   void takeTarget();
   ssize_t receive(char* data, size_t size);

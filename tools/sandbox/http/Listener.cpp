@@ -97,7 +97,6 @@ class Listener::Server : public httplib::Server {
     set_payload_max_length(static_cast<std::size_t>(largestBody));
     set_keep_alive_timeout(std::chrono::seconds{idleTimeout}.count());
     set_keep_alive_max_count(1'000'000);
-    set_address_family(AF_INET);
     // cpp-httplib would share the port with another server that is there already (SO_REUSEPORT).
     set_socket_options([](socket_t socket) {
       const int yes = 1;
@@ -142,11 +141,11 @@ class Listener::Server : public httplib::Server {
   }
 
   void start() {
-    port_ = options_.port == 0 ? bind_to_any_port("127.0.0.1")
-                               : (bind_to_port("127.0.0.1", options_.port) ? options_.port : -1);
+    port_ = options_.port == 0 ? bind_to_any_port(options_.host)
+                               : (bind_to_port(options_.host, options_.port) ? options_.port : -1);
     if (port_ <= 0) {
-      throw std::runtime_error("port " + std::to_string(options_.port) +
-                               " can't be bound: " + std::strerror(errno));
+      throw std::runtime_error("port " + std::to_string(options_.port) + " can't be bound on " +
+                               options_.host + ": " + std::strerror(errno));
     }
     ::listen(svr_sock_, backlog);  // cpp-httplib asks for 5, too few for a burst
     thread_ = std::thread([this] {
@@ -252,6 +251,7 @@ class Listener::Server : public httplib::Server {
 
     Reply reply = handler_(request);
     exchange.sendDate = reply.sendDate;
+    exchange.bytesPerSecond = reply.bytesPerSecond;
     if (reply.drop) {
       currentConnection->drop();
       return;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The HTTP/1.1 server on the loopback interface, over TLS or plain. Everything that cpp-httplib is
+// The HTTP/1.1 server, over TLS or plain. Everything that cpp-httplib is
 // used for stays behind it: the rest of the sandbox sees requests and replies.
 #pragma once
 
@@ -12,16 +12,18 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace orvane::sandbox {
 
 class Listener {
  public:
   struct Options {
-    int port = 0;              // 0: a free one
-    std::size_t threads = 64;  // a connection that is kept open holds one
-    bool compress = true;      // gzip for clients that accept it
-    SSL_CTX* tls = nullptr;    // must outlive the listener; null for plain HTTP
+    std::string host = "127.0.0.1";  // the address to listen on
+    int port = 0;                    // 0: a free one
+    std::size_t threads = 64;        // a connection that is kept open holds one
+    bool compress = true;            // gzip for clients that accept it
+    SSL_CTX* tls = nullptr;          // must outlive the listener; null for plain HTTP
   };
 
   /// Called on the listener's threads, several at a time; must not throw.

@@ -89,7 +89,9 @@ Reply jsonReply(std::string body, int status) {
 Reply errorReply(int status, std::string_view error, std::string_view message) {
   JsonWriter json;
   json.beginObject().member("error", error).member("message", message).endObject();
-  return jsonReply(json.take(), status);
+  Reply reply = jsonReply(json.take(), status);
+  reply.reason = message;
+  return reply;
 }
 
 Reply Problem::reply() const {

@@ -44,6 +44,8 @@ struct Reply {
   HeaderList headers;
   BodyStream stream;                         // when set, sent chunked instead of the body
   std::optional<std::size_t> cutAfterBytes;  // of the body, whose full length was announced
+  std::size_t bytesPerSecond = 0;            // the whole answer no faster than that; 0: at once
+  std::string reason;                        // of a refusal, for who looks at the log
   bool drop = false;                         // close the connection without a word
   bool sendDate = true;
   bool compressible = true;

@@ -128,9 +128,20 @@ Validity validityFor(CertificateFlaw flaw) {
           397 * secondsPerDay};  // phones refuse server certificates that live longer
 }
 
+std::string alternativeNames(const std::vector<std::string>& names) {
+  std::string all = "DNS:localhost,IP:127.0.0.1,IP:::1";
+  for (const std::string& name : names) {
+    const std::unique_ptr<ASN1_OCTET_STRING, Deleter<ASN1_OCTET_STRING_free>> address{
+        a2i_IPADDRESS(name.c_str())};
+    all.append(address ? ",IP:" : ",DNS:").append(name);
+  }
+  return all;
+}
+
 }  // namespace
 
-void makeCertificates(const std::filesystem::path& folder, CertificateFlaw flaw) {
+void makeCertificates(const std::filesystem::path& folder, CertificateFlaw flaw,
+                      const std::vector<std::string>& names) {
   if (!exists(folder / "ca.pem") || !exists(folder / "ca.key")) makeAuthority(folder);
   const Certificate authority{
       PEM_read_X509(open(folder / "ca.pem", "r").get(), nullptr, nullptr, nullptr)};
@@ -150,7 +161,7 @@ void makeCertificates(const std::filesystem::path& folder, CertificateFlaw flaw)
   extend(raw, authority.get(), NID_subject_key_identifier, "hash");
   extend(raw, authority.get(), NID_authority_key_identifier, "keyid:always");
   extend(raw, authority.get(), NID_subject_alt_name,
-         wrongHost ? "DNS:elsewhere.example" : "DNS:localhost,IP:127.0.0.1,IP:::1");
+         wrongHost ? "DNS:elsewhere.example" : alternativeNames(names).c_str());
   sign(raw, authorityKey.get());
   save(folder / "server.key", key.get());
   save(folder / "server.pem", raw);

@@ -7,14 +7,18 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace orvane::sandbox {
 
 enum class CertificateFlaw { none, expired, wrongHost };
 
 /// Makes ca.pem and ca.key in the folder unless they are there, and a fresh server.pem and
-/// server.key: EC P-256, valid for localhost, 127.0.0.1 and ::1 unless flawed.
-void makeCertificates(const std::filesystem::path& folder, CertificateFlaw flaw);
+/// server.key: EC P-256, valid for localhost, 127.0.0.1, ::1 and `names` (of hosts, or addresses)
+/// unless flawed.
+void makeCertificates(const std::filesystem::path& folder, CertificateFlaw flaw,
+                      const std::vector<std::string>& names);
 
 using TlsContext = std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)>;
 

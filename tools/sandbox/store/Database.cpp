@@ -89,6 +89,19 @@ void DatabaseConnection::executeScript(const char* sql) {
   }
 }
 
+void DatabaseConnection::copyFrom(const DatabaseConnection& other) {
+  constexpr int everyPage = -1;
+  const std::unique_ptr<sqlite3_backup, decltype(&sqlite3_backup_finish)> copy{
+      sqlite3_backup_init(handle_.get(), "main", other.handle_.get(), "main"),
+      &sqlite3_backup_finish};
+  if (!copy) fail(handle_.get(), "copying");
+  // Whoever reads at the moment is waited for as long as for any other change.
+  const int result = sqlite3_backup_step(copy.get(), everyPage);
+  if (result != SQLITE_DONE) {
+    throw std::runtime_error(std::string{"database: copying: "} + sqlite3_errstr(result));
+  }
+}
+
 Transaction::Transaction(DatabaseConnection& connection) : connection_(connection) {
   connection_.execute("BEGIN IMMEDIATE");
 }

@@ -68,6 +68,8 @@ class DatabaseConnection {
   }
 
   void executeScript(const char* sql);
+  /// Puts a copy of another file's data into this one's place, in one go.
+  void copyFrom(const DatabaseConnection& other);
   [[nodiscard]] std::int64_t lastInsertId() const {
     return sqlite3_last_insert_rowid(handle_.get());
   }

@@ -1,0 +1,299 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Program.h"
+
+#include "data/People.h"
+
+#include <arpa/inet.h>
+#include <ifaddrs.h>
+#include <netinet/in.h>
+#include <pthread.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iomanip>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+extern "C" char** environ;  // NOLINT(readability-redundant-declaration): POSIX wants it declared
+
+namespace orvane::sandbox {
+
+namespace {
+
+constexpr std::int64_t staleDays = 7;
+
+// --- Signals -------------------------------------------------------------------------------------
+
+/// Those that the program waits for, blocked in every thread.
+const sigset_t& awaitedSignals() {
+  static const sigset_t signals = [] {
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int signal : {SIGINT, SIGTERM, SIGCHLD}) sigaddset(&set, signal);
+    return set;
+  }();
+  return signals;
+}
+
+/// Laying the data takes a while: it shows how far it is on a terminal, and ends when asked to.
+LayingProgress progressShown() {
+  return [shown = -1](int done, int all) mutable {
+    constexpr timespec noTime{};
+    const int signal = sigtimedwait(&awaitedSignals(), nullptr, &noTime);
+    const bool isOnTerminal = ::isatty(STDERR_FILENO) != 0;
+    const bool isEnd = signal > 0 || done == all;
+    const int percent = done * 100 / all;
+    if (isOnTerminal && percent != shown) {
+      std::fprintf(stderr, isEnd ? "\r\033[K" : "\rlaying the data: %d %%", percent);
+      std::fflush(stderr);
+    }
+    shown = percent;
+    if (signal > 0) throw Interrupted(signal);
+  };
+}
+
+// --- What it tells -------------------------------------------------------------------------------
+
+/// A file that goes with this object. Whoever waits for it finds either nothing or all of it.
+class AnnouncingFile {
+ public:
+  AnnouncingFile(std::filesystem::path file, const std::string& text) : file_(std::move(file)) {
+    std::filesystem::path temporary = file_;
+    temporary += ".part";
+    std::ofstream stream{temporary};
+    using std::filesystem::perms;
+    permissions(temporary, perms::owner_read | perms::owner_write);
+    stream << text << '\n';
+    stream.close();
+    if (!stream) throw std::runtime_error("can't write " + temporary.string());
+    rename(temporary, file_);
+  }
+  ~AnnouncingFile() {
+    std::error_code ignored;
+    std::filesystem::remove(file_, ignored);
+  }
+  AnnouncingFile(const AnnouncingFile&) = delete;
+  AnnouncingFile& operator=(const AnnouncingFile&) = delete;
+
+ private:
+  const std::filesystem::path file_;
+};
+
+using Settings = std::vector<std::pair<std::string, std::string>>;
+
+/// What the command-line client and the examples read from the environment.
+Settings settingsFor(const Sandbox& sandbox, const SandboxOptions& options) {
+  Settings settings{{"ORVANE_BASE_URL", sandbox.baseUrl()},
+                    {"ORVANE_API_KEY", sampleApiKey},
+                    {"ORVANE_TOKEN", Sandbox::sampleToken()}};
+  if (!options.plainHttp) {
+    settings.emplace_back("ORVANE_CA_FILE", sandbox.certificateAuthority().string());
+  }
+  return settings;
+}
+
+/// As a shell's word.
+std::string quoted(const std::string& text) {
+  constexpr const char* plain =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-./:@%+=,[]";
+  if (!text.empty() && text.find_first_not_of(plain) == std::string::npos) return text;
+  std::string word = "'";
+  for (const char c : text) c == '\'' ? word.append("'\\''") : word.append(1, c);
+  return word + "'";
+}
+
+/// The client beside this program, or else by its name.
+std::string clientCommand() {
+  std::error_code ignored;
+  const auto self = std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
+  for (const auto& folder : {self, self.parent_path() / "cli"}) {
+    if (exists(folder / "orvane", ignored)) return quoted((folder / "orvane").string());
+  }
+  return "orvane";
+}
+
+bool isLoopback(const std::string& host) {
+  return host == "localhost" || host == "::1" || host.starts_with("127.");
+}
+
+void printWelcome(const Sandbox& sandbox, const SandboxOptions& options,
+                  const std::filesystem::path& readyFile) {
+  std::cout << "orvane-sandbox is listening.\n\n"
+            << "  base URL    " << sandbox.baseUrl() << '\n';
+  if (!options.plainHttp)
+    std::cout << "  CA file     " << sandbox.certificateAuthority().string() << '\n';
+  std::cout << "  API key     " << sampleApiKey << '\n'
+            << "  ready file  " << readyFile.string()
+            << " (all of this as JSON, and the key of admin requests)\n\n"
+            << "  user  external reference  who\n";
+  for (const Person& person : people()) {
+    if (!person.isSample) continue;
+    std::cout << "  " << person.userId << "  " << std::left << std::setw(18)
+              << person.externalReferenceId << "  " << person.firstName << ' ' << person.lastName
+              << ": " << person.note << '\n';
+  }
+  std::cout << "\n  token of a user: " << developmentToken << "<user>\n\nIn another terminal:\n\n";
+  for (const auto& [name, value] : settingsFor(sandbox, options)) {
+    std::cout << "  export " << name << '=' << quoted(value) << '\n';
+  }
+  std::cout << "  " << clientCommand() << " trips list --limit 3\n\n";
+  if (!isLoopback(options.host)) {
+    std::cout << "  Other machines can reach it on " << options.host
+              << ", and its tokens are no secrets: not for an open network.\n";
+  }
+  const auto days = (sandbox.backend().now() - sandbox.backend().laidAround()) / millisPerDay;
+  if (days > staleDays) {
+    std::cout << "  The trips end " << days << " days ago; --fresh brings them up to date.\n";
+  }
+  std::cout << std::flush;
+}
+
+// --- Names for other machines --------------------------------------------------------------------
+
+/// The addresses of this machine beyond the loopback interface.
+std::vector<std::string> ownAddresses(int family) {
+  std::vector<std::string> addresses;
+  ifaddrs* first = nullptr;
+  if (::getifaddrs(&first) != 0) return addresses;
+  const std::unique_ptr<ifaddrs, decltype(&::freeifaddrs)> all{first, &::freeifaddrs};
+  for (const ifaddrs* each = first; each != nullptr; each = each->ifa_next) {
+    if (each->ifa_addr == nullptr || each->ifa_addr->sa_family != family) continue;
+    std::array<char, INET6_ADDRSTRLEN> text{};
+    const void* address = family == AF_INET
+                              ? static_cast<const void*>(
+                                    &reinterpret_cast<const sockaddr_in*>(each->ifa_addr)->sin_addr)
+                              : &reinterpret_cast<const sockaddr_in6*>(each->ifa_addr)->sin6_addr;
+    ::inet_ntop(family, address, text.data(), text.size());
+    if (!isLoopback(text.data())) addresses.emplace_back(text.data());
+  }
+  return addresses;
+}
+
+/// The certificate names whatever the sandbox can be reached by as far as this machine knows.
+SandboxOptions withNames(SandboxOptions options) {
+  if (isLoopback(options.host)) return options;
+  const bool isAny = options.host == "0.0.0.0" || options.host == "::";
+  const int family = options.host.find(':') == std::string::npos ? AF_INET : AF_INET6;
+  std::vector<std::string> found = isAny ? ownAddresses(family) : std::vector{options.host};
+  std::array<char, 256> hostName{};
+  if (::gethostname(hostName.data(), hostName.size() - 1) == 0) found.emplace_back(hostName.data());
+  for (std::string& name : found) {
+    if (std::ranges::find(options.names, name) == options.names.end()) {
+      options.names.push_back(std::move(name));
+    }
+  }
+  return options;
+}
+
+// --- The command ---------------------------------------------------------------------------------
+
+/// The process's environment with the settings in place of any other of the client's.
+std::vector<std::string> environmentWith(const Settings& settings) {
+  std::vector<std::string> all;
+  for (char** each = environ; *each != nullptr; ++each) {
+    if (!std::string_view{*each}.starts_with("ORVANE_")) all.emplace_back(*each);
+  }
+  for (const auto& [name, value] : settings) all.push_back(name + "=" + value);
+  return all;
+}
+
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  for (std::string& text : texts) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+/// Waits for the process's end; hands signals on to it, but those of the terminal, which it has
+/// got.
+int exitCodeOf(pid_t process) {
+  for (;;) {
+    int status = 0;
+    if (::waitpid(process, &status, WNOHANG) == process) {
+      return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    }
+    siginfo_t info{};
+    const int signal = sigwaitinfo(&awaitedSignals(), &info);
+    if (signal > 0 && signal != SIGCHLD && info.si_code != SI_KERNEL) ::kill(process, signal);
+  }
+}
+
+int runCommand(std::vector<std::string> words, const Settings& settings) {
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  sigset_t none;
+  sigemptyset(&none);
+  posix_spawnattr_setsigmask(&attributes, &none);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+  std::vector<std::string> environment = environmentWith(settings);
+  pid_t process = 0;
+  const int error = ::posix_spawnp(&process, words.front().c_str(), nullptr, &attributes,
+                                   pointersTo(words).data(), pointersTo(environment).data());
+  posix_spawnattr_destroy(&attributes);
+  if (error == 0) return exitCodeOf(process);
+  std::cerr << "orvane-sandbox: " << words.front() << ": " << std::strerror(error) << '\n';
+  constexpr int notFound = 127;
+  constexpr int notRunnable = 126;
+  return error == ENOENT ? notFound : notRunnable;
+}
+
+/// A folder that goes with this object.
+class TemporaryData {
+ public:
+  TemporaryData() {
+    std::string name = (std::filesystem::temp_directory_path() / "orvane-sandbox-XXXXXX").string();
+    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("can't make " + name);
+    path = name;
+  }
+  ~TemporaryData() {
+    std::error_code ignored;
+    remove_all(path, ignored);
+  }
+  TemporaryData(const TemporaryData&) = delete;
+  TemporaryData& operator=(const TemporaryData&) = delete;
+
+  std::filesystem::path path;
+};
+
+void waitForEnd() {
+  siginfo_t info{};
+  while (sigwaitinfo(&awaitedSignals(), &info) == SIGCHLD || info.si_signo == 0) {
+  }
+}
+
+}  // namespace
+
+int run(ProgramOptions options) {
+  // Blocked before any thread starts, so that only this one sees them.
+  pthread_sigmask(SIG_BLOCK, &awaitedSignals(), nullptr);
+
+  std::optional<TemporaryData> temporary;
+  if (!options.keepsData) options.sandbox.backend.folder = temporary.emplace().path;
+  options.sandbox = withNames(std::move(options.sandbox));
+  options.sandbox.backend.progress = progressShown();
+  const Sandbox sandbox{options.sandbox};
+
+  const auto readyFile = sandbox.backend().folder() / "ready.json";
+  const AnnouncingFile ready{readyFile, sandbox.description()};
+  std::optional<AnnouncingFile> further;
+  if (!options.readyFile.empty()) further.emplace(options.readyFile, sandbox.description());
+  if (!options.command.empty()) {
+    return runCommand(options.command, settingsFor(sandbox, options.sandbox));
+  }
+  printWelcome(sandbox, options.sandbox, readyFile);
+  waitForEnd();
+  return 0;
+}
+
+}  // namespace orvane::sandbox
