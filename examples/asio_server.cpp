@@ -2,6 +2,7 @@
 // A server on Boost.Asio that greets whoever connects by the name of the person who is signed in: a
 // line for each connection. Answers COUNT connections, and ends.
 //
+//   orvane-sandbox --exec -- orvane-example-asio_server PORT COUNT   # with the local backend
 //   ORVANE_BASE_URL=https://telematics.example ORVANE_TOKEN=… orvane-example-asio_server PORT COUNT
 #include "Settings.h"
 #include <Orvane/Asio.h>

@@ -2,6 +2,7 @@
 // The smallest program: installs the Runtime, asks for the person who is signed in, and waits for
 // the answer.
 //
+//   orvane-sandbox --exec -- orvane-example-fetch_user   # with the local backend
 //   ORVANE_BASE_URL=https://telematics.example ORVANE_TOKEN=… orvane-example-fetch_user
 #include "Settings.h"
 #include <Orvane/Orvane.h>

@@ -2,6 +2,7 @@
 // In a coroutine: one operation after the other, several at once, with a limit of time, and tried
 // again.
 //
+//   orvane-sandbox --exec -- orvane-example-rename_user "New Name"   # with the local backend
 //   ORVANE_BASE_URL=https://telematics.example ORVANE_TOKEN=… orvane-example-rename_user "New Name"
 #include "Settings.h"
 #include <Orvane/Orvane.h>

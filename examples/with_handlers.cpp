@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // With handlers, as in an application with a loop: nothing waits, and a request can be cancelled.
 //
+//   orvane-sandbox --exec -- orvane-example-with_handlers   # with the local backend
 //   ORVANE_BASE_URL=https://telematics.example ORVANE_TOKEN=… orvane-example-with_handlers
 #include "Settings.h"
 #include <Orvane/Orvane.h>
