@@ -34,6 +34,7 @@ std::shared_ptr<SSL_CTX> contextWith(const Credentials& credentials,
   std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), &SSL_CTX_free);
   SSL_CTX_use_certificate(context.get(), credentials.certificate.get());
   SSL_CTX_use_PrivateKey(context.get(), credentials.key.get());
+  SSL_CTX_set_session_cache_mode(context.get(), SSL_SESS_CACHE_OFF);  // clients keep tickets
   if (protocol == "h2") SSL_CTX_set_alpn_select_cb(context.get(), selectProtocol, nullptr);
   return context;
 }
@@ -81,7 +82,14 @@ ServerConnection::ServerConnection(int socket, SSL_CTX* context)
   }
 }
 
-ServerConnection::~ServerConnection() { ::close(socket_); }
+// What has come and was not read would make the system reset the connection, and the client lose
+// what it has not read either.
+ServerConnection::~ServerConnection() {
+  std::array<char, 4096> bytes;  // NOLINT(cppcoreguidelines-pro-type-member-init)
+  while (::recv(socket_, bytes.data(), bytes.size(), MSG_DONTWAIT) > 0) {
+  }
+  ::close(socket_);
+}
 
 bool ServerConnection::fill() {
   std::array<char, 16384> bytes;  // NOLINT(cppcoreguidelines-pro-type-member-init)
@@ -192,11 +200,13 @@ TestServer::~TestServer() {
   {
     const std::scoped_lock lock(mutex_);
     isStopping_ = true;
-    for (const auto& connection : connections_) connection->interrupt();
+    for (const Served& served : served_) {
+      if (served.connection) served.connection->interrupt();
+    }
   }
   ::shutdown(listener_, SHUT_RDWR);
   acceptor_.join();
-  for (std::thread& thread : threads_) thread.join();
+  for (Served& served : served_) served.thread.join();
   ::close(listener_);
 }
 
@@ -207,7 +217,7 @@ std::string TestServer::url(std::string_view target) const {
 
 std::size_t TestServer::connectionCount() const {
   const std::scoped_lock lock(mutex_);
-  return connections_.size();
+  return connectionCount_;
 }
 
 std::vector<ReceivedRequest> TestServer::requests() const {
@@ -222,7 +232,15 @@ void TestServer::waitForRequests(std::size_t count) const {
 
 void TestServer::waitForConnections(std::size_t count) const {
   std::unique_lock lock(mutex_);
-  arrived_.wait(lock, [&] { return connections_.size() >= count; });
+  arrived_.wait(lock, [&] { return connectionCount_ >= count; });
+}
+
+bool TestServer::waitUntilAllHaveEnded(std::chrono::milliseconds timeout) const {
+  std::unique_lock lock(mutex_);
+  return arrived_.wait_for(lock, timeout, [&] {
+    return std::none_of(served_.begin(), served_.end(),
+                        [](const Served& served) { return served.connection != nullptr; });
+  });
 }
 
 void TestServer::accept() {
@@ -233,16 +251,32 @@ void TestServer::accept() {
       if (socket >= 0) ::close(socket);
       return;
     }
-    const std::size_t number = connections_.size();
-    auto connection = std::make_shared<ServerConnection>(socket, context_.get());
-    connections_.push_back(connection);
-    threads_.emplace_back([this, connection, number] {
-      ignoreBrokenPipes();
-      handler_(*connection, number);
-      connection->cut();
-    });
-    arrived_.notify_all();
+    begin(socket);
   }
+}
+
+// With the lock held, that of threads which have ended included: they have let go of it.
+void TestServer::begin(int socket) {
+  served_.remove_if([](Served& served) {
+    if (served.connection) return false;
+    served.thread.join();
+    return true;
+  });
+  Served& served = served_.emplace_back();
+  served.connection = std::make_unique<ServerConnection>(socket, context_.get());
+  served.thread = std::thread([this, &served, number = connectionCount_++] {
+    ignoreBrokenPipes();
+    handler_(*served.connection, number);
+    end(served);
+  });
+  arrived_.notify_all();
+}
+
+void TestServer::end(Served& served) {
+  served.connection->cut();
+  const std::scoped_lock lock(mutex_);
+  served.connection.reset();
+  arrived_.notify_all();
 }
 
 void TestServer::serve(const Handler& handler, ServerConnection& connection, std::size_t number) {

@@ -4,10 +4,12 @@
 
 #include "tests/runtime/support/Certificates.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -74,7 +76,8 @@ class ServerConnection {
   bool isOpen_ = true;
 };
 
-/// Accepts connections and serves each on a thread of its own.
+/// Accepts connections and serves each on a thread of its own. Of a connection that has ended
+/// nothing is kept but the requests that came over it.
 class TestServer {
  public:
   /// Answers one request. Called on the threads of the connections.
@@ -98,7 +101,10 @@ class TestServer {
   /// The address of a resource: "/path?query" on this server.
   [[nodiscard]] std::string url(std::string_view target = "/") const;
   [[nodiscard]] std::uint16_t port() const noexcept { return port_; }
+  /// The connections made so far.
   [[nodiscard]] std::size_t connectionCount() const;
+  /// Waits until no connection is left open; false when there is one after `timeout`.
+  [[nodiscard]] bool waitUntilAllHaveEnded(std::chrono::milliseconds timeout) const;
   /// Waits until so many connections have been made.
   void waitForConnections(std::size_t count) const;
   /// What has come in, in the order of arrival.
@@ -107,9 +113,17 @@ class TestServer {
   void waitForRequests(std::size_t count) const;
 
  private:
+  // A connection, until it has ended, and the thread that serves it.
+  struct Served {
+    std::unique_ptr<ServerConnection> connection;
+    std::thread thread;
+  };
+
   TestServer(ConnectionHandler handler, std::shared_ptr<SSL_CTX> context);
 
   void accept();
+  void begin(int socket);
+  void end(Served& served);
   void serve(const Handler& handler, ServerConnection& connection, std::size_t number);
 
   const ConnectionHandler handler_;
@@ -120,8 +134,8 @@ class TestServer {
   bool isStopping_ = false;
   mutable std::condition_variable arrived_;
   std::vector<ReceivedRequest> requests_;
-  std::vector<std::shared_ptr<ServerConnection>> connections_;
-  std::vector<std::thread> threads_;
+  std::size_t connectionCount_ = 0;
+  std::list<Served> served_;
   std::thread acceptor_;
 };
 
