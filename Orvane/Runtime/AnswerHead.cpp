@@ -54,9 +54,11 @@ void AnswerHead::takeStatusLine(std::string_view line) {
   hasBadLength_ = false;
   length_.reset();
   coding_.clear();
-  const std::string_view status = line.substr(std::min(line.find(' '), line.size() - 1) + 1);
-  status_ = 0;
-  std::from_chars(status.data(), status.data() + std::min<std::size_t>(3, status.size()), status_);
+  unsigned status = 0;  // unsigned: a sign is no digit
+  const std::string_view digits =
+      line.substr(std::min(line.find(' '), line.size() - 1) + 1).substr(0, 3);
+  std::from_chars(digits.data(), digits.data() + digits.size(), status);
+  status_ = static_cast<int>(status);
 }
 
 void AnswerHead::takeHeader(std::string_view name, std::string_view value) {
@@ -75,7 +77,7 @@ void AnswerHead::takeLength(std::string_view value) {
   const auto [rest, failure] = std::from_chars(value.data(), end, length);
   const bool isNumber = failure == std::errc() && rest == end && value.front() != '-';
   if (!isNumber || (length_ && *length_ != length)) hasBadLength_ = true;
-  length_ = length;
+  if (isNumber) length_ = length;
 }
 
 void AnswerHead::checkSize(std::size_t lineSize) {

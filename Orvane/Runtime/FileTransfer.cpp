@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <Orvane/Runtime/ContentRange.h>
 #include <Orvane/Runtime/CurlErrors.h>
 #include <Orvane/Runtime/CurlTLS.h>
 #include <Orvane/Runtime/FileTransfer.h>
 #include <Orvane/Runtime/HTTPDate.h>
 #include <Orvane/Runtime/TransportError.h>
 
-#include <charconv>
-#include <string_view>
 #include <utility>
 
 namespace orvane {
@@ -41,38 +40,6 @@ std::string validatorIn(const CurlEasy& easy) {
   }
   std::string modified = easy.header("Last-Modified");
   return isStrong(modified, easy.header("Date")) ? modified : std::string();
-}
-
-// RFC 9110, section 14.4: "bytes 500-999/1234", or "*" for an unknown length. Where it ends is
-// seen from the bytes that come.
-struct ContentRange {
-  std::int64_t first;
-  std::int64_t total;
-};
-
-std::optional<std::int64_t> takeNumber(std::string_view& text) {
-  std::int64_t number = 0;
-  const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (failure != std::errc() || number < 0) return std::nullopt;
-  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
-  return number;
-}
-
-bool takeText(std::string_view& text, std::string_view expected) {
-  if (!text.starts_with(expected)) return false;
-  text.remove_prefix(expected.size());
-  return true;
-}
-
-std::optional<ContentRange> contentRange(std::string_view text) {
-  if (!takeText(text, "bytes ")) return std::nullopt;
-  const auto first = takeNumber(text);
-  if (!first || !takeText(text, "-")) return std::nullopt;
-  if (!takeNumber(text) || !takeText(text, "/")) return std::nullopt;
-  // "*" would leave open whether the part reaches the file's end.
-  const auto total = takeNumber(text);
-  if (!total || !text.empty()) return std::nullopt;
-  return ContentRange{*first, *total};
 }
 
 Completion<std::string> withoutText(Completion<Unit> then) {
