@@ -89,7 +89,9 @@ slow=(
   "15 tsan ./dev test tsan -L unit|runtime"
   "20 trixie ./dev test trixie"
   "20 bookworm ./dev test bookworm"
-  "15 fuzz ./dev fuzz 120"
+  "14 fuzz ./dev fuzz 120"
+  "10 soak-asan ./dev soak 5 asan"
+  "10 soak-tsan ./dev soak 5 tsan"
 )
 turn=$((16#$(git rev-parse HEAD 2>/dev/null | cut -c 1-6 || echo 0)))
 for ((i = 0; i < ${#slow[@]}; ++i)); do

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/runtime/support/HTTP2.h"
 
+#include <utility>
+
 namespace orvane {
 namespace {
 
@@ -38,10 +40,16 @@ std::optional<std::uint32_t> HTTP2Connection::receive() {
     const auto flags = static_cast<std::uint8_t>((*head)[4]);
     if (type == settings && flags == 0) send(settings, acknowledgement, 0, {});
     if (type == ping && flags == 0) send(ping, acknowledgement, 0, *payload);
+    const std::uint32_t stream = numberIn(head->substr(5));
+    if (type == data) bodies_[stream] += *payload;
     const bool carriesRequest = type == data || type == headers;
-    if (carriesRequest && (flags & endOfStream) != 0) return numberIn(head->substr(5));
+    if (carriesRequest && (flags & endOfStream) != 0) return stream;
   }
   return std::nullopt;
+}
+
+std::string HTTP2Connection::takeBody(std::uint32_t stream) {
+  return std::exchange(bodies_[stream], {});
 }
 
 void HTTP2Connection::answer(std::uint32_t stream, std::string_view body) {

@@ -5,6 +5,7 @@
 #include "tests/runtime/support/TestServer.h"
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,6 +21,8 @@ class HTTP2Connection {
   /// The number of the next request's stream, once the whole request has come; absent when the
   /// client has gone.
   [[nodiscard]] std::optional<std::uint32_t> receive();
+  /// The body of a request that has come whole.
+  [[nodiscard]] std::string takeBody(std::uint32_t stream);
   /// A whole answer with status 200.
   void answer(std::uint32_t stream, std::string_view body);
   /// Ends a request with an error code (RFC 9113, section 7).
@@ -31,6 +34,7 @@ class HTTP2Connection {
   void send(std::uint8_t type, std::uint8_t flags, std::uint32_t stream, std::string_view payload);
 
   ServerConnection& connection_;
+  std::map<std::uint32_t, std::string> bodies_;
 };
 
 }  // namespace orvane
