@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// Calls per second to one server over TLS: whole calls through UserService::fetch, with resolution,
-// main queue and decoding, beside a bare libcurl multi loop with the same connection settings that
-// does nothing with the answers.
+// Calls per second to one server over TLS, HTTP/1.1 and HTTP/2: whole calls through
+// UserService::fetch, with resolution, main queue and decoding, beside a bare libcurl multi loop
+// with the same connection settings that does nothing with the answers.
+#include "tests/runtime/support/HTTP2.h"
 #include "tests/runtime/support/TestServer.h"
 #include <Orvane/Orvane.h>
 #include <Orvane/Runtime.h>
@@ -32,39 +33,58 @@ constexpr std::string_view userAnswer =
     R"("dataCollectionType":"MOBILE","scoringType":"IMS","enrollmentModelType":"MOBILE_FLEXIBLE",)"
     R"("accountRole":"OWNER"})";
 
-struct Backend {
-  Authority authority;
-  TestServer server{[](ServerConnection& connection, const ReceivedRequest& request) {
-                      const bool isLookup = request.target().ends_with("/identity");
-                      connection.answer(200, isLookup ? R"({"userId":"42"})" : userAnswer);
-                    },
-                    authority.issue({})};
-  std::string authorityPEM = authority.pem();
+// One for each version of HTTP.
+class Backend {
+ public:
+  explicit Backend(std::int64_t version)
+      : server_([version](ServerConnection& connection,
+                          std::size_t) { version == 2 ? serve2(connection) : serve1(connection); },
+                authority_.issue({}), version == 2 ? "h2" : "") {}
+
+  [[nodiscard]] std::string url() const { return server_.url(""); }
+  [[nodiscard]] std::string authorityPEM() const { return authority_.pem(); }
+
+ private:
+  static void serve1(ServerConnection& connection) {
+    while (connection.receive()) connection.answer(200, userAnswer);
+  }
+
+  static void serve2(ServerConnection& connection) {
+    HTTP2Connection http(connection);
+    while (const auto stream = http.receive()) http.answer(*stream, userAnswer);
+  }
+
+  Authority authority_;
+  TestServer server_;
 };
 
-// Both sides talk to the same server.
-Backend& backend() {
-  static Backend& backend = *new Backend;
-  return backend;
+// Both sides talk to the same server. A user's answer tells an identifier, too, when that is looked
+// up.
+const Backend& backendOf(const benchmark::State& state) {
+  static const Backend* const backends[] = {new Backend(1), new Backend(2)};
+  return *backends[state.range(0) - 1];
 }
+
+int callsAtOnce(const benchmark::State& state) { return static_cast<int>(state.range(1)); }
 
 void reportCalls(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * callsPerRound);
 }
 
-// So many calls are under way at once.
+// The version of HTTP, and how many calls are under way at once.
 void atOnce(benchmark::internal::Benchmark* measured) {
-  measured->Arg(1)->Arg(32)->Arg(1000)->Unit(benchmark::kMillisecond)->UseRealTime();
+  measured->ArgNames({"HTTP", "at once"})->ArgsProduct({{1, 2}, {1, 32, 1000}});
+  measured->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 
 // Keeps calls under way until a round is done. Handlers run on the transport's thread, one at a
 // time.
 class Round {
  public:
-  Round(const UserService& users, int callsAtOnce) : users_(users), callsAtOnce_(callsAtOnce) {}
+  Round(const UserService& users, int atOnce) : users_(users), atOnce_(atOnce) {}
 
   bool run() {
-    for (int i = 0; i < callsAtOnce_; ++i) startOne();
+    for (int i = 0; i < atOnce_; ++i) startOne();
     MainQueue::main().run();
     return failures_ == 0;
   }
@@ -73,25 +93,26 @@ class Round {
   void startOne() {
     users_.fetch(std::nullopt, {}, [this](Result<User> user) {
       if (!user) ++failures_;
-      if (++finished_ + callsAtOnce_ <= callsPerRound) return startOne();
+      if (++finished_ + atOnce_ <= callsPerRound) return startOne();
       if (finished_ == callsPerRound) MainQueue::main().stop();
     });
   }
 
   const UserService& users_;
-  const int callsAtOnce_;
+  const int atOnce_;
   std::atomic<int> failures_ = 0;
   std::atomic<int> finished_ = 0;
 };
 
 void fetchUsers(benchmark::State& state) {
-  const auto runtime = Runtime::install({.baseURL = backend().server.url(""),
+  const Backend& backend = backendOf(state);
+  const auto runtime = Runtime::install({.baseURL = backend.url(),
                                          .tokens = std::string(token),
-                                         .transport = {.caPEM = backend().authorityPEM}});
+                                         .transport = {.caPEM = backend.authorityPEM()}});
   if (!runtime) return state.SkipWithError("not installed");
   const UserService users(Identity{"key", "ann"});
   for (auto _ : state) {
-    if (!Round(users, static_cast<int>(state.range(0))).run()) state.SkipWithError("a call failed");
+    if (!Round(users, callsAtOnce(state)).run()) state.SkipWithError("a call failed");
   }
   reportCalls(state);
   runtime.value()->shutdown();
@@ -107,10 +128,13 @@ std::size_t keep(char* bytes, std::size_t, std::size_t count, void* text) {
 // each request its own URL and header.
 class BareLoop {
  public:
-  explicit BareLoop(std::size_t callsAtOnce) : multi_(curl_multi_init()), transfers_(callsAtOnce) {
+  BareLoop(const Backend& backend, int atOnce)
+      : multi_(curl_multi_init()),
+        root_(backend.url()),
+        transfers_(static_cast<std::size_t>(atOnce)) {
     curl_multi_setopt(multi_, CURLMOPT_MAX_HOST_CONNECTIONS, 8L);
-    curl_blob trusted{backend().authorityPEM.data(), backend().authorityPEM.size(),
-                      CURL_BLOB_NOCOPY};
+    std::string authority = backend.authorityPEM();
+    curl_blob trusted{authority.data(), authority.size(), CURL_BLOB_COPY};
     const TransportOptions limits;
     for (Transfer& transfer : transfers_) {
       transfer.easy = curl_easy_init();
@@ -189,13 +213,13 @@ class BareLoop {
   }
 
   CURLM* const multi_;
-  const std::string root_ = backend().server.url("");
+  const std::string root_;
   const std::string userID_ = "42";
   std::vector<Transfer> transfers_;
 };
 
 void bareLoop(benchmark::State& state) {
-  BareLoop loop(static_cast<std::size_t>(state.range(0)));
+  BareLoop loop(backendOf(state), callsAtOnce(state));
   for (auto _ : state) {
     if (!loop.run()) state.SkipWithError("a transfer failed");
   }

@@ -25,6 +25,14 @@ std::uint32_t numberIn(std::string_view bytes) {
   return value;
 }
 
+std::string frame(std::uint8_t type, std::uint8_t flags, std::uint32_t stream,
+                  std::string_view payload) {
+  std::string frame = number(static_cast<std::uint32_t>(payload.size())).substr(1);
+  frame += static_cast<char>(type);
+  frame += static_cast<char>(flags);
+  return frame.append(number(stream)).append(payload);
+}
+
 }  // namespace
 
 HTTP2Connection::HTTP2Connection(ServerConnection& connection) : connection_(connection) {
@@ -53,8 +61,9 @@ std::string HTTP2Connection::takeBody(std::uint32_t stream) {
 }
 
 void HTTP2Connection::answer(std::uint32_t stream, std::string_view body) {
-  send(headers, endOfHeaders, stream, "\x88");  // RFC 7541, appendix A: ":status: 200"
-  send(data, endOfStream, stream, body);
+  // RFC 7541, appendix A: ":status: 200"
+  connection_.send(frame(headers, endOfHeaders, stream, "\x88") +
+                   frame(data, endOfStream, stream, body));
 }
 
 void HTTP2Connection::reset(std::uint32_t stream, std::uint8_t code) {
@@ -67,11 +76,7 @@ void HTTP2Connection::goAway(std::uint32_t lastStream) {
 
 void HTTP2Connection::send(std::uint8_t type, std::uint8_t flags, std::uint32_t stream,
                            std::string_view payload) {
-  std::string frame = number(static_cast<std::uint32_t>(payload.size())).substr(1);
-  frame += static_cast<char>(type);
-  frame += static_cast<char>(flags);
-  frame.append(number(stream)).append(payload);
-  connection_.send(frame);
+  connection_.send(frame(type, flags, stream, payload));
 }
 
 }  // namespace orvane
