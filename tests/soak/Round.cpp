@@ -160,14 +160,11 @@ void Round::answered(Call& call, const Result<T>& result) {
   free_.release();
 }
 
-std::string Round::contentOf(const Call& call, const std::string& text) const {
-  static_cast<void>(call);
-  return text;
-}
-
 template <class Record>
 std::string Round::contentOf(const Call& call, const Record& record) const {
-  if constexpr (std::is_same_v<Record, Trip>) {
+  if constexpr (std::is_same_v<Record, std::string>) {
+    return record;
+  } else if constexpr (std::is_same_v<Record, Trip>) {
     return record.id.value_or("");
   } else {
     std::ifstream file(fileOf(call));

@@ -46,8 +46,10 @@ class Round {
 
  private:
   struct Call {
-    std::uint64_t number;
-    Kind kind;
+    Call(std::uint64_t callNumber, Kind callKind) : number(callNumber), kind(callKind) {}
+
+    const std::uint64_t number;
+    const Kind kind;
     std::atomic<int> answers = 0;
     std::atomic<bool> isCancelled = false;
   };
@@ -70,7 +72,6 @@ class Round {
   Completion<T> handler(const CallPointer& call);
   template <class T>
   void answered(Call& call, const Result<T>& result);
-  [[nodiscard]] std::string contentOf(const Call& call, const std::string& text) const;
   template <class Record>
   [[nodiscard]] std::string contentOf(const Call& call, const Record& record) const;
   [[nodiscard]] std::string expected(const Call& call) const;

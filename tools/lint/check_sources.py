@@ -65,6 +65,10 @@ NAMESPACE_BEGIN = re.compile(r"^namespace(?: ([\w:]+))? {")
 NAMESPACE_END = re.compile(r"^}  // namespace\b")
 TYPE_DEFINITION = re.compile(r"^(?:struct|class)(?: \[\[.*?\]\]| ORVANE_(?:RUNTIME_|TESTING_)?EXPORT)* (\w+)(?: final)?(?: : .*)?(?: {|$)")
 EXPORT_MACRO = re.compile(r"\bORVANE_\w*EXPORT\b")
+TEST = re.compile(r"^TEST(?:_F|_P)?\((\w+),\s*(\w+)\)", re.MULTILINE)
+NAMED_TEST = re.compile(r"`(\w+Test\.\w+)`")
+CODED = re.compile(r"\bhasCoding<([\w:]+)> = true")
+FUZZED = re.compile(r"^ {4}\w+<([\w:]+)>,$", re.MULTILINE)
 UNFINISHED = re.compile(r"\b(?:TODO|FIXME|XXX|HACK)\b")
 
 
@@ -128,6 +132,7 @@ class Checker:
         for umbrella, layers in UMBRELLAS.items():
             self.check_umbrella(umbrella, layers)
         self.check_one_definition()
+        self.check_promises()
         self.check_licences()
         return self.findings
 
@@ -231,6 +236,23 @@ class Checker:
                     if other != source.path and (source.path, name) not in reported:
                         reported.add((source.path, name))
                         self.report(source.path, number, f"{name} is defined in {other}, too")
+
+    def check_promises(self):
+        """The tests that documents name, and a fuzz target's row for every record."""
+        tests = {f"{suite}.{name}" for source in self.sources.values() for suite, name in TEST.findall(source.text)}
+        for path in self.files:
+            if not path.endswith(".md"):
+                continue
+            with open(self.root / path, encoding="utf-8") as file:
+                for number, line in enumerate(file, 1):
+                    for name in NAMED_TEST.findall(line):
+                        if name not in tests:
+                            self.report(path, number, f"there is no test {name}")
+        rows = set(FUZZED.findall(self.sources["fuzz/records.cpp"].text)) if "fuzz/records.cpp" in self.sources else set()
+        for source in self.sources.values():
+            for record in CODED.findall(source.text) if source.layer == "Models" else []:
+                if record not in rows:
+                    self.report("fuzz/records.cpp", 1, f"{record} has no row")
 
     def check_licences(self):
         for path in self.files:
