@@ -18,8 +18,8 @@ case ${1:-} in
     ;;
 esac
 
-# Minutes, of those that it all may take.
-readonly limit=75
+# Minutes that it all may take, less a few for the machine.
+readonly limit=72
 
 logs=build/ci
 rm -rf "$logs"

@@ -104,7 +104,7 @@ TEST(Program, RunsACommandWithItsSettingsAndEndsAsItDoes) {
   } rows[] = {{"sh -c 'kill -KILL $$'", 128 + SIGKILL},
               {"/nonexistent/program", 127},
               {"/", 126},
-              {"sh -c 'kill -TERM $PPID; sleep 60 & wait'", 128 + SIGTERM}};
+              {"sh -c 'kill -TERM $PPID; exec sleep 60'", 128 + SIGTERM}};
   for (const auto& [command, code] : rows) {
     EXPECT_EQ(Program{std::string{"--weeks 1 --exec -- "} + command}.exitCode(), code) << command;
   }
