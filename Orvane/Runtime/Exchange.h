@@ -31,7 +31,7 @@ struct ORVANE_RUNTIME_EXPORT Exchange {
   std::optional<std::int64_t> statusCode;
   /// As received, in order.
   std::vector<std::pair<std::string, std::string>> responseHeaders;
-  /// Of a success; bodies of refusals are not kept.
+  /// Of a refusal as much as was read of it: up to 64 KiB.
   std::string responseBody;
   /// Bytes of the answer's body, decompressed.
   std::size_t responseSize = 0;

@@ -392,9 +392,9 @@ bool Transfer::fail(TransportError error) {
 
 Result<std::string> Transfer::taken() { return std::move(answer_); }
 
-// The words of a refusal, as far as they can be read.
-std::string Transfer::reason() const {
-  if (head_.coding().empty()) return reasonIn(answer_);
+// The body of a refusal, as far as it can be read.
+std::string Transfer::refusalText() const {
+  if (head_.coding().empty()) return answer_;
   std::string text;
   if (const auto decoder = ContentDecoder::make(head_.coding())) {
     static_cast<void>(decoder->decode(answer_, [&text](const char* piece, std::size_t count) {
@@ -402,7 +402,7 @@ std::string Transfer::reason() const {
       return text.size() <= longestRefusal;
     }));
   }
-  return reasonIn(text);
+  return text;
 }
 
 Error Transfer::refusal() const {
@@ -411,7 +411,7 @@ Error Transfer::refusal() const {
   const Error error =
       NetworkError::invalidStatusCode(head_.status(), date)
           .withRetryAfter(pauseFromHTTP(easy_->header("Retry-After"), date.value_or(now)));
-  return error.with({.status = head_.status(), .reason = reason()});
+  return error.with({.status = head_.status(), .reason = reasonIn(refusalText())});
 }
 
 Error Transfer::failureOf(CURLcode code, std::string details) const {
@@ -466,7 +466,7 @@ Exchange Transfer::exchange(const Result<std::string>& outcome, bool withSecrets
   exchange.error = outcome.error();
   if (withSecrets) {
     exchange.requestBody = request_.body;
-    exchange.responseBody = outcome ? *outcome : answer_;
+    exchange.responseBody = outcome ? *outcome : refusalText();
   }
   if (!easy_ || easy_->get() == nullptr) return exchange;
   if (head_.status() > 0) exchange.statusCode = head_.status();

@@ -139,7 +139,7 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
   [[nodiscard]] bool reserve(std::size_t count);
   [[nodiscard]] bool fail(TransportError error);
   [[nodiscard]] bool takeReason(std::string_view bytes);
-  [[nodiscard]] std::string reason() const;
+  [[nodiscard]] std::string refusalText() const;
   [[nodiscard]] Error refusal() const;
   [[nodiscard]] Error failureOf(CURLcode code, std::string details) const;
 

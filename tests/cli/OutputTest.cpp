@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // What people and programs read: texts made safe, units, tables, JSON.
 #include "ExitCode.h"
+#include "JSONText.h"
 #include "Output.h"
 #include <Orvane/Coding/Coding.h>
 #include <Orvane/Platform/DeviceSettings.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -139,6 +141,12 @@ TEST(TextTest, ArgumentsAreReadToTheLastCharacter) {
   }
 }
 
+struct Journey {
+  std::string id;
+  double metres;
+  std::optional<std::string> mode;
+};
+
 // What `print` makes an output of `style` write.
 template <class Print>
 std::string printed(OutputStyle style, Print print) {
@@ -159,10 +167,11 @@ TEST(OutputTest, TablesAndBlocks) {
                      .row("phone", std::optional<std::string>())
                      .row("date of birth", std::optional(DateComponents{1990, 5, 17})));
     output.section("empty", Block());
-    output.section("trips",
-                   Table{"id", {"distance", Table::Alignment::right}, "mode"}
-                       .row("1", kilometresOf(900.0), std::optional<std::string>("a long text"))
-                       .row("22", kilometresOf(12345.0), std::optional<std::string>()));
+    const std::vector<Journey> journeys{{"1", 900.0, "a long text"}, {"22", 12345.0, {}}};
+    output.section("trips", Table("trips", journeys,
+                                  {{"id", &Journey::id},
+                                   {"distance", &Journey::metres, kilometresOf},
+                                   {"mode", &Journey::mode}}));
   };
   EXPECT_EQ(printed({.format = OutputStyle::Format::tabs}, print),
             "name\tAnn\\tB\n"
@@ -181,29 +190,73 @@ TEST(OutputTest, TablesAndBlocks) {
             "1     0.9 km  a long …\n"
             "22   12.3 km\n");
   EXPECT_EQ(printed({.format = OutputStyle::Format::table, .isColoured = true},
-                    [](Output& output) { output.table(Table{"id"}.row("1")); }),
+                    [](Output& output) {
+                      output.table(Table("ids", std::vector<std::int64_t>{1},
+                                         {{"id", [](std::int64_t id) { return id; }}}));
+                    }),
             "\x1b[1mid\x1b[0m\n1\n");
 }
 
-TEST(OutputTest, TablesThatAreTooWide) {
-  DeviceSettings::set({.timeZone = "Europe/Zurich"});
-  const auto print = [](Output& output) {
-    Table table{
-        {"started", Table::Fit::whole}, {"distance", Table::Alignment::right}, "score", "purpose"};
-    table.row(std::optional(dateFromSeconds(1500000000)), "123456.7 km", "", "a long text");
-    output.table(table.row(std::optional<Date>(), "", "", ""));
+TEST(OutputTest, WholeColumnsGoBeforeACellIsCut) {
+  const std::vector<Journey> journeys{{"trip-1", 123456.0, "a rather long text"}};
+  const auto print = [&](Output& output) {
+    output.table(Table("trips", journeys,
+                       {{"id", &Journey::id, 1},
+                        {"distance", &Journey::metres, kilometresOf},
+                        {"mode", &Journey::mode},
+                        {"again", &Journey::id, 2},
+                        {"nothing", [](const Journey&) { return std::string(); }}}));
   };
-  EXPECT_EQ(printed({.format = OutputStyle::Format::table, .columns = 20}, print),
-            "started              distance  purpose\n"
-            "2017-07-14 04:40  123456.7 km  a long …\n"
-            "\n");
+  const std::pair<std::size_t, const char*> rows[] = {
+      {80,
+       "id      distance  mode                again\n"
+       "trip-1  123.5 km  a rather long text  trip-1\n"},
+      {43,
+       "id      distance  mode\n"
+       "trip-1  123.5 km  a rather long text\n"
+       "There is no room for: again.\n"},
+      {30,
+       "distance  mode\n"
+       "123.5 km  a rather long text\n"
+       "There is no room for: id,\nagain.\n"},
+      {20,
+       "distance  mode\n"
+       "123.5 km  a rather …\n"
+       "There is no room\nfor: id, again.\n"},
+      {4,
+       "distance  mode\n"
+       "123.5 km  a rathe…\n"
+       "There\nis\nno\nroom\nfor:\nid,\nagain.\n"},
+  };
+  for (const auto& [columns, expected] : rows) {
+    EXPECT_EQ(printed({.format = OutputStyle::Format::table, .columns = columns}, print), expected);
+  }
   EXPECT_EQ(printed({.format = OutputStyle::Format::tabs, .columns = 20}, print),
-            "started\tdistance\tscore\tpurpose\n"
-            "2017-07-14 04:40\t123456.7 km\t\ta long text\n"
-            "\t\t\t\n");
-  const auto empty = [](Output& output) { output.table(Table{"id", "mode"}); };
-  EXPECT_EQ(printed({.format = OutputStyle::Format::table}, empty), "id  mode\n");
+            "id\tdistance\tmode\tagain\tnothing\n"
+            "trip-1\t123.5 km\ta rather long text\ttrip-1\t\n");
+  const auto empty = [](Output& output) {
+    output.table(Table("trips", std::vector<Journey>(), {{"id", &Journey::id}}));
+  };
+  EXPECT_EQ(printed({.format = OutputStyle::Format::table}, empty), "No trips.\n");
+  EXPECT_EQ(printed({}, empty), "id\n");
+}
+
+TEST(OutputTest, TimesAreNeverCut) {
+  DeviceSettings::set({.timeZone = "Europe/Zurich"});
+  const std::vector<Date> dates{dateFromSeconds(1500000000)};
+  EXPECT_EQ(
+      printed({.format = OutputStyle::Format::table, .columns = 8},
+              [&](Output& output) {
+                output.table(Table("times", dates, {{"time", [](Date date) { return date; }}}));
+              }),
+      "time\n2017-07-14 04:40\n");
   DeviceSettings::set({});
+}
+
+TEST(OutputTest, LinesBreakAtBlanks) {
+  EXPECT_EQ(wrapped("one two three", 7, 0, 0), "one two\nthree");
+  EXPECT_EQ(wrapped("one two three", 9, 4, 2), "one\n  two\n  three");
+  EXPECT_EQ(wrapped("incomprehensible words", 8, 0, 1), "incomprehensible\n words");
 }
 
 TEST(OutputTest, SaysNothingWhenTheReaderHasGone) {
@@ -223,17 +276,35 @@ TEST(OutputTest, SaysNothingWhenTheReaderHasGone) {
   }
 }
 
-TEST(OutputTest, IndentedJSONIsTheSameJSON) {
+TEST(JSONTextTest, IsLaidOutWithoutBeingChanged) {
   User user;
   user.id = R"(a "quoted\" {text}, [with: everything])";
   user.associatedUsers = {User{}, User{.activated = true}};
   user.userRole = UserRole{.roleNames = std::vector<UserRole::RoleName>{}};
   const std::string compact = *encode(user).value();
-  EXPECT_EQ(decode<User>(indented(compact)), user);
-  EXPECT_EQ(
-      indented(R"({"a":[],"b":{},"c":[1,{"d":"},["}]})"),
-      "{\n  \"a\": [],\n  \"b\": {},\n  \"c\": [\n    1,\n    {\n      \"d\": \"},[\"\n    }\n  "
-      "]\n}");
+  EXPECT_EQ(decode<User>(indentedJSON(compact)), user);
+  EXPECT_EQ(compactJSON(indentedJSON(compact)), compact);
+  EXPECT_EQ(indentedJSON(" {\"a\" : [ ],\n\"b\":{},\"c\":[1.50,{\"d\":\"}, [\"}]} "),
+            "{\n  \"a\": [],\n  \"b\": {},\n  \"c\": [\n    1.50,\n    {\n      \"d\": \"}, "
+            "[\"\n    }\n  ]\n}");
+  // What is no JSON breaks nothing.
+  for (const char* text : {"", "\"", "\\", "]}", "[", "{\"a\\"}) {
+    EXPECT_LE(compactJSON(indentedJSON(text)).size(), std::string_view(text).size() + 1) << text;
+  }
+}
+
+TEST(JSONTextTest, IsTakenApart) {
+  using testing::ElementsAre;
+  EXPECT_THAT(elementsOf(R"( [1.0 , "a,]\"" , {"b":[2,3]},[] ] )"),
+              ElementsAre("1.0", R"("a,]\"")", R"({"b":[2,3]})", "[]"));
+  for (const char* text : {"", "[]", "{\"a\":1}", "\"[1]\"", "[ \n"}) {
+    EXPECT_THAT(elementsOf(text), testing::IsEmpty()) << text;
+  }
+  constexpr std::string_view object = R"({"a":1,"items" : [2], "b":{"items":3},"items":[4, 5]})";
+  EXPECT_EQ(memberOf(object, "items"), "[4, 5]");
+  EXPECT_EQ(memberOf(object, "c"), "");
+  EXPECT_EQ(arrayOf(elementsOf("[61.8,1e5]")), "[61.8,1e5]");
+  EXPECT_EQ(arrayOf({}), "[]");
 }
 
 }  // namespace

@@ -114,12 +114,12 @@ TEST(CommandLineTest, SettingsHaveAnOrderAndNeverShowSecrets) {
 
   Environment environment = without(without(settings, "ORVANE_BASE_URL"), "ORVANE_CA_FILE");
   check(
-      {prints("--config " + file + " config show",
+      {prints("--config " + file + " config list",
               AllOf(has("base-url\t" + sandbox.baseURL() + "\t" + file + "\n",
                         "user\tanna.keller\tORVANE_USER\n", "timeout\t7\t" + file + "\n",
                         "clock-offset\t\tnot set\n", "token\t…\t" + file + "\n"),
                     Not(HasSubstr(sandbox.developmentToken())))),
-       prints("config show --config " + file + " --timeout 3 --token " + secret,
+       prints("config list --config " + file + " --timeout 3 --token " + secret,
               AllOf(has("timeout\t3\t--timeout\n", "token\t…\t--token\n"), Not(HasSubstr(secret)))),
        prints("config path --config " + file, file + "\n")},
       environment);
@@ -136,7 +136,7 @@ TEST(CommandLineTest, SettingsHaveAnOrderAndNeverShowSecrets) {
         both);
 
   writeFile(file, " user=\'ann # 1\'  # who\r\napi-key = # none yet\nlocale = de_DE # German\n");
-  check({prints("config show --config " + file,
+  check({prints("config list --config " + file,
                 has("user\tann # 1\t", "api-key\t\t", "locale\tde_DE\t"))},
         without(without(settings, "ORVANE_USER"), "ORVANE_API_KEY"));
 
@@ -153,7 +153,7 @@ TEST(CommandLineTest, SettingsHaveAnOrderAndNeverShowSecrets) {
   };
   for (const auto& [text, said] : malformed) {
     writeFile(file, text);
-    check({fails("config show --config " + file, 78, said)}, settings);
+    check({fails("config list --config " + file, 78, said)}, settings);
   }
 }
 

@@ -144,7 +144,7 @@ TEST(TripCommandsTest, ListsArePagesOrEverything) {
   }
 
   const std::string own = orvane("trips list --all", anna).output;
-  EXPECT_NE(orvane("trips list --all --user 1002", anna).output, own);
+  EXPECT_NE(orvane("trips list --all --of 1002", anna).output, own);
   const Rows ofVehicle = cellsOf(
       orvane("trips by-vehicle 3001 --from 2000-01-01 --to 2099-12-31 --limit 500 --user 1001",
              anna)
@@ -170,7 +170,7 @@ TEST(TripCommandsTest, SayWhatTheyDoNotTake) {
           fails("trips update nothing --purpose business", 44, "does not know"),
           fails("trips update '' --purpose business", 64, "an identifier"),
           fails("trips show ''", 64, "an identifier"),
-          fails("trips list --user ''", 64, "an identifier"),
+          fails("trips list --of ''", 64, "an identifier"),
           fails("trips by-vehicle '' --from 2024-02-01 --to 2024-02-02", 64, "an identifier"),
           fails("vehicles show ''", 64, "an identifier"),
           fails("alerts braking '' low", 64, "an identifier"),
@@ -179,7 +179,7 @@ TEST(TripCommandsTest, SayWhatTheyDoNotTake) {
           fails("trips list --from 2024-02-02 --to 2024-02-01", 64, "before"),
           fails("trips list --all --limit 5", 64, "--all goes without"),
           fails("trips list --limit 99999999999999999999", 64, "a whole number"),
-          fails("trips list --user 1004", 43, "does not allow"),
+          fails("trips list --of 1004", 43, "does not allow"),
           fails("trips by-vehicle 3001 --from 2024-02-01", 64, "--to is required"),
           fails("trips by-vehicle 3001 --from soon --to later", 40, "(400)"),
           fails("trips by-vehicle 9 --from 2024-02-01 --to 2024-02-02", 44, "does not know"),

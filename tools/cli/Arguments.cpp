@@ -47,11 +47,6 @@ std::optional<std::string> Argument<std::string>::parse(std::string_view text) {
   return std::string(text);
 }
 
-std::optional<Identifier> Argument<Identifier>::parse(std::string_view text) {
-  if (text.empty()) return std::nullopt;
-  return Identifier{std::string(text)};
-}
-
 std::optional<std::filesystem::path> Argument<std::filesystem::path>::parse(std::string_view text) {
   if (text.empty()) return std::nullopt;
   return std::filesystem::path(text);
@@ -120,6 +115,20 @@ std::optional<DrivingEventSeverity> Argument<DrivingEventSeverity>::parse(std::s
   const auto* const found = std::ranges::find_if(severityNames, isText);
   if (found == severityNames.end()) return std::nullopt;
   return static_cast<DrivingEventSeverity>(found - severityNames.begin());
+}
+
+std::optional<Day> Argument<Day>::parse(std::string_view text) {
+  if (const auto date = Argument<DateComponents>::parse(text)) return Day{date};
+  if (sameChoice(text, "today")) return Day{};
+  if (sameChoice(text, "yesterday")) return Day{{}, 1};
+  const std::size_t end = text.find('-');
+  const auto count = digits(text.substr(0, end));
+  const bool isAgo =
+      end != std::string_view::npos && (text.substr(end) == "-days-ago" || text == "1-day-ago");
+  // No longer ago than the calendar's years go back.
+  constexpr std::int64_t most = 700'000;
+  if (!isAgo || !count || *count > most) return std::nullopt;
+  return Day{{}, *count};
 }
 
 std::optional<TimeOfDay> Argument<TimeOfDay>::parse(std::string_view text) {

@@ -31,23 +31,48 @@ struct Argument<std::string> {
   [[nodiscard]] static std::optional<std::string> parse(std::string_view text);
 };
 
-/// An identifier of the backend's, which is never empty. Most stand in paths, where an empty one
-/// would address what is above it: all vehicles instead of one.
-struct Identifier {
-  std::string text;
+/// What a value names one of: what completion lists.
+enum class Listed : std::uint8_t {
+  nothing,
+  files,
+  folders,
+  trips,
+  vehicles,
+  users,
+  invitations,
+  settings,
+  profiles,
+  commands,
 };
 
-template <>
-struct Argument<Identifier> {
-  static constexpr std::string_view label = "ID";
+/// An identifier of the backend's, which is never empty. Most stand in paths, where an empty one
+/// would address what is above it: all vehicles instead of one.
+template <Listed L>
+struct IdentifierOf {
+  std::string text;
+};
+using Identifier = IdentifierOf<Listed::nothing>;
+using TripID = IdentifierOf<Listed::trips>;
+using VehicleID = IdentifierOf<Listed::vehicles>;
+using UserID = IdentifierOf<Listed::users>;
+using InvitationID = IdentifierOf<Listed::invitations>;
+
+template <Listed L>
+struct Argument<IdentifierOf<L>> {
+  static constexpr std::string_view label = L == Listed::users ? "USER" : "ID";
   static constexpr std::string_view meaning = "an identifier";
-  [[nodiscard]] static std::optional<Identifier> parse(std::string_view text);
+  static constexpr Listed listed = L;
+  [[nodiscard]] static std::optional<IdentifierOf<L>> parse(std::string_view text) {
+    if (text.empty()) return std::nullopt;
+    return IdentifierOf<L>{std::string(text)};
+  }
 };
 
 template <>
 struct Argument<std::filesystem::path> {
   static constexpr std::string_view label = "FILE";
   static constexpr std::string_view meaning = "a path";
+  static constexpr Listed listed = Listed::files;
   [[nodiscard]] static std::optional<std::filesystem::path> parse(std::string_view text);
 };
 
@@ -86,6 +111,20 @@ struct Argument<DateComponents> {
   static constexpr std::string_view label = "YYYY-MM-DD";
   static constexpr std::string_view meaning = "a day, as YYYY-MM-DD";
   [[nodiscard]] static std::optional<DateComponents> parse(std::string_view text);
+};
+
+/// A day of the calendar, or one seen from today.
+struct Day {
+  std::optional<DateComponents> date;
+  std::int64_t daysAgo = 0;  ///< Where there is no date.
+};
+
+template <>
+struct Argument<Day> {
+  static constexpr std::string_view label = "DAY";
+  static constexpr std::string_view meaning =
+      "a day, as YYYY-MM-DD, today, yesterday or 7-days-ago";
+  [[nodiscard]] static std::optional<Day> parse(std::string_view text);
 };
 
 template <>

@@ -3,24 +3,26 @@
 // stands here once.
 //
 //   struct ShowTrip {
-//     using Answer = Trip;
 //     static constexpr std::string_view name = "show";
 //     static constexpr std::string_view summary = "Show a trip";
 //     static constexpr Example examples[] = {{"trips show 42 --expand events", "…"}};
 //
-//     std::string id;
+//     TripID id;
 //     void declare(Options& options) { options.positional("ID", id, "The trip"); }
-//     RequestHandle start(const Identity& identity, Completion<Trip> then) const {
-//       return TripService(identity).fetch(id, {}, std::move(then));
+//     Operation<Trip> ask(Session& session) const {
+//       return TripService(session.identity()).fetch(id.text);
 //     }
 //     static void print(const Trip& trip, Output& output) { … }
 //   };
 //
-// `examples` and `declare` may be missing. An operation that answers nothing has `Unit` as its
-// `Answer`, and `done`, the line that is then printed, instead of `print`. A verb that needs more
-// than one call, or none, has `void run(Session&) const` instead of `Answer`, `start` and `print`.
+// Help, man page, completion and messages come of these declarations. `examples` and `declare` may
+// be missing. An operation that answers nothing has `done`, the line that is then printed, instead
+// of `print`. A verb whose answer holds its records further down has `unwrapped`, which finds them
+// in the backend's text. A verb that needs no call, or does more with its answer, has
+// `void run(Session&) const` instead of `ask` and `print`.
 #pragma once
 
+#include "JSONText.h"
 #include "Options.h"
 #include "Output.h"
 #include "Session.h"
@@ -94,26 +96,64 @@ class Resource {
 /// Every resource, in the order of the help.
 [[nodiscard]] std::vector<Resource> resources();
 
+/// A verb's options and arguments.
+[[nodiscard]] std::vector<Option> optionsOf(Verb& verb);
+
 /// A verb that runs by itself.
 template <class V>
 concept RunsItself = requires(const V& verb, Session& session) {
   verb.run(session);
 };
 
-/// Prints an answer as the user wants it: as the verb prints it, or as JSON.
+/// The backend's text for `answer`: as it was sent, or, where nothing was, as the library writes
+/// it. Several answers are the pages of one list.
 template <class V, class Answer>
-void printAnswer(const V& verb, const Answer& answer, Output& output) {
-  if constexpr (std::same_as<Answer, Unit>) {
-    if (!output.style().isJSON()) output.line(V::done);
-  } else if (!output.style().isJSON()) {
-    verb.print(answer, output);
-  } else {
-    const Result<std::string> text = encodeChecked(answer);
-    if (!text.value()) {
-      throw Failure(ExitCode::invalidData, text.errorOr(NetworkError::unknown).message());
+[[nodiscard]] std::string textOf(const Answer& answer, const std::vector<std::string>& sent) {
+  std::vector<std::string_view> elements;
+  for (const std::string& text : sent) {
+    std::vector<std::string_view> page;
+    if constexpr (requires { V::unwrapped(text); }) {
+      page = V::unwrapped(text);
+    } else if (sent.size() == 1 && !text.empty()) {
+      return text;
+    } else {
+      page = elementsOf(text);
     }
-    output.json(*text.value());
+    elements.insert(elements.end(), page.begin(), page.end());
   }
+  if (!elements.empty()) return arrayOf(elements);
+  const Result<std::string> text = encodeChecked(answer);
+  if (!text) throw failureOf(text.errorOr(NetworkError::unknown));
+  return *text;
+}
+
+/// Prints an answer as the user wants it: as the verb prints it, or as the backend sent it.
+template <class V, class Answer>
+void printAnswer(const V& verb, const Answer& answer, Session& session) {
+  Output& output = session.output();
+  const OutputStyle& style = output.style();
+  if (style.isRaw()) {
+    for (const std::string& text : session.log().answers()) output.raw(text);
+  } else if constexpr (std::same_as<Answer, Unit>) {
+    if (!style.isJSON()) output.line(V::done);
+  } else if (style.isJSON()) {
+    output.json(textOf<V>(answer, session.log().answers()));
+  } else {
+    verb.print(answer, output);
+  }
+}
+
+/// Runs the verb's call. The backend's own text is printed whether or not the library can read it.
+template <class V>
+void callAndPrint(const V& verb, Session& session) {
+  const auto operation = verb.ask(session);
+  const auto result = session.attempt(operation);
+  if (result) return printAnswer(verb, *result, session);
+  if (session.output().style().isRaw()) {
+    session.output().raw(session.log().lastAnswer());
+    session.finish();
+  }
+  throw failureOf(result.errorOr(NetworkError::unknown), session.log().lastRequest());
 }
 
 namespace detail {
@@ -140,12 +180,8 @@ class VerbOf final : public Verb {
     if constexpr (RunsItself<V>) {
       verb_.run(session);
     } else {
-      using Answer = typename V::Answer;
       session.connect();
-      const auto answer = session.call<Answer>([&](Completion<Answer> then) {
-        return verb_.start(session.identity(), std::move(then));
-      });
-      printAnswer(verb_, answer, session.output());
+      callAndPrint(verb_, session);
     }
   }
 

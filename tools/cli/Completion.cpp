@@ -1,324 +1,195 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Completion.h"
 
-#include <set>
+#include <algorithm>
 
 namespace orvane::cli {
 namespace {
 
-// The text as one word of any of the three shells.
-std::string shellWord(std::string_view text) {
-  std::string word = "'";
-  for (const char character : text) {
-    if (character == '\'') {
-      word += "'\\''";
-    } else {
-      word += character;
+// The values of an option or argument.
+void addValues(Candidates& candidates, const Option& option) {
+  candidates.listed = option.listed;
+  for (const std::string& choice : option.choices) candidates.words.push_back({choice});
+  if (!option.isList) return;
+  const std::size_t comma = candidates.begun.rfind(',');
+  if (comma == std::string::npos) return;
+  candidates.before += candidates.begun.substr(0, comma + 1);
+  candidates.begun.erase(0, comma + 1);
+}
+
+void addOptions(Candidates& candidates, const CommandWords& read) {
+  for (const Option& option : read.options) {
+    if (!option.isPositional()) candidates.words.push_back({option.name, option.help});
+  }
+  candidates.words.push_back({"--help", "Say what a command does and takes"});
+  candidates.words.push_back({"--version", "Print the version"});
+}
+
+void addCommands(Candidates& candidates, const CommandSet& set, const CommandWords& read) {
+  if (read.resource == nullptr) {
+    for (const Resource& resource : set.resources) {
+      candidates.words.push_back({resource.name(), resource.summary()});
+    }
+  } else if (read.verb == nullptr) {
+    for (const auto& verb : read.resource->verbs()) {
+      candidates.words.push_back({std::string(verb->name()), std::string(verb->summary())});
     }
   }
-  return word + "'";
 }
 
-// As `shellWord`, where the characters of `special` mean something to the completion system itself.
-std::string escapedFor(std::string_view special, std::string_view text) {
-  std::string escaped;
-  for (const char character : text) {
-    if (special.find(character) != std::string_view::npos) escaped += '\\';
-    escaped += character;
-  }
-  return escaped;
-}
-
-bool namesFile(const Option& option) { return option.label == "FILE"; }
-
-std::vector<Option> optionsOf(Verb& verb) {
-  Options options;
-  verb.declare(options);
-  return options.rows();
-}
-
-// What can stand next: the options, and what positional arguments may be.
-std::string words(std::span<const Option> options) {
-  std::vector<std::string> all;
-  for (const Option& option : options) {
-    if (option.isPositional()) {
-      all.insert(all.end(), option.choices.begin(), option.choices.end());
-    } else {
-      all.push_back(option.name);
-    }
-  }
-  return joined(all, " ");
-}
-
-// The options that take the next word as their value, as a pattern of `case`.
-std::string valuedPattern(std::span<const Resource> resources, std::span<const Option> globals) {
-  std::set<std::string> names;
-  const auto note = [&](std::span<const Option> options) {
-    for (const Option& option : options) {
-      if (!option.isPositional() && !option.isFlag()) names.insert(option.name);
-    }
-  };
-  note(globals);
-  for (const Resource& resource : resources) {
-    for (const auto& verb : resource.verbs()) note(optionsOf(*verb));
-  }
-  return joined({names.begin(), names.end()}, "|");
-}
-
-std::string resourceNames(std::span<const Resource> resources) {
-  std::string text;
-  for (const Resource& resource : resources) {
-    text.append(text.empty() ? "" : " ").append(resource.name());
-  }
-  return text;
-}
-
-std::string verbNames(const Resource& resource) {
-  std::string text;
-  if (resource.onlyVerb() != nullptr) return text;
-  for (const auto& verb : resource.verbs()) {
-    text.append(text.empty() ? "" : " ").append(verb->name());
-  }
-  return text;
-}
-
-// A pattern of `case` for resource, blank and verb; where there is no verb, for what stands there.
-std::string pathPattern(const Resource& resource, const Verb& verb) {
-  const std::string beginning = resource.name() + " ";
-  if (resource.onlyVerb() != nullptr) return shellWord(beginning) + "*";
-  return shellWord(beginning + std::string(verb.name()));
-}
-
-// --- bash ---
-
-void addBashValue(std::string& script, const std::string& pattern, const Option& option) {
-  std::string action;
-  if (namesFile(option)) {
-    action = "local IFS=$'\\n'; COMPREPLY=($(compgen -f -- \"$current\"))";
-  } else if (!option.choices.empty() && option.isList) {
-    action = "_orvane_list " + shellWord(joined(option.choices, " "));
-  } else if (!option.choices.empty()) {
-    action =
-        "COMPREPLY=($(compgen -W " + shellWord(joined(option.choices, " ")) + " -- \"$current\"))";
-  }
-  script += "    " + pattern + ") " + action + (action.empty() ? "" : "; ") + "return ;;\n";
-}
-
-// `before` is the pattern of what stands before the option.
-void addBashValues(std::string& script, const std::string& before,
-                   std::span<const Option> options) {
-  for (const Option& option : options) {
-    if (option.isPositional() || option.isFlag()) continue;
-    addBashValue(script, before + shellWord((before.empty() ? "" : " ") + option.name), option);
-  }
-}
-
-// --- zsh ---
-
-std::string zshText(std::string_view text) { return escapedFor("[]:\\", text); }
-
-std::string zshOption(const Option& option) {
-  std::string spec = option.isPositional() ? "" : option.name + "[" + zshText(option.help) + "]";
-  if (option.isFlag()) return shellWord(spec);
-  if (option.isList) spec.insert(0, "*");
-  std::string action;
-  if (namesFile(option)) {
-    action = "_files";
-  } else if (!option.choices.empty() && option.isList) {
-    action = "_sequence compadd - " + joined(option.choices, " ");
-  } else if (!option.choices.empty()) {
-    action = "(" + joined(option.choices, " ") + ")";
-  }
-  return shellWord(spec + ":" + zshText(option.label) + ":" + action);
-}
-
-void addZshVerb(std::string& script, const Resource& resource, Verb& verb) {
-  script += "    " + pathPattern(resource, verb) + ")\n";
-  script += "      specs+=(";
-  int position = resource.onlyVerb() == nullptr ? 3 : 2;
-  for (const Option& option : optionsOf(verb)) {
-    script += "\n        ";
-    if (!option.isPositional()) {
-      script += zshOption(option);
-    } else {
-      std::string spec = option.isList ? "*" : std::to_string(position++);
-      spec.append(":").append(zshText(option.name)).append(":");
-      if (!option.choices.empty()) {
-        spec.append("(").append(joined(option.choices, " ")).append(")");
-      }
-      script += shellWord(spec);
-    }
-  }
-  script += ")\n      ;;\n";
-}
-
-// --- fish ---
-
-void addFishOption(std::string& script, const std::string& condition, const Option& option) {
-  if (option.isPositional() && option.choices.empty()) return;
-  script += "complete -c orvane" + (condition.empty() ? "" : " -n " + shellWord(condition));
-  if (!option.isPositional()) script += " -l " + option.name.substr(2);
-  script += " -d " + shellWord(option.help);
-  if (namesFile(option)) {
-    script += " -r -F";
-  } else if (option.isPositional()) {
-    script += " -f";
-  } else if (!option.isFlag()) {
-    script += " -x";
-  }
-  if (!option.choices.empty()) script += " -a " + shellWord(joined(option.choices, " "));
-  script += "\n";
-}
-
-void addFishResource(std::string& script, const Resource& resource) {
-  const std::string isResource = "__fish_seen_subcommand_from " + resource.name();
-  script += "complete -c orvane -n __fish_use_subcommand -a " + resource.name() + " -d " +
-            shellWord(resource.summary()) + "\n";
-  if (Verb* only = resource.onlyVerb()) {
-    for (const Option& option : optionsOf(*only)) addFishOption(script, isResource, option);
-    return;
-  }
-  const std::string isBare =
-      isResource + "; and not __fish_seen_subcommand_from " + verbNames(resource);
-  for (const auto& verb : resource.verbs()) {
-    const std::string name(verb->name());
-    script += "complete -c orvane -n " + shellWord(isBare) + " -a " + name + " -d " +
-              shellWord(verb->summary()) + "\n";
-    const std::string isVerb =
-        std::string(isResource).append("; and __fish_seen_subcommand_from ").append(name);
-    for (const Option& option : optionsOf(*verb)) addFishOption(script, isVerb, option);
+// The argument that comes next; a list is never over.
+void addArgument(Candidates& candidates, const CommandWords& read) {
+  std::size_t left = read.positionals;
+  for (const Option& option : read.options) {
+    if (!option.isPositional()) continue;
+    if (left == 0 || option.isList) return addValues(candidates, option);
+    --left;
   }
 }
 
 }  // namespace
 
-std::string bashCompletion(std::span<const Resource> resources, std::span<const Option> globals) {
-  std::string script =
-      R"(# bash completion for orvane; load it with: source <(orvane completion bash)
-
-# Completes the last of several values with commas between them.
-_orvane_list() {
-  local before=
-  [[ $current != *,* ]] || before=${current%,*},
-  COMPREPLY=($(compgen -P "$before" -W "$1" -- "${current##*,}"))
+Candidates candidatesFor(const CommandSet& set, std::vector<std::string> words) {
+  Candidates candidates;
+  if (!words.empty()) {
+    candidates.begun = std::move(words.back());
+    words.pop_back();
+  }
+  const CommandWords read(set, words);
+  const std::size_t equals = candidates.begun.find('=');
+  if (read.awaiting) {
+    addValues(candidates, *read.awaiting);
+  } else if (candidates.begun.starts_with("--") && equals != std::string::npos) {
+    const auto option =
+        std::ranges::find(read.options, candidates.begun.substr(0, equals), &Option::name);
+    candidates.before = candidates.begun.substr(0, equals + 1);
+    candidates.begun.erase(0, equals + 1);
+    if (option != read.options.end()) addValues(candidates, *option);
+  } else if (candidates.begun.starts_with('-')) {
+    addOptions(candidates, read);
+  } else {
+    addCommands(candidates, set, read);
+    if (read.verb != nullptr) addArgument(candidates, read);
+    const bool isNothing = candidates.words.empty() && candidates.listed == Listed::nothing;
+    if (isNothing && candidates.begun.empty()) addOptions(candidates, read);
+  }
+  if (candidates.listed == Listed::commands) {
+    // The words behind "help" are those of a command line of its own.
+    const auto help = std::ranges::find(words, "help");
+    words.erase(words.begin(), help == words.end() ? help : std::next(help));
+    addCommands(candidates, set, CommandWords(set, words));
+  }
+  std::erase_if(candidates.words, [&](const Candidate& candidate) {
+    return !candidate.text.starts_with(candidates.begun);
+  });
+  return candidates;
 }
 
-_orvane() {
-  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local resource='' verb='' index
+std::vector<std::string> shellWords(std::string_view line) {
+  std::vector<std::string> words{""};
+  char quote = 0;
+  for (std::size_t at = 0; at < line.size(); ++at) {
+    const char character = line[at];
+    if (quote != 0) {
+      if (character == quote) {
+        quote = 0;
+      } else {
+        words.back() += character;
+      }
+    } else if (character == '\'' || character == '"') {
+      quote = character;
+    } else if (character == '\\' && at + 1 < line.size()) {
+      words.back() += line[++at];
+    } else if (character != ' ' && character != '\t') {
+      words.back() += character;
+    } else if (!words.back().empty()) {
+      words.emplace_back();
+    }
+  }
+  return words;
+}
+
+// The first line of what the program answers says what the machine's own lists add.
+const std::string_view bashCompletion =
+    R"script(# bash completion for orvane and orvane-sandbox; load it with: source <(orvane completion bash)
+
+# A word that bash takes apart is completed from its last part on.
+_orvane_words() {
+  local current=${COMP_LINE:0:COMP_POINT} kind='' line broken=''
+  current=${current##*[[:space:]]}
+  [[ $current == *=* && $COMP_WORDBREAKS == *=* ]] && broken=${current%"${current##*=}"}
   COMPREPLY=()
-  for ((index = 1; index < COMP_CWORD; index++)); do
-    case ${COMP_WORDS[index]} in
-      )";
-  script += valuedPattern(resources, globals);
-  script += R"() ((++index)) ;;
-      -*) ;;
-      *)
-        if [[ -z $resource ]]; then
-          resource=${COMP_WORDS[index]}
-        elif [[ -z $verb ]]; then
-          verb=${COMP_WORDS[index]}
-        fi
-        ;;
-    esac
-  done
-
-  case "$resource $verb $previous" in
-)";
-  for (const Resource& resource : resources) {
-    for (const auto& verb : resource.verbs()) {
-      addBashValues(script, pathPattern(resource, *verb), optionsOf(*verb));
-    }
-  }
-  script += "  esac\n  case $previous in\n";
-  addBashValues(script, "", globals);
-  script += "  esac\n\n  local words='" + words(globals) + " --help --version'\n";
-  script += "  case \"$resource $verb\" in\n";
-  script += "    ' ') words+=' " + resourceNames(resources) + "' ;;\n";
-  for (const Resource& resource : resources) {
-    if (const std::string verbs = verbNames(resource); !verbs.empty()) {
-      script += "    '" + resource.name() + " ') words+=' " + verbs + "' ;;\n";
-    }
-    for (const auto& verb : resource.verbs()) {
-      script += "    " + pathPattern(resource, *verb) + ") words+=' " + words(optionsOf(*verb)) +
-                "' ;;\n";
-    }
-  }
-  script += R"(  esac
-  COMPREPLY=($(compgen -W "$words" -- "$current"))
+  { read -r kind; while read -r line; do COMPREPLY+=("${line#"$broken"}"); done; } < <("$@" 2>/dev/null)
+  local value=${current#"$broken"}
+  case $kind in
+    files) compopt -o filenames; while read -r line; do COMPREPLY+=("$line"); done < <(compgen -f -- "$value") ;;
+    folders) compopt -o filenames; while read -r line; do COMPREPLY+=("$line"); done < <(compgen -d -- "$value") ;;
+  esac
 }
+
+_orvane() { _orvane_words "${COMP_WORDS[0]}" completion words --line "${COMP_LINE:0:COMP_POINT}"; }
+
+_orvane_sandbox_options() {
+  case ${COMP_WORDS[COMP_CWORD - 1]} in
+    --data) echo folders; return ;;
+    --ready-file) echo files; return ;;
+  esac
+  echo options
+  compgen -W "$("${COMP_WORDS[0]}" --help | grep -oE -- '--[a-z][a-z-]*' | sort -u)" -- "${COMP_WORDS[COMP_CWORD]}"
+}
+
+_orvane_sandbox() { _orvane_words _orvane_sandbox_options; }
 
 complete -F _orvane orvane
-)";
-  return script;
-}
+complete -F _orvane_sandbox orvane-sandbox
+)script";
 
-std::string zshCompletion(std::span<const Resource> resources, std::span<const Option> globals) {
-  std::string script = R"(#compdef orvane
-# zsh completion for orvane; load it with: source <(orvane completion zsh)
+const std::string_view zshCompletion = R"script(#compdef orvane orvane-sandbox
+# zsh completion for orvane and orvane-sandbox; load it with: source <(orvane completion zsh)
 
 _orvane() {
-  local resource='' verb='' index
-  local -a specs
-  for ((index = 2; index < CURRENT; index++)); do
-    case ${words[index]} in
-      ()";
-  script += valuedPattern(resources, globals);
-  script += R"() ((++index)) ;;
-      (-*) ;;
-      (*)
-        if [[ -z $resource ]]; then
-          resource=${words[index]}
-        elif [[ -z $verb ]]; then
-          verb=${words[index]}
-        fi
-        ;;
-    esac
-  done
-
-  specs=(
-    '(- *)--help[Print this help message and exit]'
-    '(- *)--version[Print the version]')";
-  for (const Option& option : globals) script += "\n    " + zshOption(option);
-  std::string choices;
-  for (const Resource& resource : resources) {
-    choices += " " + resource.name() + "\\:" + shellWord(zshText(resource.summary()));
-  }
-  script += "\n    \"1:resource:((" + choices + "))\")\n  case $resource in\n";
-  for (const Resource& resource : resources) {
-    if (resource.onlyVerb() != nullptr) continue;
-    choices.clear();
-    for (const auto& verb : resource.verbs()) {
-      choices += " " + std::string(verb->name()) + "\\:" + shellWord(zshText(verb->summary()));
-    }
-    script += "    " + resource.name() + ") specs+=(\"2:verb:((" + choices + "))\") ;;\n";
-  }
-  script += "  esac\n  case \"$resource $verb\" in\n";
-  for (const Resource& resource : resources) {
-    for (const auto& verb : resource.verbs()) addZshVerb(script, resource, *verb);
-  }
-  script += R"(  esac
-  _arguments -S $specs
+  local line kind='' before=''
+  local -a words_found described
+  { read -r kind; while IFS= read -r line; do words_found+=("${line//:/\\:}"); done } \
+    < <("${words[1]}" completion words --meanings -- "${(@Q)words[2,CURRENT]}" 2>/dev/null)
+  described=("${(@)words_found/$'\t'/:}")
+  [[ $PREFIX == --*=* ]] && before=1
+  if (( $#described )); then
+    _describe -V 'orvane' described
+  fi
+  [[ -n $before ]] && compset -P '*='
+  case $kind in
+    files) _files ;;
+    folders) _files -/ ;;
+  esac
 }
 
 if [[ $funcstack[1] == _orvane ]]; then
-  _orvane "$@"
+  if [[ $service == orvane-sandbox ]]; then
+    _gnu_generic "$@"
+  else
+    _orvane "$@"
+  fi
 else
   compdef _orvane orvane
+  compdef _gnu_generic orvane-sandbox
 fi
-)";
-  return script;
-}
+)script";
 
-std::string fishCompletion(std::span<const Resource> resources, std::span<const Option> globals) {
-  std::string script =
-      "# fish completion for orvane; load it with: orvane completion fish | source\n"
-      "complete -c orvane -f\n"
-      "complete -c orvane -l help -d 'Print this help message and exit'\n"
-      "complete -c orvane -l version -d 'Print the version'\n";
-  for (const Option& option : globals) addFishOption(script, "", option);
-  for (const Resource& resource : resources) addFishResource(script, resource);
-  return script;
-}
+const std::string_view fishCompletion =
+    R"script(# fish completion for orvane; load it with: orvane completion fish | source
+function __orvane_words
+    set -l tokens (commandline -opc) (commandline -ct)
+    set -l lines ($tokens[1] completion words --meanings -- $tokens[2..-1] 2>/dev/null)
+    switch "$lines[1]"
+        case files
+            __fish_complete_path (commandline -ct)
+        case folders
+            __fish_complete_directories (commandline -ct)
+    end
+    printf '%s\n' $lines[2..-1]
+end
+complete -c orvane -f -k -a '(__orvane_words)'
+)script";
 
 }  // namespace orvane::cli

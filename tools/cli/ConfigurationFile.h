@@ -1,23 +1,40 @@
 // SPDX-License-Identifier: Apache-2.0
-// The file with the settings.
+// The file of settings: lines of a name and a value, and profiles under headings of their own.
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orvane::cli {
 
 struct ConfigurationEntry {
+  std::string profile;  ///< Empty for what stands above every heading: it holds for all.
   std::string name;
   std::string value;
+  std::size_t line = 0;
 };
 
-/// What stands in the file, in its order: a line `name = value` for each. A "#" begins a comment,
-/// at the start of a line or behind a blank; quotation marks, of either kind, stand around a value
-/// with blanks. Throws a `Failure` for a file that can't be read, and for the first line that is
-/// anything else or repeats a name.
-[[nodiscard]] std::vector<ConfigurationEntry> readConfigurationFile(
-    const std::filesystem::path& file);
+/// What a file holds, and what of it can't be used. A fault costs its own line alone.
+struct ConfigurationFile {
+  std::vector<ConfigurationEntry> entries;
+  std::vector<std::string> profiles;
+  std::vector<std::string> faults;  ///< "line 3: …"
+};
+
+/// What `text` holds: `name = value`, with quotation marks around a value that contains blanks,
+/// "[profile]", and "#" before comments. A byte order mark at its beginning is skipped.
+[[nodiscard]] ConfigurationFile configurationIn(std::string_view text);
+
+/// The contents of a file; absent where there is none. A `Failure` where it can't be read.
+[[nodiscard]] std::optional<std::string> contentsOf(const std::filesystem::path& file);
+
+/// `text` with the setting changed in place, added to its profile, or, without a value, taken away.
+/// Comments and everything else stay. A `Failure` for a value that no line can hold.
+[[nodiscard]] std::string withSetting(std::string_view text, const std::string& profile,
+                                      const std::string& name,
+                                      const std::optional<std::string>& value);
 
 }  // namespace orvane::cli

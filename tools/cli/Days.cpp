@@ -28,6 +28,13 @@ std::int64_t fromLocal(std::int64_t local) {
 
 }  // namespace
 
+DateComponents dateOf(const Day& day) {
+  if (day.date) return *day.date;
+  const auto today = dayOf(DeviceClock::now());
+  if (!today) throw Failure(ExitCode::usage, "the device's clock shows no day");
+  return componentsOf(*today - std::chrono::days(day.daysAgo));
+}
+
 Date noonOf(const DateComponents& day) {
   const std::chrono::year_month_day date{
       std::chrono::year(static_cast<int>(day.year.value_or(1970))),
@@ -75,14 +82,14 @@ Date next(TimeOfDay time) {
 }
 
 void DayOptions::declare(Options& options) {
-  options.option("--from", from_, "The first day");
+  options.option("--from", from_, "The first day: 2024-05-13, yesterday, 7-days-ago");
   options.option("--to", to_, "The last day, included; left out, today");
 }
 
 std::optional<DateRange> DayOptions::range() const {
   if (!from_ && to_) throw Failure(ExitCode::usage, "--to needs --from, too");
   if (!from_) return std::nullopt;
-  const DateRange range{noonOf(*from_), to_ ? noonOf(*to_) : DeviceClock::now()};
+  const DateRange range{noonOf(dateOf(*from_)), to_ ? noonOf(dateOf(*to_)) : DeviceClock::now()};
   const bool isInOrder = range.start <= range.end;
   // Today's noon may be still to come.
   if (!isInOrder && to_) throw Failure(ExitCode::usage, "--to is before --from");

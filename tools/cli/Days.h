@@ -13,6 +13,9 @@
 
 namespace orvane::cli {
 
+/// The day that is meant, by the device's clock. A `Failure` where that shows no day.
+[[nodiscard]] DateComponents dateOf(const Day& day);
+
 /// Noon of a day of the Gregorian calendar, all of whose parts are set.
 [[nodiscard]] Date noonOf(const DateComponents& day);
 
@@ -36,8 +39,8 @@ class DayOptions {
   [[nodiscard]] std::optional<DateRange> range() const;
 
  private:
-  std::optional<DateComponents> from_;
-  std::optional<DateComponents> to_;
+  std::optional<Day> from_;
+  std::optional<Day> to_;
 };
 
 }  // namespace orvane::cli

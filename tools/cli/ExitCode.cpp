@@ -122,17 +122,19 @@ ExitCode codeOf(const Error& error) {
 
 std::span<const ExitCodeRow> exitCodes() noexcept { return rows; }
 
-Failure failureOf(const Error& error) {
+Failure failureOf(const Error& error, const std::string& request) {
   const auto* network = error.as<NetworkError>();
-  if (network == nullptr || network->kind() != NetworkError::Case::invalidStatusCode) {
-    return {codeOf(error), error.description()};
-  }
-  Failure told = refusal(network->statusCode());
-  const ErrorContext* context = error.context();
-  if (context == nullptr) return told;
+  const bool isRefusal =
+      network != nullptr && network->kind() == NetworkError::Case::invalidStatusCode;
+  const Failure told =
+      isRefusal ? refusal(network->statusCode()) : Failure(codeOf(error), error.message());
   std::string words = told.what();
-  if (!context->reason.empty()) words += "; it says: " + context->reason;
-  if (!context->operation.empty()) words += " [" + context->operation + "]";
+  const ErrorContext none;
+  const ErrorContext& context = error.context() != nullptr ? *error.context() : none;
+  if (!context.reason.empty()) words += "; it says: " + context.reason;
+  if (!context.finding.empty()) words += ": " + context.finding;
+  const std::string& place = request.empty() ? context.operation : request;
+  if (!place.empty()) words += " [" + place + "]";
   return {told.code(), words};
 }
 

@@ -59,7 +59,8 @@ class Failure final : public std::exception {
   std::string message_;
 };
 
-/// What an operation's error means for the user.
-[[nodiscard]] Failure failureOf(const Error& error);
+/// What an operation's error means for the user, with what the backend said, the place that can't
+/// be read, and the request: `request`, or else what the error knows of it.
+[[nodiscard]] Failure failureOf(const Error& error, const std::string& request = {});
 
 }  // namespace orvane::cli

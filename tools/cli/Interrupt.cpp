@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Interrupt.h"
 
+#include "ExitCode.h"
+
+#include <unistd.h>
+
+#include <string_view>
 #include <utility>
 
 namespace orvane::cli {
@@ -34,6 +39,17 @@ void Interrupt::watch(RequestHandle request) {
   if (cancelled) cancelled->cancel();
 }
 
+Interrupt::EndsAtOnce::EndsAtOnce(Interrupt& interrupt) : interrupt_(interrupt) {
+  const std::scoped_lock lock(interrupt_.mutex_);
+  if (interrupt_.hasCome_) throw Failure(ExitCode::cancelled, "cancelled");
+  interrupt_.endsAtOnce_ = true;
+}
+
+Interrupt::EndsAtOnce::~EndsAtOnce() {
+  const std::scoped_lock lock(interrupt_.mutex_);
+  interrupt_.endsAtOnce_ = false;
+}
+
 bool Interrupt::hasCome() const {
   const std::scoped_lock lock(mutex_);
   return hasCome_;
@@ -59,6 +75,11 @@ void Interrupt::cancel() {
   {
     const std::scoped_lock lock(mutex_);
     hasCome_ = true;
+    if (endsAtOnce_) {
+      constexpr std::string_view words = "orvane: cancelled\n";
+      static_cast<void>(!::write(STDERR_FILENO, words.data(), words.size()));
+      ::_exit(static_cast<int>(ExitCode::cancelled));
+    }
     cancelled = request_;
   }
   // Outside the lock: who cancels a request lets go of what it holds.

@@ -27,6 +27,19 @@ class Interrupt {
   /// Nothing is watched any more.
   void release() { watch(nullptr); }
 
+  /// As long as it lives, a signal ends the process with `ExitCode::cancelled`: for what can't be
+  /// cancelled. One that has come before is a `Failure` with that code.
+  class EndsAtOnce {
+   public:
+    explicit EndsAtOnce(Interrupt& interrupt);
+    ~EndsAtOnce();
+    EndsAtOnce(const EndsAtOnce&) = delete;
+    EndsAtOnce& operator=(const EndsAtOnce&) = delete;
+
+   private:
+    Interrupt& interrupt_;
+  };
+
   /// True once a signal has come. Any thread.
   [[nodiscard]] bool hasCome() const;
 
@@ -39,6 +52,7 @@ class Interrupt {
   mutable std::mutex mutex_;
   RequestHandle request_;
   bool hasCome_ = false;
+  bool endsAtOnce_ = false;
   std::thread thread_;
 };
 

@@ -14,19 +14,24 @@
 
 namespace orvane::cli {
 
-/// One option or positional argument.
+/// One option or positional argument: what help, man page, completion and messages say of it, and
+/// what takes its value.
 struct Option {
   std::string name;   ///< "--expand", or "ID" for a positional argument.
   std::string label;  ///< What stands for its value in the usage; empty for a flag.
   std::string help;
-  std::string meaning;               ///< What a value is, for the message about a wrong one.
-  std::vector<std::string> choices;  ///< What completion offers.
+  std::string meaning{};               ///< What a value is, for the message about a wrong one.
+  std::vector<std::string> choices{};  ///< What a value may be, or what most are.
+  Listed listed = Listed::nothing;     ///< What a value names.
   bool isRequired = false;
   bool isList = false;  ///< May be repeated, or hold several values with commas between them.
-  std::function<bool(const std::string&)> accept;  ///< Takes a value; false refuses it.
+  bool isBareAllowed = false;  ///< Needs no value; one follows an equals sign: "--sandbox=DIR".
+  std::function<bool(const std::string&)> accept{};  ///< Takes a value; false refuses it.
 
   [[nodiscard]] bool isPositional() const { return !name.starts_with('-'); }
   [[nodiscard]] bool isFlag() const { return label.empty(); }
+  /// True where the next word is its value.
+  [[nodiscard]] bool takesWord() const { return !isPositional() && !isFlag() && !isBareAllowed; }
 };
 
 /// Collects a verb's options. Each is bound to a variable that has to outlive the parsing.
@@ -53,7 +58,7 @@ class Options {
 
   /// An option without a value.
   void flag(std::string name, bool& target, std::string help) {
-    Option option{std::move(name), {}, std::move(help), {}, {}, false, false, {}};
+    Option option{.name = std::move(name), .label = {}, .help = std::move(help)};
     option.accept = [&target](const std::string&) { return target = true; };
     rows_.push_back(std::move(option));
   }
@@ -106,8 +111,9 @@ class Options {
     if constexpr (requires { Argument<Value>::choices(); }) {
       option.choices = Argument<Value>::choices();
     }
+    if constexpr (requires { Argument<Value>::listed; }) option.listed = Argument<Value>::listed;
     option.label = std::string(Argument<Value>::label);
-    if (option.label.empty()) option.label = joined(option.choices, "|");
+    if (option.label.empty()) option.label = labelOf(option.choices);
     option.isRequired = isRequired;
     option.isList = isListOf<T>;
     option.accept = [&target](const std::string& text) {
@@ -117,6 +123,13 @@ class Options {
       return true;
     };
     rows_.push_back(std::move(option));
+  }
+
+  // The choices, as long as they are no sentence.
+  static std::string labelOf(const std::vector<std::string>& choices) {
+    constexpr std::size_t longest = 24;
+    const std::string all = joined(choices, "|");
+    return all.size() <= longest ? all : "CHOICE";
   }
 
   std::vector<Option> rows_;

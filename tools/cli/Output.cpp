@@ -2,11 +2,12 @@
 #include "Output.h"
 
 #include "ExitCode.h"
+#include "JSONText.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <numeric>
+#include <iterator>
 
 namespace orvane::cli {
 namespace {
@@ -23,50 +24,52 @@ std::string padding(std::size_t width, std::string_view text) {
 }
 
 std::string tabbed(const Row& cells) {
-  std::vector<std::string> texts;
-  for (const std::string& cell : cells) texts.push_back(visible(cell));
   std::string line;
-  for (std::size_t index = 0; index < texts.size(); ++index) {
-    line.append(index == 0 ? "" : "\t").append(texts[index]);
+  for (std::size_t index = 0; index < cells.size(); ++index) {
+    line.append(index == 0 ? "" : "\t").append(visible(cells[index]));
   }
   return line;
 }
 
-// How wide every column is when the whole is to fit into `columns`: the widest texts give way.
-std::vector<std::size_t> widths(const std::vector<Row>& rows,
-                                const std::vector<Table::Column>& shown, std::size_t columns) {
-  std::vector<std::size_t> needed(shown.size(), 0);
-  for (const Row& row : rows) {
-    for (std::size_t index = 0; index < needed.size(); ++index) {
-      needed[index] = std::max(needed[index], columnsOf(row[index]));
-    }
+// A column as it is laid out: its cells, the title first.
+struct Laid {
+  Row cells;
+  Look look;
+  int rank;
+  std::size_t width = 0;
+
+  [[nodiscard]] bool isEmpty() const {
+    return std::all_of(cells.begin() + 1, cells.end(),
+                       [](const auto& cell) { return cell.empty(); });
   }
-  const auto spare = [&](std::size_t index) {
-    const bool isWhole = shown[index].fit == Table::Fit::whole;
-    return isWhole || needed[index] <= narrowest ? 0 : needed[index] - narrowest;
-  };
-  const std::size_t gaps = gap.size() * (needed.size() - 1);
-  while (std::accumulate(needed.begin(), needed.end(), gaps) > columns) {
-    std::size_t widest = 0;
-    for (std::size_t index = 1; index < needed.size(); ++index) {
-      if (spare(index) > spare(widest)) widest = index;
-    }
-    if (spare(widest) == 0) break;
-    --needed[widest];
+  // How much of it may be cut off.
+  [[nodiscard]] std::size_t spare() const {
+    return look != Look::text || width <= narrowest ? 0 : width - narrowest;
   }
-  return needed;
+};
+
+std::size_t widthOf(const std::vector<Laid>& columns) {
+  std::size_t width = columns.empty() ? 0 : gap.size() * (columns.size() - 1);
+  for (const Laid& column : columns) width += column.width;
+  return width;
 }
 
-// Takes the columns away that are empty in every row; the first row has their titles.
-void removeEmptyColumns(std::vector<Row>& rows, std::vector<Table::Column>& columns) {
-  if (rows.size() < 2) return;
-  for (std::size_t index = columns.size(); index-- > 0;) {
-    const auto isEmpty = [&](const Row& row) { return row[index].empty(); };
-    if (!std::all_of(rows.begin() + 1, rows.end(), isEmpty)) continue;
-    const auto offset = static_cast<std::ptrdiff_t>(index);
-    for (Row& row : rows) row.erase(row.begin() + offset);
-    columns.erase(columns.begin() + offset);
+// Makes the columns fit: those of the highest rank go, the last of them first, and where none is
+// left that may go, the widest texts give way. Answers the titles of what went.
+std::vector<std::string> fit(std::vector<Laid>& columns, std::size_t room) {
+  std::vector<std::string> gone;
+  while (widthOf(columns) > room) {
+    const auto last = std::ranges::max_element(columns.rbegin(), columns.rend(), {}, &Laid::rank);
+    if (last->rank == 0) break;
+    gone.insert(gone.begin(), last->cells.front());
+    columns.erase(std::next(last).base());
   }
+  while (widthOf(columns) > room) {
+    Laid& widest = *std::ranges::max_element(columns, {}, &Laid::spare);
+    if (widest.spare() == 0) break;
+    --widest.width;
+  }
+  return gone;
 }
 
 }  // namespace
@@ -84,12 +87,14 @@ void Output::rows(const Block& block, const std::string& prefix) {
   std::size_t width = 0;
   for (const Block::Row& row : block.rows_) width = std::max(width, columnsOf(row.name));
   for (const Block::Row& row : block.rows_) {
-    if (style_.format == OutputStyle::Format::table) {
-      line(prefix + dimmed(row.name) + padding(width, row.name) + std::string(gap) +
-           visible(row.text));
-    } else {
+    if (!style_.isTable()) {
       line(tabbed({prefix + row.name, row.text}));
+      continue;
     }
+    const std::string name =
+        prefix + dimmed(row.name) + padding(width, row.name) + std::string(gap);
+    const std::size_t margin = prefix.size() + width + gap.size();
+    line(name + wrapped(visible(row.text), style_.columns, margin, margin));
   }
 }
 
@@ -97,37 +102,45 @@ void Output::block(const Block& block) { rows(block, {}); }
 
 void Output::section(std::string_view title, const Block& block) {
   if (block.rows_.empty()) return;
-  if (style_.format != OutputStyle::Format::table) return rows(block, std::string(title) + ": ");
+  if (!style_.isTable()) return rows(block, std::string(title) + ": ");
   heading(title);
   rows(block, std::string(gap));
 }
 
 void Output::table(const Table& table) {
-  Row titles;
-  for (const Table::Column& column : table.columns_) titles.push_back(column.title);
-  std::vector<Row> rows{std::move(titles)};
-  rows.insert(rows.end(), table.rows_.begin(), table.rows_.end());
-  if (style_.format != OutputStyle::Format::table) {
-    for (const Row& row : rows) line(tabbed(row));
+  if (!style_.isTable()) {
+    Row titles;
+    for (const Table::Head& head : table.columns_) titles.push_back(head.title);
+    line(tabbed(titles));
+    for (const Row& row : table.rows_) line(tabbed(row));
     return;
   }
-  std::vector<Table::Column> columns = table.columns_;
-  removeEmptyColumns(rows, columns);
-  if (columns.empty()) return;
-  for (Row& row : rows) std::ranges::transform(row, row.begin(), visible);
-  const std::vector<std::size_t> width = widths(rows, columns, style_.columns);
-  for (const Row& row : rows) {
+  if (table.rows_.empty()) return line("No " + std::string(table.what_) + ".");
+  std::vector<Laid> columns;
+  for (std::size_t index = 0; index < table.columns_.size(); ++index) {
+    const Table::Head& head = table.columns_[index];
+    Laid column{{head.title}, head.look, head.rank};
+    for (const Row& row : table.rows_) column.cells.push_back(visible(row[index]));
+    for (const std::string& cell : column.cells) {
+      column.width = std::max(column.width, columnsOf(cell));
+    }
+    if (!column.isEmpty()) columns.push_back(std::move(column));
+  }
+  const std::vector<std::string> gone = fit(columns, style_.columns);
+  for (std::size_t row = 0; row <= table.rows_.size(); ++row) {
     std::string text;
-    for (std::size_t index = 0; index < row.size(); ++index) {
-      if (index > 0) text += gap;
-      const std::string cell = cut(row[index], width[index]);
-      const std::string blanks = padding(width[index], cell);
-      const bool isRight = columns[index].alignment == Table::Alignment::right;
-      text += isRight ? blanks + cell : cell + blanks;
+    for (const Laid& column : columns) {
+      if (&column != &columns.front()) text += gap;
+      const std::string cell = cut(column.cells[row], column.width);
+      const std::string blanks = padding(column.width, cell);
+      text += column.look == Look::number ? blanks + cell : cell + blanks;
     }
     text.erase(text.find_last_not_of(' ') + 1);
-    line(&row == &rows.front() ? bold(text) : text);
+    line(row == 0 ? bold(text) : text);
   }
+  if (gone.empty()) return;
+  const std::string note = "There is no room for: " + joined(gone, ", ") + ".";
+  line(dimmed(wrapped(note, style_.columns, 0, 0)));
 }
 
 void Output::section(std::string_view title, const Table& rows) {
@@ -137,7 +150,7 @@ void Output::section(std::string_view title, const Table& rows) {
 }
 
 void Output::json(std::string_view text) {
-  line(style_.format == OutputStyle::Format::compact ? std::string(text) : indented(text));
+  line(style_.format == OutputStyle::Format::compact ? compactJSON(text) : indentedJSON(text));
 }
 
 void Output::flush() {
@@ -158,40 +171,6 @@ std::string Output::bold(std::string_view text) const {
 
 std::string Output::dimmed(std::string_view text) const {
   return style_.isColoured ? "\x1b[2m" + std::string(text) + "\x1b[0m" : std::string(text);
-}
-
-std::string indented(std::string_view json) {
-  std::string text;
-  std::size_t depth = 0;
-  bool isInText = false;
-  const auto newLine = [&] { text.append(1, '\n').append(2 * depth, ' '); };
-  for (std::size_t index = 0; index < json.size(); ++index) {
-    const char character = json[index];
-    if (isInText) {
-      text += character;
-      if (character == '\\' && index + 1 < json.size()) text += json[++index];
-      isInText = character != '"';
-      continue;
-    }
-    const bool isOpening = character == '{' || character == '[';
-    const bool isClosing = character == '}' || character == ']';
-    if (isClosing) {
-      --depth;
-      const bool isEmpty = json[index - 1] == '{' || json[index - 1] == '[';
-      if (!isEmpty) newLine();
-    }
-    text += character;
-    isInText = character == '"';
-    if (character == ':') text += ' ';
-    if (character == ',') newLine();
-    if (isOpening) {
-      ++depth;
-      const bool isEmpty =
-          index + 1 < json.size() && (json[index + 1] == '}' || json[index + 1] == ']');
-      if (!isEmpty) newLine();
-    }
-  }
-  return text;
 }
 
 }  // namespace orvane::cli

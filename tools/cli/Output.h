@@ -5,11 +5,16 @@
 #include "Text.h"
 #include <Orvane/Platform/Indirect.h>
 
+#include <concepts>
+#include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <initializer_list>
 #include <optional>
+#include <ranges>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -43,61 +48,108 @@ class Block {
   std::vector<Row> rows_;
 };
 
+/// What a column holds, which says how it stands and whether it may be cut: a number (to the right)
+/// and a time say something else without their end.
+enum class Look : std::uint8_t { text, number, time };
+
+/// A column of a table of `Record`s, in one declaration: its title, what stands in it, and its
+/// rank. `read` is a member, or a function of a record; absent values leave the cell empty.
+/// `convert` gives a value its unit. Where a table is too wide, the columns with the highest rank
+/// go first, and those of rank 0 never do.
+template <class Record>
+class Column {
+ public:
+  template <std::invocable<const Record&> Read>
+  Column(const char* heading, Read read, int leavesAs = 0)
+      : Column(
+            heading, std::move(read), [](const auto& value) { return cellText(value); }, leavesAs) {
+  }
+
+  template <std::invocable<const Record&> Read, class Convert>
+    requires(!std::convertible_to<Convert, int>)
+  Column(const char* heading, Read read, Convert convert, int leavesAs = 0)
+      : title(heading), rank(leavesAs) {
+    using Value = std::remove_cvref_t<std::invoke_result_t<Read&, const Record&>>;
+    if constexpr (requires(const Value& value) { value.has_value(); }) {
+      look = lookOf<typename Value::value_type>();
+      text = [read, convert](const Record& record) -> std::string {
+        const auto& value = std::invoke(read, record);
+        return value ? toText(convert(*value)) : std::string();
+      };
+    } else {
+      look = lookOf<Value>();
+      text = [read, convert](const Record& record) -> std::string {
+        return toText(convert(std::invoke(read, record)));
+      };
+    }
+  }
+
+  const char* title;
+  int rank;
+  Look look{};
+  std::function<std::string(const Record&)> text;
+
+ private:
+  template <class T>
+  static constexpr Look lookOf() {
+    if constexpr (std::is_arithmetic_v<T> && !std::same_as<T, bool>) return Look::number;
+    if constexpr (std::same_as<T, Measure>) return Look::number;
+    if constexpr (std::same_as<T, Date> || std::same_as<T, DateComponents>) return Look::time;
+    if constexpr (std::same_as<T, Moment>) return Look::time;
+    return Look::text;
+  }
+  // A column is no place for seconds and offset.
+  template <class T>
+  static std::string cellText(const T& value) {
+    if constexpr (std::same_as<T, Date>) {
+      return localMinute(value, std::nullopt);
+    } else {
+      return toText(value);
+    }
+  }
+};
+
 /// Rows under a header.
 class Table {
  public:
-  /// Numbers stand to the right of their column, everything else to the left.
-  enum class Alignment : bool { left, right };
-  /// Texts give way where a table is too wide; numbers and times, which say something else without
-  /// their end, do not.
-  enum class Fit : bool { cut, whole };
-  struct Column {
-    Column(const char* text,
-           Alignment side = Alignment::left)  // NOLINT(google-explicit-constructor)
-        : title(text), alignment(side), fit(side == Alignment::right ? Fit::whole : Fit::cut) {}
-    Column(const char* text, Fit wanted) : title(text), alignment(Alignment::left), fit(wanted) {}
-    std::string title;
-    Alignment alignment;
-    Fit fit;
-  };
-
-  Table(std::initializer_list<Column> columns) : columns_(columns) {}
-
-  /// Adds a row: a cell per column, values or optionals, an absent one empty.
-  template <class... Cells>
-  Table& row(const Cells&... cells) {
-    rows_.push_back({cellText(cells)...});
-    return *this;
+  /// A row for each of `records`, which are `what`: "trips".
+  template <std::ranges::range Records>
+  Table(const char* what, const Records& records,
+        std::initializer_list<Column<std::ranges::range_value_t<Records>>> columns)
+      : what_(what) {
+    for (const auto& column : columns) columns_.push_back({column.title, column.look, column.rank});
+    for (const auto& record : records) {
+      auto& row = rows_.emplace_back();
+      for (const auto& column : columns) row.push_back(column.text(record));
+    }
   }
 
  private:
   friend class Output;
 
-  template <class T>
-  static std::string cellText(const std::optional<T>& value) {
-    return value ? cellText(*value) : std::string();
-  }
-  template <class T>
-  static std::string cellText(const T& value) {
-    return toText(value);
-  }
-  // A column is no place for seconds and offset.
-  static std::string cellText(Date date) { return localMinute(date, std::nullopt); }
-
-  std::vector<Column> columns_;
+  struct Head {
+    std::string title;
+    Look look;
+    int rank;
+  };
+  const char* what_;
+  std::vector<Head> columns_;
   std::vector<std::vector<std::string>> rows_;
 };
 
 /// How the output looks.
 struct OutputStyle {
   enum class Format : std::uint8_t {
-    table,    ///< For people: aligned, and cut to `columns`.
+    table,    ///< For people: aligned, and fit into `columns`.
     tabs,     ///< For other programs: cells are separated by tabs.
-    json,     ///< Records as JSON, indented.
+    json,     ///< What the backend answered, as JSON, indented.
     compact,  ///< The same on one line.
+    raw,      ///< What the backend answered, byte by byte.
   };
 
   [[nodiscard]] bool isJSON() const { return format == Format::json || format == Format::compact; }
+  [[nodiscard]] bool isRaw() const { return format == Format::raw; }
+  [[nodiscard]] bool isTable() const { return format == Format::table; }
 
   Format format = Format::tabs;
   bool isColoured = false;
@@ -118,10 +170,11 @@ class Output {
   void block(const Block& block);
   /// The same under a heading, which stands before every name where there is no table.
   void section(std::string_view title, const Block& block);
-  /// The header first, then the rows. As a table without the columns that are empty in every row.
+  /// The header first, then the rows. As a table without the columns that are empty in every row,
+  /// and without those that there is no room for; where there are no rows it says so.
   void table(const Table& table);
   void section(std::string_view title, const Table& rows);
-  /// A JSON text, which has no white space yet.
+  /// A JSON text.
   void json(std::string_view text);
   /// Everything as it is, without a line break at its end: for contents, not for records.
   void raw(std::string_view text);
@@ -146,12 +199,5 @@ template <>
 struct orvane::EnumerationTable<orvane::cli::OutputStyle::Format> {
   using enum cli::OutputStyle::Format;
   static constexpr EnumerationCase<cli::OutputStyle::Format> cases[] = {
-      {table, "table"}, {tabs, "tabs"}, {json, "json"}, {compact, "compact"}};
+      {table, "table"}, {tabs, "tabs"}, {json, "json"}, {compact, "compact"}, {raw, "raw"}};
 };
-
-namespace orvane::cli {
-
-/// `json`, which has no white space between its parts, on lines indented by two blanks per level.
-[[nodiscard]] std::string indented(std::string_view json);
-
-}  // namespace orvane::cli

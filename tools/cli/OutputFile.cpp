@@ -20,6 +20,7 @@ namespace fs = std::filesystem;
 
 // What any file is created with; the process's mask takes away what it does not want.
 constexpr mode_t everyone = 0666;
+constexpr mode_t owner = 0600;
 
 [[noreturn]] void fail(const fs::path& file, int reason) {
   throw Failure(ExitCode::output, file.string() + " can't be written: " + std::strerror(reason));
@@ -28,8 +29,9 @@ constexpr mode_t everyone = 0666;
 // An open file. One that was created is gone again unless it is `kept`.
 class NewFile {
  public:
-  NewFile(fs::path path, int flags) : path_(std::move(path)), isCreated_((flags & O_EXCL) != 0) {
-    descriptor_ = ::open(path_.c_str(), O_WRONLY | O_CLOEXEC | flags, everyone);
+  NewFile(fs::path path, int flags, mode_t mode = everyone)
+      : path_(std::move(path)), isCreated_((flags & O_EXCL) != 0) {
+    descriptor_ = ::open(path_.c_str(), O_WRONLY | O_CLOEXEC | flags, mode);
   }
   ~NewFile() {
     if (descriptor_ < 0) return;
@@ -68,9 +70,9 @@ void writeInPlace(const fs::path& file, std::string_view text) {
   if (opened.descriptor() < 0 || !opened.write(text)) fail(file, errno);
 }
 
-void replace(const fs::path& file, std::string_view text, fs::perms permissions) {
+void replace(const fs::path& file, std::string_view text, fs::perms permissions, mode_t fresh) {
   const std::string name = ".orvane-" + std::to_string(::getpid()) + ".part";
-  NewFile part(file.parent_path() / name, O_CREAT | O_EXCL);
+  NewFile part(file.parent_path() / name, O_CREAT | O_EXCL, fresh);
   if (part.descriptor() < 0) fail(file, errno);
   const bool isFormer = permissions != fs::perms::unknown;
   const auto mode = static_cast<mode_t>(permissions & fs::perms::mask);
@@ -82,15 +84,16 @@ void replace(const fs::path& file, std::string_view text, fs::perms permissions)
 
 bool isStandardOutput(const fs::path& file) { return file == "-"; }
 
-void writeDocument(const fs::path& file, std::string_view text, Output& output) {
+void writeDocument(const fs::path& file, std::string_view text, Output& output, Readers readers) {
+  const mode_t fresh = readers == Readers::everyone ? everyone : owner;
   if (isStandardOutput(file)) return output.raw(text);
   std::error_code failure;
   const fs::file_status status = fs::status(file, failure);
-  if (!fs::exists(status)) return replace(file, text, fs::perms::unknown);
+  if (!fs::exists(status)) return replace(file, text, fs::perms::unknown, fresh);
   if (!fs::is_regular_file(status)) return writeInPlace(file, text);
   // The file behind a symbolic link, not the link.
   const fs::path target = fs::canonical(file, failure);
-  replace(failure ? file : target, text, status.permissions());
+  replace(failure ? file : target, text, status.permissions(), fresh);
 }
 
 }  // namespace orvane::cli

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Session.h"
 
-#include "Trace.h"
 #include <Orvane/Common/Logger.h>
 #include <Orvane/Common/MainQueue.h>
 #include <Orvane/Core/OrvaneDetails.h>
@@ -37,6 +36,19 @@ std::shared_ptr<Logger> loggerFor(bool isVerbose) {
   });
 }
 
+// The Runtime speaks of its options; here they are flags.
+std::string inFlags(std::string message) {
+  constexpr std::pair<std::string_view, Setting> options[] = {
+      {"baseURL", Setting::baseURL},
+      {"caFile", Setting::caFile},
+      {"firmwareHost", Setting::firmwareHost}};
+  for (const auto& [option, setting] : options) {
+    if (!message.starts_with(option)) continue;
+    return flagOf(settingRows()[static_cast<std::size_t>(setting)]) + message.substr(option.size());
+  }
+  return message;
+}
+
 std::string signingKey(const std::string& path) {
   std::ifstream file(path);
   std::string digits;
@@ -54,15 +66,12 @@ std::string signingKey(const std::string& path) {
 
 }  // namespace
 
-Session::Session(Settings settings, OutputStyle style, bool isVerbose)
-    : settings_(std::move(settings)), output_(stdout, style), isVerbose_(isVerbose) {
-  DeviceSettings device;
-  device.locale = settings_.text(Setting::locale).value_or("");
-  device.timeZone = settings_.text(Setting::timeZone).value_or("");
-  device.documentsDirectory = settings_.text(Setting::documentsFolder).value_or("");
-  const Result<Unit> outcome = DeviceSettings::set(std::move(device));
-  if (outcome.error()) throw Failure(ExitCode::configuration, outcome.error()->description());
-  Logger::setShared(loggerFor(isVerbose_));
+Session::Session(Settings settings, OutputStyle style, ExchangeLog::Shown shown)
+    : settings_(std::move(settings)),
+      output_(stdout, style),
+      log_(std::make_shared<ExchangeLog>(shown)),
+      keepsBodies_(style.isJSON() || style.isRaw() || shown == ExchangeLog::Shown::bodies) {
+  Logger::setShared(loggerFor(shown != ExchangeLog::Shown::nothing));
 }
 
 Session::~Session() {
@@ -73,7 +82,19 @@ Identity Session::identity() const {
   return {settings_.text(Setting::apiKey).value_or(""), settings_.text(Setting::user)};
 }
 
+void Session::describeDevice() const {
+  settings_.check();
+  DeviceSettings device;
+  device.locale = settings_.text(Setting::locale).value_or("");
+  device.timeZone = settings_.text(Setting::timeZone).value_or("");
+  device.documentsDirectory = settings_.text(Setting::documentsFolder).value_or("");
+  const Result<Unit> outcome = DeviceSettings::set(std::move(device));
+  if (outcome) return;
+  throw settings_.refusal(Setting::timeZone, "the device does not know");
+}
+
 void Session::connect() {
+  describeDevice();
   if (const auto offset = settings_.number(Setting::clockOffset)) {
     clockOffset = *offset;
     DeviceClock::setSource(shiftedNow);
@@ -87,6 +108,7 @@ void Session::connect() {
 }
 
 void Session::connectForDownloads() {
+  describeDevice();
   RuntimeOptions options;
   options.firmwareHost = settings_.required(Setting::firmwareHost);
   options.transport = transport();
@@ -103,17 +125,21 @@ void Session::connectForDownloads() {
 
 void Session::install(RuntimeOptions options) {
   Result<Runtime> installed = Runtime::install(std::move(options));
-  if (!installed.value()) throw failureOf(installed.errorOr(NetworkError::unknown));
-  runtime_ = *std::move(installed).value();
+  if (installed) {
+    runtime_ = *std::move(installed);
+    return;
+  }
+  const Error error = installed.errorOr(NetworkError::unknown);
+  throw Failure(failureOf(error).code(), inFlags(error.message()));
 }
 
 std::string Session::userID() {
-  return call<OrvaneDetails>([&](Completion<OrvaneDetails> then) {
-           return UserService(identity())
-               .orvaneDetailsResolver()
-               ->resolve(identity(), std::move(then));
-         })
-      .userID;
+  const Operation<OrvaneDetails> lookup(
+      [this,
+       resolver = UserService(identity()).orvaneDetailsResolver()](Completion<OrvaneDetails> then) {
+        return resolver->resolve(identity(), std::move(then));
+      });
+  return call(lookup).userID;
 }
 
 bool Session::await(const RequestHandle& request, TimeLimit limit) {
@@ -130,8 +156,9 @@ bool Session::await(const RequestHandle& request, TimeLimit limit) {
 }
 
 Failure Session::timeIsUp() const {
-  return {ExitCode::timeOut,
-          "no answer within " + decimal(*settings_.number(Setting::timeout), 3) + " s"};
+  const std::string request = log_->lastRequest();
+  return {ExitCode::timeOut, "no answer within " + decimal(*settings_.number(Setting::timeout), 3) +
+                                 " s" + (request.empty() ? "" : " [" + request + "]")};
 }
 
 TransportOptions Session::transport() const {
@@ -141,7 +168,8 @@ TransportOptions Session::transport() const {
   // A silent backend has all of that, too: none of its own.
   transport.idleTimeout = {};
   transport.userAgent = "orvane/" ORVANE_CLI_VERSION;
-  if (isVerbose_) transport.observer = traceExchange;
+  transport.observer = [log = log_](const Exchange& exchange) { log->note(exchange); };
+  transport.observerSeesSecrets = keepsBodies_;
   return transport;
 }
 
@@ -154,8 +182,8 @@ TokenSource Session::tokens() const {
   if (token && !isKeyCloser) return *token;
   if (keyFile) return SelfSignedTokenResolver::make({.key = signingKey(*keyFile)});
   throw Failure(ExitCode::configuration,
-                "no token: give --token or --signing-key-file, or set one in the environment or "
-                "the configuration file (see orvane config show)");
+                "there is no token: give --token or --signing-key-file, set ORVANE_TOKEN or "
+                "ORVANE_SIGNING_KEY_FILE, or use orvane config set; orvane --sandbox has one");
 }
 
 std::chrono::milliseconds Session::timeout() const {

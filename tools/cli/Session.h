@@ -2,6 +2,7 @@
 // What a command runs in: the settings, the installed Runtime, and the way to run a call.
 #pragma once
 
+#include "ExchangeLog.h"
 #include "ExitCode.h"
 #include "Interrupt.h"
 #include "Output.h"
@@ -12,6 +13,7 @@
 #include <Orvane/Runtime/Runtime.h>
 
 #include <chrono>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -19,13 +21,20 @@ namespace orvane::cli {
 
 class Session {
  public:
-  Session(Settings settings, OutputStyle style, bool isVerbose);
+  Session(Settings settings, OutputStyle style, ExchangeLog::Shown shown);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
   [[nodiscard]] const Settings& settings() const noexcept { return settings_; }
   [[nodiscard]] Output& output() noexcept { return output_; }
+  /// What went to the backend in the last call.
+  [[nodiscard]] const ExchangeLog& log() const noexcept { return *log_; }
+
+  /// What is kept of an exchange has its bodies, too. To be called before `connect`.
+  void keepBodies() noexcept { keepsBodies_ = true; }
+  /// The longest that a call may take.
+  [[nodiscard]] std::chrono::milliseconds timeout() const;
 
   /// Who calls, as the settings say.
   [[nodiscard]] Identity identity() const;
@@ -38,15 +47,37 @@ class Session {
 
   /// Starts an operation and waits for its outcome, draining the main queue. Throws a `Failure` for
   /// an error, when the time is up, and when the user cancels.
-  template <class T, StartsOperation<T> Start>
-  [[nodiscard]] T call(Start&& start) {
-    return outcomeOf<T>(std::forward<Start>(start), timeout());
+  template <class T>
+  [[nodiscard]] T call(const Operation<T>& operation) {
+    Result<T> result = attempt(operation);
+    if (result) return *std::move(result);
+    throw failureOf(result.errorOr(NetworkError::unknown), log_->lastRequest());
   }
 
-  /// The same without a limit: a download may take as long as bytes keep coming.
+  /// The same, with the error as a value.
+  template <class T>
+  [[nodiscard]] Result<T> attempt(const Operation<T>& operation) {
+    return outcomeOf<T>(operation.future(), timeout());
+  }
+
+  /// Without a limit: a download may take as long as bytes keep coming.
   template <class T, StartsOperation<T> Start>
   [[nodiscard]] T download(Start&& start) {
-    return outcomeOf<T>(std::forward<Start>(start), std::nullopt);
+    Result<T> result = outcomeOf<T>(Future<T>(std::forward<Start>(start)), std::nullopt);
+    if (result) return *std::move(result);
+    throw failureOf(result.errorOr(NetworkError::unknown), log_->lastRequest());
+  }
+
+  /// Does what can't be cancelled, and may take long: Ctrl-C ends the process meanwhile.
+  template <class Work>
+  auto uncancelled(Work work) {
+    const Interrupt::EndsAtOnce ending(interrupt_);
+    return work();
+  }
+
+  /// Prints what the output holds. Nothing of it when the user has cancelled.
+  void finish() {
+    uncancelled([this] { output_.flush(); });
   }
 
   /// The backend's identifier of the person who is signed in. Calls made afterwards do not look it
@@ -56,30 +87,31 @@ class Session {
  private:
   using TimeLimit = std::optional<std::chrono::milliseconds>;
 
-  template <class T, class Start>
-  [[nodiscard]] T outcomeOf(Start&& start, TimeLimit limit) {
-    Future<T> outcome = future<T>(std::forward<Start>(start));
+  template <class T>
+  [[nodiscard]] Result<T> outcomeOf(Future<T> outcome, TimeLimit limit) {
     const bool isInTime = await(outcome.request(), limit);
     Result<T> result = outcome.get();
-    if (result.value()) return *std::move(result).value();
+    if (result) return result;
     if (interrupt_.hasCome()) throw Failure(ExitCode::cancelled, "cancelled");
     if (!isInTime) throw timeIsUp();
-    throw failureOf(result.errorOr(NetworkError::unknown));
+    return result;
   }
 
+  void describeDevice() const;
   void install(RuntimeOptions options);
   // False when the time ran out first; the request is cancelled then.
   bool await(const RequestHandle& request, TimeLimit limit);
   [[nodiscard]] Failure timeIsUp() const;
   [[nodiscard]] TransportOptions transport() const;
   [[nodiscard]] TokenSource tokens() const;
-  [[nodiscard]] std::chrono::milliseconds timeout() const;
 
   // First of all: threads made later inherit its signal mask.
   Interrupt interrupt_;
   const Settings settings_;
   Output output_;
-  const bool isVerbose_;
+  // The transport may see exchanges to the end of its thread.
+  const std::shared_ptr<ExchangeLog> log_;
+  bool keepsBodies_;
   std::optional<Runtime> runtime_;
 };
 

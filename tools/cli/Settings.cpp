@@ -6,7 +6,13 @@
 #include "ExitCode.h"
 #include <Orvane/Common/FirmwareHost.h>
 
+#include <nlohmann/json.hpp>
+#include <signal.h>  // NOLINT(modernize-deprecated-headers): kill is of POSIX
+
 #include <algorithm>
+#include <cerrno>
+#include <fstream>
+#include <utility>
 
 namespace orvane::cli {
 namespace {
@@ -38,12 +44,21 @@ constexpr SettingRow rows[] = {
 };
 
 constexpr const char* fileVariable = "ORVANE_CONFIG";
+constexpr const char* profileVariable = "ORVANE_PROFILE";
 
 const SettingRow& rowOf(Setting setting) { return rows[static_cast<std::size_t>(setting)]; }
 
-std::string flagOf(const SettingRow& row) { return "--" + std::string(row.name); }
+// What a sandbox says of itself as long as it runs.
+constexpr const char* readyFile = "ready.json";
 
 }  // namespace
+
+std::string flagOf(const SettingRow& row) { return "--" + std::string(row.name); }
+
+const SettingRow* settingNamed(std::string_view name) noexcept {
+  const auto* const found = std::ranges::find(rows, name, &SettingRow::name);
+  return found == std::end(rows) ? nullptr : found;
+}
 
 std::span<const SettingRow> settingRows() noexcept { return rows; }
 
@@ -59,38 +74,104 @@ void Settings::setFlag(Setting setting, std::string value) {
   set(setting, Source::flag, std::move(value));
 }
 
-void Settings::load(const std::optional<std::filesystem::path>& path) {
+void Settings::addFault(const std::string& fault) {
+  faults_.append(faults_.empty() ? "" : "; ").append(fault);
+}
+
+void Settings::check() const {
+  if (!faults_.empty()) throw Failure(ExitCode::configuration, faults_);
+}
+
+void Settings::load(const SettingsPlace& place) {
   set(Setting::timeout, Source::builtIn, "60");
   set(Setting::firmwareHost, Source::builtIn, FirmwareHost().url);
   const std::filesystem::path state = folder("XDG_STATE_HOME", ".local/state");
   if (!state.empty()) {
     set(Setting::deviceFile, Source::builtIn, (state / "orvane" / "device").string());
   }
+  // An empty variable counts as none, as everywhere.
+  const auto variable = [this](const char* name) -> std::optional<std::string> {
+    const char* text = environment_(name);
+    return text != nullptr && *text != '\0' ? std::optional<std::string>(text) : std::nullopt;
+  };
   for (const SettingRow& row : rows) {
-    const char* text = environment_(row.variable.data());
-    // An empty variable counts as none, as everywhere.
-    if (text != nullptr && *text != '\0') set(row.setting, Source::environment, text);
+    if (auto text = variable(row.variable.data())) {
+      set(row.setting, Source::environment, *std::move(text));
+    }
   }
-
-  const char* named = environment_(fileVariable);
-  const bool isNamed = path || (named != nullptr && *named != '\0');
-  if (isNamed) {
-    file_ = path ? *path : named;
+  const auto named = variable(fileVariable);
+  if (place.file || named) {
+    file_ = place.file.value_or(named.value_or(""));
+    std::error_code ignored;
+    if (!std::filesystem::exists(file_, ignored))
+      addFault(file_.string() + ": there is no such file");
   } else if (const auto home = folder("XDG_CONFIG_HOME", ".config"); !home.empty()) {
     file_ = home / "orvane" / "config";
   }
-  std::error_code ignored;
-  if (isNamed || std::filesystem::exists(file_, ignored)) readFile();
+  if (!place.profile) profile_ = variable(profileVariable).value_or("");
+  readFile(place.profile);
+  if (place.sandbox) readSandbox(*place.sandbox);
 }
 
-void Settings::readFile() {
-  for (ConfigurationEntry& entry : readConfigurationFile(file_)) {
-    const auto row = std::ranges::find(rows, entry.name, &SettingRow::name);
-    if (row == std::end(rows)) {
-      throw Failure(ExitCode::configuration,
-                    file_.string() + ": there is no setting \"" + entry.name + '"');
+void Settings::readFile(const std::optional<std::string>& chosenProfile) {
+  ConfigurationFile file;
+  try {
+    if (!file_.empty()) file = configurationIn(contentsOf(file_).value_or(""));
+  } catch (const Failure& failure) {
+    addFault(failure.what());
+  }
+  const auto fault = [this](std::size_t line, const std::string& what) {
+    addFault(file_.string() + ": line " + std::to_string(line) + ": " + what);
+  };
+  for (const std::string& words : file.faults) addFault(file_.string() + ": " + words);
+  for (const ConfigurationEntry& entry : file.entries) {
+    const bool namesProfile = entry.profile.empty() && entry.name == "profile";
+    if (namesProfile && profile_.empty()) profile_ = entry.value;
+    if (!namesProfile && settingNamed(entry.name) == nullptr) {
+      fault(entry.line, "there is no setting \"" + entry.name + '"');
     }
-    set(row->setting, Source::file, std::move(entry.value));
+  }
+  if (chosenProfile) profile_ = *chosenProfile;
+  if (!profile_.empty() && std::ranges::find(file.profiles, profile_) == file.profiles.end()) {
+    addFault(file_.string() + ": there is no profile \"" + profile_ + '"');
+  }
+  for (ConfigurationEntry& entry : file.entries) {
+    const SettingRow* row = settingNamed(entry.name);
+    if (row == nullptr || (!entry.profile.empty() && entry.profile != profile_)) continue;
+    const Source ofProfile = chosenProfile ? Source::profile : Source::fileProfile;
+    set(row->setting, entry.profile.empty() ? Source::file : ofProfile, std::move(entry.value));
+  }
+}
+
+// The ready file is a sandbox's word that it answers; it goes when the sandbox stops. One that was
+// left behind by a sandbox that was killed names a process that is gone.
+void Settings::readSandbox(const std::filesystem::path& folder) {
+  sandbox_ = folder;
+  const std::filesystem::path file = folder / readyFile;
+  std::ifstream stream(file);
+  const auto ready = nlohmann::json::parse(stream, nullptr, false);
+  const auto pid = ready.is_object() ? ready.value("pid", nlohmann::json()) : nlohmann::json();
+  const bool isAlive = pid.is_number_integer() && pid.get<std::int64_t>() > 0 &&
+                       (::kill(pid.get<pid_t>(), 0) == 0 || errno == EPERM);
+  if (!isAlive) {
+    return addFault("no sandbox runs on " + folder.string() +
+                    " (start one: orvane-sandbox --data " + folder.string() + ")");
+  }
+  const auto take = [&](Setting setting, const char* member) {
+    const auto found = ready.find(member);
+    if (found != ready.end() && found->is_string()) {
+      set(setting, Source::sandbox, found->get<std::string>());
+    }
+  };
+  take(Setting::baseURL, "baseURL");
+  take(Setting::firmwareHost, "baseURL");
+  take(Setting::caFile, "caFile");
+  take(Setting::apiKey, "apiKey");
+  // Somebody else than the sandbox's default person needs a token of their own.
+  if (source(Setting::user) == Source::flag) {
+    set(Setting::signingKeyFile, Source::sandbox, (folder / "signing.key").string());
+  } else {
+    take(Setting::token, "token");
   }
 }
 
@@ -108,6 +189,11 @@ std::string Settings::origin(Setting setting) const {
       return "default";
     case Source::file:
       return file_.string();
+    case Source::fileProfile:
+    case Source::profile:
+      return file_.string() + " [" + profile_ + "]";
+    case Source::sandbox:
+      return "the sandbox on " + sandbox_.string();
     case Source::environment:
       return std::string(rowOf(setting).variable);
     case Source::flag:
@@ -120,9 +206,9 @@ std::string Settings::required(Setting setting) const {
   if (const auto& found = text(setting)) return *found;
   const SettingRow& row = rowOf(setting);
   throw Failure(ExitCode::configuration,
-                "no " + std::string(row.name) + ": give " + flagOf(row) + ", set " +
-                    std::string(row.variable) + " or write it into " +
-                    (file_.empty() ? "a file named by --config" : file_.string()));
+                flagOf(row) + " is not set: give it, set " + std::string(row.variable) +
+                    ", or run orvane config set " + std::string(row.name) + " " +
+                    std::string(row.label) + "; orvane --sandbox talks to a sandbox");
 }
 
 std::optional<double> Settings::number(Setting setting) const {
@@ -135,8 +221,8 @@ std::optional<double> Settings::number(Setting setting) const {
 
 Failure Settings::refusal(Setting setting, const std::string& reason) const {
   return {source(setting) == Source::flag ? ExitCode::usage : ExitCode::configuration,
-          origin(setting) + ": " + std::string(rowOf(setting).name) + " is '" +
-              text(setting).value_or("") + "', which " + reason};
+          origin(setting) + ": " + flagOf(rowOf(setting)) + " is '" + text(setting).value_or("") +
+              "', which " + reason};
 }
 
 Settings::Value& Settings::value(Setting setting) {

@@ -40,14 +40,37 @@ struct SettingRow {
   bool isSecret = false;
 };
 
+/// The setting's flag: "--base-url".
+[[nodiscard]] std::string flagOf(const SettingRow& row);
+/// The row of that name; null where there is none.
+[[nodiscard]] const SettingRow* settingNamed(std::string_view name) noexcept;
+
 /// Every setting, in the order of the enumeration.
 [[nodiscard]] std::span<const SettingRow> settingRows() noexcept;
 
-/// The settings in force. A flag beats the environment, the environment the file.
+/// Where a command line says that settings come from.
+struct SettingsPlace {
+  std::optional<std::filesystem::path> file{};
+  std::optional<std::string> profile{};
+  /// The data folder of a sandbox that runs on this machine.
+  std::optional<std::filesystem::path> sandbox{};
+};
+
+/// The settings in force. A flag beats the sandbox and the profile that the command line names,
+/// these the environment, and that the file.
 class Settings {
  public:
   /// In ascending order of precedence.
-  enum class Source : std::uint8_t { nowhere, builtIn, file, environment, flag };
+  enum class Source : std::uint8_t {
+    nowhere,
+    builtIn,
+    file,
+    fileProfile,  ///< Of a profile that the environment, or the file, names.
+    environment,
+    profile,  ///< Of a profile that the command line names.
+    sandbox,
+    flag,
+  };
 
   /// Reads a variable of the environment; null when it is not set.
   using Environment = std::function<const char*(const char*)>;
@@ -57,11 +80,15 @@ class Settings {
   /// Notes what a flag says.
   void setFlag(Setting setting, std::string value);
 
-  /// Fills in, below the flags, what the environment says and what stands in the file: in `path`
-  /// when it is given, else in the one that the environment names, else in the default one, which
-  /// may be missing. Throws a `Failure` for a file that can't be read, or that sets what there is
-  /// not.
-  void load(const std::optional<std::filesystem::path>& path);
+  /// Fills in, below the flags, what the place, the environment and the file say: the file of
+  /// `place`, else the one that the environment names, else the default one, which may be missing.
+  /// What is wrong with them is kept: see `faults`.
+  void load(const SettingsPlace& place);
+
+  /// Everything that can't be used of what was loaded, in one line; empty where all is well.
+  [[nodiscard]] const std::string& faults() const noexcept { return faults_; }
+  /// A `Failure` where there are faults: for whoever needs the settings.
+  void check() const;
 
   [[nodiscard]] const std::optional<std::string>& text(Setting setting) const;
   [[nodiscard]] Source source(Setting setting) const;
@@ -78,6 +105,10 @@ class Settings {
 
   /// The file that is read, whether or not it is there; empty where no home folder is known.
   [[nodiscard]] const std::filesystem::path& file() const noexcept { return file_; }
+  /// The profile in force; empty where there is none.
+  [[nodiscard]] const std::string& profile() const noexcept { return profile_; }
+  /// A folder of XDG's, such as "XDG_CACHE_HOME"; empty where no home is known.
+  [[nodiscard]] std::filesystem::path folder(const char* variable, const char* belowHome) const;
 
  private:
   struct Value {
@@ -87,14 +118,18 @@ class Settings {
   static constexpr std::size_t count = 13;
 
   void set(Setting setting, Source source, std::string text);
-  void readFile();
+  void readFile(const std::optional<std::string>& chosenProfile);
+  void readSandbox(const std::filesystem::path& folder);
+  void addFault(const std::string& fault);
   [[nodiscard]] Value& value(Setting setting);
   [[nodiscard]] const Value& value(Setting setting) const;
-  [[nodiscard]] std::filesystem::path folder(const char* variable, const char* belowHome) const;
 
   Environment environment_;
   std::array<Value, count> values_;
   std::filesystem::path file_;
+  std::filesystem::path sandbox_;
+  std::string profile_;
+  std::string faults_;
 };
 
 }  // namespace orvane::cli

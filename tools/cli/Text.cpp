@@ -6,6 +6,7 @@
 
 #include <wchar.h>  // NOLINT(modernize-deprecated-headers): wcwidth is of POSIX
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <chrono>
@@ -157,8 +158,12 @@ std::string toText(const TripScores::SubScore& score) {
       return "harsh cornering";
     case postedSpeedLimit:
       return "over-speeding";
-    default:
-      return std::string(score.wireText());
+    default: {
+      // "distracted.driving"
+      std::string words(score.wireText());
+      std::ranges::replace(words, '.', ' ');
+      return words;
+    }
   }
 }
 
@@ -267,21 +272,6 @@ std::string visible(std::string_view text) {
   return shown;
 }
 
-std::string jsonText(std::string_view text) {
-  std::string json = "\"";
-  for (const char character : text) {
-    const auto value = static_cast<unsigned char>(character);
-    if (character == '"' || character == '\\') {
-      json.append(1, '\\').append(1, character);
-    } else if (value < 0x20) {
-      json += "\\u" + digitsOf(value, 4, 16);
-    } else {
-      json += character;
-    }
-  }
-  return json + '"';
-}
-
 std::size_t columnsOf(std::string_view text) {
   std::size_t columns = 0;
   while (!text.empty()) {
@@ -305,6 +295,25 @@ std::string cut(std::string_view text, std::size_t columns) {
     text.remove_prefix(length);
   }
   return kept + "…";
+}
+
+std::string wrapped(std::string_view text, std::size_t columns, std::size_t used,
+                    std::size_t indent) {
+  std::string whole;
+  bool isFirst = true;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find(' '), text.size());
+    const std::string_view word = text.substr(0, end);
+    const std::size_t width = columnsOf(word);
+    const bool breaks = !isFirst && used + 1 + width > columns;
+    if (breaks) whole.append(1, '\n').append(indent, ' ');
+    if (!isFirst && !breaks) whole += ' ';
+    used = (breaks ? indent : used + (isFirst ? 0 : 1)) + width;
+    whole += word;
+    isFirst = false;
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return whole;
 }
 
 }  // namespace orvane::cli

@@ -40,6 +40,17 @@ namespace orvane::cli {
 [[nodiscard]] std::string toText(const TripScores::SubScore& score);
 [[nodiscard]] std::string toText(DriverDetection::Status status);
 
+/// A number with its unit, as text: "12.3 km".
+struct Measure {
+  std::string text;
+};
+/// A point in time, as text.
+struct Moment {
+  std::string text;
+};
+[[nodiscard]] inline std::string toText(const Measure& measure) { return measure.text; }
+[[nodiscard]] inline std::string toText(const Moment& moment) { return moment.text; }
+
 [[nodiscard]] inline std::string toText(const std::string& text) {
   return toText(std::string_view(text));
 }
@@ -83,13 +94,16 @@ template <class T>
 /// an escape ("\n", "\x1b"), and what is not UTF-8 as a replacement character.
 [[nodiscard]] std::string visible(std::string_view text);
 
-/// `text`, which is UTF-8, as a JSON text, quotes included.
-[[nodiscard]] std::string jsonText(std::string_view text);
-
 /// The columns that `text`, which is free of control characters, takes on a terminal.
 [[nodiscard]] std::size_t columnsOf(std::string_view text);
 
 /// `text` cut to `columns`, the last of them an ellipsis where something is missing.
 [[nodiscard]] std::string cut(std::string_view text, std::size_t columns);
+
+/// `text`, broken at blanks into lines of at most `columns`. The first line begins where `used`
+/// columns are taken already, the others with `indent` blanks. A word that is too long for a line
+/// stays whole.
+[[nodiscard]] std::string wrapped(std::string_view text, std::size_t columns, std::size_t used,
+                                  std::size_t indent);
 
 }  // namespace orvane::cli

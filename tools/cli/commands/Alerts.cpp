@@ -8,24 +8,22 @@ namespace orvane::cli {
 namespace {
 
 struct SetsAlert {
-  using Answer = Unit;
   static constexpr std::string_view done = "The alert is set.";
 
-  Identifier driver;
+  UserID driver;
 
   void declareDriver(Options& options) {
     options.positional("DRIVER", driver, "Whose driving: a user");
   }
 
-  static RequestHandle set(const Identity& identity, DrivingAlertType setting,
-                           Completion<Unit> then) {
-    return DrivingAlertService(identity).registerAlertSetting(std::move(setting), std::move(then));
+  static Operation<Unit> set(Session& session, DrivingAlertType setting) {
+    return DrivingAlertService(session.identity()).registerAlertSetting(std::move(setting));
   }
 };
 
 struct AlertOfAcceleration : SetsAlert {
   static constexpr std::string_view name = "acceleration";
-  static constexpr std::string_view summary = "Harsh acceleration from a severity on";
+  static constexpr std::string_view summary = "Be told of harsh acceleration, from a severity on";
   static constexpr Example examples[] = {{"alerts acceleration 1002 medium", "medium and worse"}};
 
   DrivingEventSeverity severity = DrivingEventSeverity::off;
@@ -35,14 +33,14 @@ struct AlertOfAcceleration : SetsAlert {
     options.positional("SEVERITY", severity, "From which severity on, or off");
   }
 
-  RequestHandle start(const Identity& identity, Completion<Unit> then) const {
-    return set(identity, DrivingAlertType::acceleration(driver.text, severity), std::move(then));
+  Operation<Unit> ask(Session& session) const {
+    return set(session, DrivingAlertType::acceleration(driver.text, severity));
   }
 };
 
 struct AlertOfBraking : SetsAlert {
   static constexpr std::string_view name = "braking";
-  static constexpr std::string_view summary = "Harsh braking from a severity on";
+  static constexpr std::string_view summary = "Be told of harsh braking, from a severity on";
   static constexpr Example examples[] = {{"alerts braking 1002 off", "no such alerts"}};
 
   DrivingEventSeverity severity = DrivingEventSeverity::off;
@@ -52,14 +50,14 @@ struct AlertOfBraking : SetsAlert {
     options.positional("SEVERITY", severity, "From which severity on, or off");
   }
 
-  RequestHandle start(const Identity& identity, Completion<Unit> then) const {
-    return set(identity, DrivingAlertType::braking(driver.text, severity), std::move(then));
+  Operation<Unit> ask(Session& session) const {
+    return set(session, DrivingAlertType::braking(driver.text, severity));
   }
 };
 
 struct AlertOfSpeeding : SetsAlert {
   static constexpr std::string_view name = "speeding";
-  static constexpr std::string_view summary = "Driving faster than a threshold";
+  static constexpr std::string_view summary = "Be told of driving faster than a threshold";
   static constexpr Example examples[] = {{"alerts speeding 1002 120", "faster than 120"}};
 
   std::string threshold;
@@ -69,14 +67,14 @@ struct AlertOfSpeeding : SetsAlert {
     options.positional("THRESHOLD", threshold, "The speed, sent as it stands");
   }
 
-  RequestHandle start(const Identity& identity, Completion<Unit> then) const {
-    return set(identity, DrivingAlertType::speeding(driver.text, threshold), std::move(then));
+  Operation<Unit> ask(Session& session) const {
+    return set(session, DrivingAlertType::speeding(driver.text, threshold));
   }
 };
 
 struct AlertOfLateNight : SetsAlert {
   static constexpr std::string_view name = "late-night";
-  static constexpr std::string_view summary = "Driving late at night";
+  static constexpr std::string_view summary = "Be told of driving late at night";
   static constexpr Example examples[] = {
       {"alerts late-night 1002 yes --from 22:30 --to 5:00", "between these times"},
       {"alerts late-night 1002 no", "no such alerts"},
@@ -93,7 +91,7 @@ struct AlertOfLateNight : SetsAlert {
     options.option("--to", to, "When the night ends");
   }
 
-  RequestHandle start(const Identity& identity, Completion<Unit> then) const {
+  Operation<Unit> ask(Session& session) const {
     if (from.has_value() != to.has_value()) {
       throw Failure(ExitCode::usage, "--from and --to go together");
     }
@@ -101,8 +99,7 @@ struct AlertOfLateNight : SetsAlert {
     std::optional<Date> end;
     if (from) begin = next(*from);
     if (to) end = next(*to);
-    return set(identity, DrivingAlertType::lateNight(driver.text, isEnabled, begin, end),
-               std::move(then));
+    return set(session, DrivingAlertType::lateNight(driver.text, isEnabled, begin, end));
   }
 };
 

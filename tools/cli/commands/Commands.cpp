@@ -5,6 +5,12 @@ namespace orvane::cli {
 
 Verb::~Verb() = default;
 
+std::vector<Option> optionsOf(Verb& verb) {
+  Options options;
+  verb.declare(options);
+  return options.rows();
+}
+
 std::vector<Resource> resources() {
   return {// Users and enrolment.
           userCommands(), invitationCommands(), activateCommand(), termsCommands(),
@@ -16,7 +22,7 @@ std::vector<Resource> resources() {
           // Content and firmware.
           contentCommands(), firmwareCommands(),
           // The program itself.
-          configCommands(), completionCommands()};
+          doctorCommand(), apiCommand(), configCommands(), completionCommands(), helpCommand()};
 }
 
 }  // namespace orvane::cli

@@ -25,7 +25,10 @@ namespace orvane::cli {
 [[nodiscard]] Resource vehicleCommands();
 [[nodiscard]] Resource summaryCommands();
 [[nodiscard]] Resource alertCommands();
+[[nodiscard]] Resource doctorCommand();
+[[nodiscard]] Resource apiCommand();
 [[nodiscard]] Resource configCommands();
 [[nodiscard]] Resource completionCommands();
+[[nodiscard]] Resource helpCommand();
 
 }  // namespace orvane::cli

@@ -41,8 +41,8 @@ struct GetContent {
                    "The languages wanted, the best first, with commas between them: de-CH,en");
   }
 
-  RequestHandle start(const Identity& identity, Completion<Content> then) const {
-    return ContentService(identity).fetch(key, languages, std::move(then));
+  Operation<Content> ask(Session& session) const {
+    return ContentService(session.identity()).fetch(key, languages);
   }
 
   // Its lines stay lines; nothing else can steer a terminal.

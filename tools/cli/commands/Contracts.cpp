@@ -7,15 +7,13 @@
 namespace orvane::cli {
 namespace {
 
-std::optional<Date> dateOf(const std::optional<double>& milliseconds) {
-  if (!milliseconds) return std::nullopt;
-  return dateOfMilliseconds(*milliseconds);
-}
+Date dateOf(double milliseconds) { return dateOfMilliseconds(milliseconds); }
 
-std::optional<std::string> daysOf(const std::optional<double>& milliseconds) {
+Moment minuteOf(double milliseconds) { return {localMinute(dateOf(milliseconds), std::nullopt)}; }
+
+std::string daysOf(double milliseconds) {
   constexpr double millisecondsPerDay = 86'400'000;
-  if (!milliseconds) return std::nullopt;
-  return decimal(*milliseconds / millisecondsPerDay, 1);
+  return decimal(milliseconds / millisecondsPerDay, 1);
 }
 
 struct ListSubscriptions {
@@ -23,23 +21,20 @@ struct ListSubscriptions {
   static constexpr std::string_view name = "subscriptions";
   static constexpr std::string_view summary = "List the contracts under which one takes part";
 
-  RequestHandle start(const Identity& identity, Completion<Answer> then) const {
-    return SubscriptionService(identity).fetchContractDates(std::move(then));
+  Operation<Answer> ask(Session& session) const {
+    return SubscriptionService(session.identity()).fetchContractDates();
   }
 
   static void print(const Answer& subscriptions, Output& output) {
-    constexpr auto right = Table::Alignment::right;
-    constexpr auto whole = Table::Fit::whole;
-    Table table{{"enrolment", right}, "type",          {"start", whole},
-                {"end", whole},       {"days", right}, {"trial days", right},
-                {"trial end", whole}};
-    for (const Subscription& subscription : subscriptions) {
-      table.row(subscription.telematicSubscriptionEnrollmentId,
-                subscription.telematicSubscriptionType, dateOf(subscription.startTimestamp),
-                dateOf(subscription.endTimestamp), daysOf(subscription.subscriptionLengthMillis),
-                daysOf(subscription.trialLengthMillis), dateOf(subscription.trialEndTimestamp));
-    }
-    output.table(table);
+    using S = Subscription;
+    output.table(Table("subscriptions", subscriptions,
+                       {{"enrolment", &S::telematicSubscriptionEnrollmentId},
+                        {"type", &S::telematicSubscriptionType},
+                        {"start", &S::startTimestamp, minuteOf},
+                        {"end", &S::endTimestamp, minuteOf, 1},
+                        {"days", &S::subscriptionLengthMillis, daysOf, 2},
+                        {"trial days", &S::trialLengthMillis, daysOf, 4},
+                        {"trial end", &S::trialEndTimestamp, minuteOf, 3}}));
   }
 };
 
@@ -48,23 +43,20 @@ struct ListNamedDrivers {
   static constexpr std::string_view name = "list";
   static constexpr std::string_view summary = "List the drivers that the policy names";
 
-  RequestHandle start(const Identity& identity, Completion<Answer> then) const {
-    return NamedDriverService(identity).fetch(std::move(then));
+  Operation<Answer> ask(Session& session) const {
+    return NamedDriverService(session.identity()).fetch();
   }
 
   static void print(const Answer& drivers, Output& output) {
-    Table table{"id",
-                "first name",
-                "last name",
-                "e-mail",
-                "phone",
-                "activated",
-                {"activated on", Table::Fit::whole}};
-    for (const NamedDriver& driver : drivers) {
-      table.row(driver.userId, driver.firstName, driver.lastName, driver.email, driver.phone,
-                driver.activated, dateOf(driver.activatedDate));
-    }
-    output.table(table);
+    using Driver = NamedDriver;
+    output.table(Table("named drivers", drivers,
+                       {{"id", &Driver::userId},
+                        {"first name", &Driver::firstName},
+                        {"last name", &Driver::lastName},
+                        {"e-mail", &Driver::email, 2},
+                        {"phone", &Driver::phone, 3},
+                        {"activated", &Driver::activated, 1},
+                        {"activated on", &Driver::activatedDate, minuteOf, 4}}));
   }
 };
 
@@ -87,8 +79,8 @@ struct UpdateNamedDriver {
     options.required("--phone", phone, "Phone number");
   }
 
-  RequestHandle start(const Identity& identity, Completion<NamedDriver> then) const {
-    return NamedDriverService(identity).updateNamedDriver(id, email, phone, std::move(then));
+  Operation<NamedDriver> ask(Session& session) const {
+    return NamedDriverService(session.identity()).updateNamedDriver(id, email, phone);
   }
 
   static void print(const NamedDriver& driver, Output& output) {
@@ -100,7 +92,7 @@ struct UpdateNamedDriver {
                      .row("e-mail", driver.email)
                      .row("phone", driver.phone)
                      .row("activated", toText(driver.activated))
-                     .row("activated on", dateOf(driver.activatedDate)));
+                     .row("activated on", driver.activatedDate, dateOf));
   }
 };
 

@@ -10,7 +10,6 @@ namespace orvane::cli {
 namespace {
 
 struct Activate {
-  using Answer = Unit;
   static constexpr std::string_view name = "activate";
   static constexpr std::string_view summary = "Join the programme on this device";
   static constexpr std::string_view done = "The enrolment is activated.";
@@ -28,19 +27,18 @@ struct Activate {
     options.positional("EMAIL", email, "The person's e-mail address");
   }
 
-  RequestHandle start(const Identity& identity, Completion<Unit> then) const {
-    return ActivationService(identity).activate(id, code, email, std::move(then));
+  Operation<Unit> ask(Session& session) const {
+    return ActivationService(session.identity()).activate(id, code, email);
   }
 };
 
 struct AcceptTerms {
-  using Answer = Unit;
   static constexpr std::string_view name = "accept";
   static constexpr std::string_view summary = "Accept the programme's terms";
   static constexpr std::string_view done = "The terms are accepted.";
 
-  RequestHandle start(const Identity& identity, Completion<Unit> then) const {
-    return EULAService(identity).acceptTerms(std::move(then));
+  Operation<Unit> ask(Session& session) const {
+    return EULAService(session.identity()).acceptTerms();
   }
 };
 
@@ -63,8 +61,8 @@ struct ShowDevice : AnswersDevice {
   static constexpr std::string_view name = "show";
   static constexpr std::string_view summary = "Show this device as the backend knows it";
 
-  RequestHandle start(const Identity& identity, Completion<Device> then) const {
-    return DeviceService(identity).fetch(std::move(then));
+  Operation<Device> ask(Session& session) const {
+    return DeviceService(session.identity()).fetch();
   }
 };
 
@@ -72,8 +70,8 @@ struct ActivateDevice : AnswersDevice {
   static constexpr std::string_view name = "activate";
   static constexpr std::string_view summary = "Make this device the one that collects driving";
 
-  RequestHandle start(const Identity& identity, Completion<Device> then) const {
-    return DeviceService(identity).activate(std::move(then));
+  Operation<Device> ask(Session& session) const {
+    return DeviceService(session.identity()).activate();
   }
 };
 
@@ -81,8 +79,8 @@ struct DeactivateDevice : AnswersDevice {
   static constexpr std::string_view name = "deactivate";
   static constexpr std::string_view summary = "End that this device collects driving";
 
-  RequestHandle start(const Identity& identity, Completion<Device> then) const {
-    return DeviceService(identity).deactivate(std::move(then));
+  Operation<Device> ask(Session& session) const {
+    return DeviceService(session.identity()).deactivate();
   }
 };
 
@@ -100,8 +98,8 @@ struct SetPushToken : AnswersDevice {
     options.positional("TOKEN", token, "The platform's push token, as a text");
   }
 
-  RequestHandle start(const Identity& identity, Completion<Device> then) const {
-    return PushNotificationService(identity).setToken(token, std::move(then));
+  Operation<Device> ask(Session& session) const {
+    return PushNotificationService(session.identity()).setToken(token);
   }
 };
 

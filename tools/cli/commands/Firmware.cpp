@@ -79,7 +79,7 @@ struct DownloadFirmware {
   static constexpr std::string_view summary = "Download the published firmware";
   static constexpr Example examples[] = {
       {"firmware download", "one that was cut off or cancelled goes on from where it was"},
-      {"firmware download --documents-dir /tmp", "into /tmp/firmware"},
+      {"firmware download --documents-dir .", "into the folder firmware of this one"},
   };
 
   void run(Session& session) const {

@@ -25,10 +25,10 @@ struct ShowLeaderboard {
   static constexpr std::string_view summary = "Show the leaderboard of a day";
   static constexpr Example examples[] = {
       {"leaderboard show --gender female --age 18-25", "young women"},
-      {"leaderboard show --day 2024-05-17 --location 8001", "those of a town on a day"},
+      {"leaderboard show --day yesterday --location 4051", "those of a part of a town, yesterday"},
   };
 
-  std::optional<DateComponents> day;
+  std::optional<Day> day;
   std::optional<User::Gender> gender;
   std::optional<ClosedRange<std::int64_t>> age;
   std::optional<std::string> location;
@@ -40,14 +40,14 @@ struct ShowLeaderboard {
     options.option("--location", location, "Only drivers with this postal code");
   }
 
-  RequestHandle start(const Identity& identity, Completion<Leaderboard> then) const {
+  Operation<Leaderboard> ask(Session& session) const {
     using Filter = LeaderboardService::Filter;
     std::set<Filter> filters;
     if (gender) filters.insert(Filter::gender(*gender));
     if (age) filters.insert(Filter::age(*age));
     if (location) filters.insert(Filter::postalCode(*location));
-    return LeaderboardService(identity).fetch(day ? *day : today(), std::move(filters),
-                                              std::move(then));
+    return LeaderboardService(session.identity())
+        .fetch(day ? dateOf(*day) : today(), std::move(filters));
   }
 
   static void print(const Leaderboard& leaderboard, Output& output) {
@@ -60,36 +60,39 @@ struct ShowLeaderboard {
 
  private:
   static Table tableOf(const std::vector<LeaderboardEntry>& entries) {
-    constexpr auto right = Table::Alignment::right;
-    Table table{{"place", right}, {"points", right}, "driver", "city", "id"};
-    for (const LeaderboardEntry& entry : entries) {
-      const User nobody;
-      const User& driver = entry.user ? *entry.user : nobody;
-      table.row(entry.position, entry.points, driver.displayName, driver.city, driver.id);
-    }
-    return table;
+    using Entry = LeaderboardEntry;
+    const auto of = [](auto member) {
+      return [member](const Entry& entry) {
+        return entry.user ? (*entry.user).*member : std::nullopt;
+      };
+    };
+    return {"drivers",
+            entries,
+            {{"place", &Entry::position},
+             {"points", &Entry::points},
+             {"driver", of(&User::displayName)},
+             {"city", of(&User::city), 1},
+             {"id", of(&User::id), 2}}};
   }
 };
 
 struct OptIn {
-  using Answer = Unit;
   static constexpr std::string_view name = "opt-in";
   static constexpr std::string_view summary = "Appear on leaderboards";
   static constexpr std::string_view done = "Leaderboards show you.";
 
-  static RequestHandle start(const Identity& identity, Completion<Unit> then) {
-    return LeaderboardService(identity).optIn(std::move(then));
+  static Operation<Unit> ask(Session& session) {
+    return LeaderboardService(session.identity()).optIn();
   }
 };
 
 struct OptOut {
-  using Answer = Unit;
   static constexpr std::string_view name = "opt-out";
   static constexpr std::string_view summary = "Disappear from leaderboards";
   static constexpr std::string_view done = "Leaderboards don't show you any more.";
 
-  static RequestHandle start(const Identity& identity, Completion<Unit> then) {
-    return LeaderboardService(identity).optOut(std::move(then));
+  static Operation<Unit> ask(Session& session) {
+    return LeaderboardService(session.identity()).optOut();
   }
 };
 
@@ -104,8 +107,8 @@ struct ShowDiscount {
     options.option("--expand", expansions, "What the backend is asked to take into account");
   }
 
-  RequestHandle start(const Identity& identity, Completion<Discount> then) const {
-    return DiscountService(identity).fetchDiscount(expansions, std::move(then));
+  Operation<Discount> ask(Session& session) const {
+    return DiscountService(session.identity()).fetchDiscount(expansions);
   }
 
   static void print(const Discount& discount, Output& output) {
@@ -124,8 +127,8 @@ struct ShowScheme {
   static constexpr std::string_view name = "scheme";
   static constexpr std::string_view summary = "Show which score earns which discount";
 
-  static RequestHandle start(const Identity& identity, Completion<DiscountMetadata> then) {
-    return DiscountMetadataService(identity).fetchDiscountMetadata(std::move(then));
+  static Operation<DiscountMetadata> ask(Session& session) {
+    return DiscountMetadataService(session.identity()).fetchDiscountMetadata();
   }
 
   static void print(const DiscountMetadata& scheme, Output& output) {
@@ -133,12 +136,12 @@ struct ShowScheme {
                              [](double kilometres) { return decimal(kilometres, 1) + " km"; }));
     const auto ranges = scheme.scoreDiscountMap();
     if (!ranges) return;
-    constexpr auto right = Table::Alignment::right;
-    Table table{{"score from", right}, {"up to", right}, {"discount", right}};
-    for (const DiscountMetadata::DiscountRange& range : *ranges) {
-      table.row(range.scoreRange.lowerBound(), limitOf(range.scoreRange.upperBound()),
-                range.associatedDiscount);
-    }
+    using Range = DiscountMetadata::DiscountRange;
+    const Table table(
+        "discounts", *ranges,
+        {{"score from", [](const Range& range) { return range.scoreRange.lowerBound(); }},
+         {"up to", [](const Range& range) { return limitOf(range.scoreRange.upperBound()); }},
+         {"discount", &Range::associatedDiscount}});
     output.section("discounts", table);
   }
 
@@ -155,8 +158,8 @@ struct FetchToken {
   static constexpr std::string_view name = "token";
   static constexpr std::string_view summary = "Print a token that opens the rewards";
 
-  static RequestHandle start(const Identity& identity, Completion<RewardToken> then) {
-    return RewardsService(identity).fetchToken(std::move(then));
+  static Operation<RewardToken> ask(Session& session) {
+    return RewardsService(session.identity()).fetchToken();
   }
 
   static void print(const RewardToken& reward, Output& output) {

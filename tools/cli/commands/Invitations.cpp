@@ -27,11 +27,6 @@ std::string subjectOf(const Invitation& invitation) {
   return {};
 }
 
-std::optional<Date> dateOf(const std::optional<double>& milliseconds) {
-  if (!milliseconds) return std::nullopt;
-  return dateOfMilliseconds(*milliseconds);
-}
-
 Block blockOf(const Invitation& invitation) {
   return Block()
       .row("id", invitation.invitationId)
@@ -39,18 +34,22 @@ Block blockOf(const Invitation& invitation) {
       .row("from", textOf(invitation.fromUser))
       .row("to", textOf(invitation.toUser))
       .row(invitation.account ? "account" : "vehicle", subjectOf(invitation))
-      .row("created", dateOf(invitation.creationTimestamp))
-      .row("changed", dateOf(invitation.lastUpdatedTimestamp));
+      .row("created", invitation.creationTimestamp, dateOfMilliseconds)
+      .row("changed", invitation.lastUpdatedTimestamp, dateOfMilliseconds);
 }
 
 Table tableOf(const Invitations& invitations, const char* subject) {
-  Table table{"id", "status", "from", "to", subject, {"created", Table::Fit::whole}};
-  for (const Invitation& invitation : invitations) {
-    table.row(invitation.invitationId, invitation.status, textOf(invitation.fromUser),
-              textOf(invitation.toUser), subjectOf(invitation),
-              dateOf(invitation.creationTimestamp));
-  }
-  return table;
+  const auto minute = [](double milliseconds) {
+    return Moment{localMinute(dateOfMilliseconds(milliseconds), std::nullopt)};
+  };
+  return {"invitations",
+          invitations,
+          {{"id", &Invitation::invitationId},
+           {"status", &Invitation::status},
+           {"from", [](const Invitation& invitation) { return textOf(invitation.fromUser); }, 1},
+           {"to", [](const Invitation& invitation) { return textOf(invitation.toUser); }, 1},
+           {subject, subjectOf},
+           {"created", &Invitation::creationTimestamp, minute, 2}}};
 }
 
 struct ListsInvitations {
@@ -70,8 +69,8 @@ struct ListVehicleInvitations : ListsInvitations {
   static constexpr Example examples[] = {
       {"invitations vehicles --filtered PENDING", "those that nobody has answered yet"}};
 
-  RequestHandle start(const Identity& identity, Completion<Invitations> then) const {
-    return InvitationService(identity).fetchVehicleInvites(filtered, std::move(then));
+  Operation<Invitations> ask(Session& session) const {
+    return InvitationService(session.identity()).fetchVehicleInvites(filtered);
   }
   static void print(const Invitations& invitations, Output& output) {
     output.table(tableOf(invitations, "vehicle"));
@@ -82,8 +81,8 @@ struct ListAccountInvitations : ListsInvitations {
   static constexpr std::string_view name = "accounts";
   static constexpr std::string_view summary = "List invitations to accounts, sent and received";
 
-  RequestHandle start(const Identity& identity, Completion<Invitations> then) const {
-    return InvitationService(identity).fetchAccountInvites(filtered, std::move(then));
+  Operation<Invitations> ask(Session& session) const {
+    return InvitationService(session.identity()).fetchAccountInvites(filtered);
   }
   static void print(const Invitations& invitations, Output& output) {
     output.table(tableOf(invitations, "account"));
@@ -91,23 +90,24 @@ struct ListAccountInvitations : ListsInvitations {
 };
 
 // Left out, a user is the person who is signed in.
-std::string userOr(const std::optional<Identifier>& user, Session& session) {
+std::string userOr(const std::optional<UserID>& user, Session& session) {
   return user ? user->text : session.userID();
 }
 
-std::set<std::string> textsOf(const std::vector<Identifier>& identifiers) {
+template <class ID>
+std::set<std::string> textsOf(const std::vector<ID>& identifiers) {
   std::set<std::string> texts;
-  for (const Identifier& identifier : identifiers) texts.insert(identifier.text);
+  for (const ID& identifier : identifiers) texts.insert(identifier.text);
   return texts;
 }
 
 struct SendsInvitation {
-  std::optional<Identifier> from;
+  std::optional<UserID> of;
   std::string firstName;
   std::string lastName;
   std::optional<std::string> email;
   std::optional<std::string> phone;
-  std::vector<Identifier> vehicles;
+  std::vector<VehicleID> vehicles;
   std::vector<Identifier> accounts;
 
   void declare(Options& options) {
@@ -118,11 +118,12 @@ struct SendsInvitation {
     options.option("--vehicles", vehicles,
                    "The vehicles to drive: these make it an invitation to vehicles");
     options.option("--accounts", accounts, "The accounts to join");
-    options.option("--from", from, "Who invites; left out, the person who is signed in");
+    options.option("--of", of,
+                   "Whose invitation: who invites; left out, the person who is signed in");
   }
 
   [[nodiscard]] NewInvitation invitation(Session& session) const {
-    NewInvitation invitation{.fromUserID = userOr(from, session),
+    NewInvitation invitation{.fromUserID = userOr(of, session),
                              .toUserFirstName = firstName,
                              .toUserLastName = lastName,
                              .toUserEmail = email,
@@ -141,13 +142,8 @@ struct SendInvitation : SendsInvitation {
        "--email nora.frei@example.com",
        "an invitation to one vehicle"}};
 
-  void run(Session& session) const {
-    session.connect();
-    const NewInvitation draft = invitation(session);
-    const auto sent = session.call<Invitation>([&](Completion<Invitation> then) {
-      return InvitationService(session.identity()).sendVehicleInvitation(draft, std::move(then));
-    });
-    printAnswer(*this, sent, session.output());
+  Operation<Invitation> ask(Session& session) const {
+    return InvitationService(session.identity()).sendVehicleInvitation(invitation(session));
   }
   static void print(const Invitation& sent, Output& output) { output.block(blockOf(sent)); }
 };
@@ -160,13 +156,8 @@ struct SendAccountInvitation : SendsInvitation {
        "--email nora.frei@example.com",
        "an invitation to one's own account"}};
 
-  void run(Session& session) const {
-    session.connect();
-    const NewInvitation draft = invitation(session);
-    const auto sent = session.call<Invitations>([&](Completion<Invitations> then) {
-      return InvitationService(session.identity()).sendAccountInvitation(draft, std::move(then));
-    });
-    printAnswer(*this, sent, session.output());
+  Operation<Invitations> ask(Session& session) const {
+    return InvitationService(session.identity()).sendAccountInvitation(invitation(session));
   }
   static void print(const Invitations& sent, Output& output) {
     output.table(tableOf(sent, "account"));
@@ -180,29 +171,26 @@ struct RespondToInvitation {
   static constexpr std::string_view done = "The reply has been sent.";
   static constexpr Example examples[] = {
       {"invitations respond 9007 accept", "takes an invitation up"},
-      {"invitations respond 9002 accept_acknowledged --to 1004",
+      {"invitations respond 9002 accept_acknowledged --of 1004",
        "takes note that somebody did whom one had invited"},
   };
 
-  Identifier invitation;
+  InvitationID invitation;
   Invitation::Response response{};
-  std::optional<Identifier> to;
+  std::optional<UserID> of;
 
   void declare(Options& options) {
     options.positional("INVITATION", invitation, "The invitation");
     options.positional("REPLY", response, "The reply");
-    options.option("--to", to,
-                   "Whom the invitation was sent to; left out, the person who is signed in");
+    options.option("--of", of,
+                   "Whose invitation: whom it was sent to; left out, the person who is signed in");
   }
 
-  void run(Session& session) const {
-    session.connect();
-    const InvitationReply reply{
-        .toUserId = userOr(to, session), .invitationId = invitation.text, .response = response};
-    const auto answer = session.call<Unit>([&](Completion<Unit> then) {
-      return InvitationService(session.identity()).respondToInvitation(reply, std::move(then));
-    });
-    printAnswer(*this, answer, session.output());
+  Operation<Unit> ask(Session& session) const {
+    return InvitationService(session.identity())
+        .respondToInvitation({.toUserId = userOr(of, session),
+                              .invitationId = invitation.text,
+                              .response = response});
   }
 };
 
@@ -214,55 +202,48 @@ struct CancelInvitations {
   static constexpr Example examples[] = {
       {"invitations cancel", "all of them: the backend is told the inviting user and no more"}};
 
-  std::optional<Identifier> from;
+  std::optional<UserID> of;
 
   void declare(Options& options) {
-    options.option("--from", from, "Who invited; left out, the person who is signed in");
+    options.option("--of", of,
+                   "Whose invitations: who invited; left out, the person who is signed in");
   }
 
-  void run(Session& session) const {
-    session.connect();
-    const std::string user = userOr(from, session);
-    const auto answer = session.call<Unit>([&](Completion<Unit> then) {
-      // An invitation's identifier would not be sent.
-      return InvitationService(session.identity())
-          .cancelVehicleInvitation(user, {}, std::move(then));
-    });
-    printAnswer(*this, answer, session.output());
+  Operation<Unit> ask(Session& session) const {
+    // An invitation's identifier would not be sent.
+    return InvitationService(session.identity()).cancelVehicleInvitation(userOr(of, session), {});
   }
 };
 
 struct RemoveFromVehicle {
-  using Answer = Unit;
   static constexpr std::string_view name = "remove-from-vehicle";
   static constexpr std::string_view summary = "Take a vehicle from a guest driver";
   static constexpr std::string_view done = "The guest no longer drives the vehicle.";
   static constexpr Example examples[] = {
       {"invitations remove-from-vehicle 1004 3006", "1004 drives 3006 no longer"}};
 
-  Identifier user;
-  Identifier vehicle;
+  UserID user;
+  VehicleID vehicle;
 
   void declare(Options& options) {
     options.positional("USER", user, "The guest");
     options.positional("VEHICLE", vehicle, "The vehicle");
   }
 
-  RequestHandle start(const Identity& identity, Completion<Unit> then) const {
-    return InvitationService(identity).removeGuestDriverFromVehicle(user.text, vehicle.text,
-                                                                    std::move(then));
+  Operation<Unit> ask(Session& session) const {
+    return InvitationService(session.identity())
+        .removeGuestDriverFromVehicle(user.text, vehicle.text);
   }
 };
 
 struct RemoveFromAccount {
-  using Answer = Unit;
   static constexpr std::string_view name = "remove-from-account";
   static constexpr std::string_view summary = "Remove a guest driver from an account";
   static constexpr std::string_view done = "The guest no longer belongs to the account.";
   static constexpr Example examples[] = {
       {"invitations remove-from-account 1106 2002", "1106 drives for 2002 no longer"}};
 
-  Identifier user;
+  UserID user;
   Identifier account;
 
   void declare(Options& options) {
@@ -270,9 +251,9 @@ struct RemoveFromAccount {
     options.positional("ACCOUNT", account, "The account");
   }
 
-  RequestHandle start(const Identity& identity, Completion<Unit> then) const {
-    return InvitationService(identity).removeGuestDriverFromAccount(user.text, account.text,
-                                                                    std::move(then));
+  Operation<Unit> ask(Session& session) const {
+    return InvitationService(session.identity())
+        .removeGuestDriverFromAccount(user.text, account.text);
   }
 };
 

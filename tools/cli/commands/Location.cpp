@@ -14,8 +14,8 @@ struct ShowLocation {
       {"location", "in degrees, and when that was"},
   };
 
-  RequestHandle start(const Identity& identity, Completion<Location> then) const {
-    return LocationService(identity).fetchLastKnownLocation(std::move(then));
+  Operation<Location> ask(Session& session) const {
+    return LocationService(session.identity()).fetchLastKnownLocation();
   }
 
   static void print(const Location& location, Output& output) {

@@ -43,7 +43,7 @@ using std::chrono::sys_days;
 
 struct PeriodRow {
   NamedPeriod period;
-  RequestHandle (ScoringService::*fetch)(Completion<ScoringAggregate>) const;
+  Operation<ScoringAggregate> (ScoringService::*fetch)() const;
   days length;  // from its first day to today
 };
 
@@ -116,13 +116,14 @@ std::string cellOf(const std::optional<double>& value, Convert convert) {
 }
 
 Table tableOf(const std::vector<DailyAggregate>& aggregates) {
-  constexpr auto right = Table::Alignment::right;
-  Table table{"day", {"score", right}, {"average", right}, {"driving", right}, "recorded by"};
-  for (const DailyAggregate& day : aggregates) {
-    table.row(dayText(day.date), cellOf(day.score, scoreText), cellOf(day.averageScore, scoreText),
-              cellOf(day.secondsOfDriving, durationOf), day.trackingType);
-  }
-  return table;
+  using Day = DailyAggregate;
+  return {"days",
+          aggregates,
+          {{"day", [](const Day& day) { return Moment{dayText(day.date)}; }},
+           {"score", &Day::score, scoreText},
+           {"average", &Day::averageScore, scoreText, 1},
+           {"driving", &Day::secondsOfDriving, durationOf, 2},
+           {"recorded by", &Day::trackingType, 3}}};
 }
 
 DayChart chartOf(const ScoringAggregate& aggregate, const std::optional<DateRange>& range,
@@ -151,12 +152,12 @@ struct AggregateScores {
   static constexpr Example examples[] = {
       {"scores aggregate last-30-days", "the last 30 days"},
       {"scores aggregate --days 14 --vehicle 3001", "two weeks of a vehicle"},
-      {"scores aggregate --from 2024-05-01 --to 2024-05-31 --svg may.svg", "May, drawn, too"},
+      {"scores aggregate --from 30-days-ago --to yesterday --svg month.svg", "drawn, too"},
   };
 
   std::optional<NamedPeriod> period;
   DaysOrDates dates;
-  std::optional<Identifier> vehicle;
+  std::optional<VehicleID> vehicle;
   std::optional<std::filesystem::path> drawing;
 
   void declare(Options& options) {
@@ -172,16 +173,14 @@ struct AggregateScores {
     session.connect();
     const auto range = dates.range();
     if (!period && !range) misused("which days? Give a period's name, --days, or --from and --to");
-    const auto scores = session.call<ScoringAggregate>([&](Completion<ScoringAggregate> then) {
-      return start(ScoringService(session.identity()), range, std::move(then));
-    });
+    const auto scores = session.call(ask(ScoringService(session.identity()), range));
     const DayChart chart = chartOf(scores, range ? range : rangeOf(*period), title());
     Output& output = session.output();
     if (drawing) {
       writeDocument(*drawing, chartDocument(chart), output);
       if (isStandardOutput(*drawing)) return;
     }
-    printAnswer(Printer{chart}, scores, output);
+    printAnswer(Printer{chart}, scores, session);
   }
 
  private:
@@ -196,7 +195,7 @@ struct AggregateScores {
       if (scores.tripScoringDailyAggregate) {
         output.section("days", tableOf(*scores.tripScoringDailyAggregate));
       }
-      if (output.style().format != OutputStyle::Format::table) return;
+      if (!output.style().isTable()) return;
       const auto lines = chartLines(chart, output.style());
       if (!lines.empty()) output.line("");
       for (const std::string& line : lines) output.line(line);
@@ -223,12 +222,11 @@ struct AggregateScores {
     return {now - rowOf(period).length, now};
   }
 
-  RequestHandle start(const ScoringService& service, const std::optional<DateRange>& range,
-                      Completion<ScoringAggregate> then) const {
-    if (period) return (service.*rowOf(*period).fetch)(std::move(then));
-    if (!vehicle) return service.dateRange(range->start, range->end, std::move(then));
-    return service.fetchAggregateScoresByVehicle(vehicle->text, range->start, range->end,
-                                                 std::move(then));
+  [[nodiscard]] Operation<ScoringAggregate> ask(const ScoringService& service,
+                                                const std::optional<DateRange>& range) const {
+    if (period) return (service.*rowOf(*period).fetch)();
+    if (!vehicle) return service.dateRange(range->start, range->end);
+    return service.fetchAggregateScoresByVehicle(vehicle->text, range->start, range->end);
   }
 };
 
@@ -256,11 +254,11 @@ Block blockOf(const TripScoringComponents& components) {
       .row("over-speeding", components.overSpeeding, scoreText)
       .row("distracted driving", components.distractedDriving, scoreText)
       .row("mileage", components.mileage, scoreText)
-      .row("payd", components.payd, scoreText)
-      .row("abc_subscore", components.abc_subscore, scoreText)
-      .row("speed_subscore", components.speed_subscore, scoreText)
-      .row("usage_subscore", components.usage_subscore, scoreText)
-      .row("distracted_driving", components.distracted_driving, scoreText);
+      .row("pay as you drive", components.payd, scoreText)
+      .row("acceleration, braking, cornering", components.abc_subscore, scoreText)
+      .row("speed", components.speed_subscore, scoreText)
+      .row("usage", components.usage_subscore, scoreText)
+      .row("distraction", components.distracted_driving, scoreText);
 }
 
 struct AverageScores {
@@ -269,12 +267,12 @@ struct AverageScores {
   static constexpr Example examples[] = {
       {"scores average --days 30", "the last 30 days"},
       {"scores average --week 1", "the week before this one, if the backend counts so"},
-      {"scores average --from 2024-05-01 --to 2024-05-31 --vehicle 3001", "a vehicle's May"},
+      {"scores average --from 30-days-ago --to yesterday --vehicle 3001", "a vehicle's month"},
   };
 
   std::optional<std::uint64_t> week;
   DaysOrDates dates;
-  std::optional<Identifier> vehicle;
+  std::optional<VehicleID> vehicle;
 
   void declare(Options& options) {
     options.option("--week", week, "A week by the backend's own count");
@@ -283,15 +281,19 @@ struct AverageScores {
                    "The scores of this vehicle, whoever drove it; with --days, or --from and --to");
   }
 
-  void run(Session& session) const {
-    check();
-    session.connect();
+  [[nodiscard]] Operation<ScoringAverage> ask(Session& session) const {
+    if (week && vehicle) {
+      misused("weeks are of people: --vehicle goes with --days, or --from and --to");
+    }
+    if (week && (dates.count || dates.dates.isGiven())) {
+      misused("--week does not go with --days, or --from and --to");
+    }
+    const ScoringService service(session.identity());
+    if (week) return service.fetchWeek(*week);
     const auto range = dates.range();
-    if (!week && !range) misused("which days? Give --week, --days, or --from and --to");
-    const auto average = session.call<ScoringAverage>([&](Completion<ScoringAverage> then) {
-      return start(ScoringService(session.identity()), range, std::move(then));
-    });
-    printAnswer(*this, average, session.output());
+    if (!range) misused("which days? Give --week, --days, or --from and --to");
+    if (!vehicle) return service.custom(range->start, range->end);
+    return service.fetchAverageScoresByVehicle(vehicle->text, range->start, range->end);
   }
 
   static void print(const ScoringAverage& average, Output& output) {
@@ -299,23 +301,6 @@ struct AverageScores {
     if (average.tripScoringAverage) {
       output.section("components", blockOf(average.tripScoringAverage->componentScores));
     }
-  }
-
- private:
-  void check() const {
-    if (!week) return;
-    if (vehicle) misused("weeks are of people: --vehicle goes with --days, or --from and --to");
-    if (dates.count || dates.dates.isGiven()) {
-      misused("--week does not go with --days, or --from and --to");
-    }
-  }
-
-  RequestHandle start(const ScoringService& service, const std::optional<DateRange>& range,
-                      Completion<ScoringAverage> then) const {
-    if (week) return service.fetchWeek(*week, std::move(then));
-    if (!vehicle) return service.custom(range->start, range->end, std::move(then));
-    return service.fetchAverageScoresByVehicle(vehicle->text, range->start, range->end,
-                                               std::move(then));
   }
 };
 

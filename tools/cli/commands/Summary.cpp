@@ -55,8 +55,8 @@ struct ShowSummary {
     options.option("--expand", expansions, "What to embed in the summary");
   }
 
-  RequestHandle start(const Identity& identity, Completion<DrivingSummary> then) const {
-    return DrivingSummaryService(identity).fetch(filtersOf(days), expansions, std::move(then));
+  Operation<DrivingSummary> ask(Session& session) const {
+    return DrivingSummaryService(session.identity()).fetch(filtersOf(days), expansions);
   }
 
   static void print(const DrivingSummary& account, Output& output) {
@@ -72,7 +72,7 @@ struct ListSummaries {
   static constexpr std::string_view name = "list";
   static constexpr std::string_view summary = "List somebody's driving period by period";
   static constexpr Example examples[] = {
-      {"summary list --from 2024-01-01 --aggregate-by MONTH", "month by month"},
+      {"summary list --from 60-days-ago --aggregate-by MONTH", "month by month"},
   };
 
   DayOptions days;
@@ -83,26 +83,30 @@ struct ListSummaries {
     options.option("--aggregate-by", aggregateBy, "How long a period is, in the backend's words");
   }
 
-  RequestHandle start(const Identity& identity, Completion<Periods> then) const {
-    return DrivingSummaryService(identity).fetchList(filtersOf(days), aggregateBy, std::move(then));
+  Operation<Periods> ask(Session& session) const {
+    return DrivingSummaryService(session.identity()).fetchList(filtersOf(days), aggregateBy);
   }
 
   static void print(const Periods& periods, Output& output) {
-    constexpr auto right = Table::Alignment::right;
-    Table table{{"from", Table::Fit::whole}, {"to", Table::Fit::whole}, {"trips", right},
-                {"distance", right},         {"driving", right},        {"in motion", right},
-                {"idling", right},           {"average", right},        {"fuel", right}};
+    using Period = DrivingSummaryResult;
+    const auto moment = [](double milliseconds) {
+      return Moment{localMinute(dateOfMilliseconds(milliseconds), std::nullopt)};
+    };
     const auto lasting = [](std::int64_t seconds) {
       return durationOf(static_cast<double>(seconds));
     };
-    for (const DrivingSummaryResult& period : periods) {
-      table.row(dateOfMilliseconds(period.startDate), dateOfMilliseconds(period.endDate),
-                period.numberOfTrips, kilometresText(period.kmOfDriving),
-                lasting(period.secondsOfDriving), lasting(period.secondsInMotion),
-                lasting(period.secondsOfIdling), decimal(period.avgKmPerHour, 0) + " km/h",
-                decimal(period.litresOfFuel, 1) + " l");
-    }
-    output.table(table);
+    const auto speed = [](double kilometres) { return decimal(kilometres, 0) + " km/h"; };
+    const auto litres = [](double volume) { return decimal(volume, 1) + " l"; };
+    output.table(Table("periods", periods,
+                       {{"from", &Period::startDate, moment},
+                        {"to", &Period::endDate, moment, 1},
+                        {"trips", &Period::numberOfTrips, 2},
+                        {"distance", &Period::kmOfDriving, kilometresText},
+                        {"driving", &Period::secondsOfDriving, lasting, 3},
+                        {"in motion", &Period::secondsInMotion, lasting, 5},
+                        {"idling", &Period::secondsOfIdling, lasting, 6},
+                        {"average", &Period::avgKmPerHour, speed, 4},
+                        {"fuel", &Period::litresOfFuel, litres, 7}}));
   }
 };
 

@@ -7,6 +7,8 @@
 #include "TripMap.h"
 #include <Orvane/Services/Trip/TripService.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <filesystem>
 
 namespace orvane::cli {
@@ -91,22 +93,21 @@ Block vehicleOf(const Vehicle& vehicle) {
       .row("plate", vehicle.plate);
 }
 
-template <class T, class Convert>
-std::string cellOf(const std::optional<T>& value, Convert convert) {
-  return value ? convert(*value) : std::string();
-}
-
 Table tableOf(const Trip::Events& events, const std::optional<TimeZone>& zone) {
-  constexpr auto right = Table::Alignment::right;
-  Table table{"time",           "event",        "severity", {"speed", right},
-              {"limit", right}, {"for", right}, "place"};
-  for (const auto& [type, event] : inOrder(events)) {
-    table.row(cellOf(event->date, [&](Date date) { return localTimeOfDay(date, zone); }), *type,
-              event->severity, cellOf(event->speed, kilometresPerHourOf),
-              cellOf(event->speedLimit, kilometresPerHourOf), cellOf(event->duration, durationOf),
-              placeText(*event));
-  }
-  return table;
+  using Happening = decltype(inOrder(events))::value_type;
+  const auto of = [](auto member) {
+    return [member](const Happening& happening) { return (*happening.event).*member; };
+  };
+  const auto time = [zone](Date date) { return Moment{localTimeOfDay(date, zone)}; };
+  return {"events",
+          inOrder(events),
+          {{"time", of(&Event::date), time},
+           {"event", [](const Happening& happening) { return *happening.type; }},
+           {"severity", of(&Event::severity), 1},
+           {"speed", of(&Event::speed), kilometresPerHourOf, 2},
+           {"limit", of(&Event::speedLimit), kilometresPerHourOf, 3},
+           {"for", of(&Event::duration), durationOf, 4},
+           {"place", [](const Happening& happening) { return placeText(*happening.event); }, 5}}};
 }
 
 std::optional<std::int64_t> numberOfEvents(const Trip& trip) {
@@ -116,33 +117,43 @@ std::optional<std::int64_t> numberOfEvents(const Trip& trip) {
   return number;
 }
 
-struct AnswersTrips {
-  using Answer = Trips;
+std::optional<Moment> startOf(const Trip& trip) {
+  if (!trip.dateStarted) return std::nullopt;
+  return Moment{localMinute(*trip.dateStarted, trip.timeZone)};
+}
 
+// "Anna K.", or as much as there is of it.
+std::string driverText(const Trip& trip) {
+  if (!trip.user) return {};
+  const User& driver = *trip.user;
+  return driver.displayName ? *driver.displayName : driver.id.value_or("");
+}
+
+std::string vehicleText(const Trip& trip) {
+  if (!trip.vehicle) return {};
+  const Vehicle& vehicle = *trip.vehicle;
+  return vehicle.nickName ? *vehicle.nickName : vehicle.plate.value_or("");
+}
+
+struct AnswersTrips {
   static void print(const Trips& trips, Output& output) {
-    constexpr auto right = Table::Alignment::right;
-    Table table{"id",
-                {"started", Table::Fit::whole},
-                {"duration", right},
-                {"distance", right},
-                "mode",
-                "purpose",
-                {"score", right},
-                {"events", right},
-                "vehicle"};
-    for (const Trip& trip : trips) {
-      const auto local = [&](Date date) { return localMinute(date, trip.timeZone); };
-      table.row(trip.id, cellOf(trip.dateStarted, local), cellOf(trip.duration, durationOf),
-                cellOf(trip.distance, kilometresOf), trip.transportMode, trip.purpose,
-                cellOf(trip.score, scoreText), numberOfEvents(trip), trip.vehicleId);
-    }
-    output.table(table);
+    output.table(Table("trips", trips,
+                       {{"id", &Trip::id},
+                        {"started", startOf},
+                        {"duration", &Trip::duration, durationOf, 2},
+                        {"distance", &Trip::distance, kilometresOf, 1},
+                        {"mode", &Trip::transportMode, 3},
+                        {"purpose", &Trip::purpose, 6},
+                        {"score", &Trip::score, scoreText, 4},
+                        {"events", numberOfEvents, 5},
+                        {"vehicle", &Trip::vehicleId, 7},
+                        {"route", &Trip::polyline, routeText, 8},
+                        {"driver", driverText, 5},
+                        {"vehicle's name", vehicleText, 8}}));
   }
 };
 
 struct AnswersTrip {
-  using Answer = Trip;
-
   static void print(const Trip& trip, Output& output) {
     output.block(recordOf(trip));
     if (trip.scores) output.section("scores", scoresOf(*trip.scores));
@@ -153,6 +164,10 @@ struct AnswersTrip {
   }
 };
 
+constexpr std::int64_t mostAtOnce = 100;
+constexpr const char* embeds =
+    "What to embed in it: pois and alerts are in --json alone, the library does not read them";
+
 // Which trips of a list, and what to embed in them.
 struct ListOptions {
   Expansions expansions;
@@ -162,10 +177,9 @@ struct ListOptions {
   bool isAll = false;
 
   void declare(Options& options) {
-    options.option("--expand", expansions, "What to embed in the trips");
+    options.option("--expand", expansions, embeds);
     days.declare(options);
-    options.option("--limit", limit,
-                   "How many at most, 1 to 100; what lies beyond counts as the nearest");
+    options.option("--limit", limit, "How many at most, 1 to 100");
     options.option("--offset", offset, "How many of the latest to leave out");
     options.flag("--all", isAll, "Every trip, however many, page by page");
   }
@@ -173,21 +187,31 @@ struct ListOptions {
   [[nodiscard]] std::set<TripService::Filter> filters() const {
     std::set<TripService::Filter> filters;
     if (const auto range = days.range()) filters.insert(*range);
-    constexpr std::int64_t most = 100;
     if (limit || offset) {
-      filters.insert(TripService::Filter::cursor(limit.value_or(most), offset.value_or(0)));
+      sayWhatIsTaken();
+      filters.insert(TripService::Filter::cursor(limit.value_or(mostAtOnce), offset.value_or(0)));
     }
     return filters;
   }
 
-  [[nodiscard]] RequestHandle walk(const TripService& service, TripPages pages,
-                                   Completion<Trips> then) const {
+  // What the service makes of numbers that the backend does not take.
+  void sayWhatIsTaken() const {
+    const auto say = [](const char* option, std::int64_t given, std::int64_t taken) {
+      if (given == taken) return;
+      const std::string words = std::string(option) + " " + std::to_string(given) + " is taken as ";
+      std::fprintf(stderr, "orvane: %s%s\n", words.c_str(), std::to_string(taken).c_str());
+    };
+    if (limit) say("--limit", *limit, std::clamp<std::int64_t>(*limit, 1, mostAtOnce));
+    if (offset) say("--offset", *offset, std::max<std::int64_t>(*offset, 0));
+  }
+
+  [[nodiscard]] Operation<Trips> walk(const TripService& service, TripPages pages) const {
     if (limit || offset) {
       throw Failure(ExitCode::usage, "--all goes without --limit and --offset");
     }
     pages.dates = days.range();
     pages.expansions = expansions;
-    return service.fetchPages(std::move(pages), std::move(then));
+    return service.fetchPages(std::move(pages));
   }
 };
 
@@ -195,30 +219,30 @@ struct ListTrips : AnswersTrips {
   static constexpr std::string_view name = "list";
   static constexpr std::string_view summary = "List the trips of a user";
   static constexpr Example examples[] = {
-      {"trips list --from 2024-05-13 --to 2024-05-19 --expand scores", "a week, with scores"},
-      {"trips list --user 1002 --limit 20 --offset 40", "the third page of somebody else's trips"},
+      {"trips list --from 7-days-ago --expand scores", "a week, with scores"},
+      {"trips list --of 1002 --limit 20 --offset 40", "the third page of somebody else's trips"},
       {"trips list --all --json | jq length", "how many there are at all"},
   };
 
-  std::optional<Identifier> user;
+  std::optional<UserID> of;
   ListOptions list;
 
   void declare(Options& options) {
-    options.option("--user", user, "Whose trips; left out, those of who is signed in");
+    options.option("--of", of, "Whose trips; left out, those of who is signed in");
     list.declare(options);
   }
 
-  RequestHandle start(const Identity& identity, Completion<Trips> then) const {
-    const TripService service(identity);
+  Operation<Trips> ask(Session& session) const {
+    const TripService service(session.identity());
     std::optional<User> owner;
-    if (user) owner.emplace().id = user->text;
+    if (of) owner.emplace().id = of->text;
     if (list.isAll) {
       TripPages pages;
       pages.list = TripPages::List::trips;
       pages.user = std::move(owner);
-      return list.walk(service, std::move(pages), std::move(then));
+      return list.walk(service, std::move(pages));
     }
-    return service.fetch(owner, list.filters(), list.expansions, std::move(then));
+    return service.fetch(owner, list.filters(), list.expansions);
   }
 };
 
@@ -227,17 +251,24 @@ struct ListLogbook : AnswersTrips {
   static constexpr std::string_view summary = "List the logbook of the person who is signed in";
   static constexpr Example examples[] = {
       {"trips logbook --limit 10 --expand vehicles", "the last ten, with their vehicles"},
-      {"trips logbook --all --from 2024-01-01", "everything since New Year"},
+      {"trips logbook --all --from 30-days-ago", "everything of a month, however much"},
   };
 
   ListOptions list;
 
   void declare(Options& options) { list.declare(options); }
 
-  RequestHandle start(const Identity& identity, Completion<Trips> then) const {
-    const TripService service(identity);
-    if (list.isAll) return list.walk(service, {}, std::move(then));
-    return service.fetchAllChecked(list.filters(), list.expansions, std::move(then));
+  // Its entries hold the trips.
+  static std::vector<std::string_view> unwrapped(std::string_view logbook) {
+    std::vector<std::string_view> trips = elementsOf(memberOf(logbook, "items"));
+    for (std::string_view& entry : trips) entry = memberOf(entry, "trip");
+    return trips;
+  }
+
+  Operation<Trips> ask(Session& session) const {
+    const TripService service(session.identity());
+    if (list.isAll) return list.walk(service, {});
+    return service.fetchAllChecked(list.filters(), list.expansions);
   }
 };
 
@@ -245,30 +276,34 @@ struct ListTripsByVehicle : AnswersTrips {
   static constexpr std::string_view name = "by-vehicle";
   static constexpr std::string_view summary = "List the trips of a vehicle";
   static constexpr Example examples[] = {
-      {"trips by-vehicle 3001 --from 2024-05-01 --to 2024-05-31 --user 1002",
-       "what one of its drivers did with it in May"},
+      {"trips by-vehicle 3001 --from 30-days-ago --to today --of 1001",
+       "what one of its drivers did with it in a month"},
   };
 
-  Identifier vehicle;
-  std::optional<Identifier> user;
+  VehicleID vehicle;
+  std::optional<UserID> of;
+  Day from;
+  Day to;
   TripsByVehicle trips;
 
   void declare(Options& options) {
     options.positional("VEHICLE", vehicle, "The vehicle");
-    options.required("--from", trips.startDate, "The first day, sent as it stands: 2024-05-01");
-    options.required("--to", trips.endDate, "The last day, sent as it stands");
+    options.required("--from", from, "The first day: 2024-05-13, yesterday, 7-days-ago");
+    options.required("--to", to, "The last day");
     options.option("--limit", trips.vehicleTripsLimit, "How many at most; left out, 100");
     options.option("--offset", trips.offset, "How many of the latest to leave out");
     options.option("--role", trips.role, "Only of drivers in this role: OWNER or OPERATOR");
-    options.option("--user", user, "Only of this driver");
-    options.option("--expand", trips.expansions, "What to embed in the trips");
+    options.option("--of", of, "Whose trips; left out, those of every driver");
+    options.option("--expand", trips.expansions, embeds);
   }
 
-  RequestHandle start(const Identity& identity, Completion<Trips> then) const {
+  Operation<Trips> ask(Session& session) const {
     TripsByVehicle chosen = trips;
     chosen.vehicleId = vehicle.text;
-    if (user) chosen.userId = user->text;
-    return TripService(identity).fetchTripsByVehicle(std::move(chosen), std::move(then));
+    chosen.startDate = toText(dateOf(from));
+    chosen.endDate = toText(dateOf(to));
+    if (of) chosen.userId = of->text;
+    return TripService(session.identity()).fetchTripsByVehicle(std::move(chosen));
   }
 };
 
@@ -276,19 +311,19 @@ struct ShowTrip {
   static constexpr std::string_view name = "show";
   static constexpr std::string_view summary = "Show a trip, and draw its route";
   static constexpr Example examples[] = {
-      {"trips show 42 --expand events,scores", "what happened on it, and what it was worth"},
-      {"trips show 42 --svg trip.svg", "its route with the events as a drawing for a browser"},
-      {"trips show 42 --geojson - > trip.geojson", "the same for maps"},
+      {"trips show 500001 --expand events,scores", "what happened on it, and what it was worth"},
+      {"trips show 500001 --svg trip.svg", "its route with the events as a drawing for a browser"},
+      {"trips show 500001 --geojson - > trip.geojson", "the same for maps"},
   };
 
-  Identifier id;
+  TripID id;
   Expansions expansions;
   std::optional<std::filesystem::path> geoJSON;
   std::optional<std::filesystem::path> svg;
 
   void declare(Options& options) {
     options.positional("ID", id, "The trip");
-    options.option("--expand", expansions, "What to embed in the trip");
+    options.option("--expand", expansions, embeds);
     options.option("--geojson", geoJSON,
                    "Write route and events as GeoJSON; - is standard output, instead of the trip");
     options.option("--svg", svg, "Write a drawing of route and events; - likewise");
@@ -300,9 +335,8 @@ struct ShowTrip {
       throw Failure(ExitCode::usage, "only one of --geojson and --svg can be standard output");
     }
     session.connect();
-    const Trip trip = session.call<Trip>([&](Completion<Trip> then) {
-      return TripService(session.identity()).fetch(id.text, everyExpansion(), std::move(then));
-    });
+    const Trip trip =
+        session.call(TripService(session.identity()).fetch(id.text, everyExpansion()));
     // All of them are made before one is written.
     const auto text = [&](const auto& file, auto make) {
       return file ? make(trip) : std::string();
@@ -312,7 +346,7 @@ struct ShowTrip {
     if (geoJSON) writeDocument(*geoJSON, features, session.output());
     if (svg) writeDocument(*svg, drawing, session.output());
     if (isToOutput(geoJSON) || isToOutput(svg)) return;
-    printAnswer(AnswersTrip(), trip, session.output());
+    printAnswer(AnswersTrip(), trip, session);
   }
 
  private:
@@ -330,11 +364,11 @@ struct UpdateTrip : AnswersTrip {
   static constexpr std::string_view name = "update";
   static constexpr std::string_view summary = "Correct how somebody travelled, or what for";
   static constexpr Example examples[] = {
-      {"trips update 42 --transport-mode car-passenger", "somebody else drove"},
-      {"trips update 42 --purpose business", "for the tax office"},
+      {"trips update 500001 --transport-mode car-passenger", "somebody else drove"},
+      {"trips update 500001 --purpose business", "for the tax office"},
   };
 
-  Identifier id;
+  TripID id;
   std::optional<TransportMode> transportMode;
   std::optional<Trip::Purpose> purpose;
 
@@ -344,11 +378,11 @@ struct UpdateTrip : AnswersTrip {
     options.option("--purpose", purpose, "What the trip was for");
   }
 
-  RequestHandle start(const Identity& identity, Completion<Trip> then) const {
+  Operation<Trip> ask(Session& session) const {
     if (!transportMode && !purpose) {
       throw Failure(ExitCode::usage, "either --transport-mode or --purpose is required");
     }
-    return TripService(identity).update(id.text, transportMode, purpose, std::move(then));
+    return TripService(session.identity()).update(id.text, transportMode, purpose);
   }
 };
 

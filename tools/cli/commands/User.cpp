@@ -66,17 +66,17 @@ Block sharedOf(const User::SharedInformation& shared) {
 }
 
 Table tableOf(const std::vector<User>& users) {
-  Table table{"id", "display name", "first name", "last name", "e-mail", "role"};
-  for (const User& user : users) {
-    table.row(user.id, user.displayName, user.firstName, user.lastName, user.email,
-              user.accountRole);
-  }
-  return table;
+  return {"users",
+          users,
+          {{"id", &User::id},
+           {"display name", &User::displayName},
+           {"first name", &User::firstName, 2},
+           {"last name", &User::lastName, 2},
+           {"e-mail", &User::email, 3},
+           {"role", &User::accountRole, 1}}};
 }
 
 struct AnswersUser {
-  using Answer = User;
-
   static void print(const User& user, Output& output) {
     output.block(profileOf(user));
     output.section("address", addressOf(user));
@@ -96,17 +96,19 @@ struct ShowUser : AnswersUser {
       {"user show --json | jq .publicDisplayName", "one member of the record"},
   };
 
-  std::optional<Identifier> id;
+  std::optional<UserID> id;
   std::set<UserService::Expansion> expansions;
 
   void declare(Options& options) {
     options.positional("ID", id, "The user; left out, the person who is signed in");
-    options.option("--expand", expansions, "What to embed in the user");
+    options.option("--expand", expansions,
+                   "What to embed in the user: customFields are in --json alone, the library does "
+                   "not read them");
   }
 
-  RequestHandle start(const Identity& identity, Completion<User> then) const {
+  Operation<User> ask(Session& session) const {
     const auto user = id ? std::optional(id->text) : std::nullopt;
-    return UserService(identity).fetch(user, expansions, std::move(then));
+    return UserService(session.identity()).fetch(user, expansions);
   }
 };
 
@@ -139,8 +141,8 @@ struct UpdateUser : AnswersUser {
     options.atLeastOne();
   }
 
-  RequestHandle start(const Identity& identity, Completion<User> then) const {
-    return UserService(identity).update(update, std::move(then));
+  Operation<User> ask(Session& session) const {
+    return UserService(session.identity()).update(update);
   }
 };
 
@@ -164,8 +166,8 @@ struct UpdateAddress : AnswersUser {
     options.atLeastOne();
   }
 
-  RequestHandle start(const Identity& identity, Completion<User> then) const {
-    return UserService(identity).updateAddress(update, std::move(then));
+  Operation<User> ask(Session& session) const {
+    return UserService(session.identity()).updateAddress(update);
   }
 };
 
