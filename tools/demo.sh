@@ -319,6 +319,8 @@ start_backend
 # Nothing of the user's own settings gets in.
 unset "${!ORVANE_@}"
 export XDG_CONFIG_HOME=$folder XDG_STATE_HOME=$folder
+# Room for every column.
+export COLUMNS=120
 export ORVANE_BASE_URL=$base_url ORVANE_CA_FILE=$folder/data/ca.pem ORVANE_API_KEY=sandbox-api-key
 export ORVANE_USER=anna.keller ORVANE_SIGNING_KEY_FILE=$folder/data/signing.key
 export ORVANE_FIRMWARE_HOST=$base_url ORVANE_DOCUMENTS_DIR=$folder/documents

@@ -194,7 +194,7 @@ TEST(OutputTest, TablesAndBlocks) {
                       output.table(Table("ids", std::vector<std::int64_t>{1},
                                          {{"id", [](std::int64_t id) { return id; }}}));
                     }),
-            "\x1b[1mid\x1b[0m\n1\n");
+            "\x1b[1mid\x1b[0m\n 1\n");
 }
 
 TEST(OutputTest, WholeColumnsGoBeforeACellIsCut) {

@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <limits>
+#include <regex>
 #include <tuple>
 #include <utility>
 
@@ -212,6 +213,49 @@ TEST(TripMapTest, DrawsRouteAndEvents) {
   const std::string nothing = mapOf(Trip{});
   EXPECT_THAT(nothing,
               AllOf(HasSubstr("No route was recorded."), Not(HasSubstr("class=\"start\""))));
+}
+
+// The centres of the signs that have a letter.
+std::vector<std::pair<double, double>> lettersIn(const std::string& drawing) {
+  std::vector<std::pair<double, double>> places;
+  const std::regex letter("<text x=\"([0-9.]+)\" y=\"([0-9.]+)\" class=\"paper\"");
+  for (std::sregex_iterator found(drawing.begin(), drawing.end(), letter), end; found != end;
+       ++found) {
+    places.emplace_back(std::stod((*found)[1]), std::stod((*found)[2]));
+  }
+  return places;
+}
+
+TEST(TripMapTest, SpreadsSignsThatLieOnOneAnother) {
+  Trip trip = tripOf({{47.5, 7.5}, {47.51, 7.51}});
+  constexpr std::size_t count = 40;
+  std::vector<Event>& events = trip.events.emplace()[Event::EventType::braking()];
+  for (std::size_t event = 0; event < count; ++event) {
+    // All where the trip begins, whose sign is in the way, too.
+    events.push_back({.latitude = 47.5, .longitude = 7.5});
+  }
+  const std::string drawing = mapOf(trip);
+  const auto signs = lettersIn(drawing);
+  ASSERT_EQ(signs.size(), count);
+  for (std::size_t one = 0; one < count; ++one) {
+    EXPECT_TRUE(signs[one].first > 8 && signs[one].second > 8);
+    for (std::size_t other = 0; other < one; ++other) {
+      const double distance = std::hypot(signs[one].first - signs[other].first,
+                                         signs[one].second - signs[other].second);
+      EXPECT_GT(distance, 16) << one << " and " << other;
+    }
+  }
+  // Each shows where it belongs.
+  const auto leaders = drawing.find("stroke-width=\"1.5\"");
+  EXPECT_NE(leaders, std::string::npos);
+}
+
+TEST(TripMapTest, ATripUnderWayHasNoEnd) {
+  Trip trip = tripWithEvents();
+  trip.status = Trip::Status::inProgress;
+  EXPECT_THAT(mapOf(trip), AllOf(HasSubstr("under way · "), HasSubstr("<title>so far</title>"),
+                                 HasSubstr(">so far</text>"), Not(HasSubstr("<title>end")),
+                                 Not(HasSubstr(">end</text>"))));
 }
 
 TEST(TripMapTest, LeavesOutWhatNobodySees) {

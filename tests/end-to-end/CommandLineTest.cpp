@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <limits>
 #include <tuple>
 #include <utility>
 
@@ -50,9 +51,16 @@ TEST(CommandLineTest, EveryErrorHasItsExitCodeAndOneLine) {
       {
           fails("", 64, "A command is missing"),
           fails("user", 64, "A command is missing (see orvane user --help)"),
-          fails("usr", 64, "There is no command 'usr'"),
-          fails("user shw", 64, "There is no command 'shw'"),
-          fails("user show --colour", 64, "--colour"),
+          fails("usr", 64, "There is no command 'usr'; did you mean user?"),
+          fails("user shw", 64, "There is no command 'shw'; did you mean show?"),
+          fails("help user shw", 64, "There is no command 'shw'"),
+          fails("user show --colour", 64, "There is no option '--colour' (see"),
+          fails("user show --expnad role", 64, "did you mean --expand?"),
+          fails("user show 1 2", 64, "'2' is one argument too many"),
+          fails("user show --verbose=all", 64, "'all' is not bodies"),
+          fails("user show --profile nobody", 78, "there is no profile \"nobody\""),
+          fails("user show --sandbox=/nowhere", 78,
+                "no sandbox runs on /nowhere (start one: orvane-sandbox --data /nowhere)"),
           fails("user show --expand role,everything", 64, "'everything' is not one of"),
           fails("user update", 64, "At least one option"),
           fails("user update --date-of-birth 2023-02-29", 64, "a day, as YYYY-MM-DD"),
@@ -62,19 +70,20 @@ TEST(CommandLineTest, EveryErrorHasItsExitCodeAndOneLine) {
           fails("user show --timeout 0", 64, "is not from 0.001"),
           fails("user show ''", 64, "an identifier"),
           fails("user show --base-url http://example.org", 78, "http is for this machine only"),
-          fails("user show --base-url 'not a URL'", 78, "baseURL"),
+          fails("user show --base-url 'not a URL'", 78, "--base-url"),
           fails("user show --ca-file /nowhere.pem", 78, "/nowhere.pem"),
           fails("user show --signing-key-file /nowhere.key", 78, "/nowhere.key"),
           fails("user show --signing-key-file " + folder / "key", 78, "hexadecimal"),
-          fails("user show --config /nowhere", 78, "/nowhere"),
+          fails("user show --config /nowhere", 78, "/nowhere: there is no such file"),
           fails("user show --config " + folder.path().string(), 78, folder.path()),
-          fails("user show --time-zone Europe/Atlantis", 78, "Europe/Atlantis"),
+          fails("user show --time-zone Europe/Atlantis", 64, "Europe/Atlantis"),
           fails("user show --base-url https://orvane.invalid", 10, "looked up"),
           fails("user show --base-url https://127.0.0.1:1", 11, "reached"),
           fails("user show --ca-file /etc/ssl/certs/ca-certificates.crt", 12),
           fails("user show --token wrong", 41, "does not accept the token (401)"),
           fails("user show 1004", 43, "does not allow"),
-          fails("user show nobody", 44, "does not know"),
+          fails("user show nobody --expand role", 44, "there is no such user [GET https://"),
+          fails("user show nobody --expand role", 44, "/users/nobody?expand=…]"),
           fails("user update --email nonsense", 40, "(400)"),
           fails("user update --last-name \xC3\x28", 20, "UTF-8"),
           fails("user show \xC3\x28", 20, "formed"),
@@ -82,7 +91,7 @@ TEST(CommandLineTest, EveryErrorHasItsExitCodeAndOneLine) {
       settingsOf(sandbox));
 
   for (const char* timeout : {"soon", "0", "nan"}) {
-    check({fails("user show", 78, "ORVANE_TIMEOUT: timeout is")},
+    check({fails("user show", 78, "(from ORVANE_TIMEOUT), which is")},
           with(settingsOf(sandbox), {{"ORVANE_TIMEOUT", timeout}}));
   }
 
@@ -141,8 +150,9 @@ TEST(CommandLineTest, SettingsHaveAnOrderAndNeverShowSecrets) {
         without(without(settings, "ORVANE_USER"), "ORVANE_API_KEY"));
 
   constexpr std::pair<const char*, const char*> malformed[] = {
-      {"base-uri = https://example.org\n", "base-uri"},
-      {"[work]\nuser = x\n", "line 1: sections"},
+      {"timeout = 5\nbase-uri = https://example.org\n", "line 2: there is no setting \"base-uri\""},
+      {"[work\nuser = x\n", "line 1: a profile's name in brackets"},
+      {"zz\n\nuser = Ann Keller\n", "line 3: a value with blanks"},
       {"user = x\n\nbase-url https://example.org\n", "line 3: a name, \"=\" and a value"},
       {"zz\n", "line 1: a name"},
       {"= x\n", "line 1: a name"},
@@ -153,7 +163,11 @@ TEST(CommandLineTest, SettingsHaveAnOrderAndNeverShowSecrets) {
   };
   for (const auto& [text, said] : malformed) {
     writeFile(file, text);
-    check({fails("config list --config " + file, 78, said)}, settings);
+    check({{"config list --config " + file, 78, HasSubstr("base-url\t" + sandbox.baseURL()),
+            AllOf(IsOneLine(), HasSubstr(said))},
+           fails("user show --config " + file, 78, said),
+           prints("content keys --config " + file, HasSubstr("privacyPolicy"))},
+          settings);
   }
 }
 
@@ -191,42 +205,204 @@ TEST(CommandLineTest, AnInterruptCancelsTheCall) {
   }
 }
 
+TEST(CommandLineTest, AnInterruptEndsWhatWaitsForAReader) {
+  const SandboxProcess sandbox({"--weeks", "4"});
+  const TemporaryFolder folder;
+  // A pipe that is full, and that nobody reads.
+  const std::string script = "cd '" + folder.path().string() + "' && mkfifo pipe && exec \"" +
+                             ORVANE_CLI_EXECUTABLE +
+                             "\" trips list --all --expand points --raw --verbose 3<>pipe >pipe";
+  Process process("/bin/sh", {"-c", script}, with(settingsOf(sandbox), {{"PATH", "/usr/bin:/bin"}}),
+                  Process::Streams::captured);
+  ASSERT_TRUE(process.waitForError("/trips?"));
+  process.send(SIGINT);
+  const Ending ending = process.wait();
+  EXPECT_EQ(ending.exitCode, 130);
+  EXPECT_EQ(ending.signal, 0);
+  EXPECT_THAT(ending.errors, HasSubstr("orvane: cancelled\n"));
+}
+
 TEST(CommandLineTest, HelpsWithoutABackend) {
-  check({prints("--version", StartsWith("orvane ")),
-         prints("--help", has("ORVANE_BASE_URL", "  user ", "\n   64  ")),
-         prints("user update --help",
-                has("--driver-type weekend-driver|", "Examples:\n  orvane user"))},
-        {});
-  const Ending full =
-      run("/bin/sh", {"-c", std::string("\"") + ORVANE_CLI_EXECUTABLE + "\" --help > /dev/full"});
-  EXPECT_EQ(full.exitCode, 74);
-  EXPECT_THAT(full.errors, IsOneLine());
+  check(
+      {prints("--version", StartsWith("orvane ")),
+       prints("--help", has("ORVANE_BASE_URL", "  user ", "\n  64   ")),
+       prints("user show --version", StartsWith("orvane ")),
+       prints("user update --help",
+              has("--driver-type CHOICE ", "weekend-driver,", "\nExamples:\n  orvane user")),
+       prints("help user update", HasSubstr("--driver-type CHOICE ")),
+       prints("help --man", has(".SH NAME\n", ".SS \"orvane user update", ".B \\-\\-base\\-url"))},
+      {});
 }
 
 // What bash offers for the last word of a command line.
-std::string completionsOf(const std::string& line) {
-  const std::string script = std::string("source <(\"") + ORVANE_CLI_EXECUTABLE +
-                             "\" completion bash); COMP_WORDS=(" + line +
-                             "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _orvane; "
-                             "echo \"${COMPREPLY[*]}\"";
-  return run("/bin/bash", {"-c", script}).output;
+std::string completionsOf(const std::string& line, const Environment& environment) {
+  const std::string script = std::string("orvane() { \"") + ORVANE_CLI_EXECUTABLE +
+                             "\" \"$@\"; }; source <(orvane completion bash); COMP_LINE='" + line +
+                             "'; COMP_POINT=${#COMP_LINE}; COMP_WORDS=(orvane); compopt() { :; }; "
+                             "_orvane; echo \"${COMPREPLY[*]}\"";
+  return run("/bin/bash", {"-c", script}, environment).output;
 }
 
 TEST(CommandLineTest, CompletesInBash) {
-  constexpr std::pair<const char*, const char*> rows[] = {
+  SandboxProcess sandbox;
+  const TemporaryFolder folder;
+  std::filesystem::create_directories(folder / "some/folder");
+  writeFile(folder / "config", "[staging]\ntimeout = 5\n");
+  const Environment environment = with(settingsOf(sandbox), {{"ORVANE_CONFIG", folder / "config"}});
+  const std::pair<std::string, std::string> rows[] = {
       {"orvane us", "user\n"},
-      {"orvane user ''", "show update address"},
+      {"orvane user ", "show update address\n"},
       {"orvane --timeout 5 user sh", "show\n"},
       {"orvane user show --exp", "--expand\n"},
       {"orvane user show --expand r", "role\n"},
       {"orvane user show --expand role,assoc", "role,associatedUsers role,associatedAccount\n"},
+      {"orvane user show --expand=role,assoc", "role,associatedUsers role,associatedAccount\n"},
       {"orvane user update --driver-type com", "commuter\n"},
       {"orvane completion --format t", "table tabs\n"},
       {"orvane scores aggregate last-3", "last-30-days\n"},
       {"orvane --ca-file /etc/passw", "/etc/passwd"},
+      {"orvane --documents-dir " + folder / "some/f", folder / "some/folder\n"},
+      {"orvane help user sh", "show\n"},
+      {"orvane config get time", "timeout time-zone\n"},
+      {"orvane --profile st", "staging\n"},
+      {"orvane vehicles show 300", "3001 3006\n"},
+      {"orvane trips list --of 1", "1001 1002 1003\n"},
   };
   for (const auto& [line, offered] : rows) {
-    EXPECT_THAT(completionsOf(line), HasSubstr(offered)) << line;
+    EXPECT_THAT(completionsOf(line, environment), HasSubstr(offered)) << line;
+  }
+  // What was asked a moment ago is not asked again; what fails is silent.
+  sandbox.behave();
+  EXPECT_EQ(completionsOf("orvane vehicles show 3", environment), "3001 3006\n");
+  EXPECT_THAT(sandbox.arrivals(), IsEmpty());
+  sandbox.misbehave({{"status", 500}});
+  EXPECT_EQ(completionsOf("orvane trips show ", environment), "\n");
+}
+
+TEST(CommandLineTest, TalksToTheSandboxOnAFolder) {
+  const SandboxProcess sandbox;
+  const TemporaryFolder folder;
+  std::filesystem::copy(sandbox.signingKeyFile(), folder / "signing.key");
+  const auto ready = [&](pid_t pid) {
+    return nlohmann::json{{"baseURL", sandbox.baseURL()},
+                          {"caFile", sandbox.caFile()},
+                          {"apiKey", sandbox.apiKey()},
+                          {"token", sandbox.developmentToken()},
+                          {"pid", pid}}
+        .dump();
+  };
+  writeFile(folder / "ready.json", ready(sandbox.processID()));
+  const std::string option = "--sandbox=" + folder.path().string();
+  const Environment elsewhere{{"ORVANE_BASE_URL", "https://orvane.invalid"},
+                              {"ORVANE_TOKEN", "another"},
+                              {"HOME", folder.path().string()}};
+  check({prints("user show " + option, HasSubstr("id\t1001\n")),
+         prints(option + " user show --user marc.keller", HasSubstr("id\t1002\n")),
+         prints("config list " + option,
+                has("token\t…\tthe sandbox on ", "api-key\tsandbox-api-key")),
+         fails("user show --token wrong " + option, 41)},
+        elsewhere);
+  // One that was killed has left its file behind.
+  writeFile(folder / "ready.json", ready(std::numeric_limits<pid_t>::max()));
+  check({fails("user show " + option, 78, "no sandbox runs on")}, elsewhere);
+}
+
+TEST(CommandLineTest, KeepsSettingsInProfiles) {
+  const SandboxProcess sandbox;
+  const TemporaryFolder folder;
+  const std::string file = folder / "new/config";
+  const Environment nothing{{"ORVANE_CONFIG", file}, {"HOME", folder.path().string()}};
+  // A file that is named and not there is no obstacle to making it.
+  check({prints("config set timeout 7", IsEmpty()),
+         prints("config set base-url " + sandbox.baseURL() + " --profile staging", IsEmpty()),
+         prints("config set ca-file " + sandbox.caFile() + " --profile staging", IsEmpty()),
+         prints("config set token " + sandbox.developmentToken() + " --profile staging", IsEmpty()),
+         prints("config set api-key 'a # b' --profile staging", IsEmpty()),
+         fails("config set base-uri x", 64, "did you mean base-url?"),
+         prints("config get timeout", "7\n"),
+         prints("config get api-key --profile staging", "a # b\n"),
+         prints("user show --profile staging", HasSubstr("id\t1001\n")),
+         fails("user show", 78, "--base-url is not set")},
+        nothing);
+  EXPECT_EQ(std::filesystem::status(file).permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  // The command line's profile comes before the environment, the environment's after it.
+  const Environment other = with(nothing, {{"ORVANE_BASE_URL", "https://other.invalid"}});
+  check({prints("config get base-url --profile staging", sandbox.baseURL() + "\n"),
+         prints("config get base-url", "https://other.invalid\n")},
+        with(other, {{"ORVANE_PROFILE", "staging"}}));
+  check({prints("config set profile staging", IsEmpty()), prints("config get profile", "staging\n"),
+         prints("user show", HasSubstr("id\t1001\n")), prints("config unset token", IsEmpty()),
+         fails("user show", 78, "there is no token")},
+        nothing);
+
+  writeFile(file,
+            "\xEF\xBB\xBF# kept\ntimeout=7\n\n[staging]\nuser = x # why\n\n[other]\nuser = y\n");
+  check({prints("config set timeout 8", IsEmpty()),
+         prints("config set locale de_DE --profile staging", IsEmpty()),
+         prints("config get timeout", "8\n")},
+        nothing);
+  EXPECT_EQ(
+      contentsOf(file),
+      "# kept\ntimeout = 8\n\n[staging]\nuser = x # why\nlocale = de_DE\n\n[other]\nuser = y\n");
+}
+
+TEST(CommandLineTest, PrintsWhatTheBackendSent) {
+  SandboxProcess sandbox;
+  const Environment anna = settingsOf(sandbox);
+  const Ending raw = orvane("trips list --limit 3 --expand scores --raw", anna);
+  const auto sent = nlohmann::json::parse(raw.output);
+  EXPECT_EQ(raw.output.find('\n'), std::string::npos);
+  EXPECT_TRUE(sent[0].contains("tripScores"));
+  EXPECT_EQ(jsonOf("trips list --limit 3 --expand scores", anna), sent);
+  // Numbers stand in it as they were written.
+  const Ending all = orvane("trips list --all --format compact", anna);
+  const Ending api = orvane("api GET users/1001/trips --query limit=100", anna);
+  EXPECT_EQ(all.output, api.output + "\n");
+  EXPECT_THAT(all.output, HasSubstr("\"avgKilometersPerHour\":"));
+  EXPECT_EQ(jsonOf("trips logbook --all", anna), nlohmann::json::parse(all.output));
+
+  const std::string id = sent[0]["tripId"];
+  check({prints("api GET /identity", "{\"userId\":\"1001\"}"),
+         prints("api GET identity --format table", "{\n  \"userId\": \"1001\"\n}\n"),
+         prints("api POST trips/" + id + " --query purpose=BUSINESS", HasSubstr("\"BUSINESS\"")),
+         {"api GET users/nobody", 44, HasSubstr("\"there is no such user\""),
+          AllOf(IsOneLine(), HasSubstr("[GET https://"))},
+         {"user show nobody --raw", 44, HasSubstr("\"not_found\""), IsOneLine()},
+         fails("api GET https://example.org/identity", 64, "not below the API root"),
+         fails("api GET identity --query page", 64, "a name, an equals sign"),
+         fails("api GET identity --header nonsense", 64, "--header"),
+         fails("api POST identity --data /nowhere", 64, "/nowhere can't be read"),
+         fails("api PATCH identity", 64, "METHOD")},
+        anna);
+  sandbox.misbehave({{"path", "/users/"}, {"body", "garbage"}});
+  const Ending unreadable = orvane("user show --raw", anna);
+  EXPECT_EQ(unreadable.exitCode, 21);
+  EXPECT_THAT(unreadable.output, Not(IsEmpty()));
+}
+
+TEST(CommandLineTest, ShowsBodiesOnRequestOnly) {
+  const SandboxProcess sandbox;
+  const Ending ending =
+      orvane("user update --display-name Zo --verbose=bodies", settingsOf(sandbox));
+  EXPECT_EQ(ending.exitCode, 0);
+  EXPECT_THAT(ending.errors, has("> Authorization: …", "\n> Zo\n", "< {\"userId\":\"1001\""));
+  EXPECT_THAT(ending.errors, Not(HasSubstr("eyJ")));
+}
+
+TEST(CommandLineTest, FailsWhereNothingCanBeWritten) {
+  const SandboxProcess sandbox;
+  const Environment anna = settingsOf(sandbox);
+  for (const char* command : {"user show", "--help", "--version", "trips list --json", "doctor",
+                              "completion bash", "config list", "api GET identity"}) {
+    for (const char* target : {" > /dev/full", " >&-"}) {
+      SCOPED_TRACE(std::string(command) + target);
+      const Ending ending =
+          run("/bin/sh",
+              {"-c", std::string("\"") + ORVANE_CLI_EXECUTABLE + "\" " + command + target}, anna);
+      EXPECT_EQ(ending.exitCode, 74);
+      EXPECT_THAT(ending.errors, AllOf(IsOneLine(), HasSubstr("can't be written")));
+    }
   }
 }
 

@@ -40,7 +40,7 @@ TEST(PeopleCommandsTest, InvitesToAVehicle) {
          fails("invitations respond 9011 decline", 40, "(409)")},
         nora);
   sandbox.behave();
-  check({prints("invitations respond 9011 accept_acknowledged --to 1007 --json", IsEmpty()),
+  check({prints("invitations respond 9011 accept_acknowledged --of 1007 --json", IsEmpty()),
          prints("invitations vehicles", HasSubstr("\n9011\taccepted-acknowledged\t")),
          prints("invitations remove-from-vehicle 1007 3006",
                 "The guest no longer drives the vehicle.\n")},
@@ -59,7 +59,7 @@ TEST(PeopleCommandsTest, TakesBackWhatInvitationsMade) {
         anna);
   EXPECT_THAT(sandbox.arrivals(), testing::Contains(Arrival{"DELETE users/1001/vehicles/", 204}));
 
-  check({fails("invitations cancel --from 1004", 43, "does not allow"),
+  check({fails("invitations cancel --of 1004", 43, "does not allow"),
          prints("invitations remove-from-vehicle 1004 3006",
                 "The guest no longer drives the vehicle.\n"),
          fails("invitations remove-from-vehicle 1004 3006", 44, "does not know")},
@@ -93,7 +93,7 @@ TEST(PeopleCommandsTest, RefusesInvitationsThatAreNone) {
           fails("invitations remove-from-vehicle 1004 ''", 64, "VEHICLE: '' is not"),
           fails("invitations remove-from-vehicle '' 3006", 64, "USER: '' is not"),
           fails("invitations remove-from-account 1106 ''", 64, "ACCOUNT: '' is not"),
-          fails("invitations cancel --from ''", 64, "--from: '' is not"),
+          fails("invitations cancel --of ''", 64, "--of: '' is not"),
           fails("invitations cancel 9001", 64, "9001"),
           fails("invitations send " + toNora + "--vehicles ''", 64, "--vehicles: '' is not"),
       },

@@ -31,6 +31,7 @@ class SandboxProcess {
   [[nodiscard]] std::string apiKey() const { return text("apiKey"); }
   /// The first person's: Anna's, user 1001. Accepted whatever the clocks say.
   [[nodiscard]] std::string developmentToken() const;
+  [[nodiscard]] pid_t processID() const noexcept { return process_->id(); }
   [[nodiscard]] const TemporaryFolder& folder() const noexcept { return folder_; }
 
   /// Makes it spoil answers: see its --help.

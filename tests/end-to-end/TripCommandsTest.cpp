@@ -111,8 +111,8 @@ TEST(TripCommandsTest, DrawTrips) {
 TEST(TripCommandsTest, ListsArePagesOrEverything) {
   SandboxProcess sandbox({"--weeks", "8"});
   const Environment anna = settingsOf(sandbox);
-  const Words columns{"id",      "started", "duration", "distance", "mode",
-                      "purpose", "score",   "events",   "vehicle"};
+  const Words columns{"id",    "started", "duration", "distance", "mode",   "purpose",
+                      "score", "events",  "vehicle",  "route",    "driver", "vehicle's name"};
   for (const char* list : {"list", "logbook"}) {
     const auto trips = [&](const std::string& more) {
       const Ending ending = orvane(std::string("trips ") + list + more, anna);
@@ -146,8 +146,7 @@ TEST(TripCommandsTest, ListsArePagesOrEverything) {
   const std::string own = orvane("trips list --all", anna).output;
   EXPECT_NE(orvane("trips list --all --of 1002", anna).output, own);
   const Rows ofVehicle = cellsOf(
-      orvane("trips by-vehicle 3001 --from 2000-01-01 --to 2099-12-31 --limit 500 --user 1001",
-             anna)
+      orvane("trips by-vehicle 3001 --from 2000-01-01 --to 2099-12-31 --limit 500 --of 1001", anna)
           .output);
   ASSERT_GT(ofVehicle.size(), 1U);
   for (std::size_t row = 1; row < ofVehicle.size(); ++row) {
@@ -181,7 +180,7 @@ TEST(TripCommandsTest, SayWhatTheyDoNotTake) {
           fails("trips list --limit 99999999999999999999", 64, "a whole number"),
           fails("trips list --of 1004", 43, "does not allow"),
           fails("trips by-vehicle 3001 --from 2024-02-01", 64, "--to is required"),
-          fails("trips by-vehicle 3001 --from soon --to later", 40, "(400)"),
+          fails("trips by-vehicle 3001 --from soon --to later", 64, "7-days-ago"),
           fails("trips by-vehicle 9 --from 2024-02-01 --to 2024-02-02", 44, "does not know"),
           fails("vehicles show 3001 --plate 'ZZ 1'", 44, "does not know"),
           fails("summary list --aggregate-by century", 40, "(400)"),
@@ -210,7 +209,8 @@ TEST(TripCommandsTest, LocationVehiclesSummaryAndAlerts) {
       {
           prints("location",
                  ContainsRegex("^latitude\t47\\.[0-9]+\nlongitude\t7\\.[0-9]+\ntime\t")),
-          prints("vehicles list", has("id\tname\tmake\tmodel\tyear\tplate\tVIN\n", "\n3001\t")),
+          prints("vehicles list",
+                 has("id\tname\tmake\tmodel\tyear\tplate\tVIN\towners\t", "\n3001\t")),
           prints("vehicles show 3001 --expand users-by-role,devices --plate 'BS 30461'",
                  has("plate\tBS 30461\n", "1001\tAnna K.", "serial number", "enrolled on\t20")),
           prints("summary show", AllOf(HasSubstr("\nuser\t1001\n"), Not(HasSubstr("detection")))),

@@ -436,12 +436,18 @@ TEST(TransportTest, TellsBrokenAnswersApart) {
       authority.issue({}));
   for (row = 0; row < rows.size(); ++row) {
     SCOPED_TRACE(rows[row].answer.substr(0, 100));
-    const auto result = get(*managerWith({.caPEM = authority.pem()}), server.url());
+    std::string shown;
+    const auto keep = [&](const Exchange& exchange) { shown = exchange.responseBody; };
+    const auto result =
+        get(*managerWith({.caPEM = authority.pem(), .observer = keep, .observerSeesSecrets = true}),
+            server.url());
     EXPECT_EQ(kindOf(result), rows[row].kind);
     if (!rows[row].kind) {
       EXPECT_EQ(result, Error(NetworkError::invalidStatusCode(403)));
       EXPECT_EQ(*result.error()->context(),
                 (ErrorContext{.status = 403, .reason = rows[row].reason}));
+      // Unpacked, for who is shown it.
+      EXPECT_NE(shown.find(rows[row].reason), std::string::npos);
     }
   }
 }

@@ -299,7 +299,8 @@ class ChartDocument {
   }
 
   void drawDays() {
-    constexpr std::size_t mostLabels = 16;
+    // Room for "30 Nov" and as much again beside it.
+    constexpr std::size_t mostLabels = 11;
     for (const DayTick& tick : dayTicks(period_.first, period_.last, mostLabels)) {
       line(x(tick.day), bottom, x(tick.day), bottom + 6, {{"class", "line"}});
       svg_.text(x(tick.day), bottom + 24, tick.label,

@@ -16,7 +16,9 @@ std::string headerLine(const std::string& name, const std::string& value) {
   constexpr std::string_view secrets[] = {"authorization", "proxy-authorization", "cookie",
                                           "set-cookie"};
   const auto isIt = [&](std::string_view secret) { return sameChoice(secret, name); };
-  return name + ": " + (std::ranges::any_of(secrets, isIt) ? blanked : value);
+  if (std::ranges::any_of(secrets, isIt)) return name + ": " + blanked;
+  const bool isURL = sameChoice(name, "location") || sameChoice(name, "content-location");
+  return name + ": " + (isURL ? withoutValues(value) : value);
 }
 
 // In one piece: the exchanges of several requests do not mix.
@@ -30,7 +32,9 @@ void show(const Exchange& exchange, bool withBodies) {
       std::string_view rest = body;
       while (!rest.empty()) {
         const std::size_t end = std::min(rest.find('\n'), rest.size());
-        add(mark, std::string(rest.substr(0, end)));
+        // The line ends of forms.
+        const bool isReturn = end > 0 && rest[end - 1] == '\r';
+        add(mark, std::string(rest.substr(0, isReturn ? end - 1 : end)));
         rest.remove_prefix(std::min(end + 1, rest.size()));
       }
     } else {
@@ -87,16 +91,16 @@ std::string ExchangeLog::lastRequest() const {
 }
 
 std::string withoutValues(std::string_view url) {
+  url = url.substr(0, url.find('#'));
   const std::size_t query = std::min(url.find('?'), url.size());
   std::string text(url.substr(0, query));
-  bool isValue = false;
-  for (const char character : url.substr(query)) {
-    if (character == '&') isValue = false;
-    if (!isValue) text += character;
-    if (character == '=' && !isValue) {
-      text += blanked;
-      isValue = true;
-    }
+  for (std::string_view rest = url.substr(query); !rest.empty();) {
+    // With the mark before it.
+    const std::string_view item = rest.substr(0, rest.find('&', 1));
+    // What has no name may be a value.
+    const std::size_t equals = item.find('=');
+    text.append(item.substr(0, equals == std::string_view::npos ? 1 : equals + 1)).append(blanked);
+    rest.remove_prefix(item.size());
   }
   return text;
 }

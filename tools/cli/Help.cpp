@@ -39,7 +39,7 @@ Entry entryOf(const Option& option) {
     entry.name += " " + option.label;
   }
   if (option.isRequired && !option.isPositional()) entry.meaning += " (required)";
-  const bool isInLabel = option.label == joined(option.choices, "|") || option.isBareAllowed;
+  const bool isInLabel = option.label.find('|') != std::string::npos || option.isBareAllowed;
   const bool isListed = !option.choices.empty() && option.choices.size() <= mostListed;
   if (isListed && (option.isPositional() || !isInLabel)) {
     entry.meaning += (option.isList ? "; any of " : "; one of ") + joined(option.choices, ", ");

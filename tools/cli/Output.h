@@ -71,13 +71,13 @@ class Column {
       : title(heading), rank(leavesAs) {
     using Value = std::remove_cvref_t<std::invoke_result_t<Read&, const Record&>>;
     if constexpr (requires(const Value& value) { value.has_value(); }) {
-      look = lookOf<typename Value::value_type>();
+      look = lookOf<typename Value::value_type, Convert>();
       text = [read, convert](const Record& record) -> std::string {
         const auto& value = std::invoke(read, record);
         return value ? toText(convert(*value)) : std::string();
       };
     } else {
-      look = lookOf<Value>();
+      look = lookOf<Value, Convert>();
       text = [read, convert](const Record& record) -> std::string {
         return toText(convert(std::invoke(read, record)));
       };
@@ -90,12 +90,13 @@ class Column {
   std::function<std::string(const Record&)> text;
 
  private:
-  template <class T>
+  // A number stays one with a unit; one that is made a time is a time.
+  template <class T, class Convert>
   static constexpr Look lookOf() {
+    using Shown = std::remove_cvref_t<std::invoke_result_t<const Convert&, const T&>>;
+    if constexpr (std::same_as<T, Date> || std::same_as<T, Moment>) return Look::time;
+    if constexpr (std::same_as<T, DateComponents> || std::same_as<Shown, Moment>) return Look::time;
     if constexpr (std::is_arithmetic_v<T> && !std::same_as<T, bool>) return Look::number;
-    if constexpr (std::same_as<T, Measure>) return Look::number;
-    if constexpr (std::same_as<T, Date> || std::same_as<T, DateComponents>) return Look::time;
-    if constexpr (std::same_as<T, Moment>) return Look::time;
     return Look::text;
   }
   // A column is no place for seconds and offset.

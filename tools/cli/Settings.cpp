@@ -221,8 +221,9 @@ std::optional<double> Settings::number(Setting setting) const {
 
 Failure Settings::refusal(Setting setting, const std::string& reason) const {
   return {source(setting) == Source::flag ? ExitCode::usage : ExitCode::configuration,
-          origin(setting) + ": " + flagOf(rowOf(setting)) + " is '" + text(setting).value_or("") +
-              "', which " + reason};
+          flagOf(rowOf(setting)) + " is '" + text(setting).value_or("") + "'" +
+              (source(setting) == Source::flag ? "" : " (from " + origin(setting) + ")") +
+              ", which " + reason};
 }
 
 Settings::Value& Settings::value(Setting setting) {

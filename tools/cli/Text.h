@@ -40,15 +40,10 @@ namespace orvane::cli {
 [[nodiscard]] std::string toText(const TripScores::SubScore& score);
 [[nodiscard]] std::string toText(DriverDetection::Status status);
 
-/// A number with its unit, as text: "12.3 km".
-struct Measure {
-  std::string text;
-};
 /// A point in time, as text.
 struct Moment {
   std::string text;
 };
-[[nodiscard]] inline std::string toText(const Measure& measure) { return measure.text; }
 [[nodiscard]] inline std::string toText(const Moment& moment) { return moment.text; }
 
 [[nodiscard]] inline std::string toText(const std::string& text) {

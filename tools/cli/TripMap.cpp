@@ -57,13 +57,16 @@ std::string wordOf(const std::optional<T>& value, Convert convert) {
   return value ? convert(*value) : std::string();
 }
 
+bool isUnderWay(const Trip& trip) { return trip.status == Trip::Status::inProgress; }
+
 std::string titleOf(const Trip& trip) { return "Trip " + trip.id.value_or("without an id"); }
 
 std::string subtitleOf(const Trip& trip) {
   const auto toWord = [](auto value) { return toText(value); };
   const auto minute = [&](Date date) { return localMinute(date, trip.timeZone); };
-  return joinedWords({wordOf(trip.dateStarted, minute), wordOf(trip.distance, kilometresOf),
-                      wordOf(trip.duration, durationOf), wordOf(trip.transportMode, toWord),
+  return joinedWords({isUnderWay(trip) ? "under way" : "", wordOf(trip.dateStarted, minute),
+                      wordOf(trip.distance, kilometresOf), wordOf(trip.duration, durationOf),
+                      wordOf(trip.transportMode, toWord),
                       wordOf(trip.purpose, [](Trip::Purpose purpose) {
                         return purpose == Trip::Purpose::unknown ? "" : toText(purpose);
                       })});
@@ -87,7 +90,7 @@ std::string lengthText(double metres) {
 
 // What stands for a place, or for what the legend explains, in the colour of a class.
 struct MapSign {
-  enum class Shape : std::uint8_t { disc, square, dots };
+  enum class Shape : std::uint8_t { disc, square, ring, dots };
   std::string paint;
   std::string letter{};  // in the disc, larger then
   Shape shape = Shape::disc;
@@ -95,6 +98,10 @@ struct MapSign {
 
 MapSign startSign() { return {"start"}; }
 MapSign endSign() { return {"end", {}, MapSign::Shape::square}; }
+// Of a trip under way.
+MapSign latestSign() { return {"end", {}, MapSign::Shape::ring}; }
+// A kind of event, whatever its severity: a ring, since greys are severities, too.
+MapSign kindSign(std::string letter) { return {"end", std::move(letter), MapSign::Shape::ring}; }
 
 constexpr std::string_view dotted = "1 7";
 
@@ -132,9 +139,12 @@ class SeverityPaints {
   std::map<std::string, const SeverityColour*> colours_;
 };
 
+constexpr double rim = 2;
+
+double radiusOf(const MapSign& sign) { return sign.letter.empty() ? 6 : 8; }
+
 void drawSign(SVG& svg, MapView::Point at, const MapSign& sign, std::string_view title = {}) {
-  const double radius = sign.letter.empty() ? 6 : 8;
-  constexpr double rim = 2;
+  const double radius = radiusOf(sign);
   if (sign.shape == MapSign::Shape::dots) {
     const SVGPath dots = SVGPath().moveTo(at.x - 7, at.y).lineTo(at.x + 8, at.y);
     svg.element("path", {{"class", sign.paint},
@@ -161,9 +171,11 @@ void drawSign(SVG& svg, MapView::Point at, const MapSign& sign, std::string_view
   };
   shape("paper", radius + rim, {});
   shape(sign.paint, radius, title);
+  const bool isRing = sign.shape == MapSign::Shape::ring;
+  if (isRing) shape("paper", radius - rim, title);
   if (sign.letter.empty()) return;
   svg.text(at.x, at.y + 3.5, sign.letter,
-           {{"class", "paper"},
+           {{"class", isRing ? sign.paint : "paper"},
             {"font-size", 10},
             {"font-weight", 700},
             {"text-anchor", "middle"},
@@ -183,10 +195,14 @@ struct MapLegend {
   double height = 0;
 };
 
-std::vector<LegendEntry> entriesOf(const TripShape& shape) {
+std::vector<LegendEntry> entriesOf(const TripShape& shape, bool isUnderWay) {
   std::vector<LegendEntry> entries;
   if (!shape.route.empty()) entries.push_back({startSign(), "start"});
-  if (shape.route.size() > 1) entries.push_back({endSign(), "end"});
+  if (shape.route.size() > 1 && isUnderWay) {
+    entries.push_back({latestSign(), "so far"});
+  } else if (shape.route.size() > 1) {
+    entries.push_back({endSign(), "end"});
+  }
   if (!shape.reconstructedStart.empty()) {
     entries.push_back({{"accent", {}, MapSign::Shape::dots}, "reconstructed start"});
   }
@@ -198,7 +214,7 @@ std::vector<LegendEntry> entriesOf(const TripShape& shape) {
   }
   for (const auto& [type, count] : types) {
     const std::string times = count > 1 ? " ×" + std::to_string(count) : "";
-    entries.push_back({{"muted", letterOf(type)}, toText(type) + times});
+    entries.push_back({kindSign(letterOf(type)), toText(type) + times});
   }
   for (const auto& severity : severities) {
     if (severity) entries.push_back({{paintOf(severity)}, toText(*severity)});
@@ -207,10 +223,10 @@ std::vector<LegendEntry> entriesOf(const TripShape& shape) {
 }
 
 // One entry after the other, in lines that leave room for the scale.
-MapLegend legendOf(const TripShape& shape) {
+MapLegend legendOf(const TripShape& shape, bool isUnderWay) {
   constexpr double widthOfColumn = 7.5;  // about what a letter takes
   constexpr double widthOfSign = 40;     // with the room around it
-  MapLegend legend{entriesOf(shape)};
+  MapLegend legend{entriesOf(shape, isUnderWay)};
   const double right = pageWidth - edge - longestBar - widthOfSign;
   double x = edge + 8;
   double y = lineHeight;
@@ -289,6 +305,8 @@ void drawGrid(SVG& svg, const MapView& view) {
   for (const double latitude : roundAngles(southEast.latitude, northWest.latitude)) {
     const double y = view.at({latitude, 0}).y;
     lines.moveTo(0, y).lineTo(mapWidth, y);
+    // Where the meridians' labels are there is no room for another.
+    if (y > view.height() - lineHeight) continue;
     svg.text(6, y - 4, degreesText(latitude, "N", "S"), look);
   }
   svg.element("path", {{"class", "line"}, {"d", lines.text()}, {"stroke", "currentColor"}});
@@ -365,8 +383,69 @@ void drawEnds(SVG& svg, const TripShape& shape, const MapView& view, const Trip&
   drawSign(svg, view.at(shape.route.front()), startSign(),
            joinedWords({"start", wordOf(trip.dateStarted, time)}));
   if (shape.route.size() == 1) return;
+  if (isUnderWay(trip)) return drawSign(svg, view.at(shape.route.back()), latestSign(), "so far");
   drawSign(svg, view.at(shape.route.back()), endSign(),
            joinedWords({"end", wordOf(trip.dateEnded, time)}));
+}
+
+// Finds room for signs that would lie on one another: as near to their places as there is some.
+class SignPlacer {
+ public:
+  explicit SignPlacer(double height) : height_(height) {}
+
+  /// Where a sign that belongs to `place` goes; no other one will lie there.
+  MapView::Point put(MapView::Point place) {
+    constexpr int farthest = 12;  // rings
+    MapView::Point free = place;
+    for (int ring = 0; ring <= farthest && isTaken(free); ++ring) {
+      for (int step = 0; step < 6 * ring && isTaken(free); ++step) {
+        const double angle = 2 * std::numbers::pi * step / (6 * ring);
+        const MapView::Point tried{place.x + ring * pitch * std::cos(angle),
+                                   place.y + ring * pitch * std::sin(angle)};
+        const bool isInside = tried.x > pitch / 2 && tried.x < mapWidth - pitch / 2 &&
+                              tried.y > pitch / 2 && tried.y < height_ - pitch / 2;
+        if (isInside) free = tried;
+      }
+    }
+    taken_[cellOf(free)].push_back(free);
+    return free;
+  }
+
+ private:
+  static constexpr double pitch = 21;  // of two signs side by side
+  using Cell = std::pair<std::int64_t, std::int64_t>;
+
+  static Cell cellOf(MapView::Point point) {
+    return {static_cast<std::int64_t>(std::floor(point.x / pitch)),
+            static_cast<std::int64_t>(std::floor(point.y / pitch))};
+  }
+
+  [[nodiscard]] bool isTaken(MapView::Point point) const {
+    const auto [column, row] = cellOf(point);
+    for (std::int64_t x = column - 1; x <= column + 1; ++x) {
+      for (std::int64_t y = row - 1; y <= row + 1; ++y) {
+        const auto found = taken_.find({x, y});
+        if (found == taken_.end()) continue;
+        for (const MapView::Point& other : found->second) {
+          if (std::hypot(other.x - point.x, other.y - point.y) < pitch - rim) return true;
+        }
+      }
+    }
+    return false;
+  }
+
+  const double height_;
+  std::map<Cell, std::vector<MapView::Point>> taken_;
+};
+
+// From a sign that had to make room to its place.
+void drawLeader(SVG& svg, MapView::Point place, MapView::Point sign, std::string_view paint) {
+  if (std::hypot(sign.x - place.x, sign.y - place.y) < 1) return;
+  svg.element("path", {{"class", paint},
+                       {"d", SVGPath().moveTo(place.x, place.y).lineTo(sign.x, sign.y).text()},
+                       {"stroke", "currentColor"},
+                       {"stroke-width", 1.5}});
+  svg.element("circle", {{"class", paint}, {"cx", place.x}, {"cy", place.y}, {"r", 2.5}});
 }
 
 void drawRoute(SVG& svg, const TripShape& shape, const MapView& view, const Trip& trip) {
@@ -382,8 +461,21 @@ void drawRoute(SVG& svg, const TripShape& shape, const MapView& view, const Trip
     drawLine(svg, mark->stretch, view, paintOf(severity(mark)), 6);
   }
   drawEnds(svg, shape, view, trip);
-  for (const TripShape::Mark* mark : marks) {
-    drawSign(svg, view.at(mark->place), {paintOf(severity(mark)), letterOf(*mark->what.type)},
+  SignPlacer placer(view.height());
+  if (!shape.route.empty()) {
+    placer.put(view.at(shape.route.front()));
+    placer.put(view.at(shape.route.back()));
+  }
+  // The worst has the first choice, and its sign is drawn last.
+  std::vector<std::pair<const TripShape::Mark*, MapView::Point>> placed;
+  for (auto mark = marks.rbegin(); mark != marks.rend(); ++mark) {
+    const MapView::Point place = view.at((*mark)->place);
+    placed.emplace_back(*mark, placer.put(place));
+    drawLeader(svg, place, placed.back().second, paintOf(severity(*mark)));
+  }
+  for (auto one = placed.rbegin(); one != placed.rend(); ++one) {
+    const auto& [mark, at] = *one;
+    drawSign(svg, at, {paintOf(severity(mark)), letterOf(*mark->what.type)},
              hoverTextOf(*mark, trip.timeZone));
   }
 }
@@ -454,7 +546,7 @@ std::string mapOf(const Trip& trip) {
   const TripShape shape = inOnePiece(shapeOf(trip));
   const Places places = everyPlaceOf(shape);
   const MapView view(places, mapWidth, lowestMap, highestMap, mapMargin);
-  const MapLegend legend = legendOf(shape);
+  const MapLegend legend = legendOf(shape, isUnderWay(trip));
   const double bottom = mapTop + view.height();
 
   const SeverityPaints severities(shape);

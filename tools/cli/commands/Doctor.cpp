@@ -251,7 +251,7 @@ struct Examine {
   static constexpr std::string_view summary = "Find out why the backend does not answer";
   static constexpr Example examples[] = {
       {"doctor", "settings, network, certificate, clock, token: a line each, and what to do"},
-      {"doctor --json | jq '.checks[] | select(.state == \"failed\")'", "for a script"},
+      {"doctor --json | jq -r '.checks[] | .state + \" \" + .check'", "for a script"},
   };
 
   void run(Session& session) const {

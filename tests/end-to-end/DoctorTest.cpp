@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: Apache-2.0
+// The command that finds out why nothing works, against a good backend and every kind of bad one;
+// and what --help tells a newcomer to try.
+#include "CommandLine.h"
+
+#include <filesystem>
+#include <sstream>
+#include <utility>
+
+namespace orvane::test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+// A backend that is bad in one way, and what is said of it.
+struct Patient {
+  const char* name;
+  std::string options;
+  int exitCode;
+  std::string finding;  // "failed\tconnection\t", or a part of it
+  std::string hint;
+};
+
+void examine(const std::vector<Patient>& patients, const Environment& environment) {
+  for (const Patient& patient : patients) {
+    SCOPED_TRACE(patient.name);
+    const Ending ending = orvane("doctor " + patient.options, environment);
+    EXPECT_EQ(ending.exitCode, patient.exitCode) << ending.output;
+    EXPECT_THAT(ending.output, has(patient.finding, patient.hint));
+    if (patient.exitCode != 0) {
+      EXPECT_THAT(ending.errors, AllOf(IsOneLine(), HasSubstr("failed")));
+    }
+  }
+}
+
+TEST(DoctorTest, FindsNothingWrongWithAGoodBackend) {
+  const SandboxProcess sandbox;
+  const Environment anna = settingsOf(sandbox);
+  const Ending ending = orvane("doctor", anna);
+  EXPECT_EQ(ending.exitCode, 0) << ending.errors;
+  for (const char* check :
+       {"setting base-url", "base URL", "name lookup", "connection", "encryption",
+        "certificate chain", "certificate name", "certificate dates", "answer", "clock", "token",
+        "identity", "one read"}) {
+    EXPECT_THAT(ending.output, HasSubstr(std::string("ok\t") + check + "\t"));
+  }
+  EXPECT_THAT(ending.output, HasSubstr("(from ORVANE_BASE_URL)"));
+  const nlohmann::json report = jsonOf("doctor --token " + sandbox.developmentToken(), anna);
+  EXPECT_EQ(report["ok"], true);
+  EXPECT_EQ(report["checks"].back()["finding"], "user 1001 is Anna K.");
+  EXPECT_THAT(report.dump(), Not(HasSubstr(sandbox.developmentToken())));
+}
+
+TEST(DoctorTest, SaysWhatIsWrongWithABadOne) {
+  SandboxProcess sandbox;
+  const Environment anna = settingsOf(sandbox);
+  const std::string url = sandbox.baseURL();
+  examine(
+      {
+          {"wrong port", "--base-url https://127.0.0.1:1", 11,
+           "failed\tconnection\t127.0.0.1, port 1", "is this its port?"},
+          {"wrong name", "--base-url https://orvane.invalid", 10,
+           "failed\tname lookup\torvane.invalid", "Is the name right?"},
+          {"wrong authority", "--ca-file /etc/ssl/certs/ca-certificates.crt", 12,
+           "failed\tcertificate chain\tissued by ", "--ca-file"},
+          {"doubled path", "--base-url " + url + "/kavra/api/sdk/", 78, "failed\tbase URL\t",
+           "it is added: " + url + "."},
+          {"wrong path", "--base-url " + url + "/elsewhere", 44, "failed\tanswer\t",
+           "is its path right?"},
+          {"no URL", "--base-url telematics", 78, "telematics is no URL", "https://"},
+          {"not encrypted", "--base-url http://telematics.example", 78, "is not encrypted",
+           "https"},
+          {"no TLS", "--base-url http://" + url.substr(8), 14, "failed\tanswer\t", ""},
+          {"wrong token", "--token wrong", 41, "failed\ttoken\tthe backend does not accept",
+           "has it not expired?"},
+          {"no file", "--config /nowhere", 78, "failed\tsettings\t/nowhere", "Correct that"},
+      },
+      anna);
+  for (const auto& [fault, patient] : std::initializer_list<std::pair<nlohmann::json, Patient>>{
+           {{{"body", "html"}}, {"a page", "", 21, "failed\tanswer\ta page (200", "sign-in page"}},
+           {{{"status", 500}},
+            {"500", "", 50, "failed\tanswer\tthe backend failed (500)", "later"}},
+           {{{"status", 401}}, {"401", "", 41, "failed\ttoken\t", "has it not expired?"}},
+           {{{"path", "/users/"}, {"body", "wrongType"}},
+            {"what can't be read", "", 21, "failed\tone read\t", "--verbose=bodies"}},
+       }) {
+    sandbox.behave();
+    sandbox.misbehave(fault);
+    examine({patient}, anna);
+  }
+}
+
+TEST(DoctorTest, TellsCertificatesAndClocksApart) {
+  struct Row {
+    std::vector<std::string> arguments;
+    Patient patient;
+  };
+  for (const Row& row : {
+           Row{{"--expired-certificate"},
+               {"expired", "", 12, "failed\tcertificate dates\tfrom ", "to renew it"}},
+           Row{{"--wrong-host"},
+               {"another's", "", 12, "failed\tcertificate name\tmade out to ", "these names"}},
+           Row{{"--skew", "900"},
+               {"ahead", "", 0, "warning\tclock\tthe backend's is 1", "this machine's clock"}},
+       }) {
+    const SandboxProcess sandbox(row.arguments);
+    examine({row.patient}, settingsOf(sandbox));
+  }
+}
+
+// --- What newcomers type -------------------------------------------------------------------------
+
+// Every example of every command's help.
+std::vector<std::string> examples() {
+  std::vector<std::string> commands;
+  std::istringstream manual(orvane("help --man").output);
+  for (std::string line; std::getline(manual, line);) {
+    if (line != ".nf" || !std::getline(manual, line)) continue;
+    for (const auto& [escaped, character] :
+         {std::pair("\\(aq", "'"), std::pair("\\-", "-"), std::pair("\\e", "\\")}) {
+      for (std::size_t at = 0; (at = line.find(escaped, at)) != std::string::npos; ++at) {
+        line.replace(at, std::string(escaped).size(), character);
+      }
+    }
+    commands.push_back(line);
+  }
+  return commands;
+}
+
+TEST(DoctorTest, EveryExampleShowsSomething) {
+  const SandboxProcess sandbox({"--weeks", "9"});
+  const TemporaryFolder folder;
+  const std::filesystem::path program = ORVANE_CLI_EXECUTABLE;
+  const Environment anna =
+      with(settingsOf(sandbox), {{"PATH", program.parent_path().string() + ":/usr/bin:/bin"},
+                                 {"ORVANE_FIRMWARE_HOST", sandbox.baseURL()},
+                                 {"HOME", folder.path().string()}});
+  const std::vector<std::string> commands = examples();
+  EXPECT_GT(commands.size(), 50U);
+  for (const std::string& command : commands) {
+    SCOPED_TRACE(command);
+    Environment environment = anna;
+    // Some things others may do.
+    if (command.find("activate ACT-1007") != std::string::npos)
+      environment["ORVANE_USER"] = "nora.frei";
+    if (command.find("remove-from-account") != std::string::npos)
+      environment["ORVANE_USER"] = "daniel.meier";
+    const Ending ending =
+        run("/bin/sh", {"-c", "cd '" + folder.path().string() + "' && " + command}, environment);
+    EXPECT_EQ(ending.exitCode, 0) << ending.errors;
+    const std::size_t redirection = command.find(" > ");
+    const std::string shown = redirection == std::string::npos
+                                  ? ending.output
+                                  : contentsOf(folder / command.substr(redirection + 3));
+    // A setting that is written needs no word.
+    const bool isQuiet = command.starts_with("orvane config set");
+    EXPECT_EQ(shown.empty(), isQuiet);
+    const bool isHeaderAlone =
+        shown.find('\t') < shown.find('\n') && shown.find('\n') + 1 == shown.size();
+    EXPECT_FALSE(isHeaderAlone) << shown;
+  }
+}
+
+}  // namespace
+}  // namespace orvane::test
