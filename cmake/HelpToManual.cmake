@@ -6,6 +6,7 @@ execute_process(
   OUTPUT_VARIABLE help
   COMMAND_ERROR_IS_FATAL ANY)
 get_filename_component(name ${PROGRAM} NAME_WE)
+string(REPLACE "${PROGRAM}" "${name}" help "${help}")
 string(TOUPPER ${name} title)
 string(REGEX MATCH "^[^\n]*" summary "${help}")
 string(REGEX REPLACE "\\.$" "" summary "${summary}")

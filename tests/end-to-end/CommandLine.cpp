@@ -49,6 +49,15 @@ Environment settingsOf(const SandboxProcess& sandbox, const std::string& user) {
           {"TZ", "UTC"}};
 }
 
+std::string readyFileOf(const SandboxProcess& sandbox, pid_t process) {
+  return nlohmann::json{{"baseURL", sandbox.baseURL()},
+                        {"caFile", sandbox.caFile()},
+                        {"apiKey", sandbox.apiKey()},
+                        {"token", sandbox.developmentToken()},
+                        {"pid", process}}
+      .dump();
+}
+
 Environment with(Environment environment, const Environment& changes) {
   for (const auto& [name, value] : changes) environment[name] = value;
   return environment;

@@ -31,6 +31,9 @@ using Words = std::vector<std::string>;
 [[nodiscard]] Environment settingsOf(const SandboxProcess& sandbox,
                                      const std::string& user = "anna.keller");
 
+/// What a sandbox that is that process says of itself in its data folder.
+[[nodiscard]] std::string readyFileOf(const SandboxProcess& sandbox, pid_t process);
+
 /// An environment with some variables changed, or without one.
 [[nodiscard]] Environment with(Environment environment, const Environment& changes);
 [[nodiscard]] Environment without(Environment environment, const std::string& name);

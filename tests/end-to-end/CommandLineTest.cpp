@@ -283,15 +283,7 @@ TEST(CommandLineTest, TalksToTheSandboxOnAFolder) {
   const SandboxProcess sandbox;
   const TemporaryFolder folder;
   std::filesystem::copy(sandbox.signingKeyFile(), folder / "signing.key");
-  const auto ready = [&](pid_t pid) {
-    return nlohmann::json{{"baseURL", sandbox.baseURL()},
-                          {"caFile", sandbox.caFile()},
-                          {"apiKey", sandbox.apiKey()},
-                          {"token", sandbox.developmentToken()},
-                          {"pid", pid}}
-        .dump();
-  };
-  writeFile(folder / "ready.json", ready(sandbox.processID()));
+  writeFile(folder / "ready.json", readyFileOf(sandbox, sandbox.processID()));
   const std::string option = "--sandbox=" + folder.path().string();
   const Environment elsewhere{{"ORVANE_BASE_URL", "https://orvane.invalid"},
                               {"ORVANE_TOKEN", "another"},
@@ -303,7 +295,7 @@ TEST(CommandLineTest, TalksToTheSandboxOnAFolder) {
          fails("user show --token wrong " + option, 41)},
         elsewhere);
   // One that was killed has left its file behind.
-  writeFile(folder / "ready.json", ready(std::numeric_limits<pid_t>::max()));
+  writeFile(folder / "ready.json", readyFileOf(sandbox, std::numeric_limits<pid_t>::max()));
   check({fails("user show " + option, 78, "no sandbox runs on")}, elsewhere);
 }
 

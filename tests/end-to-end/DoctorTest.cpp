@@ -130,6 +130,18 @@ std::vector<std::string> examples() {
   return commands;
 }
 
+// Those of the page about the command line, with the words that explain them.
+void addDocumented(std::vector<std::string>& commands) {
+  std::istringstream page(contentsOf(ORVANE_SOURCE_DIR "/docs/cli.md"));
+  bool isShell = false;
+  for (std::string line; std::getline(page, line);) {
+    if (line.starts_with("```")) isShell = line == "```sh";
+    // What is sourced needs a shell of its kind.
+    const bool isSourced = line.find("| source") != std::string::npos;
+    if (isShell && line.starts_with("orvane ") && !isSourced) commands.push_back(line);
+  }
+}
+
 TEST(DoctorTest, EveryExampleShowsSomething) {
   const SandboxProcess sandbox({"--weeks", "9"});
   const TemporaryFolder folder;
@@ -138,8 +150,13 @@ TEST(DoctorTest, EveryExampleShowsSomething) {
       with(settingsOf(sandbox), {{"PATH", program.parent_path().string() + ":/usr/bin:/bin"},
                                  {"ORVANE_FIRMWARE_HOST", sandbox.baseURL()},
                                  {"HOME", folder.path().string()}});
-  const std::vector<std::string> commands = examples();
+  std::filesystem::create_directory(folder / "orvane-sandbox-data");
+  writeFile(folder / "orvane-sandbox-data/ready.json", readyFileOf(sandbox, sandbox.processID()));
+  std::vector<std::string> commands = examples();
   EXPECT_GT(commands.size(), 50U);
+  const std::size_t helped = commands.size();
+  addDocumented(commands);
+  EXPECT_GT(commands.size(), helped + 5);
   for (const std::string& command : commands) {
     SCOPED_TRACE(command);
     Environment environment = anna;

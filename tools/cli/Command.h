@@ -143,19 +143,6 @@ void printAnswer(const V& verb, const Answer& answer, Session& session) {
   }
 }
 
-/// Runs the verb's call. The backend's own text is printed whether or not the library can read it.
-template <class V>
-void callAndPrint(const V& verb, Session& session) {
-  const auto operation = verb.ask(session);
-  const auto result = session.attempt(operation);
-  if (result) return printAnswer(verb, *result, session);
-  if (session.output().style().isRaw()) {
-    session.output().raw(session.log().lastAnswer());
-    session.finish();
-  }
-  throw failureOf(result.errorOr(NetworkError::unknown), session.log().lastRequest());
-}
-
 namespace detail {
 
 template <class V>
@@ -181,7 +168,7 @@ class VerbOf final : public Verb {
       verb_.run(session);
     } else {
       session.connect();
-      callAndPrint(verb_, session);
+      printAnswer(verb_, session.call(verb_.ask(session)), session);
     }
   }
 

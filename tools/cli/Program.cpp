@@ -71,7 +71,7 @@ class CommandLine {
   /// a command instead of saying that it does not know one.
   [[nodiscard]] std::string complaint(const CLI::ParseError& error,
                                       const CommandWords& words) const {
-    const std::string said = error.what();
+    std::string said = error.what();
     if (error.get_name() == "ArgumentMismatch" && said.find(" missing") != std::string::npos) {
       return said.substr(0, said.find(':')) + " needs a value";
     }
@@ -164,6 +164,15 @@ bool asksFor(std::string_view option, const std::vector<std::string>& words) {
   return std::find(words.begin(), end, option) != end;
 }
 
+// Whoever can't get through to the backend is told who finds out why.
+std::string withHint(const Failure& failure, const CommandWords& words) {
+  constexpr ExitCode codes[] = {ExitCode::nameLookup, ExitCode::connection, ExitCode::tls,
+                                ExitCode::protocol};
+  const bool isDoctor = words.resource != nullptr && words.resource->name() == "doctor";
+  const bool isHelped = !isDoctor && std::ranges::find(codes, failure.code()) != std::end(codes);
+  return std::string(failure.what()) + (isHelped ? " (orvane doctor looks into it)" : "");
+}
+
 ExitCode runVerb(const Verb& verb, Settings settings, const GlobalOptions& globals) {
   settings.load(globals.place());
   Session session(std::move(settings), globals.style(), globals.shown());
@@ -196,7 +205,7 @@ ExitCode runProgram(int argumentCount, const char* const* arguments) {
     return complain(ExitCode::usage,
                     line.complaint(error, words) + " (see " + pathOf(words) + " --help)");
   } catch (const Failure& failure) {
-    return complain(failure.code(), failure.what());
+    return complain(failure.code(), withHint(failure, words));
   } catch (const std::exception& exception) {
     return complain(ExitCode::internal, exception.what());
   }

@@ -22,11 +22,11 @@
 namespace orvane::cli {
 namespace {
 
-template <auto Free>
+template <auto free>
 struct Deleter {
   template <class T>
   void operator()(T* object) const {
-    Free(object);
+    free(object);
   }
 };
 using Context = std::unique_ptr<SSL_CTX, Deleter<SSL_CTX_free>>;
@@ -130,6 +130,7 @@ std::optional<ServerAddress> addressIn(const std::string& url) {
   rest = rest.substr(0, rest.find_first_of("/?#"));
   const bool isBracketed = rest.starts_with('[');
   const std::size_t end = isBracketed ? rest.find(']') : rest.find(':');
+  if (isBracketed && end == std::string_view::npos) return std::nullopt;
   address.host = rest.substr(isBracketed ? 1 : 0, end - (isBracketed ? 1 : 0));
   if (end != std::string_view::npos) rest.remove_prefix(end + (isBracketed ? 1 : 0));
   const auto port = end != std::string_view::npos && rest.starts_with(':')

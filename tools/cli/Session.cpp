@@ -142,6 +142,14 @@ std::string Session::userID() {
   return call(lookup).userID;
 }
 
+void Session::fail(const Error& error) {
+  if (output_.style().isRaw()) {
+    output_.raw(log_->lastAnswer());
+    finish();
+  }
+  throw failureOf(error, log_->lastRequest());
+}
+
 bool Session::await(const RequestHandle& request, TimeLimit limit) {
   interrupt_.watch(request);
   bool isInTime = true;

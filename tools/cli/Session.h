@@ -51,7 +51,7 @@ class Session {
   [[nodiscard]] T call(const Operation<T>& operation) {
     Result<T> result = attempt(operation);
     if (result) return *std::move(result);
-    throw failureOf(result.errorOr(NetworkError::unknown), log_->lastRequest());
+    fail(result.errorOr(NetworkError::unknown));
   }
 
   /// The same, with the error as a value.
@@ -65,8 +65,12 @@ class Session {
   [[nodiscard]] T download(Start&& start) {
     Result<T> result = outcomeOf<T>(Future<T>(std::forward<Start>(start)), std::nullopt);
     if (result) return *std::move(result);
-    throw failureOf(result.errorOr(NetworkError::unknown), log_->lastRequest());
+    fail(result.errorOr(NetworkError::unknown));
   }
+
+  /// Throws the `Failure` for an error of a call. Who wants the backend's own text gets it before,
+  /// whatever it says.
+  [[noreturn]] void fail(const Error& error);
 
   /// Does what can't be cancelled, and may take long: Ctrl-C ends the process meanwhile.
   template <class Work>

@@ -255,6 +255,10 @@ std::string durationOf(double seconds) {
 
 Date dateOfMilliseconds(double milliseconds) { return dateFromSeconds(milliseconds / 1000.0); }
 
+Moment minuteOfMilliseconds(double milliseconds) {
+  return {localMinute(dateOfMilliseconds(milliseconds), std::nullopt)};
+}
+
 std::string visible(std::string_view text) {
   std::string shown;
   while (!text.empty()) {

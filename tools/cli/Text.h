@@ -84,6 +84,8 @@ template <class T>
 [[nodiscard]] std::string durationOf(double seconds);
 /// A point in time that a record keeps as a number of milliseconds since 1970-01-01 UTC.
 [[nodiscard]] Date dateOfMilliseconds(double milliseconds);
+/// The same to the minute, for a column.
+[[nodiscard]] Moment minuteOfMilliseconds(double milliseconds);
 
 /// `text` with every control character, those that move a terminal's cursor included, written as
 /// an escape ("\n", "\x1b"), and what is not UTF-8 as a replacement character.

@@ -468,13 +468,14 @@ void drawRoute(SVG& svg, const TripShape& shape, const MapView& view, const Trip
   }
   // The worst has the first choice, and its sign is drawn last.
   std::vector<std::pair<const TripShape::Mark*, MapView::Point>> placed;
-  for (auto mark = marks.rbegin(); mark != marks.rend(); ++mark) {
-    const MapView::Point place = view.at((*mark)->place);
-    placed.emplace_back(*mark, placer.put(place));
-    drawLeader(svg, place, placed.back().second, paintOf(severity(*mark)));
+  std::ranges::reverse(marks);
+  for (const TripShape::Mark* mark : marks) {
+    const MapView::Point place = view.at(mark->place);
+    placed.emplace_back(mark, placer.put(place));
+    drawLeader(svg, place, placed.back().second, paintOf(severity(mark)));
   }
-  for (auto one = placed.rbegin(); one != placed.rend(); ++one) {
-    const auto& [mark, at] = *one;
+  std::ranges::reverse(placed);
+  for (const auto& [mark, at] : placed) {
     drawSign(svg, at, {paintOf(severity(mark)), letterOf(*mark->what.type)},
              hoverTextOf(*mark, trip.timeZone));
   }

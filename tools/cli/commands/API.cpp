@@ -112,13 +112,14 @@ struct SendRequest {
     });
     const Result<std::string> answer = session.attempt(request);
     Output& output = session.output();
-    const std::string text = answer ? *answer : session.log().lastAnswer();
+    if (!answer && output.style().isRaw()) session.fail(answer.errorOr(NetworkError::unknown));
     // Bodies of refusals, too: they say why.
+    const std::string text = answer ? *answer : session.log().lastAnswer();
     if (!text.empty() && output.style().isJSON()) output.json(text);
     if (!text.empty() && !output.style().isJSON()) print(text, output);
     if (answer) return;
     session.finish();
-    throw failureOf(answer.errorOr(NetworkError::unknown), session.log().lastRequest());
+    session.fail(answer.errorOr(NetworkError::unknown));
   }
 
  private:

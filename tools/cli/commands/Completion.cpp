@@ -139,7 +139,7 @@ bool isFresh(const std::filesystem::path& file) {
   const auto written = std::filesystem::last_write_time(file, failure);
   if (failure) return false;
   const auto age = std::filesystem::file_time_type::clock::now() - written;
-  return age >= age.zero() && age < longest;
+  return age >= std::chrono::seconds(0) && age < longest;
 }
 
 std::vector<Candidate> askedOf(Settings settings, Listed listed) {
@@ -151,7 +151,7 @@ std::vector<Candidate> askedOf(Settings settings, Listed listed) {
   Session session(std::move(settings), {}, ExchangeLog::Shown::nothing);
   Logger::setShared(std::make_shared<FunctionLogger>([](const Logger::Entry&) {}));
   session.connect();
-  const std::vector<Candidate> found = lister(session);
+  std::vector<Candidate> found = lister(session);
   if (cache.empty()) return found;
   std::string text;
   for (const auto& [word, meaning] : found) text += visible(word) + "\t" + visible(meaning) + "\n";

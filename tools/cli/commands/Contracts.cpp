@@ -7,10 +7,6 @@
 namespace orvane::cli {
 namespace {
 
-Date dateOf(double milliseconds) { return dateOfMilliseconds(milliseconds); }
-
-Moment minuteOf(double milliseconds) { return {localMinute(dateOf(milliseconds), std::nullopt)}; }
-
 std::string daysOf(double milliseconds) {
   constexpr double millisecondsPerDay = 86'400'000;
   return decimal(milliseconds / millisecondsPerDay, 1);
@@ -30,11 +26,11 @@ struct ListSubscriptions {
     output.table(Table("subscriptions", subscriptions,
                        {{"enrolment", &S::telematicSubscriptionEnrollmentId},
                         {"type", &S::telematicSubscriptionType},
-                        {"start", &S::startTimestamp, minuteOf},
-                        {"end", &S::endTimestamp, minuteOf, 1},
+                        {"start", &S::startTimestamp, minuteOfMilliseconds},
+                        {"end", &S::endTimestamp, minuteOfMilliseconds, 1},
                         {"days", &S::subscriptionLengthMillis, daysOf, 2},
                         {"trial days", &S::trialLengthMillis, daysOf, 4},
-                        {"trial end", &S::trialEndTimestamp, minuteOf, 3}}));
+                        {"trial end", &S::trialEndTimestamp, minuteOfMilliseconds, 3}}));
   }
 };
 
@@ -56,7 +52,7 @@ struct ListNamedDrivers {
                         {"e-mail", &Driver::email, 2},
                         {"phone", &Driver::phone, 3},
                         {"activated", &Driver::activated, 1},
-                        {"activated on", &Driver::activatedDate, minuteOf, 4}}));
+                        {"activated on", &Driver::activatedDate, minuteOfMilliseconds, 4}}));
   }
 };
 
@@ -92,7 +88,7 @@ struct UpdateNamedDriver {
                      .row("e-mail", driver.email)
                      .row("phone", driver.phone)
                      .row("activated", toText(driver.activated))
-                     .row("activated on", driver.activatedDate, dateOf));
+                     .row("activated on", driver.activatedDate, dateOfMilliseconds));
   }
 };
 

@@ -39,9 +39,6 @@ Block blockOf(const Invitation& invitation) {
 }
 
 Table tableOf(const Invitations& invitations, const char* subject) {
-  const auto minute = [](double milliseconds) {
-    return Moment{localMinute(dateOfMilliseconds(milliseconds), std::nullopt)};
-  };
   return {"invitations",
           invitations,
           {{"id", &Invitation::invitationId},
@@ -49,7 +46,7 @@ Table tableOf(const Invitations& invitations, const char* subject) {
            {"from", [](const Invitation& invitation) { return textOf(invitation.fromUser); }, 1},
            {"to", [](const Invitation& invitation) { return textOf(invitation.toUser); }, 1},
            {subject, subjectOf},
-           {"created", &Invitation::creationTimestamp, minute, 2}}};
+           {"created", &Invitation::creationTimestamp, minuteOfMilliseconds, 2}}};
 }
 
 struct ListsInvitations {

@@ -89,17 +89,14 @@ struct ListSummaries {
 
   static void print(const Periods& periods, Output& output) {
     using Period = DrivingSummaryResult;
-    const auto moment = [](double milliseconds) {
-      return Moment{localMinute(dateOfMilliseconds(milliseconds), std::nullopt)};
-    };
     const auto lasting = [](std::int64_t seconds) {
       return durationOf(static_cast<double>(seconds));
     };
     const auto speed = [](double kilometres) { return decimal(kilometres, 0) + " km/h"; };
     const auto litres = [](double volume) { return decimal(volume, 1) + " l"; };
     output.table(Table("periods", periods,
-                       {{"from", &Period::startDate, moment},
-                        {"to", &Period::endDate, moment, 1},
+                       {{"from", &Period::startDate, minuteOfMilliseconds},
+                        {"to", &Period::endDate, minuteOfMilliseconds, 1},
                         {"trips", &Period::numberOfTrips, 2},
                         {"distance", &Period::kmOfDriving, kilometresText},
                         {"driving", &Period::secondsOfDriving, lasting, 3},
