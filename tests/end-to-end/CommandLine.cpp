@@ -2,6 +2,7 @@
 #include "CommandLine.h"
 
 #include <algorithm>
+#include <fstream>
 #include <sstream>
 
 namespace orvane::test {
@@ -50,12 +51,9 @@ Environment settingsOf(const SandboxProcess& sandbox, const std::string& user) {
 }
 
 std::string readyFileOf(const SandboxProcess& sandbox, pid_t process) {
-  return nlohmann::json{{"baseURL", sandbox.baseURL()},
-                        {"caFile", sandbox.caFile()},
-                        {"apiKey", sandbox.apiKey()},
-                        {"token", sandbox.developmentToken()},
-                        {"pid", process}}
-      .dump();
+  auto description = nlohmann::json::parse(std::ifstream(sandbox.folder() / "data/ready.json"));
+  description["pid"] = process;
+  return description.dump();
 }
 
 Environment with(Environment environment, const Environment& changes) {

@@ -165,7 +165,7 @@ void Settings::readSandbox(const std::filesystem::path& folder) {
   };
   take(Setting::baseURL, "baseURL");
   take(Setting::firmwareHost, "baseURL");
-  take(Setting::caFile, "caFile");
+  take(Setting::caFile, "certificateAuthority");
   take(Setting::apiKey, "apiKey");
   // Somebody else than the sandbox's default person needs a token of their own.
   if (source(Setting::user) == Source::flag) {

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+// The commands that stand on the project's pages, run as they stand: beside a sandbox that has been
+// started as the pages say, with the settings that it prints.
+#include "CommandLine.h"
+#include "SandboxProcess.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane::test {
+namespace {
+
+struct Block {
+  std::string place;
+  std::string script;
+};
+
+// What other tests hold, and what stays until it is ended.
+bool isRunElsewhere(std::string_view line) {
+  for (const std::string_view start :
+       {"./dev", "cmake ", "  -DORVANE", "export PATH=", "source "}) {
+    if (line.starts_with(start)) return true;
+  }
+  const std::string_view command = line.substr(0, line.find(" #"));
+  const auto end = command.find_last_not_of(' ');
+  return command.substr(0, end + 1) == "orvane-sandbox" || line.find("| source") != line.npos;
+}
+
+// The shell's blocks of a page, without what is run elsewhere. Programs go by their names.
+std::vector<Block> blocksOf(const std::string& page) {
+  std::vector<Block> blocks;
+  std::ifstream text(std::string(ORVANE_SOURCE_DIR) + "/" + page);
+  bool isInside = false;
+  std::size_t number = 0;
+  for (std::string line; std::getline(text, line);) {
+    ++number;
+    if (line == "```sh") {
+      isInside = true;
+      blocks.push_back({page + ":" + std::to_string(number), "set -eu\n"});
+      continue;
+    }
+    if (line == "```") isInside = false;
+    if (!isInside) continue;
+    for (const std::string folder : {"tools/cli/", "tools/sandbox/", "examples/"}) {
+      const std::string path = "build/release/" + folder;
+      for (auto at = line.find(path); at != line.npos; at = line.find(path)) {
+        line.erase(at, path.size());
+      }
+    }
+    if (!isRunElsewhere(line)) blocks.back().script += line + "\n";
+  }
+  return blocks;
+}
+
+std::string folderOf(const char* program) {
+  return std::filesystem::path(program).parent_path().string();
+}
+
+TEST(PagesTest, commandsWorkAsTheyStand) {
+  // As many weeks as a sandbox has unless it is told: the pages speak of a month.
+  const SandboxProcess sandbox({"--weeks", "8"});
+  const TemporaryFolder folder;
+  std::filesystem::create_directory_symlink(sandbox.folder() / "data",
+                                            folder / "orvane-sandbox-data");
+  const char* path = std::getenv("PATH");
+  const Environment environment{
+      {"PATH", folderOf(ORVANE_CLI_EXECUTABLE) + ":" + folderOf(ORVANE_SANDBOX_EXECUTABLE) + ":" +
+                   ORVANE_EXAMPLES_FOLDER + ":" + (path == nullptr ? "" : path)},
+      {"HOME", folder.path().string()},
+      {"ORVANE_BASE_URL", sandbox.baseURL()},
+      {"ORVANE_CA_FILE", sandbox.caFile()},
+      {"ORVANE_API_KEY", sandbox.apiKey()},
+      {"ORVANE_TOKEN", sandbox.developmentToken()}};
+  int count = 0;
+  for (const char* page : {"README.md", "docs/cli.md", "docs/sandbox.md"}) {
+    for (const Block& block : blocksOf(page)) {
+      const Ending ending = run(
+          "/bin/sh", {"-c", "cd '" + folder.path().string() + "'\n" + block.script}, environment);
+      EXPECT_EQ(ending.exitCode, 0) << block.place << '\n' << block.script << ending.errors;
+      count += block.script.find('\n') + 1 < block.script.size() ? 1 : 0;
+    }
+  }
+  EXPECT_GE(count, 5) << "the pages' commands are not found";
+}
+
+}  // namespace
+}  // namespace orvane::test
