@@ -89,7 +89,7 @@ slow=(
   "15 tsan ./dev test tsan -L unit|runtime"
   "20 trixie ./dev test trixie"
   "20 bookworm ./dev test bookworm"
-  "14 fuzz ./dev fuzz 120"
+  "15 fuzz ./dev fuzz 120"
   "10 soak-asan ./dev soak 5 asan"
   "10 soak-tsan ./dev soak 5 tsan"
 )
