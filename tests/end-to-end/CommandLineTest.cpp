@@ -363,10 +363,12 @@ TEST(CommandLineTest, PrintsWhatTheBackendSent) {
          {"user show nobody --raw", 44, HasSubstr("\"not_found\""), IsOneLine()},
          fails("api GET https://example.org/identity", 64, "not below the API root"),
          fails("api GET identity --query page", 64, "a name, an equals sign"),
-         fails("api GET identity --header nonsense", 64, "--header"),
+         fails("api GET identity --header nonsense", 64, "a name, a colon"),
          fails("api POST identity --data /nowhere", 64, "/nowhere can't be read"),
          fails("api PATCH identity", 64, "METHOD")},
         anna);
+  static_cast<void>(orvane("api GET identity --query 'a=b c,d&e' --query f=", anna));
+  EXPECT_EQ(sandbox.lastRequest(), "GET identity?a=b%20c,d%26e&f=");
   sandbox.misbehave({{"path", "/users/"}, {"body", "garbage"}});
   const Ending unreadable = orvane("user show --raw", anna);
   EXPECT_EQ(unreadable.exitCode, 21);

@@ -10,7 +10,7 @@ namespace {
 void addValues(Candidates& candidates, const Option& option) {
   candidates.listed = option.listed;
   for (const std::string& choice : option.choices) candidates.words.push_back({choice});
-  if (!option.isList) return;
+  if (!option.isList || option.isWhole) return;
   const std::size_t comma = candidates.begun.rfind(',');
   if (comma == std::string::npos) return;
   candidates.before += candidates.begun.substr(0, comma + 1);

@@ -24,7 +24,8 @@ struct Option {
   std::vector<std::string> choices{};  ///< What a value may be, or what most are.
   Listed listed = Listed::nothing;     ///< What a value names.
   bool isRequired = false;
-  bool isList = false;  ///< May be repeated, or hold several values with commas between them.
+  bool isList = false;   ///< May be repeated, or hold several values with commas between them.
+  bool isWhole = false;  ///< A comma is part of its values.
   bool isBareAllowed = false;  ///< Needs no value; one follows an equals sign: "--sandbox=DIR".
   std::function<bool(const std::string&)> accept{};  ///< Takes a value; false refuses it.
 
@@ -111,6 +112,7 @@ class Options {
     if constexpr (requires { Argument<Value>::choices(); }) {
       option.choices = Argument<Value>::choices();
     }
+    option.isWhole = requires { Argument<Value>::isWhole; };
     if constexpr (requires { Argument<Value>::listed; }) option.listed = Argument<Value>::listed;
     option.label = std::string(Argument<Value>::label);
     if (option.label.empty()) option.label = labelOf(option.choices);

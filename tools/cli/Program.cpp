@@ -42,7 +42,8 @@ void addOption(CLI::App& app, const Option& option) {
   };
   CLI::Option* added = app.add_option_function<std::vector<std::string>>(option.name, take);
   added->required(option.isRequired)->allow_extra_args(option.isPositional() && option.isList);
-  if (option.isList && !option.isPositional()) added->delimiter(',');
+  const bool isSplit = option.isList && !option.isPositional() && !option.isWhole;
+  if (isSplit) added->delimiter(',');
   if (!option.isList) added->expected(1);
 }
 

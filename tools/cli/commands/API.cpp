@@ -6,6 +6,7 @@
 #include <Orvane/Core/OrvaneDetails.h>
 #include <Orvane/Services/User/UserService.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
@@ -23,10 +24,29 @@ template <>
 struct Argument<QueryItem> {
   static constexpr std::string_view label = "NAME=VALUE";
   static constexpr std::string_view meaning = "a name, an equals sign and a value";
+  static constexpr bool isWhole = true;
   [[nodiscard]] static std::optional<QueryItem> parse(std::string_view text) {
     const std::size_t equals = text.find('=');
     if (equals == 0 || equals == std::string_view::npos) return std::nullopt;
     return QueryItem{std::string(text)};
+  }
+};
+
+struct HeaderLine {
+  std::string name;
+  std::string value;
+};
+
+template <>
+struct Argument<HeaderLine> {
+  static constexpr std::string_view label = "'NAME: VALUE'";
+  static constexpr std::string_view meaning = "a name, a colon and a value";
+  static constexpr bool isWhole = true;
+  [[nodiscard]] static std::optional<HeaderLine> parse(std::string_view text) {
+    const std::size_t colon = text.find(':');
+    if (colon == 0 || colon == std::string_view::npos) return std::nullopt;
+    const std::size_t value = std::min(text.find_first_not_of(" \t", colon + 1), text.size());
+    return HeaderLine{std::string(text.substr(0, colon)), std::string(text.substr(value))};
   }
 };
 
@@ -83,7 +103,7 @@ struct SendRequest {
   std::string path;
   std::vector<QueryItem> query;
   std::optional<std::filesystem::path> data;
-  std::vector<std::string> headers;
+  std::vector<HeaderLine> headers;
 
   void declare(Options& options) {
     options.positional("METHOD", verb, "What to do");
@@ -91,7 +111,7 @@ struct SendRequest {
                        "The path below the API root, or a whole URL of the backend's");
     options.option("--query", query, "A parameter of the query; may be repeated");
     options.option("--data", data, "The file with the body, JSON unless a header says otherwise");
-    options.option("--header", headers, "A header, as Name: value; may be repeated");
+    options.option("--header", headers, "A header; may be repeated");
   }
 
   void run(Session& session) const {
@@ -165,14 +185,7 @@ struct SendRequest {
       all["Content-Type"] = "application/json";
       all["X-Requested-With"] = "XMLHttpRequest";
     }
-    for (const std::string& header : headers) {
-      const std::size_t colon = header.find(':');
-      if (colon == 0 || colon == std::string::npos) {
-        throw Failure(ExitCode::usage, "--header: '" + header + "' is no name, colon and value");
-      }
-      const std::size_t value = header.find_first_not_of(" \t", colon + 1);
-      all[header.substr(0, colon)] = value == std::string::npos ? "" : header.substr(value);
-    }
+    for (const HeaderLine& header : headers) all[header.name] = header.value;
     return all;
   }
 };

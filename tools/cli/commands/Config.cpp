@@ -57,7 +57,7 @@ struct ListConfig {
       output.table(Table("settings", settingRows(),
                          {{"setting", [](const SettingRow& row) { return std::string(row.name); }},
                           {"value", valueOf},
-                          {"from", originOf}}));
+                          {"from", originOf, 1}}));
     }
     session.finish();
     settings.check();
