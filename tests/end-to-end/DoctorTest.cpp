@@ -76,6 +76,8 @@ TEST(DoctorTest, SaysWhatIsWrongWithABadOne) {
           {"no TLS", "--base-url http://" + url.substr(8), 14, "failed\tanswer\t", ""},
           {"wrong token", "--token wrong", 41, "failed\ttoken\tthe backend does not accept",
            "has it not expired?"},
+          {"no number", "--timeout soon", 64, "failed\tsettings\t--timeout is 'soon'",
+           "Correct that"},
           {"no file", "--config /nowhere", 78, "failed\tsettings\t/nowhere", "Correct that"},
       },
       anna);

@@ -23,6 +23,7 @@ struct Check {
 };
 
 constexpr std::string_view apiRoot = "/kavra/api/sdk";
+constexpr const char* correction = "Correct that; orvane config list shows what is in force.";
 
 std::string headerOf(const Exchange& exchange, std::string_view name) {
   for (const auto& [header, value] : exchange.responseHeaders) {
@@ -39,8 +40,13 @@ class Examination {
   std::vector<Check> run() {
     settings();
     baseURL();
-    server();
-    answer();
+    try {
+      server();
+      answer();
+    } catch (const Failure& failure) {
+      if (failure.code() == ExitCode::cancelled) throw;
+      fail("settings", failure.code(), failure.what(), correction);
+    }
     return std::move(checks_);
   }
 
@@ -73,8 +79,7 @@ class Examination {
            value + " (from " + settings_.origin(row.setting) + ")");
     }
     if (settings_.faults().empty()) return;
-    fail("settings", ExitCode::configuration, settings_.faults(),
-         "Correct that; orvane config list shows what is in force.");
+    fail("settings", ExitCode::configuration, settings_.faults(), correction);
   }
 
   void baseURL() {
@@ -148,12 +153,7 @@ class Examination {
       for (const char* name : {"answer", "clock", "token", "identity", "one read"}) skip(name);
       return;
     }
-    try {
-      session_.connect();
-    } catch (const Failure& failure) {
-      return fail("settings", failure.code(), failure.what(),
-                  "Correct that; orvane config list shows what is in force.");
-    }
+    session_.connect();
     std::string user;
     std::optional<Failure> failure;
     try {
