@@ -77,6 +77,7 @@ tests_of() {
   grep -hE 'tests passed, .* tests? failed out of' "$logs/$1.log" 2>/dev/null | tail -n 1 || true
 }
 
+step setup ./dev setup http2
 step test ./dev test
 step demo ./dev demo
 step lint ./dev lint

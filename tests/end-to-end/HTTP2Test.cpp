@@ -104,7 +104,7 @@ std::string content(const std::string& path) {
 class HTTP2Test : public testing::Test {
  protected:
   void SetUp() override {
-    if (!std::ifstream(ORVANE_NGHTTPX)) GTEST_SKIP() << "nghttpx (package nghttp2-proxy) lacks";
+    if (!std::ifstream(ORVANE_NGHTTPX)) GTEST_SKIP() << "nghttpx lacks: ./dev setup http2";
     sandbox_ = std::make_unique<SandboxProcess>();
     proxy_ = std::make_unique<Proxy>(*sandbox_);
   }
