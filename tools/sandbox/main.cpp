@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // orvane-sandbox: a local backend over HTTPS with believable data.
+#include "HelpFormatter.h"
 #include "Program.h"
 
 #include <CLI/CLI.hpp>
@@ -35,24 +36,29 @@ const CLI::Validator isHostName{
     ""};
 
 constexpr const char* footer = R"(
-Tokens: a JSON Web Token signed with HS256 and the key whose 64 hexadecimal digits stand in
-DIR/signing.key, with the claims "sub" (a user's external reference id), "iat" and "exp". For
-development the fixed token sandbox-token-<userId> is accepted as well, for example
-  curl --cacert DIR/ca.pem -H 'Authorization: Bearer sandbox-token-1001' URL/kavra/api/sdk/identity
+Tokens: a JSON Web Token signed with HS256 and the key whose 64 hexadecimal
+digits stand in DIR/signing.key, with the claims "sub" (a user's external
+reference id), "iat" and "exp". For development the fixed token
+sandbox-token-<userId> is accepted as well.
 
 In one line, the settings for orvane and the examples in the environment:
   orvane-sandbox --exec -- orvane trips list --limit 3
 
-Misbehaviour: a JSON object with any of "status", "delayMs", "bytesPerSecond", "cutAfterBytes",
-"drop", "date", "body" (garbage, empty, notUtf8, huge, gzipBomb, wrongType, null, emptyObject, deep, html,
-truncated) and, to narrow it, "times", "method" and "path" (an extended regular expression).)";
+Misbehaviour: a JSON object with any of "status", "delayMs", "bytesPerSecond",
+"cutAfterBytes", "drop", "date" and "body" (garbage, empty, notUtf8, huge,
+gzipBomb, wrongType, null, emptyObject, deep, html, truncated), and, to narrow
+it, "times", "method" and "path" (an extended regular expression).)";
 
 void declare(CLI::App& app, Flags& flags) {
+  app.formatter(std::make_shared<HelpFormatter>());
+  app.set_help_flag("-h,--help", "Print this text");
+  app.set_version_flag("--version", "orvane-sandbox " ORVANE_SANDBOX_VERSION, "Print the version");
   app.footer(footer);
   app.add_option("--data", flags.data, "Folder for data, keys and certificates; made when missing")
       ->type_name("DIR")
       ->capture_default_str();
-  app.add_option("--port", flags.options.port, "Port on 127.0.0.1; 0 takes a free one")
+  app.add_option("--port", flags.options.port, "Port to listen on; 0 takes a free one")
+      ->type_name("PORT")
       ->check(CLI::Range(0, 65535))
       ->capture_default_str();
   app.add_option("--host", flags.options.host,
@@ -79,7 +85,8 @@ void declare(CLI::App& app, Flags& flags) {
          "Lay the data around this time (yyyy-MM-dd or yyyy-MM-ddThh:mm:ssZ) and keep it as "
          "today; the default is the clock's time")
       ->type_name("TIME");
-  app.add_option("--weeks", flags.options.backend.weeks, "Weeks of trips to lay")
+  app.add_option("--weeks", flags.options.backend.weeks, "Weeks of trips to lay, 104 at most")
+      ->type_name("NUMBER")
       ->check(CLI::Range(1, 104))
       ->capture_default_str();
   app.add_flag("--fresh", flags.options.backend.fresh, "Lay the data anew, forgetting all changes");
@@ -87,7 +94,9 @@ void declare(CLI::App& app, Flags& flags) {
                  "Seconds that the server's clock runs ahead")
       ->type_name("SECONDS");
   app.add_flag("--plain-http", flags.options.plainHttp, "Serve without TLS");
-  app.add_option("--certificate", flags.flaw, "Flaw of the server certificate")
+  app.add_option("--certificate", flags.flaw,
+                 "Flaw of the server certificate: none, expired or wrong-host")
+      ->type_name("FLAW")
       ->check(CLI::IsMember({"none", "expired", "wrong-host"}))
       ->capture_default_str();
   app.add_flag_callback(
@@ -98,7 +107,9 @@ void declare(CLI::App& app, Flags& flags) {
       "Short for --certificate wrong-host");
   app.add_option("--misbehave", flags.misbehaviours, "Spoil answers; see below. May be repeated")
       ->type_name("JSON");
-  app.add_option("--threads", flags.options.threads, "Connections served at the same time")
+  app.add_option("--threads", flags.options.threads,
+                 "Connections served at the same time, 1024 at most")
+      ->type_name("NUMBER")
       ->check(CLI::Range(1, 1024))
       ->capture_default_str();
   app.add_option("--slow", flags.options.backend.bytesPerSecond, "Send answers no faster than that")
