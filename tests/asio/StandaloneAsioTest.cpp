@@ -17,24 +17,35 @@
 namespace orvane {
 namespace {
 
-TEST(StandaloneAsioTest, answersWithHandlersFuturesAndInCoroutines) {
+TEST(StandaloneAsioTest, answersWithHandlersAndFutures) {
   const auto operation = Operation<std::string>::answering(std::string("a text"));
   ::asio::io_context context;
-  std::string answers;
+  std::string answer;
   asio::async(operation, context,
-              [&](const Result<std::string>& text) { answers += text.value_or("none") + "; "; });
+              [&](const Result<std::string>& text) { answer = text.value_or("none"); });
   auto later = asio::async(operation, context, ::asio::use_future);
+  EXPECT_GT(context.run(), 0U);
+  EXPECT_EQ(answer, "a text");
+  EXPECT_EQ(later.get(), Result<std::string>(std::string("a text")));
+}
+
+// Asio 1.22 has none with Clang 14.
+#ifdef ASIO_HAS_CO_AWAIT
+TEST(StandaloneAsioTest, goesOnInCoroutines) {
+  ::asio::io_context context;
+  std::string answer;
   ::asio::co_spawn(
       context,
       [&]() -> ::asio::awaitable<void> {
+        const auto operation = Operation<std::string>::answering(std::string("a text"));
         const auto text = co_await asio::async(operation, ::asio::use_awaitable);
-        answers += text.value_or("none");
+        answer = text.value_or("none");
       },
       ::asio::detached);
-  EXPECT_GT(context.run(), 0U);
-  EXPECT_EQ(answers, "a text; a text");
-  EXPECT_EQ(later.get(), Result<std::string>(std::string("a text")));
+  context.run();
+  EXPECT_EQ(answer, "a text");
 }
+#endif
 
 }  // namespace
 }  // namespace orvane

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the transport sends, as a server sees it, and what it makes of the answers.
+#include "tests/runtime/support/Bodies.h"
 #include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/TestServer.h"
 #include <Orvane/Common/NetworkError.h>
@@ -8,7 +9,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include <algorithm>
 #include <map>
@@ -45,27 +45,6 @@ std::vector<std::string> headerLines(const ReceivedRequest& request) {
   }
   std::sort(lines.begin(), lines.end());
   return lines;
-}
-
-std::string gzipped(const std::string& text) {
-  z_stream stream{};
-  deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY);
-  std::string packed(deflateBound(&stream, text.size()), '\0');
-  std::string input = text;
-  stream.next_in = reinterpret_cast<Bytef*>(input.data());
-  stream.avail_in = static_cast<uInt>(input.size());
-  stream.next_out = reinterpret_cast<Bytef*>(packed.data());
-  stream.avail_out = static_cast<uInt>(packed.size());
-  deflate(&stream, Z_FINISH);
-  packed.resize(stream.total_out);
-  deflateEnd(&stream);
-  return packed;
-}
-
-std::string chunk(const std::string& bytes) {
-  std::ostringstream text;
-  text << std::hex << bytes.size() << "\r\n" << bytes << "\r\n";
-  return text.str();
 }
 
 OutgoingRequest requestTo(const TestServer& server) {

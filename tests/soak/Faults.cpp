@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/soak/Faults.h"
 
-#include <zlib.h>
+#include "tests/runtime/support/Bodies.h"
 
-#include <cstdio>
 #include <string_view>
 
 namespace orvane::soak {
@@ -17,26 +16,6 @@ std::string head(std::string_view headers) {
 
 std::string withLength(std::size_t length, std::string_view more = {}) {
   return head("Content-Length: " + std::to_string(length) + "\r\n" + std::string(more));
-}
-
-std::string chunk(std::string_view bytes) {
-  char size[20];
-  std::snprintf(size, sizeof size, "%zx\r\n", bytes.size());
-  return std::string(size).append(bytes).append("\r\n");
-}
-
-std::string gzipped(std::string_view text) {
-  z_stream stream{};
-  deflateInit2(&stream, Z_BEST_SPEED, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY);
-  std::string packed(deflateBound(&stream, text.size()), '\0');
-  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
-  stream.avail_in = static_cast<uInt>(text.size());
-  stream.next_out = reinterpret_cast<Bytef*>(packed.data());
-  stream.avail_out = static_cast<uInt>(packed.size());
-  deflate(&stream, Z_FINISH);
-  packed.resize(stream.total_out);
-  deflateEnd(&stream);
-  return packed;
 }
 
 constexpr std::string_view chunked = "Transfer-Encoding: chunked\r\n";
