@@ -79,7 +79,8 @@ tests_of() {
 
 step setup ./dev setup http2
 step test ./dev test
-step demo ./dev demo
+# As on a terminal, and one that is not wide.
+step demo script --quiet --return --command "stty cols 80 rows 24; ./dev demo" /dev/null
 step lint ./dev lint
 step shared ./dev test shared
 step clang ./dev test clang

@@ -320,6 +320,8 @@ start_backend
 unset "${!ORVANE_@}"
 export XDG_CONFIG_HOME=$folder XDG_STATE_HOME=$folder
 # Room for every column.
+# Or else bash would set it to the width of the terminal after each command.
+shopt -u checkwinsize
 export COLUMNS=120
 export ORVANE_BASE_URL=$base_url ORVANE_CA_FILE=$folder/data/ca.pem ORVANE_API_KEY=sandbox-api-key
 export ORVANE_USER=anna.keller ORVANE_SIGNING_KEY_FILE=$folder/data/signing.key

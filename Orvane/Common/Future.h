@@ -31,6 +31,13 @@ struct ORVANE_EXPORT TimedOut {
   friend constexpr bool operator==(const TimedOut&, const TimedOut&) = default;
 };
 
+namespace detail {
+
+/// `TimedOut`, telling the limit.
+[[nodiscard]] ORVANE_EXPORT Error timedOut(std::chrono::milliseconds limit);
+
+}  // namespace detail
+
 /// The outcome of an operation that has been started; made by `Operation::future`. Letting go of it
 /// does not cancel.
 template <class T>
@@ -55,12 +62,14 @@ class [[nodiscard]] Future {
   /// `TimedOut`.
   [[nodiscard]] Result<T> get(std::chrono::milliseconds limit) {
     const auto start = std::chrono::steady_clock::now();
-    if (!MainQueue::main().wait(request_, limit) && request_->cancel()) return TimedOut{};
+    if (!MainQueue::main().wait(request_, limit) && request_->cancel())
+      return detail::timedOut(limit);
     if (isCancelled()) return Cancelled{};
     const auto spent = std::chrono::steady_clock::now() - start;
     const auto left = limit - std::chrono::floor<std::chrono::milliseconds>(spent);
     // Who settles it here is not called any more.
-    if (!MainQueue::main().wait(settled(), left) && state_->settled.cancel()) return TimedOut{};
+    if (!MainQueue::main().wait(settled(), left) && state_->settled.cancel())
+      return detail::timedOut(limit);
     return take();
   }
 

@@ -31,7 +31,8 @@ thread_local bool deliversAnswers = false;
 
 void checkMayWait(const Request& request) {
   precondition(!deliversAnswers || request.isFinished(),
-               "nobody can wait for a request on a transport's thread, which is to answer it");
+               "nobody can wait for a request on a transport's thread, which is to answer it: "
+               "co_await it there, or bring the answer before to the main queue with onMain()");
 }
 
 }  // namespace

@@ -142,10 +142,10 @@ class [[nodiscard]] Operation {
     return Operation(
         [operation = *this, limit, &timers](Completion<T> handler) -> RequestHandle {
           if (limit <= std::chrono::milliseconds::zero())
-            return failing(TimedOut{}, std::move(handler));
+            return failing(detail::timedOut(limit), std::move(handler));
           const auto relay = std::make_shared<Limited>(std::move(handler));
-          relay->timer = timers.after(limit, [late = std::weak_ptr(relay)] {
-            if (const auto kept = late.lock()) kept->interrupt(TimedOut{});
+          relay->timer = timers.after(limit, [late = std::weak_ptr(relay), limit] {
+            if (const auto kept = late.lock()) kept->interrupt(detail::timedOut(limit));
           });
           return relay->pass(operation, relay);
         },

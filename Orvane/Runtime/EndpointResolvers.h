@@ -6,8 +6,10 @@
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Platform/URL.h>
 #include <Orvane/Runtime/Export.h>
+#include <Orvane/Runtime/TextOrNothing.h>
 
 #include <concepts>
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <string>
@@ -44,10 +46,13 @@ class ORVANE_RUNTIME_EXPORT EndpointSource {
   /// Nothing: not enough to install the Runtime.
   EndpointSource() = default;
 
-  /// One base URL for all, for example "https://telematics.example"; a path is kept.
+  /// One base URL for all, for example "https://telematics.example"; a path is kept, and what
+  /// services ask for follows below it ("/kavra/api/sdk/…", which is no part of the base URL). A
+  /// null pointer is an empty text.
   template <std::convertible_to<std::string> Text>
   EndpointSource(Text&& baseURL)  // NOLINT(google-explicit-constructor)
-      : EndpointSource(fixed(std::string(std::forward<Text>(baseURL)))) {}
+      : EndpointSource(fixed(textOrNothing(std::forward<Text>(baseURL)))) {}
+  EndpointSource(std::nullptr_t) = delete;
   EndpointSource(const URL& baseURL)  // NOLINT(google-explicit-constructor)
       : EndpointSource(fixed(baseURL.absoluteString())) {}
 

@@ -83,6 +83,11 @@ RequestHandle FunctionTokenResolver::resolve(const Identity& identity, std::opti
   return question;
 }
 
+TokenSource TokenSource::fixed(std::string token) {
+  if (token.empty()) return {};
+  return std::make_shared<ReplaceableTokenResolver>(std::move(token));
+}
+
 Result<std::shared_ptr<TokenResolver>> TokenSource::resolver() const {
   if (resolver_.error() || resolver_.value().value_or(nullptr)) return resolver_;
   return ConfigurationError("tokens are missing");

@@ -5,8 +5,10 @@
 #include <Orvane/Common/Resolvers.h>
 #include <Orvane/Platform/Result.h>
 #include <Orvane/Runtime/Export.h>
+#include <Orvane/Runtime/TextOrNothing.h>
 
 #include <concepts>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -93,10 +95,12 @@ class ORVANE_RUNTIME_EXPORT TokenSource {
   /// Nothing: not enough to install the Runtime.
   TokenSource() = default;
 
-  /// One token, see `ReplaceableTokenResolver`.
+  /// One token, see `ReplaceableTokenResolver`. An empty one is nothing, and so is a null pointer:
+  /// what `std::getenv` answers can be handed in as it is.
   template <std::convertible_to<std::string> Text>
   TokenSource(Text&& token)  // NOLINT(google-explicit-constructor)
-      : TokenSource(std::make_shared<ReplaceableTokenResolver>(std::forward<Text>(token))) {}
+      : TokenSource(fixed(textOrNothing(std::forward<Text>(token)))) {}
+  TokenSource(std::nullptr_t) = delete;
 
   /// The application's function, see `FunctionTokenResolver`.
   template <class Function>
@@ -127,6 +131,8 @@ class ORVANE_RUNTIME_EXPORT TokenSource {
 
  private:
   using Made = std::shared_ptr<TokenResolver>;
+
+  static TokenSource fixed(std::string token);
 
   Result<Made> resolver_;
 };

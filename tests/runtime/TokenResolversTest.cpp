@@ -206,7 +206,8 @@ TEST(TokenSourceTest, TakesWhateverMakesTokens) {
             "the key that signs tokens is shorter than 32 bytes");
   const std::function<void(const Identity&, std::optional<double>, Completion<std::string>)> none;
   for (const TokenSource& source :
-       {TokenSource(), TokenSource(none), TokenSource(std::shared_ptr<TokenResolver>())}) {
+       {TokenSource(), TokenSource(none), TokenSource(std::shared_ptr<TokenResolver>()),
+        TokenSource(""), TokenSource(static_cast<const char*>(nullptr))}) {
     EXPECT_EQ(source.resolver().error()->message(), "tokens are missing");
   }
 }

@@ -16,7 +16,8 @@ FolderLock::FolderLock(const std::filesystem::path& folder)
   const std::error_code error{errno, std::generic_category()};
   if (file_ >= 0) ::close(file_);
   if (error == std::errc::operation_would_block) {
-    throw std::runtime_error("another orvane-sandbox runs on the data in " + folder.string());
+    throw std::runtime_error("another orvane-sandbox runs on the data in " + folder.string() +
+                             "; its ready.json says where, and --data takes another folder");
   }
   throw std::system_error(error, "can't lock " + folder.string());
 }

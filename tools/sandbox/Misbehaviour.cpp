@@ -111,7 +111,9 @@ void read(Fault& fault, const std::string& name, const nlohmann::json& value) {
   } else if (name == "path") {
     fault.path.emplace(value.get<std::string>());
   } else {
-    throw badRequest("unknown member \"" + name + "\"");
+    throw badRequest("unknown member \"" + name +
+                     "\": there are status, delayMs, bytesPerSecond, cutAfterBytes, drop, date, "
+                     "body, times, method and path");
   }
 }
 

@@ -42,7 +42,7 @@ reference id), "iat" and "exp". For development the fixed token
 sandbox-token-<userId> is accepted as well.
 
 In one line, the settings for orvane and the examples in the environment:
-  orvane-sandbox --exec -- orvane trips list --limit 3
+  orvane-sandbox --exec -- orvane trips list
 
 Misbehaviour: a JSON object with any of "status", "delayMs", "bytesPerSecond",
 "cutAfterBytes", "drop", "date" and "body" (garbage, empty, notUtf8, huge,
@@ -138,7 +138,12 @@ SandboxOptions optionsFrom(const Flags& flags) {
     if (!options.backend.now) throw std::runtime_error("--now: not a time: " + flags.now);
   }
   for (const std::string& text : flags.misbehaviours) {
-    options.backend.faults.push_back(Fault::fromJson(nlohmann::json::parse(text, nullptr, false)));
+    try {
+      const auto fault = nlohmann::json::parse(text, nullptr, false);
+      options.backend.faults.push_back(Fault::fromJson(fault));
+    } catch (const Problem& problem) {
+      throw std::runtime_error(std::string{"--misbehave: "} + problem.what());
+    }
   }
   return options;
 }
@@ -152,7 +157,10 @@ int main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : 1;
+    if (error.get_exit_code() == 0) return app.exit(error);
+    std::cerr << "orvane-sandbox: " << error.what()
+              << (flags.exec ? "; put \"--\" before the command" : "; see --help") << '\n';
+    return 1;
   }
   try {
     if (flags.exec != !flags.command.empty()) {
