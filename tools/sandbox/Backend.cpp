@@ -114,7 +114,7 @@ Reply Backend::route(const Request& request) {
 Reply Backend::answer(const Request& request) {
   if (request.path.starts_with(adminRoot)) return answerAdmin(*this, request);
 
-  const Milliseconds time = clock_.machineTime();
+  const Milliseconds time = ServerClock::machineTime();
   const auto start = std::chrono::steady_clock::now();
   Reply reply = answerPage(request);
   if (reply.bytesPerSecond == 0) reply.bytesPerSecond = options_.bytesPerSecond;

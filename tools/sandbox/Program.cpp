@@ -204,12 +204,13 @@ std::vector<std::string> environmentWith(const Settings& settings) {
   for (char** each = environ; *each != nullptr; ++each) {
     if (!std::string_view{*each}.starts_with("ORVANE_")) all.emplace_back(*each);
   }
-  for (const auto& [name, value] : settings) all.push_back(name + "=" + value);
+  for (const auto& [name, value] : settings) all.emplace_back(name).append("=").append(value);
   return all;
 }
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
   return pointers;
