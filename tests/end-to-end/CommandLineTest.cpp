@@ -60,7 +60,7 @@ TEST(CommandLineTest, EveryErrorHasItsExitCodeAndOneLine) {
           fails("user show --verbose=all", 64, "'all' is not bodies"),
           fails("user show --profile nobody", 78, "there is no profile \"nobody\""),
           fails("user show --sandbox=/nowhere", 78,
-                "no sandbox runs on /nowhere (start one: orvane-sandbox --data /nowhere)"),
+                "no sandbox runs on /nowhere (start one: orvane-sandbox --data /nowhere, or name"),
           fails("user show --expand role,everything", 64, "'everything' is not one of"),
           fails("user update", 64, "At least one option"),
           fails("user update --date-of-birth 2023-02-29", 64, "a day, as YYYY-MM-DD"),
@@ -141,8 +141,15 @@ TEST(CommandLineTest, SettingsHaveAnOrderAndNeverShowSecrets) {
   // Of a token and a key, the one given closer to the command counts.
   const Environment both = with(settings, {{"ORVANE_TOKEN", secret}});
   check({{"user show", 41, IsEmpty(), Not(HasSubstr(secret))},
-         prints("user show --signing-key-file " + sandbox.signingKeyFile(), HasSubstr("id\t"))},
+         prints("user show --signing-key-file " + sandbox.signingKeyFile(), HasSubstr("id\t")),
+         prints("user show --user marc.keller", HasSubstr("id\t1002\n"))},
         both);
+  // Without a key nobody else can be named.
+  const std::string noEffect = "--user has no effect with a token (ORVANE_TOKEN)";
+  check(
+      {fails("user show --user marc.keller", 64, noEffect),
+       {"doctor --user marc.keller", 64, HasSubstr("failed\tsettings\t" + noEffect), IsOneLine()}},
+      without(both, "ORVANE_SIGNING_KEY_FILE"));
 
   writeFile(file, " user=\'ann # 1\'  # who\r\napi-key = # none yet\nlocale = de_DE # German\n");
   check({prints("config list --config " + file,
@@ -271,6 +278,8 @@ TEST(CommandLineTest, CompletesInBash) {
   for (const auto& [line, offered] : rows) {
     EXPECT_THAT(completionsOf(line, environment), HasSubstr(offered)) << line;
   }
+  // An id is nobody's external reference.
+  EXPECT_EQ(completionsOf("orvane user show --user 1", environment), "\n");
   // What was asked a moment ago is not asked again; what fails is silent.
   sandbox.behave();
   EXPECT_EQ(completionsOf("orvane vehicles show 3", environment), "3001 3006\n");

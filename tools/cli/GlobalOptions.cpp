@@ -14,7 +14,6 @@ namespace {
 constexpr const char* usualSandbox = "orvane-sandbox-data";
 
 Listed listedBy(const SettingRow& row) {
-  if (row.setting == Setting::user) return Listed::users;
   if (row.label == "FILE") return Listed::files;
   return row.label == "DIR" ? Listed::folders : Listed::nothing;
 }

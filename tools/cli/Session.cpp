@@ -6,6 +6,7 @@
 #include <Orvane/Core/OrvaneDetails.h>
 #include <Orvane/Platform/Date.h>
 #include <Orvane/Platform/DeviceSettings.h>
+#include <Orvane/Runtime/CurlRequestManager.h>
 #include <Orvane/Runtime/Loggers.h>
 #include <Orvane/Runtime/SelfSignedTokenResolver.h>
 #include <Orvane/Services/User/UserService.h>
@@ -49,6 +50,10 @@ std::string inFlags(std::string message) {
   return message;
 }
 
+Failure refusalOf(const Error& error) {
+  return {failureOf(error).code(), inFlags(error.message())};
+}
+
 std::string signingKey(const std::string& path) {
   std::ifstream file(path);
   std::string digits;
@@ -80,6 +85,24 @@ Session::~Session() {
 
 Identity Session::identity() const {
   return {settings_.text(Setting::apiKey).value_or(""), settings_.text(Setting::user)};
+}
+
+void Session::checkUser() const {
+  const bool isNamed = settings_.source(Setting::user) == Settings::Source::flag;
+  const Settings::Source ofToken = settings_.source(Setting::token);
+  const bool isIdle = isNamed && settings_.text(Setting::token) &&
+                      ofToken != Settings::Source::flag && !signsTokens();
+  if (!isIdle) return;
+  throw Failure(ExitCode::usage, "--user has no effect with a token (" +
+                                     settings_.origin(Setting::token) +
+                                     "): it takes a key to sign one with, --signing-key-file");
+}
+
+void Session::checkCAFile() const {
+  TransportOptions options;
+  options.caFile = settings_.text(Setting::caFile).value_or("");
+  const auto made = CurlRequestManager::make(std::move(options));
+  if (!made) throw refusalOf(made.errorOr(NetworkError::unknown));
 }
 
 void Session::describeDevice() const {
@@ -129,8 +152,7 @@ void Session::install(RuntimeOptions options) {
     runtime_ = *std::move(installed);
     return;
   }
-  const Error error = installed.errorOr(NetworkError::unknown);
-  throw Failure(failureOf(error).code(), inFlags(error.message()));
+  throw refusalOf(installed.errorOr(NetworkError::unknown));
 }
 
 std::string Session::userID() {
@@ -181,13 +203,21 @@ TransportOptions Session::transport() const {
   return transport;
 }
 
+// Of a token and a key, the one given closer to the command counts; the key for somebody whom the
+// command line names without a token of theirs.
+bool Session::signsTokens() const {
+  using enum Settings::Source;
+  if (!settings_.text(Setting::signingKeyFile)) return false;
+  const Settings::Source ofToken = settings_.source(Setting::token);
+  const bool isNamed = settings_.source(Setting::user) == flag && ofToken != flag;
+  return isNamed || settings_.source(Setting::signingKeyFile) > ofToken;
+}
+
 TokenSource Session::tokens() const {
+  checkUser();
   const auto& token = settings_.text(Setting::token);
   const auto& keyFile = settings_.text(Setting::signingKeyFile);
-  // Both given: the one given closer to the command counts.
-  const bool isKeyCloser =
-      settings_.source(Setting::signingKeyFile) > settings_.source(Setting::token);
-  if (token && !isKeyCloser) return *token;
+  if (token && !signsTokens()) return *token;
   if (keyFile) return SelfSignedTokenResolver::make({.key = signingKey(*keyFile)});
   throw Failure(ExitCode::configuration,
                 "there is no token: give --token or --signing-key-file, set ORVANE_TOKEN or "

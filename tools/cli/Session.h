@@ -36,6 +36,12 @@ class Session {
   /// The longest that a call may take.
   [[nodiscard]] std::chrono::milliseconds timeout() const;
 
+  /// A `Failure` where the command line names somebody whom the token in force does not stand for:
+  /// only a token that is signed here can.
+  void checkUser() const;
+  /// A `Failure` for a file of certificate authorities that can't be used.
+  void checkCAFile() const;
+
   /// Who calls, as the settings say.
   [[nodiscard]] Identity identity() const;
 
@@ -107,6 +113,7 @@ class Session {
   bool await(const RequestHandle& request, TimeLimit limit);
   [[nodiscard]] Failure timeIsUp() const;
   [[nodiscard]] TransportOptions transport() const;
+  [[nodiscard]] bool signsTokens() const;
   [[nodiscard]] TokenSource tokens() const;
 
   // First of all: threads made later inherit its signal mask.

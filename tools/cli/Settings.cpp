@@ -154,8 +154,11 @@ void Settings::readSandbox(const std::filesystem::path& folder) {
   const bool isAlive = pid.is_number_integer() && pid.get<std::int64_t>() > 0 &&
                        (::kill(pid.get<pid_t>(), 0) == 0 || errno == EPERM);
   if (!isAlive) {
-    return addFault("no sandbox runs on " + folder.string() +
-                    " (start one: orvane-sandbox --data " + folder.string() + ")");
+    lackSandbox_ = true;
+    std::error_code ignored;
+    const std::string whole = std::filesystem::absolute(folder, ignored).lexically_normal();
+    return addFault("no sandbox runs on " + whole + " (start one: orvane-sandbox --data " + whole +
+                    ", or name its folder: --sandbox=DIR)");
   }
   const auto take = [&](Setting setting, const char* member) {
     const auto found = ready.find(member);

@@ -87,6 +87,8 @@ class Settings {
 
   /// Everything that can't be used of what was loaded, in one line; empty where all is well.
   [[nodiscard]] const std::string& faults() const noexcept { return faults_; }
+  /// True where a sandbox is named and none runs there.
+  [[nodiscard]] bool lackSandbox() const noexcept { return lackSandbox_; }
   /// A `Failure` where there are faults: for whoever needs the settings.
   void check() const;
 
@@ -130,6 +132,7 @@ class Settings {
   std::filesystem::path sandbox_;
   std::string profile_;
   std::string faults_;
+  bool lackSandbox_ = false;
 };
 
 }  // namespace orvane::cli

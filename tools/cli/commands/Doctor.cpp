@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
 
 namespace orvane::cli {
 namespace {
@@ -32,34 +33,56 @@ std::string headerOf(const Exchange& exchange, std::string_view name) {
   return {};
 }
 
+constexpr const char* serverChecks[] = {"name lookup",      "connection",
+                                        "encryption",       "certificate chain",
+                                        "certificate name", "certificate dates"};
+constexpr const char* answerChecks[] = {"answer", "clock", "token", "identity", "one read"};
+
+// What ends the examination itself instead of being one of its findings.
+bool endsAll(const Failure& failure) {
+  return failure.code() == ExitCode::cancelled || failure.code() == ExitCode::output;
+}
+
 // The checks in their order. What needs one that failed is skipped.
 class Examination {
  public:
-  explicit Examination(Session& session) : session_(session), settings_(session.settings()) {}
+  using Tell = std::function<void(const Check&)>;
+
+  /// `tell` is given each check as soon as it is made.
+  Examination(Session& session, Tell tell)
+      : session_(session), settings_(session.settings()), tell_(std::move(tell)) {}
 
   std::vector<Check> run() {
+    if (settings_.lackSandbox()) {
+      lackSandbox();
+      return std::move(checks_);
+    }
     settings();
     baseURL();
     try {
       server();
       answer();
     } catch (const Failure& failure) {
-      if (failure.code() == ExitCode::cancelled) throw;
+      if (endsAll(failure)) throw;
       fail("settings", failure.code(), failure.what(), correction);
     }
     return std::move(checks_);
   }
 
  private:
+  void add(Check check) {
+    checks_.push_back(std::move(check));
+    tell_(checks_.back());
+  }
   void well(std::string name, std::string finding) {
-    checks_.push_back({State::ok, std::move(name), std::move(finding)});
+    add({State::ok, std::move(name), std::move(finding)});
   }
   void fail(std::string name, ExitCode code, std::string finding, std::string hint) {
     isBlocked_ = true;
-    checks_.push_back({State::failed, std::move(name), std::move(finding), std::move(hint), code});
+    add({State::failed, std::move(name), std::move(finding), std::move(hint), code});
   }
   void skip(std::string name, std::string why = "something before it failed") {
-    checks_.push_back({State::skipped, std::move(name), std::move(why)});
+    add({State::skipped, std::move(name), std::move(why)});
   }
   // True where there is no use in going on.
   bool skipped(const char* name) {
@@ -71,15 +94,41 @@ class Examination {
     fail(std::move(name), code, finding.words, std::move(hint));
   }
 
+  // Whoever asks for the sandbox is not told about the backend that the environment names.
+  void lackSandbox() {
+    fail("sandbox", ExitCode::configuration, settings_.faults(),
+         "Start one, and leave it running.");
+    skip("base URL");
+    for (const char* name : serverChecks) skip(name);
+    for (const char* name : answerChecks) skip(name);
+  }
+
   void settings() {
     for (const SettingRow& row : settingRows()) {
       if (settings_.source(row.setting) <= Settings::Source::builtIn) continue;
+      if (row.setting == Setting::caFile && isCAFileBad()) continue;
       const std::string value = row.isSecret ? "…" : settings_.text(row.setting).value_or("");
       well("setting " + std::string(row.name),
            value + " (from " + settings_.origin(row.setting) + ")");
     }
-    if (settings_.faults().empty()) return;
-    fail("settings", ExitCode::configuration, settings_.faults(), correction);
+    try {
+      session_.checkUser();
+      settings_.check();
+    } catch (const Failure& failure) {
+      fail("settings", failure.code(), failure.what(), correction);
+    }
+  }
+
+  bool isCAFileBad() {
+    try {
+      session_.checkCAFile();
+    } catch (const Failure& failure) {
+      hasAuthorities_ = false;
+      fail("setting ca-file", failure.code(),
+           std::string(failure.what()) + " (from " + settings_.origin(Setting::caFile) + ")",
+           "Name a file with certificates in PEM; a sandbox keeps ca.pem in its data folder.");
+    }
+    return !hasAuthorities_;
   }
 
   void baseURL() {
@@ -108,9 +157,7 @@ class Examination {
   }
 
   void server() {
-    static constexpr const char* names[] = {"name lookup",      "connection",
-                                            "encryption",       "certificate chain",
-                                            "certificate name", "certificate dates"};
+    constexpr auto& names = serverChecks;
     const auto rest = [this](std::size_t first, const std::string& why) {
       for (std::size_t index = first; index < std::size(names); ++index) skip(names[index], why);
     };
@@ -131,6 +178,7 @@ class Examination {
          "orvane --sandbox finds it.");
     if (!connection.isWell) return rest(2, "there is no connection");
     if (!address_->isEncrypted) return rest(2, "http is not encrypted");
+    if (!hasAuthorities_) return rest(2, "the file of authorities can't be used");
     const auto& caFile = settings_.text(Setting::caFile);
     const CertificateFindings shown =
         session_.uncancelled([&] { return probe.certificate(caFile.value_or("")); });
@@ -150,7 +198,7 @@ class Examination {
   void answer() {
     const bool isUseless = isBlocked_;
     if (isUseless) {
-      for (const char* name : {"answer", "clock", "token", "identity", "one read"}) skip(name);
+      for (const char* name : answerChecks) skip(name);
       return;
     }
     session_.connect();
@@ -159,7 +207,7 @@ class Examination {
     try {
       user = session_.userID();
     } catch (const Failure& thrown) {
-      if (thrown.code() == ExitCode::cancelled) throw;
+      if (endsAll(thrown)) throw;
       failure = thrown;
     }
     const std::vector<Exchange> exchanges = session_.log().exchanges();
@@ -174,8 +222,10 @@ class Examination {
 
   void kindOfAnswer(const Exchange& exchange, const std::optional<Failure>& failure) {
     if (!exchange.statusCode) {
-      return fail("answer", failure ? failure->code() : ExitCode::internal,
-                  failure ? failure->what() : "there is none", "Try again with --verbose.");
+      return fail(
+          "answer", failure ? failure->code() : ExitCode::internal,
+          failure ? failure->what() : "there is none",
+          address_->isEncrypted ? "Try again with --verbose." : "Does the port want https://?");
     }
     const std::string type = headerOf(exchange, "Content-Type");
     const std::string status = std::to_string(*exchange.statusCode);
@@ -205,10 +255,9 @@ class Examination {
     const double ahead = static_cast<double>(*theirs) - secondsSince1970(DeviceClock::now());
     const std::string size = durationOf(std::abs(ahead));
     if (std::abs(ahead) < tolerated) return well("clock", "within " + durationOf(tolerated));
-    checks_.push_back({State::warning, "clock",
-                       "the backend's is " + size + (ahead > 0 ? " ahead" : " behind"),
-                       "Set this machine's clock, if it is the wrong one. Signed tokens are "
-                       "corrected by the difference; others may be refused."});
+    add({State::warning, "clock", "the backend's is " + size + (ahead > 0 ? " ahead" : " behind"),
+         "Set this machine's clock, if it is the wrong one. Signed tokens are corrected by the "
+         "difference; others may be refused."});
   }
 
   void token(const Exchange& lookup, const std::optional<Failure>& failure) {
@@ -228,7 +277,7 @@ class Examination {
       well("one read", "user " + user.id.value_or("without an id") + " is " +
                            user.displayName.value_or("without a name"));
     } catch (const Failure& failure) {
-      if (failure.code() == ExitCode::cancelled) throw;
+      if (endsAll(failure)) throw;
       fail("one read", failure.code(), failure.what(),
            "Look at the exchange with --verbose=bodies.");
     }
@@ -236,8 +285,10 @@ class Examination {
 
   Session& session_;
   const Settings& settings_;
+  Tell tell_;
   std::vector<Check> checks_;
   std::optional<ServerAddress> address_;
+  bool hasAuthorities_ = true;
   bool isBlocked_ = false;
 };
 
@@ -256,8 +307,15 @@ struct Examine {
 
   void run(Session& session) const {
     session.keepBodies();
-    const std::vector<Check> checks = Examination(session).run();
-    print(checks, session.output());
+    Output& output = session.output();
+    // A check may take its time: people see each when it is made, programs all at once.
+    const auto tell = [&](const Check& check) {
+      if (output.style().isJSON()) return;
+      print(check, output);
+      session.finish();
+    };
+    const std::vector<Check> checks = Examination(session, tell).run();
+    if (output.style().isJSON()) output.json(jsonOf(checks));
     const auto failed = std::ranges::find(checks, State::failed, &Check::state);
     if (failed == checks.end()) return;
     session.finish();
@@ -265,24 +323,20 @@ struct Examine {
   }
 
  private:
-  static void print(const std::vector<Check>& checks, Output& output) {
+  static void print(const Check& check, Output& output) {
     const OutputStyle& style = output.style();
-    if (style.isJSON()) return output.json(jsonOf(checks));
-    for (const Check& check : checks) {
-      if (!style.isTable()) {
-        output.line(wordOf(check.state) + "\t" + check.name + "\t" + visible(check.finding) + "\t" +
-                    check.hint);
-        continue;
-      }
-      constexpr std::size_t indent = 9;
-      std::string line = wordOf(check.state);
-      line.append(indent - line.size(), ' ').append(check.name).append(": ");
-      const std::size_t used = columnsOf(line);
-      output.line(line + wrapped(visible(check.finding), style.columns, used, indent));
-      if (check.hint.empty()) continue;
-      output.line(std::string(indent, ' ') +
-                  wrapped("-> " + check.hint, style.columns, indent, indent + 3));
+    if (!style.isTable()) {
+      return output.line(wordOf(check.state) + "\t" + check.name + "\t" + visible(check.finding) +
+                         "\t" + check.hint);
     }
+    constexpr std::size_t indent = 9;
+    std::string line = wordOf(check.state);
+    line.append(indent - line.size(), ' ');
+    const std::string words = check.name + ": " + visible(check.finding);
+    output.line(line + wrapped(words, style.columns, indent, indent));
+    if (check.hint.empty()) return;
+    output.line(std::string(indent, ' ') +
+                wrapped("-> " + check.hint, style.columns, indent, indent + 3));
   }
 
   static std::string jsonOf(const std::vector<Check>& checks) {
