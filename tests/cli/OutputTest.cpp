@@ -103,6 +103,9 @@ TEST(TextTest, DrivingInWords) {
   EXPECT_EQ(toText(Event::EventType::braking()), "harsh braking");
   EXPECT_EQ(toText(Event::EventType::postedSpeedLimit()), "above the limit");
   EXPECT_EQ(toText(Event::EventType::other("PhoneUse")), "PhoneUse");
+  for (const char* text : {"distracted.driving", "distracted_driving"}) {
+    EXPECT_EQ(toText(TripScores::SubScore::fromWireText(text)), "distracted driving");
+  }
   EXPECT_EQ(toText(Event::Severity::veryHigh), "very high");
   EXPECT_EQ(toText(DriverDetection::Status::trained), "trained");
   for (const auto& row : allCases<TransportMode>()) {
@@ -183,7 +186,8 @@ TEST(OutputTest, TablesAndBlocks) {
             "22\t12.3 km\t\n");
   EXPECT_EQ(printed({.format = OutputStyle::Format::table, .columns = 22}, print),
             "name           Ann\\tB\n"
-            "date of birth  1990-05-17\n"
+            "date of birth\n"
+            "  1990-05-17\n"
             "\n"
             "trips\n"
             "id  distance  mode\n"
@@ -239,6 +243,26 @@ TEST(OutputTest, WholeColumnsGoBeforeACellIsCut) {
   };
   EXPECT_EQ(printed({.format = OutputStyle::Format::table}, empty), "No trips.\n");
   EXPECT_EQ(printed({}, empty), "id\n");
+}
+
+TEST(OutputTest, ANarrowColumnFollowsAWideOneThatHasNoRoom) {
+  const std::vector<Journey> journeys{{"1", 1000.0, "a rather long text"}};
+  const auto print = [&](Output& output) {
+    output.block(Block().row("short", "one two").row("address", "https://somewhere"));
+    output.table(Table("trips", journeys,
+                       {{"id", &Journey::id},
+                        {"mode", &Journey::mode, 1},
+                        {"km", &Journey::metres, kilometresOf, 2}}));
+  };
+  EXPECT_EQ(printed({.format = OutputStyle::Format::table, .columns = 20}, print),
+            "short    one two\naddress\n  https://somewhere\n"
+            "id    km\n1   1 km\nThere is no room\nfor: mode.\n");
+}
+
+TEST(OutputTest, ATextOnATerminalEndsItsLine) {
+  const auto print = [](Output& output) { output.raw("{}"); };
+  EXPECT_EQ(printed({.format = OutputStyle::Format::raw}, print), "{}");
+  EXPECT_EQ(printed({.format = OutputStyle::Format::raw, .isTerminal = true}, print), "{}\n");
 }
 
 TEST(OutputTest, TimesAreNeverCut) {

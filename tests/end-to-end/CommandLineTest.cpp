@@ -53,11 +53,15 @@ TEST(CommandLineTest, EveryErrorHasItsExitCodeAndOneLine) {
           fails("user", 64, "A command is missing (see orvane user --help)"),
           fails("usr", 64, "There is no command 'usr'; did you mean user?"),
           fails("user shw", 64, "There is no command 'shw'; did you mean show?"),
-          fails("help user shw", 64, "There is no command 'shw'"),
+          fails("help user shw", 64, "There is no command 'shw'; did you mean show?"),
+          fails("list trips", 64, "'list'; did you mean orvane trips list?"),
+          fails("--fromat table user show", 64, "'--fromat'; did you mean --format?"),
+          fails("trips list --limit 1 --limit 2", 64, "orvane: --limit is given more than once"),
           fails("user show --colour", 64, "There is no option '--colour' (see"),
           fails("user show --expnad role", 64, "did you mean --expand?"),
           fails("user show 1 2", 64, "'2' is one argument too many"),
-          fails("user show --verbose=all", 64, "'all' is not bodies"),
+          fails("user show --verbose=all", 64,
+                "orvane: --verbose: 'all' is not bodies, or nothing ("),
           fails("user show --profile nobody", 78, "there is no profile \"nobody\""),
           fails("user show --sandbox=/nowhere", 78,
                 "no sandbox runs on /nowhere (start one: orvane-sandbox --data /nowhere, or name"),
@@ -84,6 +88,8 @@ TEST(CommandLineTest, EveryErrorHasItsExitCodeAndOneLine) {
           fails("user show 1004", 43, "does not allow"),
           fails("user show nobody --expand role", 44, "there is no such user [GET https://"),
           fails("user show nobody --expand role", 44, "/users/nobody?expand=…]"),
+          fails("user show --base-url " + sandbox.baseURL() + "/kavra/api/sdk", 44,
+                "] (orvane doctor looks into it)"),
           fails("user update --email nonsense", 40, "(400)"),
           fails("user update --last-name \xC3\x28", 20, "UTF-8"),
           fails("user show \xC3\x28", 20, "formed"),
@@ -163,6 +169,7 @@ TEST(CommandLineTest, SettingsHaveAnOrderAndNeverShowSecrets) {
       {"user = x\n\nbase-url https://example.org\n", "line 3: a name, \"=\" and a value"},
       {"zz\n", "line 1: a name"},
       {"= x\n", "line 1: a name"},
+      {"uzer = x\nzz\n", "/config: line 1: there is no setting \"uzer\"; line 2: a name"},
       {"user = Ann Keller\n", "line 1: a value with blanks"},
       {"user = \"Ann\n", "line 1: a quotation mark is not closed"},
       {"user = \"Ann\" Keller\n", "line 1: a value ends"},
@@ -278,6 +285,8 @@ TEST(CommandLineTest, CompletesInBash) {
   for (const auto& [line, offered] : rows) {
     EXPECT_THAT(completionsOf(line, environment), HasSubstr(offered)) << line;
   }
+  EXPECT_EQ(completionsOf("orvane completion w", environment), "\n");
+  EXPECT_EQ(completionsOf("orvane user show --expand ROLE,r", environment), "\n");
   // An id is nobody's external reference.
   EXPECT_EQ(completionsOf("orvane user show --user 1", environment), "\n");
   // What was asked a moment ago is not asked again; what fails is silent.
@@ -319,6 +328,9 @@ TEST(CommandLineTest, KeepsSettingsInProfiles) {
          prints("config set ca-file " + sandbox.caFile() + " --profile staging", IsEmpty()),
          prints("config set token " + sandbox.developmentToken() + " --profile staging", IsEmpty()),
          prints("config set api-key 'a # b' --profile staging", IsEmpty()),
+         fails("config set timeout abc", 64, "which is not a number"),
+         fails("config set base-url 127.0.0.1:1", 64, "is no URL with a host"),
+         fails("config get locale", 78, "locale is not set"),
          fails("config set base-uri x", 64, "did you mean base-url?"),
          prints("config get timeout", "7\n"),
          prints("config get api-key --profile staging", "a # b\n"),

@@ -16,10 +16,10 @@
 //   };
 //
 // Help, man page, completion and messages come of these declarations. `examples` and `declare` may
-// be missing. An operation that answers nothing has `done`, the line that is then printed, instead
-// of `print`. A verb whose answer holds its records further down has `unwrapped`, which finds them
-// in the backend's text. A verb that needs no call, or does more with its answer, has
-// `void run(Session&) const` instead of `ask` and `print`.
+// be missing. `isInternal` hides it from completion. An operation that answers nothing has `done`,
+// the line that is then printed, instead of `print`. A verb whose answer holds its records further
+// down has `unwrapped`, which finds them in the backend's text. A verb that needs no call, or does
+// more with its answer, has `void run(Session&) const` instead of `ask` and `print`.
 #pragma once
 
 #include "JSONText.h"
@@ -55,6 +55,8 @@ class Verb {
   [[nodiscard]] virtual std::string_view name() const = 0;
   [[nodiscard]] virtual std::string_view summary() const = 0;
   [[nodiscard]] virtual std::span<const Example> examples() const = 0;
+  /// Is there for other programs: completion does not offer it.
+  [[nodiscard]] virtual bool isInternal() const = 0;
   /// Binds the options to the verb's own variables.
   virtual void declare(Options& options) = 0;
   /// Does it. Throws a `Failure`.
@@ -157,6 +159,10 @@ class VerbOf final : public Verb {
     } else {
       return {};
     }
+  }
+
+  [[nodiscard]] bool isInternal() const override {
+    return requires { V::isInternal; };
   }
 
   void declare(Options& options) override {

@@ -57,7 +57,10 @@ CommandWords::CommandWords(const CommandSet& set, std::span<const std::string> w
     } else if (word.starts_with('-') && !areOptionsOver) {
       const std::size_t equals = std::min(word.find('='), word.size());
       const auto option = std::ranges::find(options, word.substr(0, equals), &Option::name);
-      if (option == options.end()) continue;
+      if (option == options.end()) {
+        if (!unknown && !stray) stray = word;
+        continue;
+      }
       if (equals < word.size() || !option->takesWord()) {
         given.emplace_back(*option, word.substr(std::min(equals + 1, word.size())));
       } else {
@@ -78,11 +81,39 @@ CommandWords::CommandWords(const CommandSet& set, std::span<const std::string> w
         enter(found->get());
       } else if (!unknown) {
         unknown = word;
+        unknownBelow = resource;
       }
     } else {
       ++positionals;
     }
   }
+}
+
+std::string thereIsNo(const std::string& what, const std::string& word,
+                      const std::vector<std::string>& known) {
+  const std::string bare = word.substr(0, word.find('='));
+  const auto nearest = nearestOf(known, bare);
+  return "There is no " + what + " '" + bare + "'" +
+         (nearest ? "; did you mean " + *nearest + "?" : "");
+}
+
+std::string unknownCommand(const CommandSet& set, const CommandWords& words) {
+  std::vector<std::string> names;
+  if (words.unknownBelow != nullptr) {
+    for (const auto& verb : words.unknownBelow->verbs()) names.emplace_back(verb->name());
+    return thereIsNo("command", *words.unknown, names);
+  }
+  // "list trips"
+  const bool isSwapped = words.resource != nullptr &&
+                         std::ranges::any_of(words.resource->verbs(), [&](const auto& verb) {
+                           return verb->name() == *words.unknown;
+                         });
+  if (isSwapped) {
+    return "There is no command '" + *words.unknown + "'; did you mean orvane " +
+           words.resource->name() + " " + *words.unknown + "?";
+  }
+  for (const Resource& resource : set.resources) names.push_back(resource.name());
+  return thereIsNo("command", *words.unknown, names);
 }
 
 std::optional<std::string> nearestOf(const std::vector<std::string>& known,

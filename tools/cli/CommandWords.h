@@ -28,13 +28,21 @@ struct CommandWords {
 
   const Resource* resource = nullptr;
   Verb* verb = nullptr;
-  std::vector<Option> options;         ///< The verb's, if there is one, and the global ones.
-  std::size_t positionals = 0;         ///< How many arguments without a name there are.
-  std::optional<Option> awaiting{};    ///< The option whose value comes next.
-  std::optional<std::string> unknown;  ///< The first word that is no command where one stands.
+  std::vector<Option> options;             ///< The verb's, if there is one, and the global ones.
+  std::size_t positionals = 0;             ///< How many arguments without a name there are.
+  std::optional<Option> awaiting{};        ///< The option whose value comes next.
+  std::optional<std::string> unknown;      ///< The first word that is no command where one stands.
+  const Resource* unknownBelow = nullptr;  ///< Whose verb it would have been, if any.
+  std::optional<std::string> stray;  ///< The first option before `unknown` that there is none of.
   /// The options that are given, with their values.
   std::vector<std::pair<Option, std::string>> given;
 };
+
+/// "There is no command 'usr'; did you mean user?": of a word for which there is none of `what`.
+[[nodiscard]] std::string thereIsNo(const std::string& what, const std::string& word,
+                                    const std::vector<std::string>& known);
+/// The same of `words.unknown`, which is there.
+[[nodiscard]] std::string unknownCommand(const CommandSet& set, const CommandWords& words);
 
 /// The one of `known` that `word` may have been meant for.
 [[nodiscard]] std::optional<std::string> nearestOf(const std::vector<std::string>& known,

@@ -13,6 +13,15 @@ void addValues(Candidates& candidates, const Option& option) {
   if (!option.isList || option.isWhole) return;
   const std::size_t comma = candidates.begun.rfind(',');
   if (comma == std::string::npos) return;
+  std::string_view former = std::string_view(candidates.begun).substr(0, comma);
+  for (bool isLast = false; !isLast;) {
+    const std::size_t end = former.find(',');
+    const std::string_view given = former.substr(0, end);
+    std::erase_if(candidates.words,
+                  [&](const Candidate& word) { return sameChoice(word.text, given); });
+    isLast = end == std::string_view::npos;
+    if (!isLast) former.remove_prefix(end + 1);
+  }
   candidates.before += candidates.begun.substr(0, comma + 1);
   candidates.begun.erase(0, comma + 1);
 }
@@ -32,6 +41,7 @@ void addCommands(Candidates& candidates, const CommandSet& set, const CommandWor
     }
   } else if (read.verb == nullptr) {
     for (const auto& verb : read.resource->verbs()) {
+      if (verb->isInternal()) continue;
       candidates.words.push_back({std::string(verb->name()), std::string(verb->summary())});
     }
   }

@@ -124,7 +124,7 @@ ConfigurationFile configurationIn(std::string_view text) {
       read.entry->line = number;
       file.entries.push_back(*std::move(read.entry));
     } catch (const Malformed& malformed) {
-      file.faults.push_back("line " + std::to_string(number) + ": " + malformed.message);
+      file.faults.push_back({number, malformed.message});
     }
   }
   return file;

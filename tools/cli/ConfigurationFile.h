@@ -17,11 +17,16 @@ struct ConfigurationEntry {
   std::size_t line = 0;
 };
 
+struct ConfigurationFault {
+  std::size_t line = 0;
+  std::string message;
+};
+
 /// What a file holds, and what of it can't be used. A fault costs its own line alone.
 struct ConfigurationFile {
   std::vector<ConfigurationEntry> entries;
   std::vector<std::string> profiles;
-  std::vector<std::string> faults;  ///< "line 3: …"
+  std::vector<ConfigurationFault> faults;
 };
 
 /// What `text` holds: `name = value`, with quotation marks around a value that contains blanks,

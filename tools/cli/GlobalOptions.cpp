@@ -98,6 +98,7 @@ void GlobalOptions::declare(Options& options, Settings& settings) {
 OutputStyle GlobalOptions::style() const {
   OutputStyle style;
   const bool isTerminal = ::isatty(STDOUT_FILENO) == 1;
+  style.isTerminal = isTerminal;
   if (isTerminal) style.format = OutputStyle::Format::table;
   if (isJSON_) style.format = OutputStyle::Format::json;
   if (isRaw_) style.format = OutputStyle::Format::raw;

@@ -23,6 +23,17 @@ std::string padding(std::size_t width, std::string_view text) {
   return std::string(used < width ? width - used : 0, ' ');
 }
 
+// In columns.
+std::size_t longestWord(std::string_view text) {
+  std::size_t longest = 0;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find(' '), text.size());
+    longest = std::max(longest, columnsOf(text.substr(0, end)));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return longest;
+}
+
 std::string tabbed(const Row& cells) {
   std::string line;
   for (std::size_t index = 0; index < cells.size(); ++index) {
@@ -37,6 +48,7 @@ struct Laid {
   Look look;
   int rank;
   std::size_t width = 0;
+  bool isGone = false;
 
   [[nodiscard]] bool isEmpty() const {
     return std::all_of(cells.begin() + 1, cells.end(),
@@ -54,16 +66,24 @@ std::size_t widthOf(const std::vector<Laid>& columns) {
   return width;
 }
 
-// Makes the columns fit: those of the highest rank go, the last of them first, and where none is
-// left that may go, the widest texts give way. Answers the titles of what went.
+// Makes the columns fit: those of the lowest rank come first, each where there is still room for
+// it, and where those that have to stay need more, the widest texts give way. Answers the titles of
+// what went.
 std::vector<std::string> fit(std::vector<Laid>& columns, std::size_t room) {
-  std::vector<std::string> gone;
-  while (widthOf(columns) > room) {
-    const auto last = std::ranges::max_element(columns.rbegin(), columns.rend(), {}, &Laid::rank);
-    if (last->rank == 0) break;
-    gone.insert(gone.begin(), last->cells.front());
-    columns.erase(std::next(last).base());
+  std::vector<Laid*> ranked;
+  for (Laid& column : columns) ranked.push_back(&column);
+  std::ranges::stable_sort(ranked, {}, &Laid::rank);
+  std::size_t used = 0;
+  for (Laid* column : ranked) {
+    const std::size_t needed = column->width + (used == 0 ? 0 : gap.size());
+    column->isGone = column->rank > 0 && used + needed > room;
+    if (!column->isGone) used += needed;
   }
+  std::vector<std::string> gone;
+  for (const Laid& column : columns) {
+    if (column.isGone) gone.push_back(column.cells.front());
+  }
+  std::erase_if(columns, [](const Laid& column) { return column.isGone; });
   while (widthOf(columns) > room) {
     Laid& widest = *std::ranges::max_element(columns, {}, &Laid::spare);
     if (widest.spare() == 0) break;
@@ -93,8 +113,15 @@ void Output::rows(const Block& block, const std::string& prefix) {
     }
     const std::string name =
         prefix + dimmed(row.name) + padding(width, row.name) + std::string(gap);
-    const std::size_t margin = prefix.size() + width + gap.size();
-    line(name + wrapped(visible(row.text), style_.columns, margin, margin));
+    const std::string text = visible(row.text);
+    std::size_t margin = prefix.size() + width + gap.size();
+    std::string start = name;
+    if (margin + longestWord(text) > style_.columns) {
+      // It has a line to itself.
+      margin = prefix.size() + gap.size();
+      start = prefix + dimmed(row.name) + "\n" + std::string(margin, ' ');
+    }
+    line(start + wrapped(text, style_.columns, margin, margin));
   }
 }
 
@@ -154,6 +181,8 @@ void Output::json(std::string_view text) {
 }
 
 void Output::flush() {
+  // The shell's prompt has a line of its own.
+  if (style_.isTerminal && !buffer_.empty() && buffer_.back() != '\n') buffer_ += '\n';
   const bool isWritten =
       std::fwrite(buffer_.data(), 1, buffer_.size(), stream_) == buffer_.size() &&
       std::fflush(stream_) == 0;

@@ -54,8 +54,8 @@ enum class Look : std::uint8_t { text, number, time };
 
 /// A column of a table of `Record`s, in one declaration: its title, what stands in it, and its
 /// rank. `read` is a member, or a function of a record; absent values leave the cell empty.
-/// `convert` gives a value its unit. Where a table is too wide, the columns with the highest rank
-/// go first, and those of rank 0 never do.
+/// `convert` gives a value its unit. Where a table is too wide, room goes to the columns of the
+/// lowest rank first, and those of rank 0 always stay.
 template <class Record>
 class Column {
  public:
@@ -153,6 +153,7 @@ struct OutputStyle {
   [[nodiscard]] bool isTable() const { return format == Format::table; }
 
   Format format = Format::tabs;
+  bool isTerminal = false;  ///< A line break is added where the output ends without one.
   bool isColoured = false;
   bool isUnicode = true;  ///< Else drawings do with ASCII.
   std::size_t columns = 80;
@@ -177,7 +178,7 @@ class Output {
   void section(std::string_view title, const Table& rows);
   /// A JSON text.
   void json(std::string_view text);
-  /// Everything as it is, without a line break at its end: for contents, not for records.
+  /// Everything as it is: for contents, not for records.
   void raw(std::string_view text);
 
   /// Hands everything to the system. A `Failure` where it does not take it.

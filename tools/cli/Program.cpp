@@ -15,30 +15,37 @@
 namespace orvane::cli {
 namespace {
 
-void checkChoice(const Option& option, const std::string& text) {
+// What is wrong with a value; empty for one that is taken.
+std::string refusalOf(const Option& option, const std::string& text) {
   // More than that are no help in a line.
   constexpr std::size_t mostListed = 16;
-  if (option.accept(text)) return;
+  if (option.accept(text)) return {};
   std::string message = "'" + text + "' is not " + option.meaning;
-  const bool isListed = !option.choices.empty() && option.choices.size() <= mostListed;
+  // The meaning of one that may stand alone has the words in it.
+  const bool isListed =
+      !option.isBareAllowed && !option.choices.empty() && option.choices.size() <= mostListed;
   if (isListed) message += ": " + joined(option.choices, ", ");
   if (const auto nearest = nearestOf(option.choices, text)) {
     message += "; did you mean " + *nearest + "?";
   }
-  throw CLI::ValidationError(option.name, message);
+  return message;
 }
 
 void addOption(CLI::App& app, const Option& option) {
   if (option.isFlag() || option.isBareAllowed) {
     // What CLI11 makes of a flag without a value.
     constexpr const char* bare = "true";
-    app.add_flag(option.name)->each([option](const std::string& text) {
-      checkChoice(option, text == bare ? std::string() : text);
-    });
+    const auto check = [option](const std::string& text) {
+      return refusalOf(option, text == bare ? std::string() : text);
+    };
+    app.add_flag(option.name)->check(check);
     return;
   }
   const auto take = [option](const std::vector<std::string>& texts) {
-    for (const std::string& text : texts) checkChoice(option, text);
+    for (const std::string& text : texts) {
+      const std::string refusal = refusalOf(option, text);
+      if (!refusal.empty()) throw CLI::ValidationError(option.name, refusal);
+    }
   };
   CLI::Option* added = app.add_option_function<std::vector<std::string>>(option.name, take);
   added->required(option.isRequired)->allow_extra_args(option.isPositional() && option.isList);
@@ -73,14 +80,17 @@ class CommandLine {
   [[nodiscard]] std::string complaint(const CLI::ParseError& error,
                                       const CommandWords& words) const {
     std::string said = error.what();
-    if (error.get_name() == "ArgumentMismatch" && said.find(" missing") != std::string::npos) {
-      return said.substr(0, said.find(':')) + " needs a value";
+    if (words.unknown && words.stray) return thereIsNo("option", *words.stray, optionNames(words));
+    if (error.get_name() == "ArgumentMismatch") {
+      const std::string option = said.substr(0, said.find(':'));
+      if (said.find(" missing") != std::string::npos) return option + " needs a value";
+      if (said.find("At Most 1 ") != std::string::npos) return option + " is given more than once";
     }
     const bool lacksCommand = said == "A subcommand is required";
     const bool hasExtras = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
     if (!lacksCommand && !hasExtras) return said;
     const std::vector<std::string> left = app_.remaining(true);
-    if (words.unknown) return thereIsNo("command", *words.unknown, commandNames(words));
+    if (words.unknown) return unknownCommand(set_, words);
     for (const std::string& word : left) {
       if (word.starts_with('-')) return thereIsNo("option", word, optionNames(words));
     }
@@ -89,24 +99,6 @@ class CommandLine {
   }
 
  private:
-  static std::string thereIsNo(const char* what, const std::string& word,
-                               const std::vector<std::string>& known) {
-    const std::string bare = word.substr(0, word.find('='));
-    const auto nearest = nearestOf(known, bare);
-    return "There is no " + (what + (" '" + bare + "'")) +
-           (nearest ? "; did you mean " + *nearest + "?" : "");
-  }
-
-  [[nodiscard]] std::vector<std::string> commandNames(const CommandWords& words) const {
-    std::vector<std::string> names;
-    if (words.resource == nullptr) {
-      for (const Resource& resource : set_.resources) names.push_back(resource.name());
-    } else {
-      for (const auto& verb : words.resource->verbs()) names.emplace_back(verb->name());
-    }
-    return names;
-  }
-
   static std::vector<std::string> optionNames(const CommandWords& words) {
     std::vector<std::string> names{"--help", "--version"};
     for (const Option& option : words.options) names.push_back(option.name);
@@ -166,19 +158,26 @@ bool asksFor(std::string_view option, const std::vector<std::string>& words) {
 }
 
 // Whoever can't get through to the backend is told who finds out why.
-std::string withHint(const Failure& failure, const CommandWords& words) {
+bool isForDoctor(const Failure& failure, const Settings& settings) {
   constexpr ExitCode codes[] = {ExitCode::nameLookup, ExitCode::connection, ExitCode::tls,
                                 ExitCode::protocol};
-  const bool isDoctor = words.resource != nullptr && words.resource->name() == "doctor";
-  const bool isHelped = !isDoctor && std::ranges::find(codes, failure.code()) != std::end(codes);
-  return std::string(failure.what()) + (isHelped ? " (orvane doctor looks into it)" : "");
+  if (failure.code() != ExitCode::notFound) {
+    return std::ranges::find(codes, failure.code()) != std::end(codes);
+  }
+  // Below the API root twice over nothing is found.
+  return settings.text(Setting::baseURL).value_or("").find(apiRoot) != std::string::npos;
 }
 
 ExitCode runVerb(const Verb& verb, Settings settings, const GlobalOptions& globals) {
   settings.load(globals.place());
   Session session(std::move(settings), globals.style(), globals.shown());
-  verb.run(session);
-  session.finish();
+  try {
+    verb.run(session);
+    session.finish();
+  } catch (const Failure& failure) {
+    if (verb.name() == "doctor" || !isForDoctor(failure, session.settings())) throw;
+    throw Failure(failure.code(), std::string(failure.what()) + " (orvane doctor looks into it)");
+  }
   return ExitCode::success;
 }
 
@@ -206,7 +205,7 @@ ExitCode runProgram(int argumentCount, const char* const* arguments) {
     return complain(ExitCode::usage,
                     line.complaint(error, words) + " (see " + pathOf(words) + " --help)");
   } catch (const Failure& failure) {
-    return complain(failure.code(), withHint(failure, words));
+    return complain(failure.code(), failure.what());
   } catch (const std::exception& exception) {
     return complain(ExitCode::internal, exception.what());
   }

@@ -224,14 +224,4 @@ TokenSource Session::tokens() const {
                 "ORVANE_SIGNING_KEY_FILE, or use orvane config set; orvane --sandbox has one");
 }
 
-std::chrono::milliseconds Session::timeout() const {
-  // Long enough for everything, and small enough for every clock.
-  constexpr double longest = 1e6;
-  const double seconds = settings_.number(Setting::timeout).value_or(longest);
-  if (!(seconds >= 0.001 && seconds <= longest)) {
-    throw settings_.refusal(Setting::timeout, "is not from 0.001 to 1000000 seconds");
-  }
-  return std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000.0));
-}
-
 }  // namespace orvane::cli

@@ -34,7 +34,7 @@ class Session {
   /// What is kept of an exchange has its bodies, too. To be called before `connect`.
   void keepBodies() noexcept { keepsBodies_ = true; }
   /// The longest that a call may take.
-  [[nodiscard]] std::chrono::milliseconds timeout() const;
+  [[nodiscard]] std::chrono::milliseconds timeout() const { return settings_.timeout(); }
 
   /// A `Failure` where the command line names somebody whom the token in force does not stand for:
   /// only a token that is signed here can.

@@ -120,20 +120,24 @@ void Settings::readFile(const std::optional<std::string>& chosenProfile) {
   } catch (const Failure& failure) {
     addFault(failure.what());
   }
-  const auto fault = [this](std::size_t line, const std::string& what) {
-    addFault(file_.string() + ": line " + std::to_string(line) + ": " + what);
-  };
-  for (const std::string& words : file.faults) addFault(file_.string() + ": " + words);
   for (const ConfigurationEntry& entry : file.entries) {
     const bool namesProfile = entry.profile.empty() && entry.name == "profile";
     if (namesProfile && profile_.empty()) profile_ = entry.value;
     if (!namesProfile && settingNamed(entry.name) == nullptr) {
-      fault(entry.line, "there is no setting \"" + entry.name + '"');
+      file.faults.push_back({entry.line, "there is no setting \"" + entry.name + '"'});
     }
   }
+  std::ranges::stable_sort(file.faults, {}, &ConfigurationFault::line);
+  std::string words;
+  for (const auto& [line, message] : file.faults) {
+    words.append(words.empty() ? file_.string() + ": " : "; ")
+        .append("line " + std::to_string(line) + ": " + message);
+  }
+  if (!words.empty()) addFault(words);
   if (chosenProfile) profile_ = *chosenProfile;
   if (!profile_.empty() && std::ranges::find(file.profiles, profile_) == file.profiles.end()) {
-    addFault(file_.string() + ": there is no profile \"" + profile_ + '"');
+    const std::string fault = "there is no profile \"" + profile_ + '"';
+    addFault(faults_.empty() ? file_.string() + ": " + fault : fault);
   }
   for (ConfigurationEntry& entry : file.entries) {
     const SettingRow* row = settingNamed(entry.name);
@@ -220,6 +224,16 @@ std::optional<double> Settings::number(Setting setting) const {
   const auto number = Argument<double>::parse(*found);
   if (!number) throw refusal(setting, "is not a number");
   return number;
+}
+
+std::chrono::milliseconds Settings::timeout() const {
+  // Long enough for everything, and small enough for every clock.
+  constexpr double longest = 1e6;
+  const double seconds = number(Setting::timeout).value_or(longest);
+  if (!(seconds >= 0.001 && seconds <= longest)) {
+    throw refusal(Setting::timeout, "is not from 0.001 to 1000000 seconds");
+  }
+  return std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000.0));
 }
 
 Failure Settings::refusal(Setting setting, const std::string& reason) const {

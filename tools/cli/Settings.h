@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -30,6 +31,9 @@ enum class Setting : std::uint8_t {
   firmwareHost,
   documentsFolder,
 };
+
+/// What the library adds to every base URL.
+inline constexpr std::string_view apiRoot = "/kavra/api/sdk";
 
 struct SettingRow {
   Setting setting;
@@ -101,6 +105,8 @@ class Settings {
   [[nodiscard]] std::string required(Setting setting) const;
   /// The value as a number; absent where there is none, a `Failure` for any other text.
   [[nodiscard]] std::optional<double> number(Setting setting) const;
+  /// The longest that a call may take; a `Failure` for what is no such time.
+  [[nodiscard]] std::chrono::milliseconds timeout() const;
   /// What to throw about a value that can't be used, because it "is not …": a mistake in the
   /// command line or in what surrounds it, depending on where the value comes from.
   [[nodiscard]] Failure refusal(Setting setting, const std::string& reason) const;

@@ -147,8 +147,11 @@ std::string toText(const Event::EventType& type) {
 
 std::string toText(const TripScores::SubScore& score) {
   using enum TripScores::KnownSubScore;
+  // "distracted.driving", "distracted_driving"
+  std::string words(score.wireText());
+  for (const char separator : {'.', '_'}) std::ranges::replace(words, separator, ' ');
   const auto* known = score.as<TripScores::KnownSubScore>();
-  if (known == nullptr) return std::string(score.wireText());
+  if (known == nullptr) return words;
   switch (*known) {
     case acceleration:
       return "harsh acceleration";
@@ -158,12 +161,8 @@ std::string toText(const TripScores::SubScore& score) {
       return "harsh cornering";
     case postedSpeedLimit:
       return "over-speeding";
-    default: {
-      // "distracted.driving"
-      std::string words(score.wireText());
-      std::ranges::replace(words, '.', ' ');
+    default:
       return words;
-    }
   }
 }
 

@@ -188,6 +188,7 @@ struct ListWords {
       "Print what could stand next, for the scripts of the shells";
   static constexpr Example examples[] = {
       {"completion words -- trips sh", "after what is completed otherwise: nothing here"}};
+  static constexpr bool isInternal = true;
 
   std::vector<std::string> words;
   std::optional<std::string> line;

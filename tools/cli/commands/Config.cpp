@@ -3,6 +3,10 @@
 #include "Commands.h"
 #include "ConfigurationFile.h"
 #include "OutputFile.h"
+#include <Orvane/Platform/TimeZone.h>
+#include <Orvane/Runtime/EndpointResolvers.h>
+
+#include <algorithm>
 
 namespace orvane::cli {
 
@@ -76,8 +80,11 @@ struct GetConfig {
   void run(Session& session) const {
     const Settings& settings = session.settings();
     settings.check();
-    if (setting.text == "profile") return session.output().line(settings.profile());
-    session.output().line(settings.text(settingNamed(setting.text)->setting).value_or(""));
+    const SettingRow* row = settingNamed(setting.text);
+    const std::string value =
+        row != nullptr ? settings.text(row->setting).value_or("") : settings.profile();
+    if (value.empty()) throw Failure(ExitCode::configuration, setting.text + " is not set");
+    session.output().line(value);
   }
 };
 
@@ -93,6 +100,38 @@ void write(Session& session, const std::string& name, const std::optional<std::s
   const std::string& profile = name == "profile" ? "" : session.settings().profile();
   // A token may stand in it.
   writeDocument(file, withSetting(text, profile, name, value), session.output(), Readers::owner);
+}
+
+// Whether the base URL of a backend, or of firmware, is one.
+void checkURL(const SettingRow& row, const std::string& text) {
+  const auto made = EndpointSource(text).resolver();
+  if (made) return;
+  constexpr std::string_view option = "baseURL";
+  const std::string said = made.errorOr(NetworkError::unknown).message();
+  throw Failure(ExitCode::usage, "'" + text + "' can't be set: " + std::string(row.name) +
+                                     said.substr(std::min(option.size(), said.size())));
+}
+
+// A `Failure` for a value with which no command that needs the setting could work.
+void checkValue(const SettingRow& row, const std::string& text) {
+  Settings settings(nullptr);
+  settings.setFlag(row.setting, text);
+  switch (row.setting) {
+    case Setting::baseURL:
+    case Setting::firmwareHost:
+      return checkURL(row, text);
+    case Setting::timeout:
+      static_cast<void>(settings.timeout());
+      return;
+    case Setting::clockOffset:
+      static_cast<void>(settings.number(row.setting));
+      return;
+    case Setting::timeZone:
+      if (!TimeZone::named(text)) throw settings.refusal(row.setting, "the device does not know");
+      return;
+    default:
+      return;
+  }
 }
 
 struct SetConfig {
@@ -112,7 +151,10 @@ struct SetConfig {
     options.positional("VALUE", value, "Its value");
   }
 
-  void run(Session& session) const { write(session, setting.text, value); }
+  void run(Session& session) const {
+    if (const SettingRow* row = settingNamed(setting.text)) checkValue(*row, value);
+    write(session, setting.text, value);
+  }
 };
 
 struct UnsetConfig {

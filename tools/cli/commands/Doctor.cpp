@@ -23,7 +23,6 @@ struct Check {
   ExitCode code = ExitCode::success;
 };
 
-constexpr std::string_view apiRoot = "/kavra/api/sdk";
 constexpr const char* correction = "Correct that; orvane config list shows what is in force.";
 
 std::string headerOf(const Exchange& exchange, std::string_view name) {

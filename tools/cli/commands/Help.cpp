@@ -46,9 +46,7 @@ struct ShowHelp {
     std::vector<std::string> texts;
     for (const CommandWord& word : command) texts.push_back(word.text);
     const CommandWords words(set, texts);
-    if (words.unknown) {
-      throw Failure(ExitCode::usage, "There is no command '" + *words.unknown + "'");
-    }
+    if (words.unknown) throw Failure(ExitCode::usage, unknownCommand(set, words));
     session.output().raw(helpText(set, words, session.output().style().columns));
   }
 };

@@ -140,16 +140,17 @@ struct AnswersTrips {
     output.table(Table("trips", trips,
                        {{"id", &Trip::id},
                         {"started", startOf},
-                        {"duration", &Trip::duration, durationOf, 2},
-                        {"distance", &Trip::distance, kilometresOf, 1},
-                        {"mode", &Trip::transportMode, 3},
-                        {"purpose", &Trip::purpose, 6},
-                        {"score", &Trip::score, scoreText, 4},
-                        {"events", numberOfEvents, 5},
-                        {"vehicle", &Trip::vehicleId, 7},
-                        {"route", &Trip::polyline, routeText, 8},
-                        {"driver", driverText, 5},
-                        {"vehicle's name", vehicleText, 8}}));
+                        {"duration", &Trip::duration, durationOf, 3},
+                        {"distance", &Trip::distance, kilometresOf, 2},
+                        {"mode", &Trip::transportMode, 4},
+                        {"purpose", &Trip::purpose, 5},
+                        // What is there only where it was asked for comes first.
+                        {"score", &Trip::score, scoreText, 1},
+                        {"events", numberOfEvents, 1},
+                        {"vehicle", &Trip::vehicleId, 6},
+                        {"route", &Trip::polyline, routeText, 1},
+                        {"driver", driverText, 1},
+                        {"vehicle's name", vehicleText, 1}}));
   }
 };
 

@@ -47,7 +47,14 @@ Block accountOf(const Account& account) {
 }
 
 Block roleOf(const UserRole& role) {
-  return Block().row("names", role.roleNames).row("support access", role.supportAccessGranted);
+  // The backend sends "true" and "false" as texts.
+  const auto answer = [](const std::string& text) {
+    const auto granted = Argument<bool>::parse(text);
+    return granted ? toText(*granted) : text;
+  };
+  return Block()
+      .row("names", role.roleNames)
+      .row("support access", role.supportAccessGranted, answer);
 }
 
 Block sharedOf(const User::SharedInformation& shared) {

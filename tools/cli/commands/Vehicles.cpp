@@ -89,14 +89,15 @@ struct ListVehicles {
     output.table(Table("vehicles", vehicles,
                        {{"id", &Vehicle::vehicleId},
                         {"name", &Vehicle::nickName},
-                        {"make", &Vehicle::make, 2},
-                        {"model", &Vehicle::model, 1},
-                        {"year", &Vehicle::year, 4},
-                        {"plate", &Vehicle::plate, 3},
-                        {"VIN", &Vehicle::vin, 5},
-                        {"owners", ownersOf, 6},
-                        {"operators", operatorsOf, 7},
-                        {"devices", devicesOf, 8}}));
+                        {"make", &Vehicle::make, 3},
+                        {"model", &Vehicle::model, 2},
+                        {"year", &Vehicle::year, 5},
+                        {"plate", &Vehicle::plate, 4},
+                        {"VIN", &Vehicle::vin, 6},
+                        // What is there only where it was asked for comes first.
+                        {"owners", ownersOf, 1},
+                        {"operators", operatorsOf, 1},
+                        {"devices", devicesOf, 1}}));
   }
 };
 
