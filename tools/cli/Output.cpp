@@ -71,6 +71,7 @@ std::size_t widthOf(const std::vector<Laid>& columns) {
 // what went.
 std::vector<std::string> fit(std::vector<Laid>& columns, std::size_t room) {
   std::vector<Laid*> ranked;
+  ranked.reserve(columns.size());
   for (Laid& column : columns) ranked.push_back(&column);
   std::ranges::stable_sort(ranked, {}, &Laid::rank);
   std::size_t used = 0;
