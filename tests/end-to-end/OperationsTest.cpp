@@ -88,7 +88,7 @@ void expectRoute(const Trip& trip) {
     const auto part = polyline->decode();
     line.insert(line.end(), part.begin(), part.end());
   }
-  ASSERT_GT(line.size(), 50U);
+  ASSERT_GT(line.size(), 20U);
   double length = 0;
   for (std::size_t i = 1; i < line.size(); ++i) length += metres(line[i - 1], line[i]);
   EXPECT_NEAR(length, trip.distance.value_or(0), 0.05 * length + 300);
