@@ -50,7 +50,8 @@ const sigset_t& awaitedSignals() {
 LayingProgress progressShown() {
   return [shown = -1](int done, int all) mutable {
     constexpr timespec noTime{};
-    const int signal = sigtimedwait(&awaitedSignals(), nullptr, &noTime);
+    int signal = sigtimedwait(&awaitedSignals(), nullptr, &noTime);
+    if (signal == SIGCHLD) signal = 0;  // of a process that was there before
     const bool isOnTerminal = ::isatty(STDERR_FILENO) != 0;
     const bool isEnd = signal > 0 || done == all;
     const int percent = done * 100 / all;
@@ -268,8 +269,8 @@ class TemporaryData {
 };
 
 void waitForEnd() {
-  siginfo_t info{};
-  while (sigwaitinfo(&awaitedSignals(), &info) == SIGCHLD || info.si_signo == 0) {
+  for (int signal = 0; signal != SIGINT && signal != SIGTERM;) {
+    signal = sigwaitinfo(&awaitedSignals(), nullptr);
   }
 }
 
