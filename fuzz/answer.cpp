@@ -106,7 +106,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   for (const std::string_view text : {rest, std::string_view(body.text)}) {
     const std::string reason = reasonIn(text);
-    require(isUTF8(reason) && reason.size() <= 4 * 500 && reason.find('\n') == std::string::npos);
+    require(isUTF8(reason) && reason.size() <= std::size_t{4} * 500 &&
+            reason.find('\n') == std::string::npos);
   }
   return 0;
 }

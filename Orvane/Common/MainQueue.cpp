@@ -148,7 +148,8 @@ std::uint64_t MainQueue::add(Job job) {
     state_->jobs.push_back(std::move(job));
     onJob = state_->onAbandonedJob;
   }
-  state_->changed.notify_all();
+  // Who drains has been told of the jobs before this one, and takes it with them.
+  if (!isJammed) state_->changed.notify_all();
   if (onJob) (*onJob)();
   if (isJammed) warnWhenStalled();
   return number;

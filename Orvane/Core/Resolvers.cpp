@@ -23,7 +23,7 @@ constexpr Seconds century{100 * 365.25 * 24 * 60 * 60};
 Result<URL> apiURLBelow(const Result<URL>& baseURL) {
   if (!baseURL.value()) return baseURL.errorOr(NetworkError::unknown);
   const URL& root = *baseURL.value();
-  if (root.scheme().empty() || root.host().empty()) return NetworkError::malformedRequest;
+  if (!root.hasHost()) return NetworkError::malformedRequest;
   return *root.appendingPathComponent(apiPath);
 }
 

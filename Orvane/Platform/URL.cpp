@@ -86,6 +86,11 @@ std::string URL::scheme() const {
 
 std::string URL::host() const { return parsed(text_).host_address(); }
 
+bool URL::hasHost() const {
+  const urls::url_view url = parsed(text_);
+  return url.has_scheme() && !url.encoded_host_address().empty();
+}
+
 std::string URL::path() const { return std::string(parsed(text_).encoded_path()); }
 
 std::optional<std::string> URL::query() const {

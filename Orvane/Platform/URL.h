@@ -30,6 +30,8 @@ class ORVANE_EXPORT URL {
   [[nodiscard]] std::string scheme() const;
   /// The host, percent-decoded, an IPv6 address without its brackets; empty when there is none.
   [[nodiscard]] std::string host() const;
+  /// True when there are a scheme and a host: a request needs both to be sent.
+  [[nodiscard]] bool hasHost() const;
   /// The path as it stands, percent-encoded.
   [[nodiscard]] std::string path() const;
   /// The query as it stands, percent-encoded, without the question mark; absent when there is none.

@@ -39,12 +39,20 @@ bool isWellFormed(const Headers& headers, std::size_t bodySize) {
   });
 }
 
-// Where a URL leads. Read by libcurl itself, so that what is checked is what will be connected to.
+// Where a URL leads.
 struct Destination {
   std::string scheme;
-  std::string host;
-  std::string port;
+  std::string origin;
+  bool isThisMachine = false;
 };
+
+bool isThisMachine(std::string host) {
+  std::transform(host.begin(), host.end(), host.begin(), lowerCase);
+  if (host == "localhost" || host.ends_with(".localhost")) return true;
+  std::array<unsigned char, sizeof(in6_addr)> address{};
+  if (inet_pton(AF_INET, host.c_str(), address.data()) == 1) return address[0] == 127;
+  return host == "[::1]";
+}
 
 std::string part(CURLU* url, CURLUPart which) {
   char* text = nullptr;
@@ -54,33 +62,47 @@ std::string part(CURLU* url, CURLUPart which) {
   return copy;
 }
 
-// True when a host may follow the scheme. libcurl would take one out of the path where none does.
-bool hasAuthority(std::string_view url) {
-  const std::size_t start = url.find("://");
-  return start != std::string_view::npos && start + 3 < url.size() && url[start + 3] != '/';
+// A URL up to its path: all that tells where it leads. Empty where no host may follow the scheme;
+// libcurl would take one out of the path.
+std::string_view rootOf(std::string_view url) {
+  constexpr std::string_view mark = "://";
+  const std::size_t place = url.find(mark);
+  if (place == std::string_view::npos) return {};
+  const std::size_t host = place + mark.size();
+  const std::size_t end = std::min(url.find_first_of("/?#", host), url.size());
+  return end == host ? std::string_view() : url.substr(0, end);
 }
 
-// Absent for a URL that is relative, has no host, or holds a user's name.
-std::optional<Destination> destinationOf(const URL& url) {
-  if (!hasAuthority(url.absoluteString())) return std::nullopt;
+// Read by libcurl itself, so that what is checked is what will be connected to. Absent for a URL
+// that holds a user's name, and for what libcurl can't read.
+std::optional<Destination> destinationOf(const std::string& url) {
   struct Cleanup {
     void operator()(CURLU* handle) const noexcept { curl_url_cleanup(handle); }
   };
   constexpr unsigned flags = CURLU_NON_SUPPORT_SCHEME | CURLU_DISALLOW_USER | CURLU_PATH_AS_IS;
   const std::unique_ptr<CURLU, Cleanup> handle(curl_url());
-  if (curl_url_set(handle.get(), CURLUPART_URL, url.absoluteString().c_str(), flags) != CURLUE_OK) {
+  if (curl_url_set(handle.get(), CURLUPART_URL, url.c_str(), flags) != CURLUE_OK) {
     return std::nullopt;
   }
-  return Destination{part(handle.get(), CURLUPART_SCHEME), part(handle.get(), CURLUPART_HOST),
-                     part(handle.get(), CURLUPART_PORT)};
+  const std::string scheme = part(handle.get(), CURLUPART_SCHEME);
+  const std::string host = part(handle.get(), CURLUPART_HOST);
+  const std::string port = part(handle.get(), CURLUPART_PORT);
+  return Destination{scheme, concatenated({scheme, "://", host, ":", port}), isThisMachine(host)};
 }
 
-bool isThisMachine(std::string host) {
-  std::transform(host.begin(), host.end(), host.begin(), lowerCase);
-  if (host == "localhost" || host.ends_with(".localhost")) return true;
-  std::array<unsigned char, sizeof(in6_addr)> address{};
-  if (inet_pton(AF_INET, host.c_str(), address.data()) == 1) return address[0] == 127;
-  return host == "[::1]";
+// The same, absent for a relative URL, too. A request mostly leads where the one before it did.
+const std::optional<Destination>& knownDestinationOf(const URL& url) {
+  struct Known {
+    std::string root;
+    std::optional<Destination> destination;
+  };
+  static thread_local Known known;
+  const std::string_view root = rootOf(url.absoluteString());
+  if (known.root != root) {
+    known.root = root;
+    known.destination = destinationOf(known.root + '/');  // not every scheme goes without a path
+  }
+  return known.destination;
 }
 
 }  // namespace
@@ -98,13 +120,13 @@ bool isHeader(std::string_view name, std::string_view expected) {
 }
 
 std::optional<Error> check(OutgoingRequest& request, bool allowsPlainHTTP) {
-  const auto destination = destinationOf(request.url);
+  const std::optional<Destination>& destination = knownDestinationOf(request.url);
   if (!destination || !isWellFormed(request.headers, request.body.size())) {
     return NetworkError::malformedRequest;
   }
-  request.isForThisMachine = isThisMachine(destination->host);
+  request.origin = destination->origin;
+  request.isForThisMachine = destination->isThisMachine;
   request.isEncrypted = destination->scheme == "https";
-  request.origin = destination->scheme + "://" + destination->host + ":" + destination->port;
   if (request.isEncrypted) return std::nullopt;
   if (destination->scheme != "http") {
     return TransportError(TransportError::Kind::insecure, "it must be https");

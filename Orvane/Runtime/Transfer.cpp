@@ -42,12 +42,6 @@ bool withoutThrowing(Body body) noexcept {
   }
 }
 
-// libcurl drops a header whose value is blank, unless it is written this way.
-std::string headerLine(const std::string& name, const std::string& value) {
-  if (value.find_first_not_of(" \t") == std::string::npos) return name + ";";
-  return name + ": " + value;
-}
-
 // The number that follows `label` in a text that begins with `opening`.
 std::optional<std::uint32_t> numberIn(std::string_view text, std::string_view opening,
                                       std::string_view label = {}) {
@@ -136,7 +130,7 @@ std::optional<Error> Transfer::prepare(std::unique_ptr<CurlEasy> easy) {
   if (!lines_) writeHeaderLines();
   easy_->set(CURLOPT_PRIVATE, this);
   easy_->set(CURLOPT_URL, request_.url.absoluteString().c_str());
-  easy_->set(CURLOPT_HTTPHEADER, lines_.get());
+  easy_->set(CURLOPT_HTTPHEADER, lines_->list());
   if (request_.isForThisMachine) easy_->bypassProxy();
   setCallbacks();
   setVerb();
@@ -166,24 +160,7 @@ void Transfer::listen() noexcept {
   easy_->set(CURLOPT_VERBOSE, 1L);
 }
 
-void Transfer::writeHeaderLines() {
-  const auto append = [this](const char* line) {
-    lines_.reset(curl_slist_append(lines_.release(), line));
-  };
-  for (const auto& [name, value] : request_.headers) append(headerLine(name, value).c_str());
-  // What it accepts; and what libcurl would add of its own: a name alone keeps it from doing so.
-  constexpr std::pair<std::string_view, const char*> additions[] = {
-      {"accept", "Accept:"},
-      {"accept-encoding", "Accept-Encoding: gzip"},
-      {"content-type", "Content-Type:"},
-      {"expect", "Expect:"}};
-  for (const auto& [name, line] : additions) {
-    const bool isGiven = std::any_of(
-        request_.headers.begin(), request_.headers.end(),
-        [&, wanted = name](const auto& header) { return isHeader(header.first, wanted); });
-    if (!isGiven) append(line);
-  }
-}
+void Transfer::writeHeaderLines() { lines_.emplace(request_.headers); }
 
 void Transfer::setVerb() {
   if (request_.verb == Verb::get && request_.body.empty()) {
@@ -230,7 +207,7 @@ bool Transfer::maySend(std::shared_ptr<OpenSocket> socket) {
   lastMove_ = Clock::now();
   const bool isShared = isMultiplexed();
   if (isShared) listen();
-  loop_->hasConnected(*this, isShared);
+  HostLines::hasConnected(*this, isShared);
   return true;
 }
 
@@ -312,7 +289,7 @@ bool Transfer::keepHead(std::string_view line) {
   if (!head_.isComplete() || !head_.isSuccess()) return true;
   watchForFarewell();
   // Where TLS did not tell.
-  if (head_.isMultiplexed() && !hostLine->isMultiplexed) loop_->hasConnected(*this, true);
+  if (head_.isMultiplexed() && !hostLine->isMultiplexed) HostLines::hasConnected(*this, true);
   if (decoder_ || head_.coding().empty() || !decompresses()) return true;
   decoder_ = ContentDecoder::make(head_.coding());
   if (decoder_) return true;

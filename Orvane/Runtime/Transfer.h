@@ -8,6 +8,7 @@
 #include <Orvane/Runtime/AnswerHead.h>
 #include <Orvane/Runtime/ContentDecoder.h>
 #include <Orvane/Runtime/CurlEasy.h>
+#include <Orvane/Runtime/HeaderLines.h>
 #include <Orvane/Runtime/HostLines.h>
 #include <Orvane/Runtime/OpenSockets.h>
 #include <Orvane/Runtime/OutgoingRequest.h>
@@ -111,11 +112,6 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
  private:
   enum class State : std::uint8_t { pending, claimed, finished, cancelled };
 
-  struct FreeList {
-    void operator()(curl_slist* list) const noexcept { curl_slist_free_all(list); }
-  };
-  using HeaderLines = std::unique_ptr<curl_slist, FreeList>;
-
   // What libcurl calls.
   static std::size_t receiveHead(char* bytes, std::size_t, std::size_t count, void* transfer);
   static std::size_t receive(char* bytes, std::size_t, std::size_t count, void* transfer);
@@ -149,7 +145,7 @@ class Transfer : public Request, public std::enable_shared_from_this<Transfer> {
   std::atomic<State> state_{State::pending};
 
   std::unique_ptr<CurlEasy> easy_;
-  HeaderLines lines_;
+  std::optional<HeaderLines> lines_;
   AnswerHead head_;
   std::unique_ptr<ContentDecoder> decoder_;
   std::string answer_;

@@ -56,8 +56,6 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   // What follows, up to the end, is for the loop's thread.
   /// The sockets of the connections.
   [[nodiscard]] const OpenSockets& sockets() const noexcept { return sockets_; }
-  /// See `HostLines::hasConnected`.
-  void hasConnected(Transfer& transfer, bool isMultiplexed);
   /// The answers under way may take so many bytes more.
   [[nodiscard]] bool mayHold(std::size_t count) const noexcept;
   /// An answer has taken so many bytes more.
@@ -125,6 +123,8 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   Transfers running_;
   // When to look at the clock, and for whom.
   std::set<std::pair<Clock::time_point, Transfer*>> times_;
+  // How long to wait for libcurl's announcements while transfers run.
+  std::chrono::milliseconds nextPause_{0};
   // Bytes of memory that the answers under way take.
   std::size_t held_ = 0;
   std::vector<std::unique_ptr<CurlEasy>> idle_;

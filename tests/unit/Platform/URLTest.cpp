@@ -54,6 +54,10 @@ TEST(URLTest, tellsItsParts) {
       {"https://[2001:db8::1]:8443/a", "https", "2001:db8::1", "/a", std::nullopt},
       {"http://h%C3%A4?", "http", "h\xC3\xA4", "", ""},
       {"a/b", "", "", "a/b", std::nullopt},
+      {"//host/a", "", "host", "/a", std::nullopt},
+      {"https:///a", "https", "", "/a", std::nullopt},
+      {"https://:80/a", "https", "", "/a", std::nullopt},
+      {"mailto:ann@example.org", "mailto", "", "ann@example.org", std::nullopt},
       // Taken by its characters alone, and taken apart all the same.
       {"https://images.example/a-1/~b.jpg", "https", "images.example", "/a-1/~b.jpg", std::nullopt},
       {"https://1.2.3.256//!$&'()*+,;=:@_", "https", "1.2.3.256", "//!$&'()*+,;=:@_", std::nullopt},
@@ -64,6 +68,7 @@ TEST(URLTest, tellsItsParts) {
     const URL url = *URL::parse(row.url);
     EXPECT_EQ(url.scheme(), row.scheme) << row.url;
     EXPECT_EQ(url.host(), row.host) << row.url;
+    EXPECT_EQ(url.hasHost(), !row.scheme.empty() && !row.host.empty()) << row.url;
     EXPECT_EQ(url.path(), row.path) << row.url;
     EXPECT_EQ(url.query(), row.query) << row.url;
   }
