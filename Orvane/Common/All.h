@@ -126,9 +126,13 @@ using Outcomes = std::tuple<Result<T>...>;
 ///
 /// Cancelling the whole cancels those that are under way; when it ends early for any other reason
 /// (`within`, `cancelledBy`), each of the outcomes is that error. It answers on the thread on
-/// which the last one does.
+/// which the last one does. Where one of the operations was moved from, the whole counts as such.
 template <class... T>
 [[nodiscard]] Operation<Outcomes<T...>> all(Operation<T>... operations) {
+  // Who uses the whole is told, and of that line.
+  if ((operations.wasMovedFrom() || ...)) {
+    return Operation<Outcomes<T...>>(nullptr, nullptr, Effect::writes);
+  }
   const bool readsOnly = ((operations.effect() == Effect::reads) && ...);
   auto startPart = [operations = std::make_tuple(std::move(operations)...)](
                        std::size_t part, std::shared_ptr<detail::Gathering> gathering,

@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <type_traits>
 #include <utility>
 #include <version>
@@ -39,6 +40,18 @@ concept StartsOperation = requires(Start& start, Completion<T> then) {
   { start(std::move(then)) } -> std::convertible_to<RequestHandle>;
 };
 
+template <class T>
+class Operation;
+
+namespace detail {
+
+/// An operation that does another in a way of its own: `start` is given that and the handler.
+template <class T, class Start>
+[[nodiscard]] Operation<T> over(const Operation<T>& operation, Start start,
+                                const SourceLocation& place);
+
+}  // namespace detail
+
 /// Something to be done that answers a `Result<T>`. Making one sends nothing; it owns its
 /// arguments, may outlive the service that made it, and is cheap to copy. It may be started any
 /// number of times, by several threads at once, too: each start is a request of its own.
@@ -54,7 +67,8 @@ class [[nodiscard]] Operation {
  public:
   using Value = T;
 
-  /// An operation of one's own. `by` is kept, and called for each start.
+  /// An operation of one's own. `by` is kept, and called for each start; where it has a
+  /// `description()`, that is the operation's.
   template <StartsOperation<T> Start>
     requires(!std::same_as<std::remove_cvref_t<Start>, Operation>)
   explicit Operation(Start&& by, Effect effect = Effect::writes)
@@ -63,13 +77,22 @@ class [[nodiscard]] Operation {
           const auto& kept = *static_cast<const Kept<std::decay_t<Start>>*>(source.get());
           return RequestHandle(kept.start(std::move(handler)));
         }),
-        effect_(effect) {}
+        effect_(effect) {
+    if constexpr (requires { by.description(); }) {
+      describe_ = [](const std::shared_ptr<const void>& source) -> std::string {
+        return static_cast<const Kept<std::decay_t<Start>>*>(source.get())->start.description();
+      };
+    }
+  }
 
-  /// For the library's services: `by` is given `source`, which it knows the type of.
+  /// For the library's services: `by` and `describe` are given `source`, which they know the type
+  /// of.
   using Starter = RequestHandle (*)(const std::shared_ptr<const void>& source,
                                     Completion<T> handler);
-  Operation(std::shared_ptr<const void> source, Starter by, Effect effect) noexcept
-      : source_(std::move(source)), start_(by), effect_(effect) {}
+  using Describer = std::string (*)(const std::shared_ptr<const void>& source);
+  Operation(std::shared_ptr<const void> source, Starter by, Effect effect,
+            Describer describe = nullptr) noexcept
+      : source_(std::move(source)), start_(by), describe_(describe), effect_(effect) {}
 
   /// An operation that answers `result` inside the call that starts it.
   [[nodiscard]] static Operation answering(
@@ -97,6 +120,17 @@ class [[nodiscard]] Operation {
     return effect_;
   }
 
+  /// What is asked for, as `ErrorContext::operation` tells it: "GET users/{userId}/trips". Empty
+  /// where who made it has not said.
+  [[nodiscard]] std::string description(
+      const SourceLocation& place = SourceLocation::current()) const {
+    checkUse(place);
+    return describe_ != nullptr ? describe_(source_) : std::string();
+  }
+
+  /// One that was moved from: nothing but assignment and destruction are left to it.
+  [[nodiscard]] bool wasMovedFrom() const noexcept { return source_ == nullptr; }
+
   /// @name To wait for it
   /// On the thread that drains the main queue, the queue is drained meanwhile; any other thread
   /// only waits. In a handler on a transport's thread it would wait for itself: a programming
@@ -111,7 +145,11 @@ class [[nodiscard]] Operation {
   /// The same for no longer than `limit`: it is cancelled then, and the outcome is `TimedOut`.
   [[nodiscard]] Result<T> wait(std::chrono::milliseconds limit,
                                const SourceLocation& place = SourceLocation::current()) const {
-    return future(place).get(limit);
+    Result<T> result = future(place).get(limit);
+    if (result.error() && result.error()->template as<TimedOut>() != nullptr) {
+      return result.error()->with({.operation = description()});
+    }
+    return result;
   }
 
   /// Starts it, for an outcome that is waited for later.
@@ -138,18 +176,19 @@ class [[nodiscard]] Operation {
   /// inside the call.
   Operation within(std::chrono::milliseconds limit, Timers& timers = Timers::ofProcess(),
                    const SourceLocation& place = SourceLocation::current()) const {
-    checkUse(place);
-    return Operation(
-        [operation = *this, limit, &timers](Completion<T> handler) -> RequestHandle {
-          if (limit <= std::chrono::milliseconds::zero())
-            return failing(detail::timedOut(limit), std::move(handler));
-          const auto relay = std::make_shared<Limited>(std::move(handler));
-          relay->timer = timers.after(limit, [late = std::weak_ptr(relay), limit] {
-            if (const auto kept = late.lock()) kept->interrupt(detail::timedOut(limit));
-          });
-          return relay->pass(operation, relay);
-        },
-        effect_);
+    const auto start = [limit, &timers](const Operation& operation,
+                                        Completion<T> handler) -> RequestHandle {
+      const auto late = [operation, limit] {
+        return detail::timedOut(limit).with({.operation = operation.description()});
+      };
+      if (limit <= std::chrono::milliseconds::zero()) return failing(late(), std::move(handler));
+      const auto relay = std::make_shared<Limited>(std::move(handler));
+      relay->timer = timers.after(limit, [passed = std::weak_ptr(relay), late] {
+        if (const auto kept = passed.lock()) kept->interrupt(late());
+      });
+      return relay->pass(operation, relay);
+    };
+    return detail::over(*this, start, place);
   }
 
 #ifdef __cpp_lib_jthread
@@ -157,32 +196,29 @@ class [[nodiscard]] Operation {
   /// that call. Where this has happened before, it is not started at all.
   Operation cancelledBy(std::stop_token token,
                         const SourceLocation& place = SourceLocation::current()) const {
-    checkUse(place);
-    return Operation(
-        [operation = *this, token = std::move(token)](Completion<T> handler) -> RequestHandle {
-          if (token.stop_requested()) return failing(Cancelled{}, std::move(handler));
-          const auto relay = std::make_shared<Stoppable>(std::move(handler));
-          auto request = relay->pass(operation, relay);
-          relay->onStop.emplace(token, Stop{relay});
-          return request;
-        },
-        effect_);
+    const auto start = [token = std::move(token)](const Operation& operation,
+                                                  Completion<T> handler) -> RequestHandle {
+      if (token.stop_requested()) return failing(Cancelled{}, std::move(handler));
+      const auto relay = std::make_shared<Stoppable>(std::move(handler));
+      auto request = relay->pass(operation, relay);
+      relay->onStop.emplace(token, Stop{relay});
+      return request;
+    };
+    return detail::over(*this, start, place);
   }
 #endif
 
   /// The same, answering on the main queue whatever thread the answer comes on. It can be cancelled
   /// until its turn comes there.
   Operation onMain(const SourceLocation& place = SourceLocation::current()) const {
-    checkUse(place);
-    return Operation(
-        [operation = *this](Completion<T> handler) {
-          const auto relay = std::make_shared<detail::Relay<T>>(std::move(handler));
-          return relay->pass(operation, relay, [](auto kept, Result<T> result) {
-            MainQueue::main().async(
-                [kept, result = std::move(result)]() mutable { kept->answer(std::move(result)); });
-          });
-        },
-        effect_);
+    const auto start = [](const Operation& operation, Completion<T> handler) -> RequestHandle {
+      const auto relay = std::make_shared<detail::Relay<T>>(std::move(handler));
+      return relay->pass(operation, relay, [](auto kept, Result<T> result) {
+        MainQueue::main().async(
+            [kept, result = std::move(result)]() mutable { kept->answer(std::move(result)); });
+      });
+    };
+    return detail::over(*this, start, place);
   }
   /// @}
 
@@ -224,8 +260,24 @@ class [[nodiscard]] Operation {
 
   std::shared_ptr<const void> source_;
   Starter start_;
+  Describer describe_ = nullptr;
   Effect effect_;
 };
+
+template <class T, class Start>
+Operation<T> detail::over(const Operation<T>& operation, Start start, const SourceLocation& place) {
+  struct Over {
+    Operation<T> operation;
+    Start start;
+
+    RequestHandle operator()(Completion<T> handler) const {
+      return start(operation, std::move(handler));
+    }
+    [[nodiscard]] std::string description() const { return operation.description(); }
+  };
+  const Effect effect = operation.effect(place);
+  return Operation<T>(Over{operation, std::move(start)}, effect);
+}
 
 /// @name The same for anything that is started with a handler
 /// @{

@@ -95,12 +95,11 @@ template <class T>
                                     const SourceLocation& place = SourceLocation::current()) {
   const Effect effect = operation.effect(place);
   if (effect == Effect::writes && !policy.includesWrites) return operation;
-  return Operation<T>(
-      [operation = std::move(operation), policy = std::move(policy)](Completion<T> handler) {
-        return std::make_shared<detail::Retrying<T>>(operation, policy, std::move(handler))
-            ->attempt();
-      },
-      effect);
+  const auto start = [policy = std::move(policy)](const Operation<T>& tried,
+                                                  Completion<T> handler) -> RequestHandle {
+    return std::make_shared<detail::Retrying<T>>(tried, policy, std::move(handler))->attempt();
+  };
+  return detail::over(operation, start, place);
 }
 
 /// A transport that tries again what another one fails at, as a policy says: for who wants it

@@ -22,6 +22,10 @@ struct Call::Outgoing {
   Headers headers;
 };
 
+std::string CallDescription::text(std::string_view userID) const {
+  return concatenated({wireText(verb), " ", composer.path(userID.empty() ? anyUser : userID)});
+}
+
 RequestHandle Call::start() {
   // Copies: an answer inside the call may be the end of this.
   const auto box = box_;
@@ -75,10 +79,11 @@ void Call::send(Outgoing outgoing) {
 }
 
 Error Call::explained(const Error& error, std::string finding) const {
-  const std::string path =
-      description_->composer.path(userID_.empty() ? anyUser : std::string_view(userID_));
-  return error.with({.operation = concatenated({wireText(description_->verb), " ", path}),
-                     .finding = std::move(finding)});
+  return error.with({.operation = description_->text(userID_), .finding = std::move(finding)});
+}
+
+std::string describeCall(const std::shared_ptr<const void>& source) {
+  return static_cast<const CallDescription*>(source.get())->text();
 }
 
 std::string findingIn(const Error& decodingError, std::string_view body) {

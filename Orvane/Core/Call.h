@@ -16,6 +16,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace orvane {
@@ -35,6 +36,9 @@ struct CallDescription {
   const std::shared_ptr<OrvaneDetailsResolver> resolver;
   const Verb verb;
   const URLComposer& composer;
+
+  /// The verb and the path, for people; without the identifier of the user where that is not known.
+  [[nodiscard]] std::string text(std::string_view userID = {}) const;
 };
 
 /// The same with the composer that says what is asked for, all in one piece of memory.
@@ -126,6 +130,9 @@ class TypedCall final : public Call {
   Completion<T> handler_;
 };
 
+/// `CallDescription::text` of the description that is the source of an operation.
+[[nodiscard]] std::string describeCall(const std::shared_ptr<const void>& source);
+
 /// An operation whose value is what `make` makes of the record in the answer.
 template <class T, class Record, auto make, class Composer>
 [[nodiscard]] Operation<T> operation(const SerializableService& service, Verb verb,
@@ -138,7 +145,7 @@ template <class T, class Record, auto make, class Composer>
   std::shared_ptr<const CallDescription> description =
       std::make_shared<const ComposedCall<Composer>>(service, verb, std::move(composer));
   return Operation<T>(std::move(description), start,
-                      verb == Verb::get ? Effect::reads : Effect::writes);
+                      verb == Verb::get ? Effect::reads : Effect::writes, &describeCall);
 }
 
 /// The verbs, each taking the composer over: operations whose value is the record in the

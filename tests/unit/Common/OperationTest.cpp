@@ -340,6 +340,7 @@ TEST_F(OperationDeathTest, whatWasMovedFromStopsTheProcess) {
   EXPECT_DEATH(std::ignore = moved.onMain(), (fault + std::to_string(__LINE__)).c_str());
   EXPECT_DEATH(std::ignore = retrying(moved), (fault + std::to_string(__LINE__)).c_str());
   EXPECT_DEATH(std::ignore = all(std::vector{moved}), (fault + std::to_string(__LINE__)).c_str());
+  EXPECT_DEATH(std::ignore = all(kept, moved).wait(), (fault + std::to_string(__LINE__)).c_str());
   EXPECT_DEATH(awaitInto([](const Text&) {}, std::move(moved)),
                "moved from can't be used: file .*OperationTest.cpp");
   // NOLINTEND(bugprone-use-after-move,clang-analyzer-cplusplus.Move)

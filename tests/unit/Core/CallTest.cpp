@@ -2,6 +2,7 @@
 // The road of a call, shown on the user service: what every operation has in common.
 #include "tests/support/Outcome.h"
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/Common/Retrying.h>
 #include <Orvane/Services/EULA/EULAService.h>
 #include <Orvane/Services/User/UserService.h>
 #include <Orvane/Testing/ScopedFoundation.h>
@@ -139,6 +140,23 @@ TEST_P(CallTest, tellsWhatWasAskedForAndFound) {
   EXPECT_EQ(fetch().error()->description(), "GET identity: the host's own");
   resolveTo(Error(HostError{}));
   EXPECT_EQ(fetch().error()->description(), "GET users/{userId}: the host's own");
+}
+
+TEST_P(CallTest, tellsWhatTookTooLong) {
+  resolveTo(Error(HostError{}));
+  const Operation<User> fetching = UserService(identity).fetch("17");
+  const Operation<User> own([](const Completion<User>&) { return std::make_shared<RequestBox>(); });
+  const std::string late = "the operation took too long: there was no answer within 0 ms";
+  const std::pair<Operation<User>, std::string> rows[] = {
+      {fetching.within({}), "GET users/17: " + late},
+      {retrying(fetching.onMain().within({})).within(std::chrono::hours(1)),
+       "GET users/17: " + late},
+      {own.within({}), late},
+  };
+  for (const auto& [operation, description] : rows) {
+    EXPECT_EQ(operation.wait().error()->description(), description);
+  }
+  EXPECT_EQ(own.wait(std::chrono::milliseconds(0)).error()->description(), late);
 }
 
 TEST_P(CallTest, goesOnWithoutItsService) {
