@@ -17,4 +17,6 @@ KeyTables keysOf(RecordTag<Content>) { return contentKeys; }
 template struct RecordCoding<Content>;
 template struct RecordCoding<std::vector<Content>>;
 
+bool operator==(const Content&, const Content&) = default;
+
 }  // namespace orvane

@@ -14,7 +14,7 @@ namespace orvane {
 struct ORVANE_EXPORT Content {
   std::optional<std::string> body{};
 
-  friend bool operator==(const Content&, const Content&) = default;
+  friend ORVANE_EXPORT bool operator==(const Content&, const Content&);
 };
 
 template <>

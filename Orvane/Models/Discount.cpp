@@ -77,4 +77,11 @@ template struct RecordCoding<std::vector<DiscountScore>>;
 template struct RecordCoding<DiscountRange>;
 template struct RecordCoding<std::vector<DiscountRange>>;
 
+bool operator==(const Discount&, const Discount&) = default;
+bool operator==(const DiscountMetadata::DiscountScore&,
+                const DiscountMetadata::DiscountScore&) = default;
+bool operator==(const DiscountMetadata::DiscountRange&,
+                const DiscountMetadata::DiscountRange&) = default;
+bool operator==(const DiscountMetadata&, const DiscountMetadata&) = default;
+
 }  // namespace orvane

@@ -55,4 +55,7 @@ template struct RecordCoding<std::vector<DrivingSummary>>;
 template struct RecordCoding<DrivingSummaryResult>;
 template struct RecordCoding<std::vector<DrivingSummaryResult>>;
 
+bool operator==(const DrivingSummary&, const DrivingSummary&) = default;
+bool operator==(const DrivingSummaryResult&, const DrivingSummaryResult&) = default;
+
 }  // namespace orvane

@@ -29,7 +29,7 @@ struct ORVANE_EXPORT DrivingSummary {
   /// There when a request asked for it. Never written.
   std::optional<DriverDetection> driverDetection{};
 
-  friend bool operator==(const DrivingSummary&, const DrivingSummary&) = default;
+  friend ORVANE_EXPORT bool operator==(const DrivingSummary&, const DrivingSummary&);
 };
 
 /// The driving of one period. Every member is there.
@@ -44,7 +44,7 @@ struct ORVANE_EXPORT DrivingSummaryResult {
   double avgKmPerHour = 0;
   std::int64_t secondsInMotion = 0;
 
-  friend bool operator==(const DrivingSummaryResult&, const DrivingSummaryResult&) = default;
+  friend ORVANE_EXPORT bool operator==(const DrivingSummaryResult&, const DrivingSummaryResult&);
 };
 
 template <>

@@ -17,4 +17,6 @@ KeyTables keysOf(RecordTag<EULAStatus>) { return eulaStatusKeys; }
 template struct RecordCoding<EULAStatus>;
 template struct RecordCoding<std::vector<EULAStatus>>;
 
+bool operator==(const EULAStatus&, const EULAStatus&) = default;
+
 }  // namespace orvane

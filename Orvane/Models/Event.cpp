@@ -117,4 +117,7 @@ template struct RecordCoding<std::vector<Event::EventType>>;
 template struct RecordCoding<Event::Severity>;
 template struct RecordCoding<std::vector<Event::Severity>>;
 
+bool operator==(const Event::OtherEventType&, const Event::OtherEventType&) = default;
+bool operator==(const Event&, const Event&) = default;
+
 }  // namespace orvane

@@ -35,4 +35,7 @@ template struct RecordCoding<std::vector<Invitation::InvitationUser>>;
 template struct RecordCoding<Invitation>;
 template struct RecordCoding<std::vector<Invitation>>;
 
+bool operator==(const Invitation::InvitationUser&, const Invitation::InvitationUser&) = default;
+bool operator==(const Invitation&, const Invitation&) = default;
+
 }  // namespace orvane

@@ -53,4 +53,7 @@ template struct RecordCoding<std::vector<LeaderboardEntry>>;
 template struct RecordCoding<Leaderboard>;
 template struct RecordCoding<std::vector<Leaderboard>>;
 
+bool operator==(const LeaderboardEntry&, const LeaderboardEntry&) = default;
+bool operator==(const Leaderboard&, const Leaderboard&) = default;
+
 }  // namespace orvane

@@ -25,4 +25,6 @@ KeyTables keysOf(RecordTag<Location>) { return locationKeys; }
 template struct RecordCoding<Location>;
 template struct RecordCoding<std::vector<Location>>;
 
+bool operator==(const Location&, const Location&) = default;
+
 }  // namespace orvane

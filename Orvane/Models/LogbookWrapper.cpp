@@ -23,4 +23,7 @@ template struct RecordCoding<std::vector<LogbookWrapper::TripWrapper>>;
 template struct RecordCoding<LogbookWrapper>;
 template struct RecordCoding<std::vector<LogbookWrapper>>;
 
+bool operator==(const LogbookWrapper::TripWrapper&, const LogbookWrapper::TripWrapper&) = default;
+bool operator==(const LogbookWrapper&, const LogbookWrapper&) = default;
+
 }  // namespace orvane

@@ -17,12 +17,12 @@ struct ORVANE_EXPORT LogbookWrapper {
   struct ORVANE_EXPORT TripWrapper {
     std::optional<Trip> trip{};
 
-    friend bool operator==(const TripWrapper&, const TripWrapper&) = default;
+    friend ORVANE_EXPORT bool operator==(const TripWrapper&, const TripWrapper&);
   };
 
   std::optional<std::vector<TripWrapper>> tripWrappers{};
 
-  friend bool operator==(const LogbookWrapper&, const LogbookWrapper&) = default;
+  friend ORVANE_EXPORT bool operator==(const LogbookWrapper&, const LogbookWrapper&);
 };
 
 template <>

@@ -24,4 +24,6 @@ KeyTables keysOf(RecordTag<NamedDriver>) { return namedDriverKeys; }
 template struct RecordCoding<NamedDriver>;
 template struct RecordCoding<std::vector<NamedDriver>>;
 
+bool operator==(const NamedDriver&, const NamedDriver&) = default;
+
 }  // namespace orvane

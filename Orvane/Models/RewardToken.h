@@ -15,7 +15,7 @@ namespace orvane {
 struct ORVANE_EXPORT RewardToken {
   std::optional<std::string> token{};
 
-  friend bool operator==(const RewardToken&, const RewardToken&) = default;
+  friend ORVANE_EXPORT bool operator==(const RewardToken&, const RewardToken&);
 };
 
 template <>

@@ -170,4 +170,15 @@ template struct RecordCoding<std::vector<TripScoringAverage>>;
 template struct RecordCoding<ScoringAverage>;
 template struct RecordCoding<std::vector<ScoringAverage>>;
 
+bool operator==(const TripScores::OtherSubScore&, const TripScores::OtherSubScore&) = default;
+bool operator==(const TripScores&, const TripScores&) = default;
+bool operator==(const TripScoring&, const TripScoring&) = default;
+bool operator==(const ScoreComponent&, const ScoreComponent&) = default;
+bool operator==(const ScoringComponents&, const ScoringComponents&) = default;
+bool operator==(const DailyAggregate&, const DailyAggregate&) = default;
+bool operator==(const ScoringAggregate&, const ScoringAggregate&) = default;
+bool operator==(const TripScoringComponents&, const TripScoringComponents&) = default;
+bool operator==(const TripScoringAverage&, const TripScoringAverage&) = default;
+bool operator==(const ScoringAverage&, const ScoringAverage&) = default;
+
 }  // namespace orvane

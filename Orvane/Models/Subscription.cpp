@@ -23,4 +23,6 @@ KeyTables keysOf(RecordTag<Subscription>) { return subscriptionKeys; }
 template struct RecordCoding<Subscription>;
 template struct RecordCoding<std::vector<Subscription>>;
 
+bool operator==(const Subscription&, const Subscription&) = default;
+
 }  // namespace orvane

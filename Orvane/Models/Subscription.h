@@ -33,7 +33,7 @@ struct ORVANE_EXPORT Subscription {
   /// End of the trial period: milliseconds since 1970-01-01 UTC.
   std::optional<double> trialEndTimestamp{};
 
-  friend bool operator==(const Subscription&, const Subscription&) = default;
+  friend ORVANE_EXPORT bool operator==(const Subscription&, const Subscription&);
 };
 
 template <>

@@ -100,4 +100,6 @@ KeyTables keysOf(RecordTag<Trip>) { return {decodingKeys, encodingKeys}; }
 template struct RecordCoding<Trip>;
 template struct RecordCoding<std::vector<Trip>>;
 
+bool operator==(const Trip&, const Trip&) = default;
+
 }  // namespace orvane

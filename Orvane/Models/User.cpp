@@ -132,4 +132,11 @@ template struct RecordCoding<std::vector<User>>;
 template struct RecordCoding<UsersByRole>;
 template struct RecordCoding<std::vector<UsersByRole>>;
 
+bool operator==(const Account&, const Account&) = default;
+bool operator==(const UserRole&, const UserRole&) = default;
+bool operator==(const User::CustomGender&, const User::CustomGender&) = default;
+bool operator==(const User::SharedInformation&, const User::SharedInformation&) = default;
+bool operator==(const User&, const User&) = default;
+bool operator==(const UsersByRole&, const UsersByRole&) = default;
+
 }  // namespace orvane

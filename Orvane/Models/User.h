@@ -25,7 +25,7 @@ struct ORVANE_EXPORT Account {
   /// What the account is called elsewhere, as the backend tells it.
   std::optional<std::string> identifier{};
 
-  friend bool operator==(const Account&, const Account&) = default;
+  friend ORVANE_EXPORT bool operator==(const Account&, const Account&);
 };
 
 /// What a user is allowed to do.
@@ -48,7 +48,7 @@ struct ORVANE_EXPORT UserRole {
   /// Whether support staff may act for the user, as the backend words it.
   std::optional<std::string> supportAccessGranted{};
 
-  friend bool operator==(const UserRole&, const UserRole&) = default;
+  friend ORVANE_EXPORT bool operator==(const UserRole&, const UserRole&);
 };
 
 /// A person taking part in the programme. Every member is absent where the backend did not tell it.
@@ -62,7 +62,7 @@ struct ORVANE_EXPORT User {
   struct CustomGender {
     std::string gender;
     [[nodiscard]] HashValue hashValue() const { return hashOf(gender); }
-    friend bool operator==(const CustomGender&, const CustomGender&) = default;
+    friend ORVANE_EXPORT bool operator==(const CustomGender&, const CustomGender&);
     friend std::strong_ordering operator<=>(const CustomGender& left,
                                             const CustomGender& right) noexcept {
       return orderOf(left.gender, right.gender);
@@ -126,7 +126,7 @@ struct ORVANE_EXPORT User {
     std::optional<double> overallScore{};
     std::optional<DriverType> driverType{};
 
-    friend bool operator==(const SharedInformation&, const SharedInformation&) = default;
+    friend ORVANE_EXPORT bool operator==(const SharedInformation&, const SharedInformation&);
   };
 
   std::optional<std::string> id{};
@@ -168,7 +168,7 @@ struct ORVANE_EXPORT User {
   /// There when a request asked for the associated account.
   Indirect<Account> account{};
 
-  friend bool operator==(const User&, const User&) = default;
+  friend ORVANE_EXPORT bool operator==(const User&, const User&);
 };
 
 /// The users of an account or vehicle by what they are to it. The members are named as on the wire.
@@ -176,7 +176,7 @@ struct ORVANE_EXPORT UsersByRole {
   std::optional<std::vector<User>> OPERATOR{};
   std::optional<std::vector<User>> OWNER{};
 
-  friend bool operator==(const UsersByRole&, const UsersByRole&) = default;
+  friend ORVANE_EXPORT bool operator==(const UsersByRole&, const UsersByRole&);
 };
 
 template <>

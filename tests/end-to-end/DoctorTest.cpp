@@ -12,7 +12,6 @@ namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 
 // A backend that is bad in one way, and what is said of it.
@@ -151,14 +150,48 @@ void addDocumented(std::vector<std::string>& commands) {
   }
 }
 
+// A shell of a newcomer's, in an empty folder, with a sandbox that nobody has used.
+class Newcomer {
+ public:
+  [[nodiscard]] const TemporaryFolder& folder() const noexcept { return folder_; }
+  [[nodiscard]] SandboxProcess& sandbox() noexcept { return sandbox_; }
+
+  [[nodiscard]] std::unique_ptr<Process> start(const std::string& command) const {
+    Environment environment =
+        with(settingsOf(sandbox_),
+             {{"PATH", std::filesystem::path(ORVANE_CLI_EXECUTABLE).parent_path().string() +
+                           ":/usr/bin:/bin"},
+              {"ORVANE_FIRMWARE_HOST", sandbox_.baseURL()},
+              {"HOME", folder_.path().string()}});
+    // Some things others may do.
+    if (command.find("activate ACT-1007") != std::string::npos)
+      environment["ORVANE_USER"] = "nora.frei";
+    if (command.find("remove-from-account") != std::string::npos)
+      environment["ORVANE_USER"] = "daniel.meier";
+    return std::make_unique<Process>(
+        "/bin/sh",
+        std::vector<std::string>{"-c", "cd '" + folder_.path().string() + "' && " + command},
+        environment, Process::Streams::captured);
+  }
+
+ private:
+  SandboxProcess sandbox_{{"--weeks", "9"}};
+  TemporaryFolder folder_;
+};
+
+// Examples that are one command and no more.
+std::vector<std::string> simpleExamples() {
+  std::vector<std::string> commands = examples();
+  std::erase_if(commands, [](const std::string& command) {
+    return command.find_first_of("|>") != std::string::npos;
+  });
+  return commands;
+}
+
 TEST(DoctorTest, EveryExampleShowsSomething) {
-  const SandboxProcess sandbox({"--weeks", "9"});
-  const TemporaryFolder folder;
-  const std::filesystem::path program = ORVANE_CLI_EXECUTABLE;
-  const Environment anna =
-      with(settingsOf(sandbox), {{"PATH", program.parent_path().string() + ":/usr/bin:/bin"},
-                                 {"ORVANE_FIRMWARE_HOST", sandbox.baseURL()},
-                                 {"HOME", folder.path().string()}});
+  Newcomer newcomer;
+  const SandboxProcess& sandbox = newcomer.sandbox();
+  const TemporaryFolder& folder = newcomer.folder();
   std::filesystem::create_directory(folder / "orvane-sandbox-data");
   writeFile(folder / "orvane-sandbox-data/ready.json", readyFileOf(sandbox, sandbox.processID()));
   std::vector<std::string> commands = examples();
@@ -168,14 +201,7 @@ TEST(DoctorTest, EveryExampleShowsSomething) {
   EXPECT_GT(commands.size(), helped + 5);
   for (const std::string& command : commands) {
     SCOPED_TRACE(command);
-    Environment environment = anna;
-    // Some things others may do.
-    if (command.find("activate ACT-1007") != std::string::npos)
-      environment["ORVANE_USER"] = "nora.frei";
-    if (command.find("remove-from-account") != std::string::npos)
-      environment["ORVANE_USER"] = "daniel.meier";
-    const Ending ending =
-        run("/bin/sh", {"-c", "cd '" + folder.path().string() + "' && " + command}, environment);
+    const Ending ending = newcomer.start(command)->wait();
     EXPECT_EQ(ending.exitCode, 0) << ending.errors;
     const std::size_t redirection = command.find(" > ");
     const std::string shown = redirection == std::string::npos
@@ -187,6 +213,42 @@ TEST(DoctorTest, EveryExampleShowsSomething) {
     const bool isHeaderAlone =
         shown.find('\t') < shown.find('\n') && shown.find('\n') + 1 == shown.size();
     EXPECT_FALSE(isHeaderAlone) << shown;
+  }
+}
+
+TEST(DoctorTest, EveryExampleSaysWhenItCantWrite) {
+  const Newcomer newcomer;
+  for (const std::string& command : simpleExamples()) {
+    if (command.starts_with("orvane config set")) continue;
+    SCOPED_TRACE(command);
+    const Ending ending = newcomer.start(command + " > /dev/full")->wait();
+    EXPECT_EQ(ending.exitCode, 74);
+    EXPECT_THAT(ending.errors, HasSubstr("orvane: the output can't be written: "));
+  }
+}
+
+TEST(DoctorTest, EveryExampleThatAsksTheBackendCanBeInterrupted) {
+  Newcomer newcomer;
+  // Who it is is answered, and nothing after that.
+  newcomer.sandbox().misbehave({{"delayMs", 60000}, {"path", "sdk/[^ic]|sdk/invitations"}});
+  std::size_t count = 0;
+  for (const std::string& command : simpleExamples()) {
+    SCOPED_TRACE(command);
+    const auto process = newcomer.start("exec " + command + " --verbose");
+    if (!process->waitForError("/identity")) continue;
+    process->send(SIGINT);
+    const Ending ending = process->wait();
+    // What only asks who it is may be quicker.
+    if (ending.exitCode == 0 && command.ends_with("GET identity")) continue;
+    ++count;
+    EXPECT_EQ(ending.exitCode, 130);
+    // The doctor speaks as it goes.
+    EXPECT_EQ(ending.output.empty(), command != "orvane doctor");
+    EXPECT_THAT(ending.errors, HasSubstr("orvane: cancelled\n"));
+  }
+  EXPECT_GT(count, 40U);
+  for (const char* drawing : {"trip.svg", "month.svg"}) {
+    EXPECT_FALSE(std::filesystem::exists(newcomer.folder() / drawing)) << drawing;
   }
 }
 
