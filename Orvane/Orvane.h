@@ -75,3 +75,4 @@
 #include <Orvane/Services/User/UserService.h>
 #include <Orvane/Services/Vehicle/VehicleService.h>
 #include <Orvane/Services/WedgeFirmware/WedgeFirmwareService.h>
+#include <Orvane/Version.h>

@@ -92,6 +92,7 @@ slow=(
   "20 trixie ./dev test trixie"
   "20 bookworm ./dev test bookworm"
   "15 fuzz ./dev fuzz 120"
+  "15 packages ./dev package bookworm"
   "10 soak-asan ./dev soak 5 asan"
   "10 soak-tsan ./dev soak 5 tsan"
 )

@@ -3,18 +3,28 @@
 #
 # Runs a command on a copy of this checkout in a bare Debian root, so that nothing of this machine's helps it: only what the
 # command installs itself is there. The root stays in build/roots for the next time; --fresh makes it anew.
-#   tools/debian-root.sh [--fresh] <suite> <command...>
+#   tools/debian-root.sh [--fresh] [--name NAME] <suite> <command...>     the folder's name is the suite's, unless given
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-fresh=no
-if [[ ${1:-} == --fresh ]]; then
-  fresh=yes
+fresh=no name=
+while [[ ${1:-} == --* ]]; do
+  case $1 in
+    --fresh) fresh=yes ;;
+    --name)
+      name=$2
+      shift
+      ;;
+    *)
+      echo "debian-root: there is no '$1'" >&2
+      exit 2
+      ;;
+  esac
   shift
-fi
+done
 readonly suite=$1
 shift
-readonly root=$PWD/build/roots/$suite
+readonly root=$PWD/build/roots/${name:-$suite}
 readonly inside=/orvane
 
 if ((EUID != 0)); then
@@ -37,7 +47,7 @@ make_root() {
   from=$(mirror || true)
   rm -rf "$root.new" "$root"
   mkdir -p "$(dirname "$root")"
-  echo "debian-root: making a bare $suite in build/roots/$suite"
+  echo "debian-root: making a bare $suite in build/roots/${name:-$suite}"
   mmdebstrap --quiet --variant=apt --include=ca-certificates,git "$suite" "$root.new" ${from:+"$from"}
   mv "$root.new" "$root"
 }

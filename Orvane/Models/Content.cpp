@@ -17,6 +17,6 @@ KeyTables keysOf(RecordTag<Content>) { return contentKeys; }
 template struct RecordCoding<Content>;
 template struct RecordCoding<std::vector<Content>>;
 
-bool operator==(const Content&, const Content&) = default;
+bool Content::operator==(const Content&) const noexcept = default;
 
 }  // namespace orvane

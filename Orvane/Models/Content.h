@@ -14,7 +14,7 @@ namespace orvane {
 struct ORVANE_EXPORT Content {
   std::optional<std::string> body{};
 
-  friend ORVANE_EXPORT bool operator==(const Content&, const Content&);
+  ORVANE_EXPORT bool operator==(const Content& other) const noexcept;
 };
 
 template <>

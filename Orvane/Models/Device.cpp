@@ -23,6 +23,6 @@ KeyTables keysOf(RecordTag<Device>) { return deviceKeys; }
 template struct RecordCoding<Device>;
 template struct RecordCoding<std::vector<Device>>;
 
-bool operator==(const Device&, const Device&) = default;
+bool Device::operator==(const Device&) const noexcept = default;
 
 }  // namespace orvane

@@ -22,7 +22,7 @@ struct ORVANE_EXPORT Device {
   /// Whether it is the phone that records the driving.
   std::optional<bool> dataCollectionIsActive{};
 
-  friend ORVANE_EXPORT bool operator==(const Device&, const Device&);
+  ORVANE_EXPORT bool operator==(const Device& other) const noexcept;
 };
 
 template <>

@@ -77,11 +77,11 @@ template struct RecordCoding<std::vector<DiscountScore>>;
 template struct RecordCoding<DiscountRange>;
 template struct RecordCoding<std::vector<DiscountRange>>;
 
-bool operator==(const Discount&, const Discount&) = default;
-bool operator==(const DiscountMetadata::DiscountScore&,
-                const DiscountMetadata::DiscountScore&) = default;
-bool operator==(const DiscountMetadata::DiscountRange&,
-                const DiscountMetadata::DiscountRange&) = default;
-bool operator==(const DiscountMetadata&, const DiscountMetadata&) = default;
+bool Discount::operator==(const Discount&) const noexcept = default;
+bool DiscountMetadata::DiscountScore::operator==(
+    const DiscountMetadata::DiscountScore&) const noexcept = default;
+bool DiscountMetadata::DiscountRange::operator==(
+    const DiscountMetadata::DiscountRange&) const noexcept = default;
+bool DiscountMetadata::operator==(const DiscountMetadata&) const noexcept = default;
 
 }  // namespace orvane

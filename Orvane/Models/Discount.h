@@ -20,7 +20,7 @@ struct ORVANE_EXPORT Discount {
   std::optional<double> projectedDiscountMinimum{};
   std::optional<double> projectedDiscountMaximum{};
 
-  friend ORVANE_EXPORT bool operator==(const Discount&, const Discount&);
+  ORVANE_EXPORT bool operator==(const Discount& other) const noexcept;
 };
 
 /// The programme's discount scheme: which score earns what. Scores and discounts are in the
@@ -32,7 +32,7 @@ struct ORVANE_EXPORT DiscountMetadata {
     /// What is earned from that score up. (The backend's own name, not "projectedDiscount".)
     double projectDiscount = 0;
 
-    friend ORVANE_EXPORT bool operator==(const DiscountScore&, const DiscountScore&);
+    ORVANE_EXPORT bool operator==(const DiscountScore& other) const noexcept;
   };
 
   /// The scores that earn a discount, both bounds included.
@@ -40,7 +40,7 @@ struct ORVANE_EXPORT DiscountMetadata {
     ClosedRange<double> scoreRange{0, 0};
     double associatedDiscount = 0;
 
-    friend ORVANE_EXPORT bool operator==(const DiscountRange&, const DiscountRange&);
+    ORVANE_EXPORT bool operator==(const DiscountRange& other) const noexcept;
   };
 
   std::optional<std::vector<DiscountScore>> discountsForScores{};
@@ -55,7 +55,7 @@ struct ORVANE_EXPORT DiscountMetadata {
   /// larger discount earns nothing and is left out, and so is one whose score is not a number.
   [[nodiscard]] std::optional<std::vector<DiscountRange>> scoreDiscountMap() const;
 
-  friend ORVANE_EXPORT bool operator==(const DiscountMetadata&, const DiscountMetadata&);
+  ORVANE_EXPORT bool operator==(const DiscountMetadata& other) const noexcept;
 };
 
 template <>

@@ -19,6 +19,6 @@ KeyTables keysOf(RecordTag<DriverDetection>) { return driverDetectionKeys; }
 template struct RecordCoding<DriverDetection>;
 template struct RecordCoding<std::vector<DriverDetection>>;
 
-bool operator==(const DriverDetection&, const DriverDetection&) = default;
+bool DriverDetection::operator==(const DriverDetection&) const noexcept = default;
 
 }  // namespace orvane

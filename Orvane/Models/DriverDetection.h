@@ -26,7 +26,7 @@ struct ORVANE_EXPORT DriverDetection {
   std::optional<std::int64_t> numberOfDriverTrips{};
   std::optional<std::int64_t> minimumNumberOfDriverTrips{};  ///< How many the training needs.
 
-  friend ORVANE_EXPORT bool operator==(const DriverDetection&, const DriverDetection&);
+  ORVANE_EXPORT bool operator==(const DriverDetection& other) const noexcept;
 };
 
 template <>

@@ -55,7 +55,7 @@ template struct RecordCoding<std::vector<DrivingSummary>>;
 template struct RecordCoding<DrivingSummaryResult>;
 template struct RecordCoding<std::vector<DrivingSummaryResult>>;
 
-bool operator==(const DrivingSummary&, const DrivingSummary&) = default;
-bool operator==(const DrivingSummaryResult&, const DrivingSummaryResult&) = default;
+bool DrivingSummary::operator==(const DrivingSummary&) const noexcept = default;
+bool DrivingSummaryResult::operator==(const DrivingSummaryResult&) const noexcept = default;
 
 }  // namespace orvane

@@ -29,7 +29,7 @@ struct ORVANE_EXPORT DrivingSummary {
   /// There when a request asked for it. Never written.
   std::optional<DriverDetection> driverDetection{};
 
-  friend ORVANE_EXPORT bool operator==(const DrivingSummary&, const DrivingSummary&);
+  ORVANE_EXPORT bool operator==(const DrivingSummary& other) const noexcept;
 };
 
 /// The driving of one period. Every member is there.
@@ -44,7 +44,7 @@ struct ORVANE_EXPORT DrivingSummaryResult {
   double avgKmPerHour = 0;
   std::int64_t secondsInMotion = 0;
 
-  friend ORVANE_EXPORT bool operator==(const DrivingSummaryResult&, const DrivingSummaryResult&);
+  ORVANE_EXPORT bool operator==(const DrivingSummaryResult& other) const noexcept;
 };
 
 template <>

@@ -17,6 +17,6 @@ KeyTables keysOf(RecordTag<EULAStatus>) { return eulaStatusKeys; }
 template struct RecordCoding<EULAStatus>;
 template struct RecordCoding<std::vector<EULAStatus>>;
 
-bool operator==(const EULAStatus&, const EULAStatus&) = default;
+bool EULAStatus::operator==(const EULAStatus&) const noexcept = default;
 
 }  // namespace orvane

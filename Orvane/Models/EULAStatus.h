@@ -13,7 +13,7 @@ namespace orvane {
 struct ORVANE_EXPORT EULAStatus {
   std::optional<bool> acceptedTerms{};
 
-  friend ORVANE_EXPORT bool operator==(const EULAStatus&, const EULAStatus&);
+  ORVANE_EXPORT bool operator==(const EULAStatus& other) const noexcept;
 };
 
 template <>

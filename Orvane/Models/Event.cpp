@@ -117,7 +117,7 @@ template struct RecordCoding<std::vector<Event::EventType>>;
 template struct RecordCoding<Event::Severity>;
 template struct RecordCoding<std::vector<Event::Severity>>;
 
-bool operator==(const Event::OtherEventType&, const Event::OtherEventType&) = default;
-bool operator==(const Event&, const Event&) = default;
+bool Event::OtherEventType::operator==(const Event::OtherEventType&) const noexcept = default;
+bool Event::operator==(const Event&) const noexcept = default;
 
 }  // namespace orvane

@@ -25,7 +25,7 @@ struct ORVANE_EXPORT Event {
   struct OtherEventType {
     std::string key{};
     [[nodiscard]] HashValue hashValue() const { return hashOf(key); }
-    friend ORVANE_EXPORT bool operator==(const OtherEventType&, const OtherEventType&);
+    ORVANE_EXPORT bool operator==(const OtherEventType& other) const noexcept;
     friend std::strong_ordering operator<=>(const OtherEventType& left,
                                             const OtherEventType& right) noexcept {
       return orderOf(left.key, right.key);
@@ -79,7 +79,7 @@ struct ORVANE_EXPORT Event {
   /// is no list of coordinates stops the process (see `Polyline::decodeChecked`).
   [[nodiscard]] std::optional<std::vector<CLLocationCoordinate2D>> geometry() const;
 
-  friend ORVANE_EXPORT bool operator==(const Event&, const Event&);
+  ORVANE_EXPORT bool operator==(const Event& other) const noexcept;
 };
 
 /// With the backend's names.

@@ -35,7 +35,8 @@ template struct RecordCoding<std::vector<Invitation::InvitationUser>>;
 template struct RecordCoding<Invitation>;
 template struct RecordCoding<std::vector<Invitation>>;
 
-bool operator==(const Invitation::InvitationUser&, const Invitation::InvitationUser&) = default;
-bool operator==(const Invitation&, const Invitation&) = default;
+bool Invitation::InvitationUser::operator==(const Invitation::InvitationUser&) const noexcept =
+    default;
+bool Invitation::operator==(const Invitation&) const noexcept = default;
 
 }  // namespace orvane

@@ -29,7 +29,7 @@ struct ORVANE_EXPORT Invitation {
     std::optional<std::string> lastName{};
     std::optional<std::string> publicDisplayName{};
 
-    friend ORVANE_EXPORT bool operator==(const InvitationUser&, const InvitationUser&);
+    ORVANE_EXPORT bool operator==(const InvitationUser& other) const noexcept;
   };
 
   /// How far the invitation has come. The inviting side acknowledges what the other one answered. A
@@ -58,7 +58,7 @@ struct ORVANE_EXPORT Invitation {
   Indirect<Account> account{};
 
   /// Vehicles are compared as vehicles are: by their identifiers.
-  friend ORVANE_EXPORT bool operator==(const Invitation&, const Invitation&);
+  ORVANE_EXPORT bool operator==(const Invitation& other) const noexcept;
 };
 
 template <>

@@ -53,7 +53,7 @@ template struct RecordCoding<std::vector<LeaderboardEntry>>;
 template struct RecordCoding<Leaderboard>;
 template struct RecordCoding<std::vector<Leaderboard>>;
 
-bool operator==(const LeaderboardEntry&, const LeaderboardEntry&) = default;
-bool operator==(const Leaderboard&, const Leaderboard&) = default;
+bool LeaderboardEntry::operator==(const LeaderboardEntry&) const noexcept = default;
+bool Leaderboard::operator==(const Leaderboard&) const noexcept = default;
 
 }  // namespace orvane

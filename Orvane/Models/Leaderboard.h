@@ -24,7 +24,7 @@ struct ORVANE_EXPORT LeaderboardEntry {
   /// The public profile of the driver.
   Indirect<User> user{};
 
-  friend ORVANE_EXPORT bool operator==(const LeaderboardEntry&, const LeaderboardEntry&);
+  ORVANE_EXPORT bool operator==(const LeaderboardEntry& other) const noexcept;
 };
 
 /// The ranking of a day, and how the current user stands to it.
@@ -36,7 +36,7 @@ struct ORVANE_EXPORT Leaderboard {
   std::optional<bool> isInTop{};
   std::optional<std::vector<LeaderboardEntry>> entries{};
 
-  friend ORVANE_EXPORT bool operator==(const Leaderboard&, const Leaderboard&);
+  ORVANE_EXPORT bool operator==(const Leaderboard& other) const noexcept;
 };
 
 template <>

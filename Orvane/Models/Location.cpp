@@ -25,6 +25,6 @@ KeyTables keysOf(RecordTag<Location>) { return locationKeys; }
 template struct RecordCoding<Location>;
 template struct RecordCoding<std::vector<Location>>;
 
-bool operator==(const Location&, const Location&) = default;
+bool Location::operator==(const Location&) const noexcept = default;
 
 }  // namespace orvane

@@ -21,7 +21,7 @@ struct ORVANE_EXPORT Location {
   /// (none is after decoding) is a programming fault that stops the process.
   [[nodiscard]] CLLocation location() const;
 
-  friend ORVANE_EXPORT bool operator==(const Location&, const Location&);
+  ORVANE_EXPORT bool operator==(const Location& other) const noexcept;
 };
 
 template <>

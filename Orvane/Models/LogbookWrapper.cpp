@@ -23,7 +23,8 @@ template struct RecordCoding<std::vector<LogbookWrapper::TripWrapper>>;
 template struct RecordCoding<LogbookWrapper>;
 template struct RecordCoding<std::vector<LogbookWrapper>>;
 
-bool operator==(const LogbookWrapper::TripWrapper&, const LogbookWrapper::TripWrapper&) = default;
-bool operator==(const LogbookWrapper&, const LogbookWrapper&) = default;
+bool LogbookWrapper::TripWrapper::operator==(const LogbookWrapper::TripWrapper&) const noexcept =
+    default;
+bool LogbookWrapper::operator==(const LogbookWrapper&) const noexcept = default;
 
 }  // namespace orvane

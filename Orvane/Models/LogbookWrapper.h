@@ -17,12 +17,12 @@ struct ORVANE_EXPORT LogbookWrapper {
   struct ORVANE_EXPORT TripWrapper {
     std::optional<Trip> trip{};
 
-    friend ORVANE_EXPORT bool operator==(const TripWrapper&, const TripWrapper&);
+    ORVANE_EXPORT bool operator==(const TripWrapper& other) const noexcept;
   };
 
   std::optional<std::vector<TripWrapper>> tripWrappers{};
 
-  friend ORVANE_EXPORT bool operator==(const LogbookWrapper&, const LogbookWrapper&);
+  ORVANE_EXPORT bool operator==(const LogbookWrapper& other) const noexcept;
 };
 
 template <>

@@ -24,6 +24,6 @@ KeyTables keysOf(RecordTag<NamedDriver>) { return namedDriverKeys; }
 template struct RecordCoding<NamedDriver>;
 template struct RecordCoding<std::vector<NamedDriver>>;
 
-bool operator==(const NamedDriver&, const NamedDriver&) = default;
+bool NamedDriver::operator==(const NamedDriver&) const noexcept = default;
 
 }  // namespace orvane

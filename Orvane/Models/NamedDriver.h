@@ -23,7 +23,7 @@ struct ORVANE_EXPORT NamedDriver {
   std::string userProfileId;
   std::int64_t userId = 0;
 
-  friend ORVANE_EXPORT bool operator==(const NamedDriver&, const NamedDriver&);
+  ORVANE_EXPORT bool operator==(const NamedDriver& other) const noexcept;
 };
 
 template <>

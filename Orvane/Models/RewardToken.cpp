@@ -17,6 +17,6 @@ void encodeValue(const RewardToken& reward, json::Writer& writer) {
 template struct RecordCoding<RewardToken>;
 template struct RecordCoding<std::vector<RewardToken>>;
 
-bool operator==(const RewardToken&, const RewardToken&) = default;
+bool RewardToken::operator==(const RewardToken&) const noexcept = default;
 
 }  // namespace orvane

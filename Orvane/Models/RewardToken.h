@@ -15,7 +15,7 @@ namespace orvane {
 struct ORVANE_EXPORT RewardToken {
   std::optional<std::string> token{};
 
-  friend ORVANE_EXPORT bool operator==(const RewardToken&, const RewardToken&);
+  ORVANE_EXPORT bool operator==(const RewardToken& other) const noexcept;
 };
 
 template <>

@@ -170,15 +170,16 @@ template struct RecordCoding<std::vector<TripScoringAverage>>;
 template struct RecordCoding<ScoringAverage>;
 template struct RecordCoding<std::vector<ScoringAverage>>;
 
-bool operator==(const TripScores::OtherSubScore&, const TripScores::OtherSubScore&) = default;
-bool operator==(const TripScores&, const TripScores&) = default;
-bool operator==(const TripScoring&, const TripScoring&) = default;
-bool operator==(const ScoreComponent&, const ScoreComponent&) = default;
-bool operator==(const ScoringComponents&, const ScoringComponents&) = default;
-bool operator==(const DailyAggregate&, const DailyAggregate&) = default;
-bool operator==(const ScoringAggregate&, const ScoringAggregate&) = default;
-bool operator==(const TripScoringComponents&, const TripScoringComponents&) = default;
-bool operator==(const TripScoringAverage&, const TripScoringAverage&) = default;
-bool operator==(const ScoringAverage&, const ScoringAverage&) = default;
+bool TripScores::OtherSubScore::operator==(const TripScores::OtherSubScore&) const noexcept =
+    default;
+bool TripScores::operator==(const TripScores&) const noexcept = default;
+bool TripScoring::operator==(const TripScoring&) const noexcept = default;
+bool ScoreComponent::operator==(const ScoreComponent&) const noexcept = default;
+bool ScoringComponents::operator==(const ScoringComponents&) const noexcept = default;
+bool DailyAggregate::operator==(const DailyAggregate&) const noexcept = default;
+bool ScoringAggregate::operator==(const ScoringAggregate&) const noexcept = default;
+bool TripScoringComponents::operator==(const TripScoringComponents&) const noexcept = default;
+bool TripScoringAverage::operator==(const TripScoringAverage&) const noexcept = default;
+bool ScoringAverage::operator==(const ScoringAverage&) const noexcept = default;
 
 }  // namespace orvane

@@ -39,7 +39,7 @@ struct ORVANE_EXPORT TripScores {
   struct OtherSubScore {
     std::string key{};
     [[nodiscard]] HashValue hashValue() const { return hashOf(key); }
-    friend ORVANE_EXPORT bool operator==(const OtherSubScore&, const OtherSubScore&);
+    ORVANE_EXPORT bool operator==(const OtherSubScore& other) const noexcept;
     friend std::strong_ordering operator<=>(const OtherSubScore& left,
                                             const OtherSubScore& right) noexcept {
       return orderOf(left.key, right.key);
@@ -73,7 +73,7 @@ struct ORVANE_EXPORT TripScores {
   /// The other scores; one that the backend names without a value is there without one.
   std::optional<SubScores> subScores{};
 
-  friend ORVANE_EXPORT bool operator==(const TripScores&, const TripScores&);
+  ORVANE_EXPORT bool operator==(const TripScores& other) const noexcept;
 };
 
 template <>
@@ -108,7 +108,7 @@ struct ORVANE_EXPORT TripScoring {
   std::optional<double> overallScore{};
   std::optional<std::vector<IndividualComponentScores>> individualComponentScores{};
 
-  friend ORVANE_EXPORT bool operator==(const TripScoring&, const TripScoring&);
+  ORVANE_EXPORT bool operator==(const TripScoring& other) const noexcept;
 };
 
 /// One component of a day's score.
@@ -117,7 +117,7 @@ struct ORVANE_EXPORT ScoreComponent {
   std::optional<double> averageScore{};
   std::optional<std::string> trackingType{};
 
-  friend ORVANE_EXPORT bool operator==(const ScoreComponent&, const ScoreComponent&);
+  ORVANE_EXPORT bool operator==(const ScoreComponent& other) const noexcept;
 };
 
 /// The components of a day's score. The members are named as on the wire.
@@ -135,7 +135,7 @@ struct ORVANE_EXPORT ScoringComponents {
   std::optional<ScoreComponent> usage_subscore{};
   std::optional<ScoreComponent> distracted_driving{};
 
-  friend ORVANE_EXPORT bool operator==(const ScoringComponents&, const ScoringComponents&);
+  ORVANE_EXPORT bool operator==(const ScoringComponents& other) const noexcept;
 };
 
 /// The scores of one day.
@@ -148,7 +148,7 @@ struct ORVANE_EXPORT DailyAggregate {
   Indirect<ScoringComponents> componentScores{};
   std::optional<std::int64_t> scoreType{};
 
-  friend ORVANE_EXPORT bool operator==(const DailyAggregate&, const DailyAggregate&);
+  ORVANE_EXPORT bool operator==(const DailyAggregate& other) const noexcept;
 };
 
 /// The scores of a period, day by day.
@@ -157,7 +157,7 @@ struct ORVANE_EXPORT ScoringAggregate {
   std::optional<double> averageScore{};
   std::optional<std::vector<DailyAggregate>> tripScoringDailyAggregate{};
 
-  friend ORVANE_EXPORT bool operator==(const ScoringAggregate&, const ScoringAggregate&);
+  ORVANE_EXPORT bool operator==(const ScoringAggregate& other) const noexcept;
 };
 
 /// The components of an average score. The members are named as in `ScoringComponents`, but stand
@@ -176,7 +176,7 @@ struct ORVANE_EXPORT TripScoringComponents {
   std::optional<double> usage_subscore{};
   std::optional<double> distracted_driving{};
 
-  friend ORVANE_EXPORT bool operator==(const TripScoringComponents&, const TripScoringComponents&);
+  ORVANE_EXPORT bool operator==(const TripScoringComponents& other) const noexcept;
 };
 
 /// The average scores of a period. Every member is there.
@@ -185,7 +185,7 @@ struct ORVANE_EXPORT TripScoringAverage {
   std::string trackingType{};
   TripScoringComponents componentScores{};
 
-  friend ORVANE_EXPORT bool operator==(const TripScoringAverage&, const TripScoringAverage&);
+  ORVANE_EXPORT bool operator==(const TripScoringAverage& other) const noexcept;
 };
 
 /// The average scores of a reporting period, and the period.
@@ -197,7 +197,7 @@ struct ORVANE_EXPORT ScoringAverage {
   std::optional<double> averageScore{};
   std::optional<TripScoringAverage> tripScoringAverage{};
 
-  friend ORVANE_EXPORT bool operator==(const ScoringAverage&, const ScoringAverage&);
+  ORVANE_EXPORT bool operator==(const ScoringAverage& other) const noexcept;
 };
 
 template <>

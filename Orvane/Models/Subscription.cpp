@@ -23,6 +23,6 @@ KeyTables keysOf(RecordTag<Subscription>) { return subscriptionKeys; }
 template struct RecordCoding<Subscription>;
 template struct RecordCoding<std::vector<Subscription>>;
 
-bool operator==(const Subscription&, const Subscription&) = default;
+bool Subscription::operator==(const Subscription&) const noexcept = default;
 
 }  // namespace orvane

@@ -33,7 +33,7 @@ struct ORVANE_EXPORT Subscription {
   /// End of the trial period: milliseconds since 1970-01-01 UTC.
   std::optional<double> trialEndTimestamp{};
 
-  friend ORVANE_EXPORT bool operator==(const Subscription&, const Subscription&);
+  ORVANE_EXPORT bool operator==(const Subscription& other) const noexcept;
 };
 
 template <>

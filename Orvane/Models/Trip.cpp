@@ -100,6 +100,6 @@ KeyTables keysOf(RecordTag<Trip>) { return {decodingKeys, encodingKeys}; }
 template struct RecordCoding<Trip>;
 template struct RecordCoding<std::vector<Trip>>;
 
-bool operator==(const Trip&, const Trip&) = default;
+bool Trip::operator==(const Trip&) const noexcept = default;
 
 }  // namespace orvane

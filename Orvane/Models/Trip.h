@@ -74,7 +74,7 @@ struct ORVANE_EXPORT Trip {
       const;
 
   /// Vehicles count as equal when their `vehicleId` is.
-  friend ORVANE_EXPORT bool operator==(const Trip&, const Trip&);
+  ORVANE_EXPORT bool operator==(const Trip& other) const noexcept;
 };
 
 template <>

@@ -132,11 +132,11 @@ template struct RecordCoding<std::vector<User>>;
 template struct RecordCoding<UsersByRole>;
 template struct RecordCoding<std::vector<UsersByRole>>;
 
-bool operator==(const Account&, const Account&) = default;
-bool operator==(const UserRole&, const UserRole&) = default;
-bool operator==(const User::CustomGender&, const User::CustomGender&) = default;
-bool operator==(const User::SharedInformation&, const User::SharedInformation&) = default;
-bool operator==(const User&, const User&) = default;
-bool operator==(const UsersByRole&, const UsersByRole&) = default;
+bool Account::operator==(const Account&) const noexcept = default;
+bool UserRole::operator==(const UserRole&) const noexcept = default;
+bool User::CustomGender::operator==(const User::CustomGender&) const noexcept = default;
+bool User::SharedInformation::operator==(const User::SharedInformation&) const noexcept = default;
+bool User::operator==(const User&) const noexcept = default;
+bool UsersByRole::operator==(const UsersByRole&) const noexcept = default;
 
 }  // namespace orvane

@@ -25,7 +25,7 @@ struct ORVANE_EXPORT Account {
   /// What the account is called elsewhere, as the backend tells it.
   std::optional<std::string> identifier{};
 
-  friend ORVANE_EXPORT bool operator==(const Account&, const Account&);
+  ORVANE_EXPORT bool operator==(const Account& other) const noexcept;
 };
 
 /// What a user is allowed to do.
@@ -48,7 +48,7 @@ struct ORVANE_EXPORT UserRole {
   /// Whether support staff may act for the user, as the backend words it.
   std::optional<std::string> supportAccessGranted{};
 
-  friend ORVANE_EXPORT bool operator==(const UserRole&, const UserRole&);
+  ORVANE_EXPORT bool operator==(const UserRole& other) const noexcept;
 };
 
 /// A person taking part in the programme. Every member is absent where the backend did not tell it.
@@ -62,7 +62,7 @@ struct ORVANE_EXPORT User {
   struct CustomGender {
     std::string gender;
     [[nodiscard]] HashValue hashValue() const { return hashOf(gender); }
-    friend ORVANE_EXPORT bool operator==(const CustomGender&, const CustomGender&);
+    ORVANE_EXPORT bool operator==(const CustomGender& other) const noexcept;
     friend std::strong_ordering operator<=>(const CustomGender& left,
                                             const CustomGender& right) noexcept {
       return orderOf(left.gender, right.gender);
@@ -126,7 +126,7 @@ struct ORVANE_EXPORT User {
     std::optional<double> overallScore{};
     std::optional<DriverType> driverType{};
 
-    friend ORVANE_EXPORT bool operator==(const SharedInformation&, const SharedInformation&);
+    ORVANE_EXPORT bool operator==(const SharedInformation& other) const noexcept;
   };
 
   std::optional<std::string> id{};
@@ -168,7 +168,7 @@ struct ORVANE_EXPORT User {
   /// There when a request asked for the associated account.
   Indirect<Account> account{};
 
-  friend ORVANE_EXPORT bool operator==(const User&, const User&);
+  ORVANE_EXPORT bool operator==(const User& other) const noexcept;
 };
 
 /// The users of an account or vehicle by what they are to it. The members are named as on the wire.
@@ -176,7 +176,7 @@ struct ORVANE_EXPORT UsersByRole {
   std::optional<std::vector<User>> OPERATOR{};
   std::optional<std::vector<User>> OWNER{};
 
-  friend ORVANE_EXPORT bool operator==(const UsersByRole&, const UsersByRole&);
+  ORVANE_EXPORT bool operator==(const UsersByRole& other) const noexcept;
 };
 
 template <>

@@ -5,6 +5,7 @@
 #include <Orvane/Common/Version.h>
 #include <Orvane/Testing/MemoryStores.h>
 #include <Orvane/Testing/RecordingLogger.h>
+#include <Orvane/Version.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -45,6 +46,13 @@ TEST(VersionTest, comparesComponentByComponent) {
       }
     }
   }
+}
+
+TEST(VersionTest, theLibraryIsThatOfItsHeaders) {
+  EXPECT_EQ(libraryVersion(), headerVersion);
+  // Ordered as the texts are.
+  EXPECT_TRUE(ORVANE_MAKE_VERSION(0, 2, 0) > ORVANE_MAKE_VERSION(0, 1, 999));
+  EXPECT_TRUE(isVersion(libraryVersionText(), "0.0.999"));
 }
 
 TEST(IdentityTest, differsByBothMembers) {
