@@ -91,37 +91,9 @@ class AnnouncingFile {
   const std::filesystem::path file_;
 };
 
-using Settings = std::vector<std::pair<std::string, std::string>>;
-
 /// What the command-line client and the examples read from the environment.
-Settings settingsFor(const Sandbox& sandbox, const SandboxOptions& options) {
-  Settings settings{{"ORVANE_BASE_URL", sandbox.baseUrl()},
-                    {"ORVANE_API_KEY", sampleApiKey},
-                    {"ORVANE_TOKEN", Sandbox::sampleToken()}};
-  if (!options.plainHttp) {
-    settings.emplace_back("ORVANE_CA_FILE", sandbox.certificateAuthority().string());
-  }
-  return settings;
-}
-
-/// As a shell's word.
-std::string quoted(const std::string& text) {
-  constexpr const char* plain =
-      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-./:@%+=,[]";
-  if (!text.empty() && text.find_first_not_of(plain) == std::string::npos) return text;
-  std::string word = "'";
-  for (const char c : text) c == '\'' ? word.append("'\\''") : word.append(1, c);
-  return word + "'";
-}
-
-/// The client beside this program, or else by its name.
-std::string clientCommand() {
-  std::error_code ignored;
-  const auto self = std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
-  for (const auto& folder : {self, self.parent_path() / "cli"}) {
-    if (exists(folder / "orvane", ignored)) return quoted((folder / "orvane").string());
-  }
-  return "orvane";
+Settings settingsFor(const Sandbox& sandbox) {
+  return clientSettings(sandbox.address(), Sandbox::sampleToken());
 }
 
 bool isLoopback(const std::string& host) {
@@ -136,7 +108,9 @@ void printWelcome(const Sandbox& sandbox, const SandboxOptions& options,
     std::cout << "  CA file     " << sandbox.certificateAuthority().string() << '\n';
   std::cout << "  API key     " << sampleApiKey << '\n'
             << "  ready file  " << readyFile.string()
-            << " (all of this as JSON, and the key of admin requests)\n\n"
+            << " (all of this as JSON, and the key of admin requests)\n"
+            << "  inspector   " << sandbox.newInspectorLink()
+            << "\n              (in one browser, once: what it does, and what goes wrong)\n\n"
             << "  user  external reference  who\n";
   for (const Person& person : people()) {
     if (!person.isSample) continue;
@@ -145,8 +119,8 @@ void printWelcome(const Sandbox& sandbox, const SandboxOptions& options,
               << ": " << person.note << '\n';
   }
   std::cout << "\n  token of a user: " << developmentToken << "<user>\n\nIn another terminal:\n\n";
-  for (const auto& [name, value] : settingsFor(sandbox, options)) {
-    std::cout << "  export " << name << '=' << quoted(value) << '\n';
+  for (const auto& [name, value] : settingsFor(sandbox)) {
+    std::cout << "  export " << name << '=' << shellWord(value) << '\n';
   }
   std::cout << "  " << clientCommand() << " trips list --limit 3\n\n";
   if (!isLoopback(options.host)) {
@@ -291,7 +265,7 @@ int run(ProgramOptions options) {
   std::optional<AnnouncingFile> further;
   if (!options.readyFile.empty()) further.emplace(options.readyFile, sandbox.description());
   if (!options.command.empty()) {
-    return runCommand(options.command, settingsFor(sandbox, options.sandbox));
+    return runCommand(options.command, settingsFor(sandbox));
   }
   printWelcome(sandbox, options.sandbox, readyFile);
   waitForEnd();
