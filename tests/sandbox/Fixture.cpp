@@ -48,12 +48,19 @@ httplib::Headers SandboxTest::authorized(httplib::Headers headers) const {
 
 Answer SandboxTest::send(const std::string& request, std::string body,
                          const std::string& contentType, httplib::Headers headers) {
+  const std::size_t path = request.find(' ') + 1;
+  headers = authorized(std::move(headers));
+  if (!contentType.empty()) headers.emplace("Content-Type", contentType);
+  return ask(request.substr(0, path) + root + request.substr(path), std::move(headers),
+             std::move(body));
+}
+
+Answer SandboxTest::ask(const std::string& request, httplib::Headers headers, std::string body) {
   const std::size_t blank = request.find(' ');
   httplib::Request sent;
   sent.method = request.substr(0, blank);
-  sent.path = root + request.substr(blank + 1);
-  sent.headers = authorized(std::move(headers));
-  if (!contentType.empty()) sent.set_header("Content-Type", contentType);
+  sent.path = request.substr(blank + 1);
+  sent.headers = std::move(headers);
   sent.body = std::move(body);
   return answerFrom(client_->send(sent));
 }

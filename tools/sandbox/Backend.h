@@ -40,6 +40,7 @@ struct BackendOptions {
   bool verbose = false;                     // a line per request on standard error
   LayingProgress progress;                  // while the data is laid
   std::function<Address()> address;         // how clients reach it, once it listens
+  bool records = false;                     // requests and answers, from the start
   std::shared_ptr<Replay> replay;           // answers in the place of the resources
 };
 

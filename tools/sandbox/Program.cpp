@@ -66,19 +66,49 @@ LayingProgress progressShown() {
 
 // --- What it tells -------------------------------------------------------------------------------
 
+/// A file that appears whole or not at all, for its owner only.
+class PrivateFile {
+ public:
+  /// Throws when it can't be written.
+  explicit PrivateFile(std::filesystem::path file) : file_(std::move(file)), part_(file_) {
+    part_ += ".part";
+    stream_.open(part_);
+    using std::filesystem::perms;
+    std::error_code ignored;
+    permissions(part_, perms::owner_read | perms::owner_write, ignored);
+    check();
+  }
+  ~PrivateFile() {
+    std::error_code ignored;
+    if (!isWritten_) std::filesystem::remove(part_, ignored);
+  }
+  PrivateFile(const PrivateFile&) = delete;
+  PrivateFile& operator=(const PrivateFile&) = delete;
+
+  void write(const std::string& text) {
+    stream_ << text << '\n';
+    stream_.close();
+    check();
+    rename(part_, file_);
+    isWritten_ = true;
+  }
+
+ private:
+  void check() const {
+    if (!stream_) throw std::runtime_error("can't write " + part_.string());
+  }
+
+  const std::filesystem::path file_;
+  std::filesystem::path part_;
+  std::ofstream stream_;
+  bool isWritten_ = false;
+};
+
 /// A file that goes with this object. Whoever waits for it finds either nothing or all of it.
 class AnnouncingFile {
  public:
   AnnouncingFile(std::filesystem::path file, const std::string& text) : file_(std::move(file)) {
-    std::filesystem::path temporary = file_;
-    temporary += ".part";
-    std::ofstream stream{temporary};
-    using std::filesystem::perms;
-    permissions(temporary, perms::owner_read | perms::owner_write);
-    stream << text << '\n';
-    stream.close();
-    if (!stream) throw std::runtime_error("can't write " + temporary.string());
-    rename(temporary, file_);
+    PrivateFile{file_}.write(text);
   }
   ~AnnouncingFile() {
     std::error_code ignored;
@@ -248,6 +278,26 @@ void waitForEnd() {
   }
 }
 
+/// Until it is asked to end, or the command has ended.
+int serve(const Sandbox& sandbox, const ProgramOptions& options) {
+  const auto readyFile = sandbox.backend().folder() / "ready.json";
+  const AnnouncingFile ready{readyFile, sandbox.description()};
+  std::optional<AnnouncingFile> further;
+  if (!options.readyFile.empty()) further.emplace(options.readyFile, sandbox.description());
+  if (!options.command.empty()) return runCommand(options.command, settingsFor(sandbox));
+  printWelcome(sandbox, options.sandbox, readyFile);
+  waitForEnd();
+  return 0;
+}
+
+void writeRecording(Sandbox& sandbox, PrivateFile& file) {
+  sandbox.stop();
+  Recording& recording = sandbox.backend().recording();
+  file.write(recording.file());
+  if (!recording.state().isFull) return;
+  std::cerr << "orvane-sandbox: the recording was full before the end\n";
+}
+
 }  // namespace
 
 int run(ProgramOptions options) {
@@ -258,18 +308,13 @@ int run(ProgramOptions options) {
   if (!options.keepsData) options.sandbox.backend.folder = temporary.emplace().path;
   options.sandbox = withNames(std::move(options.sandbox));
   options.sandbox.backend.progress = progressShown();
-  const Sandbox sandbox{options.sandbox};
-
-  const auto readyFile = sandbox.backend().folder() / "ready.json";
-  const AnnouncingFile ready{readyFile, sandbox.description()};
-  std::optional<AnnouncingFile> further;
-  if (!options.readyFile.empty()) further.emplace(options.readyFile, sandbox.description());
-  if (!options.command.empty()) {
-    return runCommand(options.command, settingsFor(sandbox));
-  }
-  printWelcome(sandbox, options.sandbox, readyFile);
-  waitForEnd();
-  return 0;
+  std::optional<PrivateFile> recording;
+  if (!options.recording.empty()) recording.emplace(options.recording);
+  options.sandbox.backend.records = recording.has_value();
+  Sandbox sandbox{options.sandbox};
+  const int exitCode = serve(sandbox, options);
+  if (recording) writeRecording(sandbox, *recording);
+  return exitCode;
 }
 
 }  // namespace orvane::sandbox

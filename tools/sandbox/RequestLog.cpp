@@ -80,31 +80,35 @@ void RequestLog::add(const Request& request, const Reply& reply, const Trace& tr
                    .response = std::string{beginningOf(reply.body, longestBody)}});
   const std::lock_guard lock{mutex_};
   entry->id = ++lastId_;
-  bytes_ += sizeOf(*entry) + sizeOf(*bodies);
+  requestBytes_ += sizeOf(*entry);
+  bodyBytes_ += sizeOf(*bodies);
   entries_.push_back({entry, std::move(bodies)});
   shrink();
   if (observer_) observer_(entry);
 }
 
 void RequestLog::shrink() {
-  while (bytes_ > limits_.bytes && withoutBodies_ < entries_.size()) {
-    auto& bodies = entries_[withoutBodies_++].bodies;
-    bytes_ -= sizeOf(*bodies);
-    bodies.reset();
-  }
-  while (entries_.size() > limits_.requests || (bytes_ > limits_.bytes && entries_.size() > 1)) {
+  // Bodies go first, but the requests themselves never take the room of the latest bodies.
+  while (entries_.size() > limits_.requests || requestBytes_ > limits_.bytes / 2) {
     const Kept& oldest = entries_.front();
-    bytes_ -= sizeOf(*oldest.request) + (oldest.bodies ? sizeOf(*oldest.bodies) : 0);
+    requestBytes_ -= sizeOf(*oldest.request);
+    if (oldest.bodies) bodyBytes_ -= sizeOf(*oldest.bodies);
     withoutBodies_ -= std::min<std::size_t>(withoutBodies_, 1);
     entries_.pop_front();
     ++dropped_;
+  }
+  while (requestBytes_ + bodyBytes_ > limits_.bytes && withoutBodies_ < entries_.size()) {
+    auto& bodies = entries_[withoutBodies_++].bodies;
+    bodyBytes_ -= sizeOf(*bodies);
+    bodies.reset();
   }
 }
 
 void RequestLog::clear() {
   const std::lock_guard lock{mutex_};
   entries_.clear();
-  bytes_ = 0;
+  requestBytes_ = 0;
+  bodyBytes_ = 0;
   withoutBodies_ = 0;
   dropped_ = 0;
 }

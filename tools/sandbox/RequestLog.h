@@ -97,8 +97,9 @@ class RequestLog {
   Limits limits_;
   Observer observer_;
   mutable std::mutex mutex_;
-  std::deque<Kept> entries_;       // their ids have no gaps
-  std::size_t bytes_ = 0;          // of all entries
+  std::deque<Kept> entries_;  // their ids have no gaps
+  std::size_t requestBytes_ = 0;
+  std::size_t bodyBytes_ = 0;
   std::size_t withoutBodies_ = 0;  // so many of the oldest
   std::int64_t lastId_ = 0;
   std::int64_t dropped_ = 0;

@@ -41,6 +41,7 @@ class Sandbox {
   [[nodiscard]] std::filesystem::path certificateAuthority() const;
   [[nodiscard]] Address address() const;
   [[nodiscard]] const Backend& backend() const { return *backend_; }
+  [[nodiscard]] Backend& backend() { return *backend_; }
   /// A link that opens the inspector's page in one browser; another one each time.
   [[nodiscard]] std::string newInspectorLink() const;
   /// Ends the service; requests under way are finished.

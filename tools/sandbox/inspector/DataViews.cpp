@@ -77,7 +77,7 @@ void writePerson(JsonWriter& json, const Backend& backend, DatabaseConnection& d
 
 const char* const tripColumns =
     "SELECT trip_id, user_id, start_ms, end_ms, kilometers, transport_mode, purpose, status,"
-    " CASE WHEN transport_mode = 'DRIVER' THEN overall END, ";
+    " CASE WHEN transport_mode = 'DRIVER' THEN overall END, day, ";
 
 void writeTripMembers(JsonWriter& json, const Rows& trip) {
   json.member("id", trip.text(0))
@@ -88,6 +88,7 @@ void writeTripMembers(JsonWriter& json, const Rows& trip) {
       .member("mode", trip.text(5))
       .member("purpose", trip.text(6))
       .member("status", trip.text(7))
+      .member("day", trip.text(9))
       .key("score");
   trip.isNull(8) ? json.null() : json.value(trip.real(8));
 }
@@ -127,8 +128,8 @@ std::vector<Position> routeOf(std::string_view geometry, std::string_view start)
 }
 
 void writeRoute(JsonWriter& json, const Rows& trip) {
-  const std::vector<Position> line = routeOf(trip.text(9), trip.text(10));
-  const std::vector<Position> profile = decodePolyline(trip.text(12));
+  const std::vector<Position> line = routeOf(trip.text(10), trip.text(11));
+  const std::vector<Position> profile = decodePolyline(trip.text(13));
   json.key("route").beginArray();
   for (std::size_t i = 0; i < std::min(line.size(), profile.size()); ++i) {
     json.beginArray()
@@ -143,7 +144,7 @@ void writeRoute(JsonWriter& json, const Rows& trip) {
 
 void writeEvents(JsonWriter& json, const Rows& trip) {
   const Milliseconds start = trip.integer(2);
-  const auto events = nlohmann::json::parse(trip.text(11));
+  const auto events = nlohmann::json::parse(trip.text(12));
   json.key("events").beginArray();
   for (const auto& [type, list] : events.items()) {
     for (const auto& event : list) {
@@ -164,7 +165,7 @@ void writeEvents(JsonWriter& json, const Rows& trip) {
 }
 
 void writeTripScores(JsonWriter& json, const Rows& trip) {
-  constexpr int first = 13;
+  constexpr int first = 14;
   constexpr std::array<const char*, scoreKinds> names{"overall",     "acceleration", "braking",
                                                       "cornering",   "speeding",     "overSpeeding",
                                                       "distraction", "usage"};
@@ -229,9 +230,9 @@ std::string tripsAsJson(Backend& backend, const std::string& userId, const Perio
     while (trips.next()) {
       json.beginObject();
       writeTripMembers(json, trips);
-      json.member("startAddress", trips.text(9))
-          .member("endAddress", trips.text(10))
-          .member("events", trips.integer(11))
+      json.member("startAddress", trips.text(10))
+          .member("endAddress", trips.text(11))
+          .member("events", trips.integer(12))
           .endObject();
     }
   }
