@@ -2,6 +2,8 @@
 #
 # Writes OUTPUT, a source file with the bytes of the files FILES (a list, in one argument):
 # cmake -DOUTPUT=Assets.cpp "-DFILES=a.html;b.js" -P EmbedAssets.cmake
+cmake_minimum_required(VERSION 3.22)
+
 set(arrays "")
 set(entries "")
 set(index 0)
@@ -16,7 +18,7 @@ foreach(file IN LISTS FILES)
   math(EXPR index "${index} + 1")
 endforeach()
 
-file(CONFIGURE OUTPUT ${OUTPUT} @ONLY CONTENT "// SPDX-License-Identifier: Apache-2.0
+file(WRITE ${OUTPUT} "// SPDX-License-Identifier: Apache-2.0
 //
 // Made by EmbedAssets.cmake.
 #include \"inspector/Assets.h\"
@@ -28,7 +30,7 @@ namespace orvane::sandbox {
 
 namespace {
 
-@arrays@
+${arrays}
 template <std::size_t Size>
 std::string_view text(const unsigned char (&bytes)[Size]) {
   return {reinterpret_cast<const char*>(bytes), Size - 1};
@@ -37,8 +39,8 @@ std::string_view text(const unsigned char (&bytes)[Size]) {
 }  // namespace
 
 std::span<const Asset> assets() {
-  static const std::array<Asset, @index@> all{{
-@entries@  }};
+  static const std::array<Asset, ${index}> all{{
+${entries}  }};
   return all;
 }
 
