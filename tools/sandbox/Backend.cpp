@@ -127,7 +127,10 @@ Reply Backend::answerFromReplay(const Request& request) {
 }
 
 Reply Backend::route(const Request& request, Trace& trace) {
-  if (options_.replay) return answerFromReplay(request);
+  if (options_.replay) {
+    trace.user = whoAsks(request);
+    return answerFromReplay(request);
+  }
   const std::string_view path = request.path;
   if (path.starts_with(apiRoot)) {
     Reply reply = router_.dispatch(*this, request, path.substr(apiRoot.size()), trace.user);

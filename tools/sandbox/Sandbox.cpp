@@ -50,7 +50,8 @@ Sandbox::Sandbox(SandboxOptions options)
   options_.backend.address = [this] { return address(); };
   backend_ = std::make_unique<Backend>(options_.backend);
   std::vector<std::string> hosts = options_.names;
-  hosts.push_back(options_.host);
+  const bool isAny = options_.host == "0.0.0.0" || options_.host == "::";  // nobody's name
+  if (!isAny) hosts.push_back(options_.host);
   inspector_ = std::make_unique<Inspector>(*backend_, std::move(hosts));
   listener_ = std::make_unique<Listener>(
       Listener::Options{options_.host, options_.port, options_.threads, options_.compress,

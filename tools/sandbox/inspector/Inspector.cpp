@@ -144,9 +144,9 @@ void Inspector::checkHost(const Request& request) const {
       authority.substr(0, authority.size() - (port.empty() ? 0 : port.size() + 1));
   if (port.empty()) port = isSecure() ? "443" : "80";
   const auto isHost = [&](std::string_view known) {
+    const bool isInBrackets = host.starts_with('[') && host.ends_with(']');  // RFC 3986, 3.2.2
     return equalIgnoringCase(host, known) ||
-           (known.find(':') != std::string_view::npos && host.size() == known.size() + 2 &&
-            equalIgnoringCase(host.substr(1, known.size()), known));
+           (isInBrackets && equalIgnoringCase(host.substr(1, host.size() - 2), known));
   };
   const std::string address = backend_.address().baseUrl;
   if (port == portOf(authorityOf(address)) &&

@@ -52,6 +52,25 @@ std::optional<At> findAt(std::string_view text, std::size_t from) {
   return first;
 }
 
+/// Whether the byte is the first of an escape as in JSON, after its backslash.
+bool isEscaped(std::string_view text, std::size_t at) {
+  std::size_t first = at;
+  while (first > 0 && text[first - 1] == '\\') --first;
+  return (at - first) % 2 == 1;
+}
+
+/// Where the name begins that ends before the "@". An escape is taken whole or not at all: what
+/// remains is to be JSON still.
+std::size_t beginOfName(std::string_view text, std::size_t end, std::size_t least) {
+  std::size_t begin = end;
+  for (;;) {
+    while (begin > least && isNameByte(text[begin - 1])) --begin;
+    if (begin <= least || begin == end || !isEscaped(text, begin)) return begin;
+    if (text[begin] != 'u') return begin + 1;
+    --begin;
+  }
+}
+
 /// Where a token ends that begins here; nothing where none does.
 std::optional<std::size_t> endOfToken(std::string_view text) {
   constexpr std::string_view development = "sandbox-token-";
@@ -97,8 +116,7 @@ std::string StandIns::in(std::string_view text) {
   std::string plain;
   std::size_t done = 0;
   for (auto at = findAt(text, 0); at; at = findAt(text, at->position + at->size)) {
-    std::size_t begin = at->position;
-    while (begin > done && isNameByte(text[begin - 1])) --begin;
+    const std::size_t begin = beginOfName(text, at->position, done);
     std::size_t end = at->position + at->size;
     while (end < text.size() && isDomainByte(text[end])) ++end;
     while (end > at->position + at->size && isIn(".-", text[end - 1])) --end;
