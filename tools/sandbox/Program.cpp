@@ -5,6 +5,9 @@
 
 #include <arpa/inet.h>
 #include <ifaddrs.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include <netinet/in.h>
 #include <pthread.h>
 #include <spawn.h>
@@ -301,6 +304,11 @@ void writeRecording(Sandbox& sandbox, PrivateFile& file) {
 }  // namespace
 
 int run(ProgramOptions options) {
+#ifdef __GLIBC__
+  // The log's memory is taken on one thread and given back on another: with an arena for each
+  // thread, which is the default, several times of what the log has would be held.
+  ::mallopt(M_ARENA_MAX, 2);
+#endif
   // Blocked before any thread starts, so that only this one sees them.
   pthread_sigmask(SIG_BLOCK, &awaitedSignals(), nullptr);
 
