@@ -32,6 +32,7 @@ void SandboxTest::start(SandboxOptions options) {
   client_ = std::make_unique<httplib::SSLClient>("127.0.0.1", sandbox_->port());
   client_->set_ca_cert_path(sandbox_->certificateAuthority().string());
   client_->enable_server_certificate_verification(true);
+  client_->set_read_timeout(std::chrono::minutes{1});  // a reset lays all data anew
   client_->set_keep_alive(true);
   client_->set_tcp_nodelay(true);
   client_->set_url_encode(false);
