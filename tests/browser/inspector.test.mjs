@@ -204,8 +204,8 @@ describe("trips", () => {
     assert.ok(Math.abs(middle - 0.5) < 0.1, `the pointer is in the middle, the place at ${middle}`);
   });
 
-  it("are looked at from nearer and farther by wheel, keys and buttons", async () => {
-    const { page } = view;
+  it("are looked at from nearer and farther by wheel, fingers, keys and buttons", async () => {
+    const { page, context } = view;
     const { trip } = await rooms(page);
     await room(`trips/1002/2026-05-11/${trip.id}`);
     await page.locator(".map .event-sign").first().waitFor();
@@ -222,6 +222,14 @@ describe("trips", () => {
     await page.locator(".map-canvas").hover();
     await changes(() => page.mouse.wheel(0, -200), true);
     await changes(() => page.mouse.wheel(0, 200), false);
+    const { x, y, width, height } = await page.locator(".map-canvas").boundingBox();
+    const devtools = await context.newCDPSession(page);
+    const fingers = (apart) => [-apart, apart].map((by, id) => ({ x: x + width / 2 + by, y: y + height / 2, id }));
+    await changes(async () => {
+      await devtools.send("Input.dispatchTouchEvent", { type: "touchStart", touchPoints: fingers(30) });
+      for (const apart of [40, 60, 90]) await devtools.send("Input.dispatchTouchEvent", { type: "touchMove", touchPoints: fingers(apart) });
+      await devtools.send("Input.dispatchTouchEvent", { type: "touchEnd", touchPoints: [] });
+    }, true);
     await page.locator(".map-canvas").focus();
     await changes(() => page.keyboard.press("+"), true);
     await changes(() => page.getByRole("button", { name: "Farther" }).click(), false);
