@@ -5,7 +5,7 @@
 const root = "/inspector/api/";
 
 /** A refusal or a failure, in words for people. */
-export class Refusal extends Error {
+class Refusal extends Error {
   constructor(message, status) {
     super(message);
     this.status = status;

@@ -44,13 +44,6 @@ export function mondayOf(day) {
   return plusDays(day, -((midnight(day).getUTCDay() + 6) % 7));
 }
 
-/** The day on which something began, by this browser's zone. */
-export function dayOf(iso) {
-  const time = new Date(iso);
-  const two = (part) => String(part).padStart(2, "0");
-  return `${time.getFullYear()}-${two(time.getMonth() + 1)}-${two(time.getDate())}`;
-}
-
 /** @param {number} milliseconds */
 export function duration(milliseconds) {
   if (milliseconds < 0.05) return "<0.1 ms";
@@ -66,6 +59,9 @@ export function size(bytes) {
   if (bytes < 1_000_000) return `${(bytes / 1000).toFixed(1)} kB`;
   return `${(bytes / 1_000_000).toFixed(1)} MB`;
 }
+
+/** The size of a request's answer, if there was one. */
+export const answerSize = (request) => (request.status === 0 ? "–" : size(request.responseSize));
 
 /** A stretch of time in minutes and hours. */
 export function stretch(seconds) {
