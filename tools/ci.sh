@@ -81,6 +81,7 @@ step setup ./dev setup http2
 step test ./dev test
 # As on a terminal, and one that is not wide.
 step demo script --quiet --return --command "stty cols 80 rows 24; ./dev demo" /dev/null
+step browser ./dev test browser
 step lint ./dev lint
 step shared ./dev test shared
 step clang ./dev test clang

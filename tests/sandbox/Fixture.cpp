@@ -32,6 +32,7 @@ void SandboxTest::start(SandboxOptions options) {
   client_ = std::make_unique<httplib::SSLClient>("127.0.0.1", sandbox_->port());
   client_->set_ca_cert_path(sandbox_->certificateAuthority().string());
   client_->enable_server_certificate_verification(true);
+  client_->set_read_timeout(std::chrono::minutes{1});  // a reset lays all data anew
   client_->set_keep_alive(true);
   client_->set_tcp_nodelay(true);
   client_->set_url_encode(false);
@@ -48,12 +49,19 @@ httplib::Headers SandboxTest::authorized(httplib::Headers headers) const {
 
 Answer SandboxTest::send(const std::string& request, std::string body,
                          const std::string& contentType, httplib::Headers headers) {
+  const std::size_t path = request.find(' ') + 1;
+  headers = authorized(std::move(headers));
+  if (!contentType.empty()) headers.emplace("Content-Type", contentType);
+  return ask(request.substr(0, path) + root + request.substr(path), std::move(headers),
+             std::move(body));
+}
+
+Answer SandboxTest::ask(const std::string& request, httplib::Headers headers, std::string body) {
   const std::size_t blank = request.find(' ');
   httplib::Request sent;
   sent.method = request.substr(0, blank);
-  sent.path = root + request.substr(blank + 1);
-  sent.headers = authorized(std::move(headers));
-  if (!contentType.empty()) sent.set_header("Content-Type", contentType);
+  sent.path = request.substr(blank + 1);
+  sent.headers = std::move(headers);
   sent.body = std::move(body);
   return answerFrom(client_->send(sent));
 }

@@ -40,6 +40,8 @@ class SandboxTest : public testing::Test {
   /// Requests below the API root as the current user: "PUT namedDrivers/1201".
   Answer send(const std::string& request, std::string body = "",
               const std::string& contentType = "", httplib::Headers headers = {});
+  /// Requests from the server's root as nobody: "GET /inspector/app.js".
+  Answer ask(const std::string& request, httplib::Headers headers = {}, std::string body = "");
   Answer get(const std::string& path, httplib::Headers headers = {});
   Answer post(const std::string& path, std::string body = "", const std::string& contentType = "");
   Answer postForm(const std::string& path, const httplib::MultipartFormDataItems& items);
@@ -57,6 +59,7 @@ class SandboxTest : public testing::Test {
 
   [[nodiscard]] Sandbox& sandbox() { return *sandbox_; }
   [[nodiscard]] httplib::SSLClient client() const;
+  [[nodiscard]] const TemporaryFolder& folder() const { return folder_; }
 
  private:
   [[nodiscard]] httplib::Headers authorized(httplib::Headers headers) const;

@@ -110,6 +110,21 @@ TEST(Program, RunsACommandWithItsSettingsAndEndsAsItDoes) {
   }
 }
 
+TEST(Program, AnswersFromTheRecordingOfAnotherRun) {
+  const TemporaryFolder folder;
+  const std::string file = folder / "recording.json";
+  const std::string ask =
+      " --weeks 1 --exec -- sh -c 'curl --silent --cacert \"$ORVANE_CA_FILE\" -H \"Authorization: "
+      "Bearer $ORVANE_TOKEN\" \"$ORVANE_BASE_URL/kavra/api/sdk/trips/500001\"; echo'";
+  Program records{"--now 2025-06-18 --record " + file + ask};
+  const std::string trip = records.readLine();
+  EXPECT_THAT(trip, HasSubstr("500001"));
+  EXPECT_EQ(records.exitCode(), 0);
+  Program replays{"--now 2024-02-03 --replay " + file + ask};
+  EXPECT_EQ(replays.readLine(), trip);
+  EXPECT_EQ(replays.exitCode(), 0);
+}
+
 TEST(Program, ServesOtherMachinesByTheirNames) {
   const TemporaryFolder folder;
   const std::string data = folder / "data";
@@ -142,7 +157,8 @@ TEST(Program, RefusesFlagsThatMakeNoSense) {
   const TemporaryFolder folder;
   for (const char* flags :
        {"--port 70000", "--now yesterday", "--misbehave '{\"status\":1}'", "--misbehave nonsense",
-        "--certificate rusty", "--fast", "now", "--exec", "--name a,b", "--slow 0"}) {
+        "--certificate rusty", "--fast", "now", "--exec", "--name a,b", "--slow 0",
+        "--replay-timing", "--replay /nonexistent", "--record /nonexistent/file"}) {
     EXPECT_EQ(Program{"--data " + folder.path().string() + " " + flags}.exitCode(), 1) << flags;
   }
 }

@@ -72,6 +72,13 @@ FUZZED = re.compile(r"^ {4}\w+<([\w:]+)>,$", re.MULTILINE)
 UNFINISHED = re.compile(r"\b(?:TODO|FIXME|XXX|HACK)\b")
 
 
+# What makes markup or code of a text, in the pages that show what came over the wire. Styles and listeners in markup are refused
+# by their content security policy as well.
+PAGES = "tools/sandbox/inspector/"
+MARKUP = re.compile(r"innerHTML|outerHTML|insertAdjacentHTML|document\.write|createContextualFragment|DOMParser|\beval\(|new Function|"
+                    r"setHTMLUnsafe|javascript:|<[^>]*\s(?:style|on\w+)=|<style|<script(?! (?:type=\"module\" )?src=\"/inspector/)|https?://(?!www\.w3\.org/)")
+
+
 class Source:
     """One C++ file: its text, its layer, and what it includes as (line number, spelling, path)."""
 
@@ -134,6 +141,7 @@ class Checker:
         self.check_one_definition()
         self.check_promises()
         self.check_licences()
+        self.check_pages()
         return self.findings
 
     def check_form(self, source):
@@ -257,13 +265,22 @@ class Checker:
     def check_licences(self):
         for path in self.files:
             name = pathlib.PurePath(path).name
-            scripted = path in ("dev", ".ci/run") or name.endswith((".h", ".cpp", ".py", ".sh", ".cmake"))
+            scripted = path in ("dev", ".ci/run") or name.endswith((".h", ".cpp", ".py", ".sh", ".cmake", ".js", ".mjs", ".css", ".html", ".svg"))
             if not (scripted or name == "CMakeLists.txt"):
                 continue
             with open(self.root / path, encoding="utf-8") as file:
                 head = [file.readline() for _ in range(3)]
             if not any(SPDX in line for line in head):
                 self.report(path, 1, f"the licence line is missing ({SPDX})")
+
+    def check_pages(self):
+        for path in self.files:
+            if not path.startswith(PAGES) or not path.endswith((".js", ".html", ".css")):
+                continue
+            with open(self.root / path, encoding="utf-8") as file:
+                for number, line in enumerate(file, 1):
+                    if match := MARKUP.search(line):
+                        self.report(path, number, f"a page makes no markup or code of texts, and asks nobody else: {match[0]}")
 
 
 def reachable(layer):

@@ -17,19 +17,15 @@ constexpr std::int64_t largestSkew = 100LL * 365 * 24 * 60 * 60;
 
 Reply done() { return jsonReply(R"({"done":true})"); }
 
-nlohmann::json parseBody(const Request& request) {
-  auto json = nlohmann::json::parse(request.body, nullptr, false);
-  if (!json.is_object()) throw badRequest("the body is not a JSON object");
-  return json;
-}
-
 Reply misbehave(Backend& backend, const Request& request) {
-  backend.misbehaviours().add(Fault::fromJson(parseBody(request)));
+  backend.misbehaviours().add(Fault::fromJson(objectIn(request)));
+  backend.tell(Happening::faults);
   return done();
 }
 
 Reply behave(Backend& backend, const Request&) {
   backend.misbehaviours().reset();
+  backend.tell(Happening::faults);
   return done();
 }
 
@@ -51,13 +47,8 @@ Reply showClock(Backend& backend, const Request&) {
 }
 
 Reply setClock(Backend& backend, const Request& request) {
-  const auto json = parseBody(request);
-  const auto skew = json.find("skew");
-  if (json.size() != 1 || skew == json.end() || !skew->is_number_integer() ||
-      std::abs(skew->get<double>()) > largestSkew) {
-    throw badRequest("the body is not {\"skew\": seconds}");
-  }
-  backend.clock().setSkew(skew->get<std::int64_t>());
+  backend.clock().setSkew(skewIn(objectIn(request)));
+  backend.tell(Happening::clock);
   return done();
 }
 
@@ -74,16 +65,8 @@ Reply listRequests(Backend& backend, const Request& request) {
 
 Reply forgetRequests(Backend& backend, const Request&) {
   backend.requests().clear();
+  backend.tell(Happening::cleared);
   return done();
-}
-
-std::string nameOf(const Request& request) {
-  const auto json = parseBody(request);
-  const auto name = json.find("name");
-  if (json.size() != 1 || name == json.end() || !name->is_string()) {
-    throw badRequest("the body is not {\"name\": text}");
-  }
-  return name->get<std::string>();
 }
 
 Reply listSnapshots(Backend& backend, const Request&) {
@@ -91,18 +74,27 @@ Reply listSnapshots(Backend& backend, const Request&) {
 }
 
 Reply saveSnapshot(Backend& backend, const Request& request) {
-  backend.snapshots().save(nameOf(request), *backend.database().lease());
+  backend.snapshots().save(nameIn(request), *backend.database().lease());
   return done();
 }
 
 Reply removeSnapshot(Backend& backend, const Request& request) {
-  backend.snapshots().remove(nameOf(request));
+  backend.snapshots().remove(nameIn(request));
   return done();
 }
 
 Reply restoreSnapshot(Backend& backend, const Request& request) {
-  backend.restore(nameOf(request));
+  backend.restore(nameIn(request));
   return done();
+}
+
+/// A further way in, for another browser.
+Reply openInspector(Backend& backend, const Request&) {
+  JsonWriter json;
+  json.beginObject()
+      .member("url", inspectorLink(backend.address(), backend.inspectorSessions().newCode()))
+      .endObject();
+  return jsonReply(json.take());
 }
 
 Reply health(Backend&, const Request&) { return jsonReply(R"({"status":"ok"})"); }
@@ -128,6 +120,7 @@ constexpr auto routes = std::to_array<AdminRoute>({
     {"POST", "snapshots", &saveSnapshot},
     {"DELETE", "snapshots", &removeSnapshot},
     {"POST", "restore", &restoreSnapshot},
+    {"POST", "inspector", &openInspector},
 });
 
 Reply dispatch(Backend& backend, const Request& request) {
@@ -147,6 +140,30 @@ Reply dispatch(Backend& backend, const Request& request) {
 }
 
 }  // namespace
+
+nlohmann::json objectIn(const Request& request) {
+  auto json = nlohmann::json::parse(request.body, nullptr, false);
+  if (!json.is_object()) throw badRequest("the body is not a JSON object");
+  return json;
+}
+
+std::string nameIn(const Request& request) {
+  const auto json = objectIn(request);
+  const auto name = json.find("name");
+  if (json.size() != 1 || name == json.end() || !name->is_string()) {
+    throw badRequest("the body is not {\"name\": text}");
+  }
+  return name->get<std::string>();
+}
+
+std::int64_t skewIn(const nlohmann::json& json) {
+  const auto skew = json.find("skew");
+  if (json.size() != 1 || skew == json.end() || !skew->is_number_integer() ||
+      std::abs(skew->get<double>()) > largestSkew) {
+    throw badRequest("the body is not {\"skew\": seconds}");
+  }
+  return skew->get<std::int64_t>();
+}
 
 Reply answerAdmin(Backend& backend, const Request& request) {
   try {

@@ -5,6 +5,10 @@
 
 #include "http/Message.h"
 
+#include <nlohmann/json_fwd.hpp>
+
+#include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace orvane::sandbox {
@@ -16,5 +20,14 @@ inline constexpr const char* adminKeyHeader = "X-Sandbox-Admin-Key";
 
 /// Never throws: what is wrong with the request is in the reply.
 [[nodiscard]] Reply answerAdmin(Backend& backend, const Request& request);
+
+// What bodies say by which the sandbox is steered. A 400 is thrown for any other.
+
+/// A JSON object.
+[[nodiscard]] nlohmann::json objectIn(const Request& request);
+/// {"name": text}
+[[nodiscard]] std::string nameIn(const Request& request);
+/// {"skew": seconds}
+[[nodiscard]] std::int64_t skewIn(const nlohmann::json& json);
 
 }  // namespace orvane::sandbox

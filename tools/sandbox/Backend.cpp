@@ -5,6 +5,7 @@
 #include "data/Seed.h"
 #include "resources/Firmware.h"
 #include "resources/Resources.h"
+#include "store/Changes.h"
 #include "store/Schema.h"
 
 #include <algorithm>
@@ -33,11 +34,13 @@ Backend::Backend(BackendOptions options)
       database_(options_.folder / "sandbox.sqlite"),
       misbehaviours_(options_.faults),
       snapshots_(options_.folder / "snapshots"),
-      today_(options_.now.value_or(clockTime)) {
+      today_(options_.now.value_or(clockTime)),
+      firstToday_(today_.load()) {
   makeFirmware(folder());
   layDataIfNeeded();
   options_.progress = nullptr;  // of the start: nobody looks on later
   addResources(router_);
+  if (options_.records) recording_.start(false);
 }
 
 void Backend::layDataIfNeeded() {
@@ -57,31 +60,46 @@ bool Backend::readLaid(DatabaseConnection& database) {
   Rows laid = database.query("SELECT around_ms, is_today FROM laid");
   if (!laid.next()) return false;
   laidAround_ = laid.integer(0);
-  today_ = laid.boolean(1) ? laidAround_.load() : clockTime;
+  firstToday_ = laid.boolean(1) ? laidAround_.load() : clockTime;
+  today_ = firstToday_.load();
   return true;
 }
 
 void Backend::lay(DatabaseConnection& database) {
   const Milliseconds around = now();
   Transaction transaction{database};
+  forgetChanges(database);
   clearTables(database);
   layData(database, around, options_.weeks, options_.progress);
   database.execute("INSERT INTO laid VALUES (?, ?)", around, today_ != clockTime);
+  watchChanges(database);
   transaction.commit();
   laidAround_ = around;
 }
 
 void Backend::reset() {
   clock_.setSkew(options_.skewSeconds);  // first: the data is laid around the clock's time
+  today_ = firstToday_.load();
   lay(*database_.lease());
   misbehaviours_.reset();
   requests_.clear();
+  for (const auto each :
+       {Happening::cleared, Happening::faults, Happening::clock, Happening::reset}) {
+    tell(each);
+  }
 }
 
 void Backend::restore(const std::string& snapshot) {
   const auto lease = database_.lease();
   snapshots_.restore(snapshot, *lease);
   readLaid(*lease);
+  tell(Happening::clock);
+  tell(Happening::restored);
+}
+
+void Backend::moveToday(std::optional<Day> day) {
+  const Milliseconds timeOfDay = now() - startOf(dayOf(now()));
+  today_ = day ? startOf(*day) + timeOfDay : firstToday_.load();
 }
 
 std::string Backend::authenticate(DatabaseConnection& database, const Request& request,
@@ -102,13 +120,34 @@ std::string Backend::authenticate(DatabaseConnection& database, const Request& r
   return std::string{rows.text(0)};
 }
 
-Reply Backend::route(const Request& request) {
+Reply Backend::answerFromReplay(const Request& request) {
+  Replay::Answer answer = options_.replay->answer(request);
+  misbehaviours_.delay(answer.delay);
+  return std::move(answer.reply);
+}
+
+Reply Backend::route(const Request& request, Trace& trace) {
+  if (options_.replay) {
+    trace.user = whoAsks(request);
+    return answerFromReplay(request);
+  }
   const std::string_view path = request.path;
   if (path.starts_with(apiRoot)) {
-    return router_.dispatch(*this, request, path.substr(apiRoot.size()));
+    Reply reply = router_.dispatch(*this, request, path.substr(apiRoot.size()), trace.user);
+    trace.changedData = request.method != "GET" && request.method != "HEAD";
+    return reply;
   }
   if (path.starts_with(downloads)) return answerDownload(folder(), request);
   throw notFound("the API root is " + std::string{apiRoot});
+}
+
+/// For a request whose resource is not asked.
+std::string Backend::whoAsks(const Request& request) {
+  try {
+    return authenticate(*database_.lease(), request, true);
+  } catch (const Problem&) {
+    return {};
+  }
 }
 
 Reply Backend::answer(const Request& request) {
@@ -116,10 +155,13 @@ Reply Backend::answer(const Request& request) {
 
   const Milliseconds time = ServerClock::machineTime();
   const auto start = std::chrono::steady_clock::now();
-  Reply reply = answerPage(request);
+  Trace trace;
+  Reply reply = answerPage(request, trace);
   if (reply.bytesPerSecond == 0) reply.bytesPerSecond = options_.bytesPerSecond;
   const RequestLog::Duration duration = std::chrono::steady_clock::now() - start;
-  requests_.add(request, reply, time, duration);
+  requests_.add(request, reply, trace, time, duration);
+  if (recording_.add(request, reply, duration)) tell(Happening::recording);
+  if (trace.changedData) tell(Happening::changed);
   if (options_.verbose) {
     // Query values are personal: e-mail addresses, codes, push tokens.
     std::fprintf(stderr, "%s %s%s %d %zu bytes %.2f ms%s%s\n", request.method.c_str(),
@@ -132,16 +174,16 @@ Reply Backend::answer(const Request& request) {
 
 /// Lets pages of allowed origins read answers, and ask beforehand whether they may (the CORS
 /// protocol of the Fetch standard).
-Reply Backend::answerPage(const Request& request) {
+Reply Backend::answerPage(const Request& request, Trace& trace) {
   const auto origin = request.header("Origin");
   const auto& allowed = options_.allowedOrigins;
   const bool isAllowed = origin && std::ranges::any_of(allowed, [&](const std::string& each) {
                            return each == "*" || each == *origin;
                          });
-  if (!isAllowed) return answerFaulty(request);
+  if (!isAllowed) return answerFaulty(request, trace);
   const auto wanted = request.header("Access-Control-Request-Method");
   const bool isQuestion = request.method == "OPTIONS" && wanted;
-  Reply reply = isQuestion ? jsonReply("", 204) : answerFaulty(request);
+  Reply reply = isQuestion ? jsonReply("", 204) : answerFaulty(request, trace);
   reply.headers.emplace_back("Access-Control-Allow-Origin", *origin);
   reply.headers.emplace_back("Vary", "Origin");
   if (!isQuestion) {
@@ -156,12 +198,20 @@ Reply Backend::answerPage(const Request& request) {
   return reply;
 }
 
-Reply Backend::answerFaulty(const Request& request) {
+Reply Backend::answerFaulty(const Request& request, Trace& trace) {
   const auto fault = misbehaviours_.next(request.method, request.path);
-  if (fault) misbehaviours_.delay(fault->delay);
+  if (fault) {
+    trace.fault = fault->text();
+    if (fault->times > 0) tell(Happening::faults);
+    misbehaviours_.delay(fault->delay);
+  }
   Reply reply;
   try {
-    if (!fault || fault->keepsAnswer()) reply = route(request);
+    if (!fault || fault->keepsAnswer()) {
+      reply = route(request, trace);
+    } else {
+      trace.user = whoAsks(request);
+    }
   } catch (const Problem& problem) {
     reply = problem.reply();
   } catch (const std::exception& exception) {

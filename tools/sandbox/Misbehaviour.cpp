@@ -82,44 +82,161 @@ std::string knownBodies() {
   return names;
 }
 
-void read(Fault& fault, const std::string& name, const nlohmann::json& value) {
-  if (name == "status") {
-    fault.status = value.get<int>();
-    if (*fault.status < 200 || *fault.status > 599) throw badRequest("\"status\" is out of range");
-  } else if (name == "delayMs") {
-    fault.delay = std::chrono::milliseconds{
-        std::clamp(value.get<std::int64_t>(), std::int64_t{0}, std::int64_t{600'000})};
-  } else if (name == "cutAfterBytes") {
-    fault.cutAfterBytes = value.get<std::size_t>();
-  } else if (name == "bytesPerSecond") {
-    fault.bytesPerSecond = value.get<std::size_t>();
-    if (fault.bytesPerSecond == 0) throw badRequest("\"bytesPerSecond\" is less than 1");
-  } else if (name == "body") {
-    fault.body = value.get<std::string>();
-    if (std::ranges::find(bodies, fault.body, &FaultBody::name) == bodies.end()) {
-      throw badRequest("\"body\" is not one of: " + knownBodies());
-    }
-  } else if (name == "drop") {
-    fault.drop = value.get<bool>();
-  } else if (name == "date") {
-    fault.date = value.get<bool>();
-  } else if (name == "times") {
-    fault.times = value.get<std::int64_t>();
-    if (fault.times < 1) throw badRequest("\"times\" is less than 1");
-  } else if (name == "method") {
-    fault.method = value.get<std::string>();
-  } else if (name == "path") {
-    fault.path.emplace(value.get<std::string>());
-  } else {
-    throw badRequest("unknown member \"" + name +
-                     "\": there are status, delayMs, bytesPerSecond, cutAfterBytes, drop, date, "
-                     "body, times, method and path");
+std::string inQuotes(std::string_view text) { return "\"" + std::string{text} + "\""; }
+
+std::int64_t integerIn(const FaultParameter& parameter, const nlohmann::json& value) {
+  const auto number = value.get<std::int64_t>();
+  const bool fits = (!parameter.least || number >= *parameter.least) &&
+                    (!parameter.most || number <= *parameter.most);
+  if (value.is_number_integer() && fits) return number;
+  throw badRequest(inQuotes(parameter.name) + " is out of range");
+}
+
+/// A member of the JSON object: what it is called, what it takes, what it does to the fault, and
+/// how that is put into words. Whatever knows misbehaviours reads them here.
+struct FaultMember {
+  const char* title;        // null for a member that narrows the fault to some requests
+  const char* description;  // of what goes wrong
+  FaultParameter parameter;
+  void (*read)(Fault&, const nlohmann::json&, const FaultParameter&);
+  std::string (*text)(const Fault&);  // empty where the fault has nothing of it
+};
+
+const std::array<FaultMember, 10>& members() {
+  using Json = nlohmann::json;
+  using Parameter = FaultParameter;
+  static const std::array<FaultMember, 10> all{{
+      {"Another status",
+       "A refusal with this status takes the place of the answer; the resource is not asked.",
+       {.name = "status", .type = "integer", .initial = "503", .least = 200, .most = 599},
+       [](Fault& fault, const Json& value, const Parameter& parameter) {
+         fault.status = static_cast<int>(integerIn(parameter, value));
+       },
+       [](const Fault& fault) {
+         return fault.status ? "status " + std::to_string(*fault.status) : std::string{};
+       }},
+      {"Late answer",
+       "The answer comes so much later; the resource is asked after the delay.",
+       {.name = "delayMs",
+        .type = "integer",
+        .unit = "ms",
+        .initial = "2000",
+        .least = 0,
+        .most = 600'000},
+       [](Fault& fault, const Json& value, const Parameter& parameter) {
+         fault.delay = std::chrono::milliseconds{
+             std::clamp(value.get<std::int64_t>(), *parameter.least, *parameter.most)};
+       },
+       [](const Fault& fault) {
+         const auto delay = fault.delay.count();
+         return delay > 0 ? std::to_string(delay) + " ms late" : std::string{};
+       }},
+      {"Slow transfer",
+       "The whole answer comes no faster than that.",
+       {.name = "bytesPerSecond",
+        .type = "integer",
+        .unit = "bytes/s",
+        .initial = "2000",
+        .least = 1},
+       [](Fault& fault, const Json& value, const Parameter& parameter) {
+         fault.bytesPerSecond = static_cast<std::size_t>(integerIn(parameter, value));
+       },
+       [](const Fault& fault) {
+         const auto rate = fault.bytesPerSecond;
+         return rate > 0 ? "at " + std::to_string(rate) + " bytes/s" : std::string{};
+       }},
+      {"Cut off",
+       "The connection ends after so many bytes of the body, whose full length was announced.",
+       {.name = "cutAfterBytes", .type = "integer", .unit = "bytes", .initial = "20", .least = 0},
+       [](Fault& fault, const Json& value, const Parameter& parameter) {
+         fault.cutAfterBytes = static_cast<std::size_t>(integerIn(parameter, value));
+       },
+       [](const Fault& fault) {
+         return fault.cutAfterBytes
+                    ? "cut off after " + std::to_string(*fault.cutAfterBytes) + " bytes"
+                    : std::string{};
+       }},
+      {"No answer",
+       "The resource does its work, and the connection ends without a word.",
+       {.name = "drop", .type = "boolean", .initial = "true"},
+       [](Fault& fault, const Json& value, const Parameter&) { fault.drop = value.get<bool>(); },
+       [](const Fault& fault) { return std::string{fault.drop ? "no answer" : ""}; }},
+      {"No Date",
+       "The header Date, by which clients correct their clock, is left out when this is false.",
+       {.name = "date", .type = "boolean", .initial = "false"},
+       [](Fault& fault, const Json& value, const Parameter&) { fault.date = value.get<bool>(); },
+       [](const Fault& fault) { return std::string{fault.date ? "" : "no Date"}; }},
+      {"Another body",
+       "Something else takes the place of the answer's body; of truncated it is the half.",
+       {.name = "body", .type = "choice", .initial = "\"garbage\""},
+       [](Fault& fault, const Json& value, const Parameter&) {
+         fault.body = value.get<std::string>();
+         if (std::ranges::find(bodies, fault.body, &FaultBody::name) == bodies.end()) {
+           throw badRequest("\"body\" is not one of: " + knownBodies());
+         }
+       },
+       [](const Fault& fault) { return fault.body.empty() ? "" : "body " + fault.body; }},
+      {nullptr,
+       "How many requests are spoilt; all of them without it.",
+       {.name = "times", .type = "integer", .least = 1},
+       [](Fault& fault, const Json& value, const Parameter& parameter) {
+         fault.times = integerIn(parameter, value);
+       },
+       [](const Fault& fault) {
+         if (fault.times < 0) return std::string{};
+         return fault.times == 1 ? std::string{"once more"}
+                                 : std::to_string(fault.times) + " more times";
+       }},
+      {nullptr,
+       "Only requests with this method.",
+       {.name = "method", .type = "text"},
+       [](Fault& fault, const Json& value, const Parameter&) {
+         fault.method = value.get<std::string>();
+       },
+       [](const Fault& fault) {
+         return fault.method.empty() ? "" : "for " + fault.method + " requests";
+       }},
+      {nullptr,
+       "Only requests in whose path this extended regular expression is found.",
+       {.name = "path", .type = "text"},
+       [](Fault& fault, const Json& value, const Parameter&) {
+         fault.path.emplace(value.get<std::string>());
+       },
+       [](const Fault& fault) {
+         return fault.path ? "for paths with " + fault.path->expression() : std::string{};
+       }},
+  }};
+  return all;
+}
+
+std::string knownMembers() {
+  std::string names;
+  for (const FaultMember& member : members()) {
+    names.append(names.empty() ? "" : ", ").append(member.parameter.name);
   }
+  return names;
+}
+
+nlohmann::json describe(const FaultMember& member) {
+  const FaultParameter& parameter = member.parameter;
+  nlohmann::json json{{"name", parameter.name},
+                      {"type", parameter.type},
+                      {"unit", parameter.unit},
+                      {"default", nlohmann::json::parse(parameter.initial)},
+                      {"least", nullptr},
+                      {"most", nullptr},
+                      {"choices", nlohmann::json::array()}};
+  if (parameter.least) json["least"] = *parameter.least;
+  if (parameter.most) json["most"] = *parameter.most;
+  if (std::string_view{parameter.type} == "choice") {
+    for (const FaultBody& body : bodies) json["choices"].push_back(body.name);
+  }
+  return json;
 }
 
 }  // namespace
 
-Pattern::Pattern(const std::string& expression) {
+Pattern::Pattern(const std::string& expression) : expression_(expression) {
   auto compiled = std::make_unique<regex_t>();
   if (::regcomp(compiled.get(), expression.c_str(), REG_EXTENDED | REG_NOSUB) != 0) {
     throw badRequest("\"path\" is not a regular expression");
@@ -138,10 +255,16 @@ Fault Fault::fromJson(const nlohmann::json& json) {
   if (!json.is_object()) throw badRequest("a misbehaviour is a JSON object");
   Fault fault;
   for (const auto& [name, value] : json.items()) {
+    const auto member = std::ranges::find(
+        members(), name,
+        [](const FaultMember& each) -> std::string_view { return each.parameter.name; });
+    if (member == members().end()) {
+      throw badRequest("unknown member " + inQuotes(name) + ": there are " + knownMembers());
+    }
     try {
-      read(fault, name, value);
+      member->read(fault, value, member->parameter);
     } catch (const nlohmann::json::exception&) {
-      throw badRequest("\"" + name + "\" has the wrong type");
+      throw badRequest(inQuotes(name) + " has the wrong type");
     }
   }
   fault.source_ = json.dump();
@@ -152,6 +275,37 @@ nlohmann::json Fault::toJson() const {
   auto json = nlohmann::json::parse(source_);
   if (times > 0) json["times"] = times;
   return json;
+}
+
+std::string Fault::text() const {
+  std::string whole;
+  for (const FaultMember& member : members()) {
+    const std::string part = member.text(*this);
+    if (!part.empty()) whole.append(whole.empty() ? "" : ", ").append(part);
+  }
+  return whole.empty() ? "nothing goes wrong" : whole;
+}
+
+nlohmann::json Fault::kinds() {
+  auto list = nlohmann::json::array();
+  for (const FaultMember& member : members()) {
+    if (member.title == nullptr) continue;
+    list.push_back({{"name", member.parameter.name},
+                    {"title", member.title},
+                    {"description", member.description},
+                    {"parameters", nlohmann::json::array({describe(member)})}});
+  }
+  return list;
+}
+
+nlohmann::json Fault::scope() {
+  auto list = nlohmann::json::array();
+  for (const FaultMember& member : members()) {
+    if (member.title != nullptr) continue;
+    list.push_back(describe(member));
+    list.back()["description"] = member.description;
+  }
+  return list;
 }
 
 Reply Fault::spoil(Reply reply) const {
@@ -171,15 +325,38 @@ Reply Fault::spoil(Reply reply) const {
   return reply;
 }
 
-void Misbehaviours::add(Fault fault) {
+Misbehaviours::Misbehaviours(std::vector<Fault> always) : always_(std::move(always)) {
+  for (Fault& fault : always_) fault.permanent = true;
+  reset();
+}
+
+std::int64_t Misbehaviours::add(Fault fault) {
   const std::lock_guard lock{mutex_};
+  fault.id = ++lastId_;
   faults_.push_back(std::move(fault));
   any_ = true;
+  return lastId_;
+}
+
+void Misbehaviours::remove(std::int64_t id) {
+  const std::lock_guard lock{mutex_};
+  const auto found = std::ranges::find(faults_, id, &Fault::id);
+  if (found == faults_.end()) throw notFound("that misbehaviour is not in force");
+  if (found->permanent) throw conflict("that misbehaviour is the command line's");
+  faults_.erase(found);
+  any_ = !faults_.empty();
+}
+
+void Misbehaviours::removeAll() {
+  const std::lock_guard lock{mutex_};
+  std::erase_if(faults_, [](const Fault& fault) { return !fault.permanent; });
+  any_ = !faults_.empty();
 }
 
 void Misbehaviours::reset() {
   const std::lock_guard lock{mutex_};
   faults_ = always_;
+  for (Fault& fault : faults_) fault.id = ++lastId_;
   any_ = !faults_.empty();
 }
 

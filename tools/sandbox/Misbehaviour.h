@@ -27,12 +27,26 @@ class Pattern {
   /// Throws a 400 for an expression that is not well formed.
   explicit Pattern(const std::string& expression);
   [[nodiscard]] bool matches(const std::string& text) const;
+  [[nodiscard]] const std::string& expression() const { return expression_; }
 
  private:
+  std::string expression_;
   std::shared_ptr<regex_t> compiled_;
 };
 
+/// What a member of a fault's JSON object takes, for a page that asks for it.
+struct FaultParameter {
+  const char* name;
+  const char* type;  // integer, text, choice or boolean
+  const char* unit = "";
+  const char* initial = "null";  // JSON: what a page offers at first
+  std::optional<std::int64_t> least = std::nullopt;
+  std::optional<std::int64_t> most = std::nullopt;
+};
+
 struct Fault {
+  std::int64_t id = 0;     // increases; 0: not in force yet
+  bool permanent = false;  // of the command line: comes back with every reset
   std::optional<int> status;
   std::chrono::milliseconds delay{0};
   std::optional<std::size_t> cutAfterBytes;
@@ -48,6 +62,13 @@ struct Fault {
   static Fault fromJson(const nlohmann::json& json);
   /// The object that it was made of, with the requests that are still to be spoilt.
   [[nodiscard]] nlohmann::json toJson() const;
+  /// What it does and to which requests, for people.
+  [[nodiscard]] std::string text() const;
+  /// The kinds of misbehaviour, as the inspector's page has them: a list of objects "name",
+  /// "title", "description" and "parameters".
+  [[nodiscard]] static nlohmann::json kinds();
+  /// The parameters that narrow any of them to some requests.
+  [[nodiscard]] static nlohmann::json scope();
 
   /// Whether the resource is asked at all before the answer is spoilt.
   [[nodiscard]] bool keepsAnswer() const {
@@ -61,9 +82,14 @@ struct Fault {
 
 class Misbehaviours {
  public:
-  explicit Misbehaviours(std::vector<Fault> always) : always_(std::move(always)) { reset(); }
+  explicit Misbehaviours(std::vector<Fault> always);
 
-  void add(Fault fault);
+  /// Returns its id.
+  std::int64_t add(Fault fault);
+  /// Ends one. Throws a 404 where there is none, and a 409 for one of the command line.
+  void remove(std::int64_t id);
+  /// Ends all but what is left of those of the command line.
+  void removeAll();
   /// Back to what the command line asked for.
   void reset();
 
@@ -84,6 +110,7 @@ class Misbehaviours {
   bool stopping_ = false;
   std::atomic<bool> any_{false};
   std::vector<Fault> faults_;
+  std::int64_t lastId_ = 0;
 };
 
 }  // namespace orvane::sandbox

@@ -5,6 +5,9 @@
 
 #include <arpa/inet.h>
 #include <ifaddrs.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include <netinet/in.h>
 #include <pthread.h>
 #include <spawn.h>
@@ -66,19 +69,49 @@ LayingProgress progressShown() {
 
 // --- What it tells -------------------------------------------------------------------------------
 
+/// A file that appears whole or not at all, for its owner only.
+class PrivateFile {
+ public:
+  /// Throws when it can't be written.
+  explicit PrivateFile(std::filesystem::path file) : file_(std::move(file)), part_(file_) {
+    part_ += ".part";
+    stream_.open(part_);
+    using std::filesystem::perms;
+    std::error_code ignored;
+    permissions(part_, perms::owner_read | perms::owner_write, ignored);
+    check();
+  }
+  ~PrivateFile() {
+    std::error_code ignored;
+    if (!isWritten_) std::filesystem::remove(part_, ignored);
+  }
+  PrivateFile(const PrivateFile&) = delete;
+  PrivateFile& operator=(const PrivateFile&) = delete;
+
+  void write(const std::string& text) {
+    stream_ << text << '\n';
+    stream_.close();
+    check();
+    rename(part_, file_);
+    isWritten_ = true;
+  }
+
+ private:
+  void check() const {
+    if (!stream_) throw std::runtime_error("can't write " + part_.string());
+  }
+
+  const std::filesystem::path file_;
+  std::filesystem::path part_;
+  std::ofstream stream_;
+  bool isWritten_ = false;
+};
+
 /// A file that goes with this object. Whoever waits for it finds either nothing or all of it.
 class AnnouncingFile {
  public:
   AnnouncingFile(std::filesystem::path file, const std::string& text) : file_(std::move(file)) {
-    std::filesystem::path temporary = file_;
-    temporary += ".part";
-    std::ofstream stream{temporary};
-    using std::filesystem::perms;
-    permissions(temporary, perms::owner_read | perms::owner_write);
-    stream << text << '\n';
-    stream.close();
-    if (!stream) throw std::runtime_error("can't write " + temporary.string());
-    rename(temporary, file_);
+    PrivateFile{file_}.write(text);
   }
   ~AnnouncingFile() {
     std::error_code ignored;
@@ -91,37 +124,9 @@ class AnnouncingFile {
   const std::filesystem::path file_;
 };
 
-using Settings = std::vector<std::pair<std::string, std::string>>;
-
 /// What the command-line client and the examples read from the environment.
-Settings settingsFor(const Sandbox& sandbox, const SandboxOptions& options) {
-  Settings settings{{"ORVANE_BASE_URL", sandbox.baseUrl()},
-                    {"ORVANE_API_KEY", sampleApiKey},
-                    {"ORVANE_TOKEN", Sandbox::sampleToken()}};
-  if (!options.plainHttp) {
-    settings.emplace_back("ORVANE_CA_FILE", sandbox.certificateAuthority().string());
-  }
-  return settings;
-}
-
-/// As a shell's word.
-std::string quoted(const std::string& text) {
-  constexpr const char* plain =
-      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-./:@%+=,[]";
-  if (!text.empty() && text.find_first_not_of(plain) == std::string::npos) return text;
-  std::string word = "'";
-  for (const char c : text) c == '\'' ? word.append("'\\''") : word.append(1, c);
-  return word + "'";
-}
-
-/// The client beside this program, or else by its name.
-std::string clientCommand() {
-  std::error_code ignored;
-  const auto self = std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
-  for (const auto& folder : {self, self.parent_path() / "cli"}) {
-    if (exists(folder / "orvane", ignored)) return quoted((folder / "orvane").string());
-  }
-  return "orvane";
+Settings settingsFor(const Sandbox& sandbox) {
+  return clientSettings(sandbox.address(), Sandbox::sampleToken());
 }
 
 bool isLoopback(const std::string& host) {
@@ -136,7 +141,9 @@ void printWelcome(const Sandbox& sandbox, const SandboxOptions& options,
     std::cout << "  CA file     " << sandbox.certificateAuthority().string() << '\n';
   std::cout << "  API key     " << sampleApiKey << '\n'
             << "  ready file  " << readyFile.string()
-            << " (all of this as JSON, and the key of admin requests)\n\n"
+            << " (all of this as JSON, and the key of admin requests)\n"
+            << "  inspector   " << sandbox.newInspectorLink()
+            << "\n              (in one browser, once: what it does, and what goes wrong)\n\n"
             << "  user  external reference  who\n";
   for (const Person& person : people()) {
     if (!person.isSample) continue;
@@ -145,8 +152,8 @@ void printWelcome(const Sandbox& sandbox, const SandboxOptions& options,
               << ": " << person.note << '\n';
   }
   std::cout << "\n  token of a user: " << developmentToken << "<user>\n\nIn another terminal:\n\n";
-  for (const auto& [name, value] : settingsFor(sandbox, options)) {
-    std::cout << "  export " << name << '=' << quoted(value) << '\n';
+  for (const auto& [name, value] : settingsFor(sandbox)) {
+    std::cout << "  export " << name << '=' << shellWord(value) << '\n';
   }
   std::cout << "  " << clientCommand() << " trips list --limit 3\n\n";
   if (!isLoopback(options.host)) {
@@ -274,9 +281,34 @@ void waitForEnd() {
   }
 }
 
+/// Until it is asked to end, or the command has ended.
+int serve(const Sandbox& sandbox, const ProgramOptions& options) {
+  const auto readyFile = sandbox.backend().folder() / "ready.json";
+  const AnnouncingFile ready{readyFile, sandbox.description()};
+  std::optional<AnnouncingFile> further;
+  if (!options.readyFile.empty()) further.emplace(options.readyFile, sandbox.description());
+  if (!options.command.empty()) return runCommand(options.command, settingsFor(sandbox));
+  printWelcome(sandbox, options.sandbox, readyFile);
+  waitForEnd();
+  return 0;
+}
+
+void writeRecording(Sandbox& sandbox, PrivateFile& file) {
+  sandbox.stop();
+  Recording& recording = sandbox.backend().recording();
+  file.write(recording.file());
+  if (!recording.state().isFull) return;
+  std::cerr << "orvane-sandbox: the recording was full before the end\n";
+}
+
 }  // namespace
 
 int run(ProgramOptions options) {
+#ifdef __GLIBC__
+  // The log's memory is taken on one thread and given back on another: with an arena for each
+  // thread, which is the default, several times of what the log has would be held.
+  ::mallopt(M_ARENA_MAX, 2);
+#endif
   // Blocked before any thread starts, so that only this one sees them.
   pthread_sigmask(SIG_BLOCK, &awaitedSignals(), nullptr);
 
@@ -284,18 +316,13 @@ int run(ProgramOptions options) {
   if (!options.keepsData) options.sandbox.backend.folder = temporary.emplace().path;
   options.sandbox = withNames(std::move(options.sandbox));
   options.sandbox.backend.progress = progressShown();
-  const Sandbox sandbox{options.sandbox};
-
-  const auto readyFile = sandbox.backend().folder() / "ready.json";
-  const AnnouncingFile ready{readyFile, sandbox.description()};
-  std::optional<AnnouncingFile> further;
-  if (!options.readyFile.empty()) further.emplace(options.readyFile, sandbox.description());
-  if (!options.command.empty()) {
-    return runCommand(options.command, settingsFor(sandbox, options.sandbox));
-  }
-  printWelcome(sandbox, options.sandbox, readyFile);
-  waitForEnd();
-  return 0;
+  std::optional<PrivateFile> recording;
+  if (!options.recording.empty()) recording.emplace(options.recording);
+  options.sandbox.backend.records = recording.has_value();
+  Sandbox sandbox{options.sandbox};
+  const int exitCode = serve(sandbox, options);
+  if (recording) writeRecording(sandbox, *recording);
+  return exitCode;
 }
 
 }  // namespace orvane::sandbox

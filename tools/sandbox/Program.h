@@ -5,6 +5,7 @@
 
 #include "Sandbox.h"
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -14,8 +15,9 @@ struct ProgramOptions {
   SandboxOptions sandbox;
   std::string readyFile;  // besides the one in the data folder; empty: none
   std::vector<std::string>
-      command;            // to be run in its environment; empty: serve until asked to end
-  bool keepsData = true;  // false: in a folder that is removed in the end
+      command;                      // to be run in its environment; empty: serve until asked to end
+  bool keepsData = true;            // false: in a folder that is removed in the end
+  std::filesystem::path recording;  // where the requests and answers go in the end; empty: nowhere
 };
 
 /// Thrown when a signal asks to end before the sandbox is ready.

@@ -73,7 +73,8 @@ const Router::Entry* Router::find(const Request& request, std::string_view path,
       405, "method_not_allowed", "this resource answers " + allowed, {{"Allow", allowed}}};
 }
 
-Reply Router::dispatch(Backend& backend, const Request& request, std::string_view path) const {
+Reply Router::dispatch(Backend& backend, const Request& request, std::string_view path,
+                       std::string& callerId) const {
   const auto lease = backend.database().lease();
   std::vector<std::string> captures;
   std::optional<Problem> unroutable;
@@ -85,18 +86,14 @@ Reply Router::dispatch(Backend& backend, const Request& request, std::string_vie
   }
   // Strangers are not told which resources there are.
   const bool open = entry != nullptr && entry->route.access == Access::anyone;
-  std::string callerId = backend.authenticate(*lease, request, open);
+  callerId = backend.authenticate(*lease, request, open);
   if (unroutable) throw Problem{*unroutable};
   if (entry == nullptr) throw notFound("there is no such resource");
 
   checkBody(entry->route, request);
-  Call call{backend,
-            *lease,
-            request,
-            Query{request.query, entry->route.query},
-            std::move(captures),
-            std::move(callerId),
-            {}};
+  Call call{
+      backend,  *lease, request, Query{request.query, entry->route.query}, std::move(captures),
+      callerId, {}};
   if (entry->route.body == Body::form) {
     call.form = parseMultipart(*request.header("Content-Type"), request.body);
   }

@@ -47,9 +47,10 @@ class Router {
  public:
   void add(Endpoint route);
 
-  /// Answers a request whose path below the API root is given. Throws a `Problem` to refuse.
-  [[nodiscard]] Reply dispatch(Backend& backend, const Request& request,
-                               std::string_view path) const;
+  /// Answers a request whose path below the API root is given, and tells who asked as soon as that
+  /// is known. Throws a `Problem` to refuse.
+  [[nodiscard]] Reply dispatch(Backend& backend, const Request& request, std::string_view path,
+                               std::string& callerId) const;
 
  private:
   struct Entry {

@@ -31,7 +31,7 @@ void writeIdentities(JsonWriter& json) {
         .member("externalReferenceId", person.externalReferenceId)
         .member("userId", person.userId)
         .member("accountId", person.accountId)
-        .member("developmentToken", std::string{developmentToken} + person.userId)
+        .member("developmentToken", developmentTokenOf(person.userId))
         .member("note", person.note)
         .endObject();
   }
@@ -47,17 +47,38 @@ Sandbox::Sandbox(SandboxOptions options)
     makeCertificates(folder, options_.flaw, options_.names);
     tls_ = makeTlsContext(folder);
   }
+  options_.backend.address = [this] { return address(); };
   backend_ = std::make_unique<Backend>(options_.backend);
+  std::vector<std::string> hosts = options_.names;
+  const bool isAny = options_.host == "0.0.0.0" || options_.host == "::";  // nobody's name
+  if (!isAny) hosts.push_back(options_.host);
+  inspector_ = std::make_unique<Inspector>(*backend_, std::move(hosts));
   listener_ = std::make_unique<Listener>(
       Listener::Options{options_.host, options_.port, options_.threads, options_.compress,
                         tls_.get()},
-      backend_->clock(), [this](const Request& request) { return backend_->answer(request); });
+      backend_->clock(), [this](const Request& request) {
+        return Inspector::claims(request) ? inspector_->answer(request) : backend_->answer(request);
+      });
   listener_->start();
+  inspectorUrl_ = newInspectorLink();
 }
 
 Sandbox::~Sandbox() {
+  stop();
+  inspector_.reset();  // while those who watch are still known to the listener
+}
+
+void Sandbox::stop() {
   backend_->misbehaviours().endDelays();
   listener_->stop();
+}
+
+Address Sandbox::address() const {
+  return {baseUrl(), options_.plainHttp ? std::filesystem::path{} : certificateAuthority()};
+}
+
+std::string Sandbox::newInspectorLink() const {
+  return inspectorLink(address(), backend_->inspectorSessions().newCode());
 }
 
 std::string Sandbox::baseUrl() const {
@@ -68,7 +89,7 @@ std::string Sandbox::baseUrl() const {
 
 std::string Sandbox::sampleToken() {
   const auto first = std::ranges::find_if(people(), &Person::isSample);
-  return std::string{developmentToken} + first->userId;
+  return developmentTokenOf(first->userId);
 }
 
 std::filesystem::path Sandbox::certificateAuthority() const {
@@ -89,6 +110,7 @@ std::string Sandbox::description() const {
       .member("signingKey", backend_->signingKey().hex())
       .member("adminKeyHeader", adminKeyHeader)
       .member("adminKey", backend_->adminKey())
+      .member("inspectorURL", inspectorUrl_)
       .member("apiKey", sampleApiKey)
       .member("token", sampleToken());
   writeIdentities(json);

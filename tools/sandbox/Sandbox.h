@@ -6,6 +6,7 @@
 #include "Backend.h"
 #include "FolderLock.h"
 #include "http/Listener.h"
+#include "inspector/Inspector.h"
 #include "security/Certificates.h"
 
 #include <filesystem>
@@ -38,7 +39,13 @@ class Sandbox {
   /// With the first of the names, where there is one.
   [[nodiscard]] std::string baseUrl() const;
   [[nodiscard]] std::filesystem::path certificateAuthority() const;
+  [[nodiscard]] Address address() const;
   [[nodiscard]] const Backend& backend() const { return *backend_; }
+  [[nodiscard]] Backend& backend() { return *backend_; }
+  /// A link that opens the inspector's page in one browser; another one each time.
+  [[nodiscard]] std::string newInspectorLink() const;
+  /// Ends the service; requests under way are finished.
+  void stop();
   /// The token of the first person, for development.
   [[nodiscard]] static std::string sampleToken();
 
@@ -50,7 +57,9 @@ class Sandbox {
   FolderLock lock_;
   TlsContext tls_{nullptr, &SSL_CTX_free};
   std::unique_ptr<Backend> backend_;
+  std::unique_ptr<Inspector> inspector_;
   std::unique_ptr<Listener> listener_;
+  std::string inspectorUrl_;  // of the ready file
 };
 
 }  // namespace orvane::sandbox

@@ -23,6 +23,9 @@ struct Flags {
   std::string flaw = "none";
   std::vector<std::string> misbehaviours;
   bool verbose = false;
+  std::string recording;
+  std::string replay;
+  bool replayTiming = false;
   SandboxOptions options;
 };
 
@@ -120,6 +123,17 @@ void declare(CLI::App& app, Flags& flags) {
                  "repeated")
       ->type_name("ORIGIN")
       ->allow_extra_args(false);
+  app.add_option("--record", flags.recording,
+                 "Record requests and answers, and write them to this file in the end. Stand-ins "
+                 "take the place of tokens and e-mail addresses")
+      ->type_name("FILE");
+  CLI::Option* replay =
+      app.add_option("--replay", flags.replay,
+                     "Answer from a recording, by method, path and query; any token is taken")
+          ->type_name("FILE");
+  app.add_flag("--replay-timing", flags.replayTiming,
+               "Let those answers take as long as they took when they were recorded")
+      ->needs(replay);
   app.add_flag("!--no-compression", flags.options.compress, "Never send gzip");
   app.add_flag("--verbose", flags.verbose, "One line per request on standard error");
 }
@@ -136,6 +150,9 @@ SandboxOptions optionsFrom(const Flags& flags) {
   if (!flags.now.empty()) {
     options.backend.now = parseTimestamp(flags.now);
     if (!options.backend.now) throw std::runtime_error("--now: not a time: " + flags.now);
+  }
+  if (!flags.replay.empty()) {
+    options.backend.replay = std::make_shared<Replay>(flags.replay, flags.replayTiming);
   }
   for (const std::string& text : flags.misbehaviours) {
     try {
@@ -170,7 +187,8 @@ int main(int argc, char** argv) {
     return run({.sandbox = optionsFrom(flags),
                 .readyFile = flags.readyFile,
                 .command = flags.command,
-                .keepsData = !flags.exec || app.count("--data") > 0});
+                .keepsData = !flags.exec || app.count("--data") > 0,
+                .recording = flags.recording});
   } catch (const Interrupted& interrupted) {
     return interrupted.exitCode();
   } catch (const std::exception& exception) {

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <numbers>
+#include <optional>
 
 namespace orvane::sandbox {
 
@@ -22,6 +23,21 @@ void encodeValue(std::string& text, std::int64_t value) {
     bits >>= 5U;
   }
   text.push_back(static_cast<char>(bits + 63U));
+}
+
+/// Takes a value off the front of the text.
+std::optional<std::int64_t> decodeValue(std::string_view& text) {
+  constexpr unsigned highest = 60;  // bits in front of the last five
+  std::uint64_t bits = 0;
+  for (unsigned shift = 0; shift <= highest && !text.empty(); shift += 5) {
+    const auto piece = static_cast<unsigned char>(text.front()) - 63U;
+    text.remove_prefix(1);
+    bits |= static_cast<std::uint64_t>(piece & 0x1FU) << shift;
+    if (piece >= 0x20U) continue;
+    const auto value = static_cast<std::int64_t>(bits >> 1U);
+    return (bits & 1U) != 0 ? ~value : value;
+  }
+  return std::nullopt;
 }
 
 Point blend(Point a, Point b, double from, double to, double at) {
@@ -62,6 +78,21 @@ std::string encodePolyline(std::span<const Position> line) {
     longitude = nextLongitude;
   }
   return text;
+}
+
+std::vector<Position> decodePolyline(std::string_view text) {
+  std::vector<Position> line;
+  std::int64_t latitude = 0;
+  std::int64_t longitude = 0;
+  while (!text.empty()) {
+    const auto latitudeStep = decodeValue(text);
+    const auto longitudeStep = decodeValue(text);
+    if (!latitudeStep || !longitudeStep) break;
+    latitude += *latitudeStep;
+    longitude += *longitudeStep;
+    line.push_back({static_cast<double>(latitude) / 1e6, static_cast<double>(longitude) / 1e6});
+  }
+  return line;
 }
 
 double metresBetween(const Position& from, const Position& to) {

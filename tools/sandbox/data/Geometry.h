@@ -5,6 +5,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orvane::sandbox {
@@ -16,6 +17,9 @@ struct Position {
 
 /// The encoded-polyline text with six decimal places.
 [[nodiscard]] std::string encodePolyline(std::span<const Position> line);
+
+/// What an encoded-polyline text holds; what is cut off or no such text ends it.
+[[nodiscard]] std::vector<Position> decodePolyline(std::string_view text);
 
 [[nodiscard]] double metresBetween(const Position& from, const Position& to);
 

@@ -328,6 +328,23 @@ Route RoadMap::route(std::string_view from, std::string_view to) const {
   return route;
 }
 
+std::vector<RoadMap::Line> RoadMap::lines() const {
+  constexpr std::size_t every = 4;  // points: about 20 metres, closer than a screen shows
+  std::vector<Line> lines;
+  for (std::size_t from = 0; from < edges_.size(); ++from) {
+    for (const Edge& edge : edges_[from]) {
+      if (edge.to < from) continue;  // the way back
+      Line line{edge.speedLimit, {}};
+      for (std::size_t i = 0; i + 1 < edge.line.size(); i += every) {
+        line.points.push_back(projection_.toEarth(edge.line[i]));
+      }
+      line.points.push_back(projection_.toEarth(edge.line.back()));
+      lines.push_back(std::move(line));
+    }
+  }
+  return lines;
+}
+
 Route RoadMap::track(std::span<const Position> line, double speedLimit) const {
   std::vector<Point> points;
   for (const Position& position : line) points.push_back(projection_.toMap(position));

@@ -52,6 +52,13 @@ class RoadMap {
   /// The quickest route by road. The places must be on the map and differ.
   [[nodiscard]] Route route(std::string_view from, std::string_view to) const;
 
+  /// A road as it lies on the earth.
+  struct Line {
+    double speedLimit;  // km/h
+    std::vector<Position> points;
+  };
+  [[nodiscard]] std::vector<Line> lines() const;
+
   /// A line of one's own, over water, rails or through the air.
   [[nodiscard]] Route track(std::span<const Position> line, double speedLimit) const;
 

@@ -223,9 +223,13 @@ class TripWriter {
   void writeDetails(const std::string& tripId, const Drive& drive, const Plan& plan,
                     Random& random) {
     std::vector<Position> line;
+    std::vector<Position> profile;  // the same encoding serves for seconds and metres per second
     for (const Fix& fix : drive.fixes) {
       // Whoever stands still adds nothing to the route.
-      if (line.empty() || fix.speed > 0) line.push_back(fix.position);
+      if (!line.empty() && fix.speed <= 0) continue;
+      line.push_back(fix.position);
+      const auto seconds = static_cast<double>(fix.time - drive.fixes.front().time) / 1000;
+      profile.push_back({seconds * profileScale, fix.speed / 3.6 * profileScale});
     }
     // Now and then the phone woke up late, and the first stretch was worked out afterwards.
     std::optional<std::string> startGeometry;
@@ -233,9 +237,9 @@ class TripWriter {
       startGeometry = encodePolyline(std::span{line}.first(21));
       line.erase(line.begin(), line.begin() + 20);
     }
-    database_.execute("INSERT INTO trip_details VALUES (?, ?, ?, ?, ?)", tripId,
+    database_.execute("INSERT INTO trip_details VALUES (?, ?, ?, ?, ?, ?)", tripId,
                       encodePolyline(line), startGeometry, eventsOf(drive, plan.mode.wireText),
-                      poisOf(drive, plan));
+                      poisOf(drive, plan), encodePolyline(profile));
   }
 
   DatabaseConnection& database_;

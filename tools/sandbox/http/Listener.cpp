@@ -13,7 +13,9 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <condition_variable>
 #include <cstring>
+#include <mutex>
 #include <stdexcept>
 #include <thread>
 
@@ -82,6 +84,53 @@ void setStreamedBody(httplib::Response& response, BodyStream stream,
         }
         return true;
       });
+}
+
+/// Those who stay, each with a thread that waits for what is to be sent.
+class QueuedViewer : public Viewer {
+ public:
+  void send(std::string text) override {
+    const std::lock_guard lock{mutex_};
+    if (waiting_.size() + text.size() > mostWaiting) gone_ = true;
+    if (!gone_) waiting_.append(text);
+    changed_.notify_one();
+  }
+  [[nodiscard]] bool isGone() const override {
+    const std::lock_guard lock{mutex_};
+    return gone_;
+  }
+  void leave() {
+    const std::lock_guard lock{mutex_};
+    gone_ = true;
+    changed_.notify_one();
+  }
+  /// Waits for text; empty once nobody is there.
+  [[nodiscard]] std::string next() {
+    std::unique_lock lock{mutex_};
+    changed_.wait(lock, [this] { return gone_ || !waiting_.empty(); });
+    return gone_ ? std::string{} : std::exchange(waiting_, {});
+  }
+
+ private:
+  static constexpr std::size_t mostWaiting = 4 << 20;
+  mutable std::mutex mutex_;
+  std::condition_variable changed_;
+  std::string waiting_;
+  bool gone_ = false;
+};
+
+void setViewersBody(httplib::Response& response, const std::shared_ptr<QueuedViewer>& viewer,
+                    const std::string& contentType) {
+  response.set_chunked_content_provider(
+      contentType,
+      [viewer](std::size_t, httplib::DataSink& sink) {
+        const bool sent = currentConnection->flush();
+        const std::string text = sent ? viewer->next() : std::string{};
+        if (!text.empty()) return sink.write(text.data(), text.size());
+        sink.done();
+        return true;
+      },
+      [viewer](bool) { viewer->leave(); });
 }
 
 }  // namespace
@@ -158,6 +207,7 @@ class Listener::Server : public httplib::Server {
     if (!thread_.joinable()) return;
     const std::uint64_t one = 1;
     [[maybe_unused]] const auto written = ::write(stopEvent_, &one, sizeof one);
+    for (const auto& viewer : viewers()) viewer->leave();
     // stop() does nothing until the thread has come to listen, and must not be lost.
     while (!is_running() && !ended_) std::this_thread::yield();
     stop();
@@ -238,7 +288,7 @@ class Listener::Server : public httplib::Server {
     return errorReply(413, "content_too_large", "the body is too large");
   }
 
-  void answer(const httplib::Request& source, httplib::Response& response) const {
+  void answer(const httplib::Request& source, httplib::Response& response) {
     Connection::Exchange& exchange = currentConnection->exchange;
     exchange.understood = true;
     Request request;
@@ -264,7 +314,33 @@ class Listener::Server : public httplib::Server {
       reply.body = gzip(reply.body);
       reply.headers.emplace_back("Content-Encoding", "gzip");
     }
+    if (auto stay = std::move(reply.stay)) {
+      const auto viewer = std::make_shared<QueuedViewer>();
+      const std::string contentType = reply.contentType;
+      reply.body.clear();
+      fill(response, std::move(reply));
+      setViewersBody(response, viewer, contentType);
+      exchange.closeAfterwards = true;
+      {
+        const std::lock_guard lock{viewersMutex_};
+        std::erase_if(viewers_, [](const auto& each) { return each.expired(); });
+        viewers_.push_back(viewer);
+        if (stopping_) viewer->leave();
+      }
+      return stay(viewer);
+    }
     fill(response, std::move(reply));
+  }
+
+  /// Those of now; whoever comes later is sent away.
+  std::vector<std::shared_ptr<QueuedViewer>> viewers() {
+    const std::lock_guard lock{viewersMutex_};
+    stopping_ = true;
+    std::vector<std::shared_ptr<QueuedViewer>> present;
+    for (const auto& each : viewers_) {
+      if (auto viewer = each.lock()) present.push_back(std::move(viewer));
+    }
+    return present;
   }
 
   static void fill(httplib::Response& response, Reply reply) {
@@ -288,6 +364,9 @@ class Listener::Server : public httplib::Server {
   std::thread thread_;
   std::atomic<bool> ended_{false};
   std::atomic<std::size_t> open_{0};
+  std::mutex viewersMutex_;
+  std::vector<std::weak_ptr<QueuedViewer>> viewers_;
+  bool stopping_ = false;
 };
 
 Listener::Listener(Options options, const ServerClock& clock, Handler handler)

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -37,6 +38,18 @@ struct Request {
 /// Hands out the next piece of a streamed body; an empty piece ends it.
 using BodyStream = std::function<std::string_view()>;
 
+/// Someone who stays for what happens: the far end of server-sent events (WHATWG HTML,
+/// section 9.2).
+class Viewer {
+ public:
+  virtual ~Viewer() = default;
+  /// Hands on text as it is; never waits. Any thread. A viewer that does not take it in time is let
+  /// go of.
+  virtual void send(std::string text) = 0;
+  /// True once nobody is there any more.
+  [[nodiscard]] virtual bool isGone() const = 0;
+};
+
 struct Reply {
   int status = 200;
   std::string contentType = "application/json";
@@ -49,6 +62,9 @@ struct Reply {
   bool drop = false;                         // close the connection without a word
   bool sendDate = true;
   bool compressible = true;
+  /// When set: status and headers are sent, then the viewer is handed over; the connection lasts
+  /// until it leaves or the sandbox stops.
+  std::function<void(std::shared_ptr<Viewer>)> stay;
 };
 
 /// A refusal: the status and the members "error" and "message" of the answer.

@@ -27,6 +27,34 @@ Problem unauthorized(const std::string& message) {
   return {401, "unauthorized", message, {{"WWW-Authenticate", "Bearer error=\"invalid_token\""}}};
 }
 
+std::string fromHex(std::string_view hex) {
+  std::string bytes;
+  for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
+    const std::string pair{hex.substr(i, 2)};
+    std::size_t used = 0;
+    bytes.push_back(static_cast<char>(std::stoi(pair, &used, 16)));
+    if (used != 2) throw std::invalid_argument("hex");
+  }
+  return bytes;
+}
+
+nlohmann::json parsePart(std::string_view part) {
+  const auto bytes = decodeBase64url(part);
+  auto json = nlohmann::json::parse(bytes.value_or(""), nullptr, false);
+  if (!json.is_object()) throw unauthorized("the token is malformed");
+  return json;
+}
+
+double seconds(const nlohmann::json& claims, const char* name) {
+  const auto found = claims.find(name);
+  if (found == claims.end() || !found->is_number()) {
+    throw unauthorized(std::string{"the token has no \""} + name + "\"");
+  }
+  return found->get<double>();
+}
+
+}  // namespace
+
 std::string base64url(std::string_view bytes) {
   std::string text;
   std::uint32_t bits = 0;
@@ -56,33 +84,13 @@ std::optional<std::string> decodeBase64url(std::string_view text) {
   return bytes;
 }
 
-std::string fromHex(std::string_view hex) {
-  std::string bytes;
-  for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
-    const std::string pair{hex.substr(i, 2)};
-    std::size_t used = 0;
-    bytes.push_back(static_cast<char>(std::stoi(pair, &used, 16)));
-    if (used != 2) throw std::invalid_argument("hex");
+std::string randomBase64url(std::size_t bytes) {
+  std::string random(bytes, '\0');
+  if (RAND_bytes(reinterpret_cast<unsigned char*>(random.data()), static_cast<int>(bytes)) != 1) {
+    throw std::runtime_error("no random numbers");
   }
-  return bytes;
+  return base64url(random);
 }
-
-nlohmann::json parsePart(std::string_view part) {
-  const auto bytes = decodeBase64url(part);
-  auto json = nlohmann::json::parse(bytes.value_or(""), nullptr, false);
-  if (!json.is_object()) throw unauthorized("the token is malformed");
-  return json;
-}
-
-double seconds(const nlohmann::json& claims, const char* name) {
-  const auto found = claims.find(name);
-  if (found == claims.end() || !found->is_number()) {
-    throw unauthorized(std::string{"the token has no \""} + name + "\"");
-  }
-  return found->get<double>();
-}
-
-}  // namespace
 
 std::string randomHex(std::size_t bytes) {
   constexpr std::string_view hexDigits = "0123456789abcdef";

@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -37,6 +38,10 @@ class SigningKey {
 };
 
 [[nodiscard]] std::string randomHex(std::size_t bytes);
+/// RFC 4648, section 5, without padding.
+[[nodiscard]] std::string base64url(std::string_view bytes);
+[[nodiscard]] std::optional<std::string> decodeBase64url(std::string_view text);
+[[nodiscard]] std::string randomBase64url(std::size_t bytes);
 [[nodiscard]] bool equalInConstantTime(std::string_view left, std::string_view right);
 
 }  // namespace orvane::sandbox

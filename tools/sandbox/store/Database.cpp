@@ -62,7 +62,9 @@ DatabaseConnection::DatabaseConnection(const std::filesystem::path& file) {
   sqlite3_busy_timeout(handle, busyTimeoutMillis);
   executeScript(
       "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; PRAGMA foreign_keys = ON;"
-      "PRAGMA mmap_size = 268435456;");
+      "PRAGMA mmap_size = 268435456;"
+      // A row that is replaced counts as deleted for whoever keeps it (store/Changes.h).
+      "PRAGMA recursive_triggers = ON;");
 }
 
 sqlite3_stmt* DatabaseConnection::prepare(const std::string& sql) {

@@ -17,6 +17,14 @@ CREATE TABLE laid (
   is_today INTEGER NOT NULL  -- whether that time is today for as long as the data lives
 );
 
+-- Rows as they were laid, of those that have changed since.
+CREATE TABLE laid_rows (
+  table_name TEXT NOT NULL,
+  key TEXT NOT NULL,      -- JSON: the values of the primary key
+  row TEXT,               -- JSON; absent where there was none
+  PRIMARY KEY (table_name, key)
+) WITHOUT ROWID;
+
 CREATE TABLE accounts (
   account_id TEXT PRIMARY KEY,
   identifier TEXT NOT NULL
@@ -126,7 +134,8 @@ CREATE TABLE trip_details (
   geometry TEXT NOT NULL,
   reconstructed_start_geometry TEXT,
   events TEXT NOT NULL,   -- JSON
-  pois TEXT NOT NULL      -- JSON
+  pois TEXT NOT NULL,     -- JSON
+  profile TEXT NOT NULL   -- seconds and speeds of the positions
 );
 
 -- Users who drive for an account that is not their own.
@@ -205,14 +214,6 @@ CREATE TABLE alert_settings (
 ) WITHOUT ROWID;
 )sql";
 
-std::vector<std::string> tableNames(DatabaseConnection& database) {
-  std::vector<std::string> names;
-  Rows rows = database.query(
-      "SELECT name FROM sqlite_schema WHERE type = 'table' AND name NOT LIKE 'sqlite_%'");
-  while (rows.next()) names.emplace_back(rows.text(0));
-  return names;
-}
-
 /// A file with other tables than these is laid anew.
 std::int64_t expectedVersion() {
   const std::string_view text{tables};
@@ -226,6 +227,14 @@ std::int64_t version(DatabaseConnection& database) {
 }
 
 }  // namespace
+
+std::vector<std::string> tableNames(DatabaseConnection& database) {
+  std::vector<std::string> names;
+  Rows rows = database.query(
+      "SELECT name FROM sqlite_schema WHERE type = 'table' AND name NOT LIKE 'sqlite_%'");
+  while (rows.next()) names.emplace_back(rows.text(0));
+  return names;
+}
 
 bool createSchema(DatabaseConnection& database) {
   if (version(database) == expectedVersion()) return false;
