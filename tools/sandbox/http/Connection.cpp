@@ -116,7 +116,9 @@ Connection::Awaitable<void> Connection::serve() {
 }
 
 Connection::Awaitable<void> Connection::converse() {
-  if (tls_) co_await handshake();
+  if (tls_) {
+    co_await handshake();
+  }
   auto end = Answer::End::none;
   while (end == Answer::End::none) {
     const bool isThere = co_await awaitRequest();
@@ -125,22 +127,30 @@ Connection::Awaitable<void> Connection::converse() {
     co_await send(answer);
     end = answer.end;
   }
-  if (end == Answer::End::abrupt) co_return;
+  if (end == Answer::End::abrupt) {
+    co_return;
+  }
   sayGoodbye();
-  if (end == Answer::End::drain) co_await drain();
+  if (end == Answer::End::drain) {
+    co_await drain();
+  }
 }
 
 Connection::Awaitable<void> Connection::handshake() {
   for (;;) {
     ERR_clear_error();
     const int result = SSL_accept(tls_.get());
-    if (result == 1) co_return;
+    if (result == 1) {
+      co_return;
+    }
     co_await retry(result, State::receiving, Direction::in, transferTimeout);
   }
 }
 
 Connection::Awaitable<bool> Connection::awaitRequest() {
-  if (received_.size() > 0) co_return true;
+  if (received_.size() > 0) {
+    co_return true;
+  }
   try {
     co_await fill(State::idle, idleTimeout);
     co_return true;
@@ -157,7 +167,9 @@ Connection::Awaitable<Answer> Connection::answerRequest() {
   } catch (const Problem& problem) {
     refusal = problem.reply();
   }
-  if (!refusal) co_return answer(parser);
+  if (!refusal) {
+    co_return answer(parser);
+  }
   Answer answer = makeAnswer(*std::move(refusal), {.isHead = parser.request.method == "HEAD",
                                                    .date = httpDate(context_.clock.now())});
   answer.end = Answer::End::drain;
@@ -176,7 +188,9 @@ Connection::Awaitable<void> Connection::receive(RequestParser& parser) {
         co_await write("HTTP/1.1 100 Continue\r\n\r\n");
       }
     }
-    if (used == 0) co_await fill(State::receiving, transferTimeout);
+    if (used == 0) {
+      co_await fill(State::receiving, transferTimeout);
+    }
   }
 }
 
@@ -187,7 +201,7 @@ Answer Connection::answer(const RequestParser& parser) const {
                                        .isVersion10 = parser.isVersion10(),
                                        .keepsOpen = parser.keep_alive() && !context_.isFull,
                                        .mayPack = context_.options.compress &&
-                                                  encodings.find("gzip") != encodings.npos,
+                                                  encodings.find("gzip") != std::string_view::npos,
                                        .date = httpDate(context_.clock.now())});
 }
 
@@ -195,13 +209,19 @@ Answer Connection::answer(const RequestParser& parser) const {
 
 Connection::Awaitable<void> Connection::send(const Answer& answer) {
   co_await write(answer.bytes, answer.bytesPerSecond);
-  if (answer.stay) co_await stay(answer);
-  if (!answer.stream) co_return;
+  if (answer.stay) {
+    co_await stay(answer);
+  }
+  if (!answer.stream) {
+    co_return;
+  }
   for (auto piece = answer.stream(); !piece.empty(); piece = answer.stream()) {
     const std::string chunk = answer.isChunked ? makeChunk(piece) : std::string{piece};
     co_await write(chunk, answer.bytesPerSecond);
   }
-  if (answer.isChunked) co_await write(lastChunk);
+  if (answer.isChunked) {
+    co_await write(lastChunk);
+  }
 }
 
 Connection::Awaitable<void> Connection::write(std::string_view bytes, std::size_t bytesPerSecond) {
@@ -215,7 +235,9 @@ Connection::Awaitable<void> Connection::write(std::string_view bytes, std::size_
     // As long as those bytes take at that rate.
     const bool mayWait = co_await park(State::pausing, noTimeout);
     pause_.expires_after(1000ms * piece.size() / bytesPerSecond);
-    if (mayWait) co_await pause_.async_wait(withError);
+    if (mayWait) {
+      co_await pause_.async_wait(withError);
+    }
     co_await resume();
     if (context_.isStopping) throw system_error(net::error::operation_aborted);
   }
@@ -245,7 +267,9 @@ Connection::Awaitable<void> Connection::stay(const Answer& answer) {
   }
   co_await resume();
   if (!context_.isStopping) throw system_error(net::error::eof);
-  if (answer.isChunked) co_await write(lastChunk);
+  if (answer.isChunked) {
+    co_await write(lastChunk);
+  }
 }
 
 void Connection::sayGoodbye() {
@@ -261,9 +285,13 @@ Connection::Awaitable<void> Connection::drain() {
   std::array<char, inputBuffer> waste{};
   for (std::size_t drained = 0; drained < mostDrained;) {
     const auto size = ::recv(descriptor_, waste.data(), waste.size(), 0);
-    if (size == 0 || (size < 0 && errno != EAGAIN)) co_return;
+    if (size == 0 || (size < 0 && errno != EAGAIN)) {
+      co_return;
+    }
     if (size > 0) drained += static_cast<std::size_t>(size);
-    if (size < 0) co_await wait(State::receiving, Direction::in, drainTimeout);
+    if (size < 0) {
+      co_await wait(State::receiving, Direction::in, drainTimeout);
+    }
   }
 }
 
@@ -312,12 +340,16 @@ Connection::Awaitable<void> Connection::retry(long result, State state, Directio
 
 /// Throws when that takes longer, or the sandbox stops.
 Connection::Awaitable<void> Connection::wait(State state, Direction direction, Duration timeout) {
-  if (isReadyAtOnce(direction)) co_return;
+  if (isReadyAtOnce(direction)) {
+    co_return;
+  }
   const auto event =
       direction == Direction::in ? net::socket_base::wait_read : net::socket_base::wait_write;
   boost::system::error_code error = net::error::operation_aborted;
   const bool mayWait = co_await park(state, timeout);
-  if (mayWait) std::tie(error) = co_await socket_.async_wait(event, withError);
+  if (mayWait) {
+    std::tie(error) = co_await socket_.async_wait(event, withError);
+  }
   co_await resume();
   if (error) throw system_error(error);
 }
@@ -341,7 +373,9 @@ Connection::Awaitable<bool> Connection::park(State state, Duration timeout) {
   state_ = state;
   since_ = std::chrono::steady_clock::now();
   deadline_ = since_ + timeout;
-  if (!context_.isStopping) co_return true;
+  if (!context_.isStopping) {
+    co_return true;
+  }
   limit();
   co_return state == State::sending;
 }

@@ -23,7 +23,7 @@ Problem unreadable(const std::string& why) {
 Problem targetTooLong() { return {414, "uri_too_long", "the address is too long"}; }
 
 Problem headTooLarge(std::string_view received) {
-  const bool isFirstLine = received.substr(0, longestHead).find('\n') == received.npos;
+  const bool isFirstLine = received.substr(0, longestHead).find('\n') == std::string_view::npos;
   if (isFirstLine) return targetTooLong();
   return {431, "request_header_fields_too_large", "the headers are too large"};
 }
@@ -69,7 +69,8 @@ bool RequestParser::holdsHead(std::string_view received) {
     if (!head.ends_with("\r\n")) throw unreadable("a line ends without a carriage return");
     if (head.size() > longestHead) throw headTooLarge(received);
     if (!head.ends_with(end)) continue;
-    const bool isFolded = head.find("\n ") != head.npos || head.find("\n\t") != head.npos;
+    const bool isFolded =
+        head.find("\n ") != std::string_view::npos || head.find("\n\t") != std::string_view::npos;
     if (isFolded) throw unreadable("a header is folded");
     return true;
   }
@@ -108,7 +109,7 @@ void RequestParser::on_request_impl(Verb, Text method, Text target, int version,
   const auto questionMark = all.find('?');
   request.method = method;
   request.path = all.substr(0, questionMark);
-  if (questionMark != all.npos) request.query = all.substr(questionMark + 1);
+  if (questionMark != std::string_view::npos) request.query = all.substr(questionMark + 1);
 }
 
 void RequestParser::on_field_impl(Field, Text name, Text value, Error&) {
