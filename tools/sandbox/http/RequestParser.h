@@ -42,6 +42,8 @@ class RequestParser : public boost::beast::http::basic_parser<true> {
   void on_request_impl(Verb, Text method, Text target, int version, Error&) override;
   void on_response_impl(int, Text, int, Error&) override {}
   void on_field_impl(Field, Text name, Text value, Error&) override;
+  /// Asked for since Boost 1.90; before that trailers come as any other field.
+  virtual void on_trailer_field_impl(Field, Text, Text, Error&) {}
   void on_header_impl(Error&) override {}
   void on_body_init_impl(const boost::optional<std::uint64_t>&, Error&) override {}
   std::size_t on_body_impl(Text piece, Error&) override;
