@@ -111,7 +111,7 @@ void declare(CLI::App& app, Flags& flags) {
   app.add_option("--misbehave", flags.misbehaviours, "Spoil answers; see below. May be repeated")
       ->type_name("JSON");
   app.add_option("--threads", flags.options.threads,
-                 "Connections served at the same time, 1024 at most")
+                 "Requests answered at the same time, 1024 at most")
       ->type_name("NUMBER")
       ->check(CLI::Range(1, 1024))
       ->capture_default_str();

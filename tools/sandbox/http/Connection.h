@@ -1,78 +1,107 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// One accepted connection as a stream for cpp-httplib: reads and writes are buffered, so that a
-// request and its answer each take one system call and one TLS record where they fit.
+// One accepted connection from its handshake to its goodbye. It has a worker thread while there is
+// something to do, and for a moment after that; what it then waits for it waits for without one.
 #pragma once
 
-#include "http/Message.h"
+#include "http/Answer.h"
+#include "http/Listener.h"
+#include "http/RequestParser.h"
 
-#include <httplib.h>
+#include <boost/asio/awaitable.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <boost/asio/thread_pool.hpp>
+#include <boost/beast/core/flat_buffer.hpp>
 #include <openssl/ssl.h>
 
+#include <atomic>
 #include <chrono>
 #include <memory>
-#include <string>
+#include <optional>
+#include <string_view>
 
 namespace orvane::sandbox {
 
-class Connection : public httplib::Stream {
+/// What all connections of a listener share.
+struct ConnectionContext {
+  ConnectionContext(Listener::Options options_, const ServerClock& clock_,
+                    Listener::Handler handler_)
+      : options(std::move(options_)),
+        clock(clock_),
+        handler(std::move(handler_)),
+        workers(options.threads) {}
+
+  const Listener::Options options;
+  const ServerClock& clock;
+  const Listener::Handler handler;
+  boost::asio::io_context io{1};  // one thread waits for all
+  boost::asio::thread_pool workers;
+  std::atomic<std::size_t> active = 0;  // connections that have or want a worker
+  std::atomic<bool> isFull = false;     // who has been answered makes room for others
+  std::atomic<bool> isStopping = false;
+};
+
+/// Public functions are called on the thread that waits.
+class Connection {
  public:
-  /// Owns the socket. A readable `stopEvent` ends every wait.
-  Connection(socket_t socket, SSL_CTX* tls, int stopEvent);
-  ~Connection() override;
-  Connection(const Connection&) = delete;
-  Connection& operator=(const Connection&) = delete;
+  using Time = std::chrono::steady_clock::time_point;
+  template <class T>
+  using Awaitable = boost::asio::awaitable<T>;
 
-  [[nodiscard]] bool handshake();
-  /// Waits for the next request and takes its target out of the request line: cpp-httplib parses
-  /// targets and takes a second question mark, which a query may well hold, for a mistake.
-  [[nodiscard]] bool awaitRequest(std::chrono::milliseconds timeout);
-  bool flush();
-  /// Discards what is buffered; the peer sees the connection end with nothing more said.
-  void drop();
-  /// Tells the peer that the connection ends in order.
-  void sayGoodbye();
-  /// Swallows what the peer is still sending: closing over unread bytes would make the system reset
-  /// the connection, and the answer might be lost.
-  void drain();
+  Connection(boost::asio::ip::tcp::socket socket, ConnectionContext& context);
 
-  bool is_readable() const override { return !broken_; }
-  bool is_writable() const override { return !broken_; }
-  ssize_t read(char* data, size_t size) override;
-  ssize_t write(const char* data, size_t size) override;
-  void get_remote_ip_and_port(std::string& ip, int& port) const override;
-  void get_local_ip_and_port(std::string& ip, int& port) const override;
-  socket_t socket() const override { return socket_; }
+  /// Answers requests until the connection ends.
+  Awaitable<void> serve();
 
-  /// What the handler of the request under way needs and cpp-httplib does not carry.
-  struct Exchange {
-    std::string target;       // as sent
-    HeaderList headers;       // as sent
-    bool understood = false;  // the request could be read to its end
-    bool sendDate = true;
-    bool closeAfterwards = false;
-    std::size_t bytesPerSecond = 0;  // of the answer; 0: at once
-  };
-  Exchange exchange;
+  /// Since when it has waited for a request; nothing while there is one.
+  [[nodiscard]] std::optional<Time> idleSince() const;
+  /// Ends it when what it waits for has taken too long.
+  void checkTime(Time now);
+  /// Ends it unless a request is being answered; what is left to be sent has a second.
+  void stop();
+  /// Ends what it waits for: an idle connection says goodbye, any other ends at once.
+  void interrupt();
 
  private:
+  enum class State { working, idle, receiving, sending, pausing, staying };
   enum class Direction { in, out };
-  bool wait(Direction direction, std::chrono::milliseconds timeout) const;
-  /// False when the sandbox stops meanwhile.
-  bool pause(std::chrono::milliseconds duration) const;
-  bool fill();
-  void takeTarget();
-  ssize_t receive(char* data, size_t size);
-  ssize_t transmit(const char* data, size_t size);
-  bool retry(ssize_t result, Direction direction) const;
+  using Duration = std::chrono::milliseconds;
 
-  socket_t socket_;
-  int stopEvent_;
-  std::unique_ptr<SSL, decltype(&SSL_free)> ssl_;
-  std::string in_;
-  std::size_t inPosition_ = 0;
-  std::string out_;
-  bool broken_ = false;
+  Awaitable<void> converse();
+  Awaitable<void> handshake();
+  Awaitable<bool> awaitRequest();
+  Awaitable<void> receive(RequestParser& parser);
+  Awaitable<Answer> answerRequest();
+  [[nodiscard]] Answer answer(const RequestParser& parser) const;
+  Awaitable<void> send(const Answer& answer);
+  Awaitable<void> write(std::string_view bytes, std::size_t bytesPerSecond = 0);
+  Awaitable<void> stay(const Answer& answer);
+  Awaitable<void> drain();
+  void sayGoodbye();
+
+  Awaitable<void> fill(State state, Duration timeout);
+  Awaitable<void> transmit(std::string_view bytes);
+  Awaitable<void> retry(long result, State state, Direction direction, Duration timeout);
+  Awaitable<void> wait(State state, Direction direction, Duration timeout);
+  [[nodiscard]] bool isReadyAtOnce(Direction direction) const;
+
+  Awaitable<bool> park(State state, Duration timeout);
+  Awaitable<void> resume();
+  void limit();
+
+  ConnectionContext& context_;
+  boost::asio::ip::tcp::socket socket_;
+  const int descriptor_;  // of the socket
+  std::unique_ptr<SSL, decltype(&SSL_free)> tls_;
+  boost::asio::steady_timer pause_;
+  boost::beast::flat_buffer received_;
+  // Of the thread that waits:
+  State state_ = State::working;
+  Time since_;
+  Time deadline_;
+  std::optional<Time> lastTime_;  // to send anything, once the sandbox stops
 };
 
 }  // namespace orvane::sandbox

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The HTTP/1.1 server, over TLS or plain. Everything that cpp-httplib is
-// used for stays behind it: the rest of the sandbox sees requests and replies.
+// The HTTP/1.1 server, over TLS or plain. Everything that Boost.Asio and Boost.Beast are used for
+// stays behind it: the rest of the sandbox sees requests and replies.
 #pragma once
 
 #include "Time.h"
@@ -21,9 +21,12 @@ class Listener {
   struct Options {
     std::string host = "127.0.0.1";  // the address to listen on
     int port = 0;                    // 0: a free one
-    std::size_t threads = 64;        // a connection that is kept open holds one
+    std::size_t threads = 64;        // as many requests are answered at the same time
     bool compress = true;            // gzip for clients that accept it
     SSL_CTX* tls = nullptr;          // must outlive the listener; null for plain HTTP
+    /// As many may be open; beyond that the one that has been idle the longest ends, and those
+    /// that are answered do.
+    std::size_t connections = 512;
   };
 
   /// Called on the listener's threads, several at a time; must not throw.

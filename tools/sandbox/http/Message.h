@@ -35,18 +35,22 @@ struct Request {
   }
 };
 
-/// Hands out the next piece of a streamed body; an empty piece ends it.
+/// Hands out the next piece of a streamed body; an empty piece ends it. Must not wait.
 using BodyStream = std::function<std::string_view()>;
 
 /// Someone who stays for what happens: the far end of server-sent events (WHATWG HTML,
-/// section 9.2).
+/// section 9.2). May be kept, and asked, for longer than the connection and the listener last.
 class Viewer {
  public:
+  Viewer() = default;
   virtual ~Viewer() = default;
-  /// Hands on text as it is; never waits. Any thread. A viewer that does not take it in time is let
-  /// go of.
+  Viewer(const Viewer&) = delete;
+  Viewer& operator=(const Viewer&) = delete;
+
+  /// Hands on text as it is; never waits. Any thread. A viewer that does not take it in time, and
+  /// for which more than 1 MiB has come to wait, is let go of.
   virtual void send(std::string text) = 0;
-  /// True once nobody is there any more.
+  /// True once nobody is there any more. Any thread.
   [[nodiscard]] virtual bool isGone() const = 0;
 };
 
@@ -55,7 +59,11 @@ struct Reply {
   std::string contentType = "application/json";
   std::string body;
   HeaderList headers;
-  BodyStream stream;                         // when set, sent chunked instead of the body
+  BodyStream stream;  // when set, sent chunked instead of the body
+  /// When set, sent headers are followed by what the viewer is sent; the connection lasts until the
+  /// viewer leaves or the sandbox stops. Called on one of the threads that requests are answered
+  /// on.
+  std::function<void(std::shared_ptr<Viewer>)> stay;
   std::optional<std::size_t> cutAfterBytes;  // of the body, whose full length was announced
   std::size_t bytesPerSecond = 0;            // the whole answer no faster than that; 0: at once
   std::string reason;                        // of a refusal, for who looks at the log

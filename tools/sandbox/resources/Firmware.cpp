@@ -43,7 +43,8 @@ struct Range {
 };
 
 /// The one range that the header asks for. Absent for anything else than a single well-formed
-/// range, which a server may ignore. Throws a 416 when it lies outside.
+/// range, which a server may ignore. Throws a 416 when it lies outside
+/// or ends before it begins.
 std::optional<Range> rangeOf(std::string_view header, std::size_t size) {
   if (!header.starts_with("bytes=")) return std::nullopt;
   header.remove_prefix(6);
@@ -64,9 +65,9 @@ std::optional<Range> rangeOf(std::string_view header, std::size_t size) {
     return Range{size - count, size - 1};
   }
   const bool open = dash + 1 == header.size();
-  if (!first || (!last && !open) || (last && *last < *first)) return std::nullopt;
+  if (!first || (!last && !open)) return std::nullopt;
   const auto start = static_cast<std::size_t>(*first);
-  if (start >= size) throw Problem{unsatisfiable};
+  if (start >= size || (last && *last < *first)) throw Problem{unsatisfiable};
   return Range{start, open ? size - 1 : std::min(static_cast<std::size_t>(*last), size - 1)};
 }
 
