@@ -138,8 +138,8 @@ TEST(Replay, RefusesWhatIsNoRecording) {
       R"({"version":2,"requests":[]})",
       R"({"version":1,"requests":[{}]})",
       R"({"version":1,"requests":[)" + exchange + R"("responseHeaders":[["A","b\r\nC: d"]]}]})",
-      R"({"version":1,"requests":[{"method":"GET","path":"/","query":"","status":99,)"
-      R"("responseBody":"","responseHeaders":[]}]})"};
+      R"({"version":1,"requests":[{"method":"GET","path":"/","query":"","status":99,)" +
+          std::string{R"("responseBody":"","responseHeaders":[]}]})"}};
   for (const std::string& text : texts) {
     std::ofstream{file} << text;
     EXPECT_THROW((Replay{file, false}), std::runtime_error) << text;

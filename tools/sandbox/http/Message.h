@@ -70,9 +70,6 @@ struct Reply {
   bool drop = false;                         // close the connection without a word
   bool sendDate = true;
   bool compressible = true;
-  /// When set: status and headers are sent, then the viewer is handed over; the connection lasts
-  /// until it leaves or the sandbox stops.
-  std::function<void(std::shared_ptr<Viewer>)> stay;
 };
 
 /// A refusal: the status and the members "error" and "message" of the answer.

@@ -119,7 +119,8 @@ std::string curlLine(const Backend& backend, const LoggedRequest& request,
     line += " -H \"Authorization: Bearer $ORVANE_TOKEN\"";
   }
   for (const auto& [name, value] : request.requestHeaders) {
-    if (!isOwn(name)) line += " -H " + shellWord(asUtf8(name + ": " + value));
+    if (isOwn(name)) continue;
+    line.append(" -H ").append(shellWord(asUtf8(std::string{name}.append(": ").append(value))));
   }
   if (request.requestSize > 0) {
     line += canBePasted(request, body) ? " --data-raw " + shellWord(body) : " --data-binary @BODY";
