@@ -17,6 +17,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace orvane {
@@ -44,6 +45,8 @@ struct CallDescription {
 /// The same with the composer that says what is asked for, all in one piece of memory.
 template <class Composer>
 struct ComposedCall final : CallDescription {
+  static_assert(std::is_object_v<Composer>, "composers are taken over");
+
   ComposedCall(const SerializableService& service, Verb sent, Composer&& by)
       : CallDescription(service, sent, own), own(std::move(by)) {}
 
@@ -143,7 +146,8 @@ template <class T, class Record, auto make, class Composer>
         ->start();
   };
   std::shared_ptr<const CallDescription> description =
-      std::make_shared<const ComposedCall<Composer>>(service, verb, std::move(composer));
+      std::make_shared<const ComposedCall<Composer>>(service, verb,
+                                                     std::forward<Composer>(composer));
   return Operation<T>(std::move(description), start,
                       verb == Verb::get ? Effect::reads : Effect::writes, &describeCall);
 }
@@ -152,19 +156,19 @@ template <class T, class Record, auto make, class Composer>
 /// answer.
 template <class T, class Composer>
 [[nodiscard]] Operation<T> get(const SerializableService& service, Composer&& composer) {
-  return operation<T, T, std::identity{}>(service, Verb::get, std::move(composer));
+  return operation<T, T, std::identity{}>(service, Verb::get, std::forward<Composer>(composer));
 }
 template <class T, class Composer>
 [[nodiscard]] Operation<T> post(const SerializableService& service, Composer&& composer) {
-  return operation<T, T, std::identity{}>(service, Verb::post, std::move(composer));
+  return operation<T, T, std::identity{}>(service, Verb::post, std::forward<Composer>(composer));
 }
 template <class T, class Composer>
 [[nodiscard]] Operation<T> put(const SerializableService& service, Composer&& composer) {
-  return operation<T, T, std::identity{}>(service, Verb::put, std::move(composer));
+  return operation<T, T, std::identity{}>(service, Verb::put, std::forward<Composer>(composer));
 }
 template <class T, class Composer>
 [[nodiscard]] Operation<T> delete_(const SerializableService& service, Composer&& composer) {
-  return operation<T, T, std::identity{}>(service, Verb::delete_, std::move(composer));
+  return operation<T, T, std::identity{}>(service, Verb::delete_, std::forward<Composer>(composer));
 }
 
 }  // namespace orvane
