@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/Platform/OfThisThread.h>
 #include <Orvane/Platform/Text.h>
 #include <Orvane/Runtime/OutgoingRequest.h>
 #include <Orvane/Runtime/TransportError.h>
@@ -11,6 +12,7 @@
 #include <array>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 namespace orvane {
 namespace {
@@ -90,17 +92,22 @@ std::optional<Destination> destinationOf(const std::string& url) {
   return Destination{scheme, concatenated({scheme, "://", host, ":", port}), isThisMachine(host)};
 }
 
-// The same, absent for a relative URL, too. A request mostly leads where the one before it did.
+// What a thread remembers: a request mostly leads where the one before it did.
+struct Known {
+  std::string root;
+  std::optional<Destination> destination;
+};
+
+// The same, absent for a relative URL, too.
 const std::optional<Destination>& knownDestinationOf(const URL& url) {
-  struct Known {
-    std::string root;
-    std::optional<Destination> destination;
-  };
-  static thread_local Known known;
+  Known& known = ofThisThread<Known>();
   const std::string_view root = rootOf(url.absoluteString());
   if (known.root != root) {
-    known.root = root;
-    known.destination = destinationOf(known.root + '/');  // not every scheme goes without a path
+    std::string text(root);
+    auto destination = destinationOf(text + '/');  // not every scheme goes without a path
+    // Both or neither, also where memory runs out.
+    known.root = std::move(text);
+    known.destination = std::move(destination);
   }
   return known.destination;
 }
