@@ -73,7 +73,7 @@ std::string pageOfTrips() {
     nlohmann::ordered_json events = nlohmann::ordered_json::object();
     for (const char* type : types) {
       nlohmann::ordered_json list = nlohmann::ordered_json::array();
-      for (int k = 0; k < 6; ++k) list.push_back(event(drive, start + k * 60'000));
+      for (int k = 0; k < 6; ++k) list.push_back(event(drive, start + k * 60'000LL));
       events[type] = std::move(list);
     }
     page.push_back({

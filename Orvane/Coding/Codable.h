@@ -68,4 +68,14 @@ Result<std::string> RecordCoding<T>::encodeChecked(const T& value) {
   return encodeWith(json::Writer(json::Writer::Faults::areFailures), value);
 }
 
+template <class T>
+std::string RecordCoding<T>::print(const T& value) {
+  json::Writer writer(json::Writer::Faults::areFailures);
+  encodeValue(value, writer);
+  const std::string failure = writer.failure();
+  std::string text = std::move(writer).take();
+  if (!failure.empty()) text.append(" (").append(failure).append(")");
+  return text;
+}
+
 }  // namespace orvane

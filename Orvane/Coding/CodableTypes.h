@@ -3,9 +3,13 @@
 #pragma once
 
 #include <Orvane/Platform/Enumeration.h>
+#include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/Result.h>
+#include <Orvane/Platform/TextStream.h>
 
 #include <concepts>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -25,6 +29,20 @@ concept TextEnumeration =
                       (OpenEnumeration<E> && requires(std::string_view text) {
                         { E::fromWireText(text) } -> std::same_as<E>;
                       }));
+
+/// The coding that the library holds for a record or for a list of records; call `decode`, `encode`
+/// and `encodeChecked`.
+template <class T>
+struct ORVANE_EXPORT RecordCoding {
+  /// See `orvane::decode`.
+  [[nodiscard]] static Result<T> decode(std::string_view json);
+  /// See `orvane::encode`.
+  [[nodiscard]] static Result<std::string> encode(const T& value);
+  /// See `orvane::encodeChecked`.
+  [[nodiscard]] static Result<std::string> encodeChecked(const T& value);
+  /// The text as far as there is one, with why there is no more of it behind it.
+  [[nodiscard]] static std::string print(const T& value);
+};
 
 namespace detail {
 
@@ -75,6 +93,15 @@ template <TextEnumeration E>
   } else {
     return {};
   }
+}
+
+/// Prints a record as its JSON text, as `encode` writes it; what can't be written is left out, and
+/// told behind it.
+template <TextStream Stream, class Record>
+  requires(hasCoding<Record> && !Enumeration<Record> && !OpenEnumeration<Record>)
+Stream& operator<<(Stream& stream, const Record& record) {
+  stream << RecordCoding<Record>::print(record);
+  return stream;
 }
 
 }  // namespace orvane

@@ -13,15 +13,6 @@
 
 namespace orvane {
 
-/// The coding that the library holds for a record or for a list of records; call `decode`, `encode`
-/// and `encodeChecked`.
-template <class T>
-struct ORVANE_EXPORT RecordCoding {
-  [[nodiscard]] static Result<T> decode(std::string_view json);
-  [[nodiscard]] static Result<std::string> encode(const T& value);
-  [[nodiscard]] static Result<std::string> encodeChecked(const T& value);
-};
-
 namespace detail {
 
 template <class T>

@@ -11,6 +11,7 @@ namespace orvane {
 
 /// What was expected at which place of a JSON text, and what stood there.
 struct ORVANE_EXPORT DecodingError {
+  /// What is wrong with a text.
   enum class Kind {
     malformedText,  ///< The text is not JSON, nests too deep, or holds a number beyond a double's
                     ///< range.
@@ -20,7 +21,7 @@ struct ORVANE_EXPORT DecodingError {
     dataCorrupted,  ///< A value of the right type with a content that stands for nothing.
   };
 
-  Kind kind = Kind::malformedText;
+  Kind kind = Kind::malformedText;  ///< What is wrong with it.
   /// What went wrong, in one sentence, without the place.
   std::string description;
   /// The keys and indexes (as "[3]") from the root to the place. Empty for some unknown enumeration
@@ -35,7 +36,7 @@ struct ORVANE_EXPORT DecodingError {
 
 /// A record holds something that JSON can't: a number that is not finite, a text that is not UTF-8.
 struct ORVANE_EXPORT EncodingError {
-  std::string description;
+  std::string description;  ///< What it is, in one sentence.
 
   [[nodiscard]] std::string message() const { return description; }
   friend bool operator==(const EncodingError&, const EncodingError&) = default;

@@ -40,8 +40,10 @@ struct TextReader {
 
 }  // namespace detail
 
+/// An enumeration is one JSON text.
 template <TextEnumeration E>
 struct EnumerationCoding<E> {
+  /// See `orvane::decode`.
   [[nodiscard]] static Result<E> decode(std::string_view json) {
     std::optional<E> value;
     const auto take = [](void* target, std::string_view text) {
@@ -52,6 +54,7 @@ struct EnumerationCoding<E> {
     if (auto error = detail::readText(json, {&value, take, reportedName<E>()})) return *error;
     return *std::move(value);
   }
+  /// See `orvane::encode`.
   [[nodiscard]] static Result<std::string> encode(const E& value) {
     return detail::writeText(textOnTheWire(value));
   }
@@ -59,24 +62,29 @@ struct EnumerationCoding<E> {
   [[nodiscard]] static Result<std::string> encodeChecked(const E& value) { return encode(value); }
 };
 
+/// A list is a JSON array of texts.
 template <TextEnumeration E>
 struct EnumerationCoding<std::vector<E>> {
+  /// See `orvane::decode`.
   [[nodiscard]] static Result<std::vector<E>> decode(std::string_view json) {
     std::vector<E> values;
     const auto take = [](void* target, std::string_view text) {
       auto value = readWireText<E>(text);
-      if (value) static_cast<std::vector<E>*>(target)->push_back(*std::move(value));
-      return value.has_value();
+      if (!value) return false;
+      static_cast<std::vector<E>*>(target)->push_back(*std::move(value));
+      return true;
     };
     if (auto error = detail::readTexts(json, {&values, take, reportedName<E>()})) return *error;
     return values;
   }
+  /// See `orvane::encode`.
   [[nodiscard]] static Result<std::string> encode(const std::vector<E>& values) {
     std::vector<std::string_view> texts;
     texts.reserve(values.size());
     for (const E& value : values) texts.push_back(textOnTheWire(value));
     return detail::writeTexts(texts);
   }
+  /// No value of an enumeration is a programming fault to write.
   [[nodiscard]] static Result<std::string> encodeChecked(const std::vector<E>& values) {
     return encode(values);
   }

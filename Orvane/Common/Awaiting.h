@@ -55,9 +55,11 @@ class AwaitGate {
 template <class T>
 class [[nodiscard]] Awaiting {
  public:
+  /// Starts the operation that `source` describes, and answers its handle.
   using Starter = RequestHandle (*)(const std::shared_ptr<const void>& source,
                                     Completion<T> handler);
 
+  /// For `Operation::operator co_await`, which makes it.
   Awaiting(Starter start, std::shared_ptr<const void> source)
       : start_(start), source_(std::move(source)) {}
   Awaiting(const Awaiting&) = delete;
@@ -66,6 +68,7 @@ class [[nodiscard]] Awaiting {
     if (state_ && state_->gate.claim() && state_->request) state_->request->cancel();
   }
 
+  /// Never true: the operation is started by waiting for it.
   [[nodiscard]] bool await_ready(
       const SourceLocation& place = SourceLocation::current()) const noexcept {
     precondition(source_ != nullptr, "an operation that was moved from can't be used", place);
@@ -96,6 +99,7 @@ class [[nodiscard]] Awaiting {
     return state->gate.wait();
   }
 
+  /// The outcome.
   [[nodiscard]] Result<T> await_resume() { return *std::move(state_->result); }
 
  private:

@@ -3,6 +3,7 @@
 
 #include <cxxabi.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace orvane {
@@ -13,6 +14,12 @@ std::string readableName(const std::type_info& type) {
   const std::unique_ptr<char, decltype(&std::free)> name(
       abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
   return name ? name.get() : type.name();
+}
+
+template <class Registrations>
+auto registeredIn(Registrations& registrations, std::type_index type) {
+  return std::find_if(registrations.begin(), registrations.end(),
+                      [type](const auto& each) { return each.type == type; });
 }
 
 }  // namespace
@@ -34,7 +41,12 @@ void Container::throwNotRegistered(const std::type_info& type) { throw NotRegist
 
 void Container::add(std::type_index type, std::shared_ptr<const Factory> factory) {
   const std::scoped_lock lock(mutex_);
-  factories_[type].swap(factory);
+  const auto former = registeredIn(factories_, type);
+  if (former == factories_.end()) {
+    factories_.push_back({type, std::move(factory)});
+  } else {
+    former->factory.swap(factory);
+  }
 }
 
 Container::Registrations Container::registrations() const {
@@ -52,7 +64,8 @@ void Container::restore(Registrations registrations) {
 std::shared_ptr<const Container::Factory> Container::factoryOf(std::type_index type) const {
   {
     const std::scoped_lock lock(mutex_);
-    if (const auto found = factories_.find(type); found != factories_.end()) return found->second;
+    const auto found = registeredIn(factories_, type);
+    if (found != factories_.end()) return found->factory;
   }
   return parent_ ? parent_->factoryOf(type) : nullptr;
 }

@@ -7,7 +7,6 @@
 
 #include <any>
 #include <exception>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -21,8 +20,10 @@ namespace orvane {
 /// Thrown by `Container::inject` when nothing is registered for a type.
 class ORVANE_EXPORT NotRegistered final : public std::exception {
  public:
+  /// Names the type in `what()`.
   explicit NotRegistered(const std::type_info& type);
   ~NotRegistered() override;
+  /// Which type nothing was registered for, as the compiler spells it.
   [[nodiscard]] const char* what() const noexcept override { return message_.c_str(); }
 
  private:
@@ -42,6 +43,7 @@ class ORVANE_EXPORT Container {
   /// The registrations of a container at one moment.
   class Registrations;
 
+  /// A container that asks `parent` for what it has not got; null for none.
   explicit Container(std::shared_ptr<Container> parent = nullptr);
   Container(const Container&) = delete;
   Container& operator=(const Container&) = delete;
@@ -126,7 +128,13 @@ class ORVANE_EXPORT Container {
     const Make make_;
   };
 
-  using Factories = std::map<std::type_index, std::shared_ptr<const Factory>>;
+  struct Registration {
+    std::type_index type;
+    std::shared_ptr<const Factory> factory;
+  };
+  // Not a std::map: on ARM, libstdc++ 12 orders types of unnamed namespaces so that different ones
+  // pass for the same (GCC bug 103240). They are few.
+  using Factories = std::vector<Registration>;
 
   template <class Interface, class Make>
   void add(Make make) {
@@ -144,6 +152,7 @@ class ORVANE_EXPORT Container {
   Factories factories_;
 };
 
+/// What `Container::restore` takes.
 class Container::Registrations {
   friend class Container;
   Factories factories_;

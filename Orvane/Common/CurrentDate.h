@@ -11,7 +11,8 @@ namespace orvane {
 /// thread.
 [[nodiscard]] ORVANE_EXPORT Date currentDate() noexcept;
 
-/// What the device clock lacks: positive when it is behind. Zero until it is set. Any thread.
+/// What the device clock lacks, in seconds: positive when it is behind. Zero until the application
+/// sets it; the offset that the resolver finds out for a token is another one. Any thread.
 ORVANE_EXPORT void setCurrentDateOffset(Seconds offset) noexcept;
 
 }  // namespace orvane

@@ -29,6 +29,12 @@ constexpr std::chrono::milliseconds patience{5000};
 
 thread_local bool deliversAnswers = false;
 
+void warnOfStall() {
+  log.w(
+      "Nobody drains the main queue: no call can finish. Run it (MainQueue::main().run()) or "
+      "hand it to the application's loop (MainQueue::main().forward(…)).");
+}
+
 void checkMayWait(const Request& request) {
   precondition(!deliversAnswers || request.isFinished(),
                "nobody can wait for a request on a transport's thread, which is to answer it: "
@@ -69,6 +75,11 @@ struct MainQueue::State {
     waitingSince = now();
     hasWarned = false;
     return job;
+  }
+
+  // Whether nobody has taken a job for too long; true once.
+  [[nodiscard]] bool hasBegunToStall() {
+    return !hasWarned && now() - waitingSince >= patience && !std::exchange(hasWarned, true);
   }
 
   // Runs the next job without the lock.
@@ -133,6 +144,7 @@ void MainQueue::async(Job job) { add(std::move(job)); }
 
 std::uint64_t MainQueue::add(Job job) {
   bool isJammed = false;
+  bool isStalled = false;
   std::uint64_t number = 0;
   std::shared_ptr<UniqueFunction<void()>> onJob;
   {
@@ -145,13 +157,14 @@ std::uint64_t MainQueue::add(Job job) {
     }
     isJammed = !state_->jobs.empty();
     if (!isJammed) state_->waitingSince = state_->now();
+    isStalled = isJammed && state_->hasBegunToStall();
     state_->jobs.push_back(std::move(job));
     onJob = state_->onAbandonedJob;
   }
   // Who drains has been told of the jobs before this one, and takes it with them.
   if (!isJammed) state_->changed.notify_all();
   if (onJob) (*onJob)();
-  if (isJammed) warnWhenStalled();
+  if (isStalled) warnOfStall();
   return number;
 }
 
@@ -291,9 +304,7 @@ std::chrono::milliseconds MainQueue::warnWhenStalled() {
     if (left.count() > 0) return std::chrono::ceil<std::chrono::milliseconds>(left);
     state_->hasWarned = true;
   }
-  log.w(
-      "Nobody drains the main queue: no call can finish. Run it (MainQueue::main().run()) or "
-      "hand it to the application's loop (MainQueue::main().forward(…)).");
+  warnOfStall();
   return std::chrono::milliseconds::zero();
 }
 

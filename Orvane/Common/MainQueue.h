@@ -24,7 +24,7 @@ class Task;
 /// queue warns about that through `log` after some seconds.
 class ORVANE_EXPORT MainQueue {
  public:
-  using Job = UniqueFunction<void()>;
+  using Job = UniqueFunction<void()>;  ///< What is run on the queue; it must not throw.
   /// Posts a job to a loop; called from any thread, the job to be run later on the loop's. Inside
   /// the call it must neither run nor let go of the job, nor use the queue, which is locked, nor
   /// fork.

@@ -16,6 +16,7 @@ namespace orvane {
 /// itself (no connection, no trust, no time left) are of the transport's own type.
 class ORVANE_EXPORT NetworkError {
  public:
+  /// What went wrong.
   enum class Case {
     malformedRequest,     ///< The request could not be formed; nothing was sent.
     invalidStatusCode,    ///< The backend refused; see `statusCode()` and `serverDate()`.
@@ -24,10 +25,10 @@ class ORVANE_EXPORT NetworkError {
     unknown,              ///< A failure came without its error.
   };
 
-  static const NetworkError malformedRequest;
-  static const NetworkError invalidResponseData;
-  static const NetworkError noData;
-  static const NetworkError unknown;
+  static const NetworkError malformedRequest;     ///< `Case::malformedRequest`.
+  static const NetworkError invalidResponseData;  ///< `Case::invalidResponseData`.
+  static const NetworkError noData;               ///< `Case::noData`.
+  static const NetworkError unknown;              ///< `Case::unknown`.
 
   /// The backend refused a request.
   /// @param statusCode the HTTP status (RFC 9110).
@@ -37,6 +38,7 @@ class ORVANE_EXPORT NetworkError {
     return {Case::invalidStatusCode, statusCode, serverDate};
   }
 
+  /// What went wrong.
   [[nodiscard]] constexpr Case kind() const noexcept { return kind_; }
   /// The HTTP status of `invalidStatusCode`; 0 for the other cases.
   [[nodiscard]] constexpr std::int64_t statusCode() const noexcept { return statusCode_; }

@@ -58,14 +58,14 @@ template <class T, class Start>
 ///
 ///     auto request = trips.fetch("17").start([](Result<Trip> trip) { … });   // any thread
 ///     auto trip = trips.fetch("17").wait();                   // where a thread may block
-///     auto trip = co_await trips.fetch("17").within(5s);      // in any coroutine
+///     auto same = co_await trips.fetch("17").within(5s);      // in any coroutine
 ///
 /// One that has been moved from is good for assignment and destruction only; using it is a
 /// programming fault that stops the process.
 template <class T>
 class [[nodiscard]] Operation {
  public:
-  using Value = T;
+  using Value = T;  ///< What it answers on success.
 
   /// An operation of one's own. `by` is kept, and called for each start; where it has a
   /// `description()`, that is the operation's.
@@ -89,7 +89,9 @@ class [[nodiscard]] Operation {
   /// of.
   using Starter = RequestHandle (*)(const std::shared_ptr<const void>& source,
                                     Completion<T> handler);
+  /// Answers `description()` of what `source` describes.
   using Describer = std::string (*)(const std::shared_ptr<const void>& source);
+  /// See `Starter`. Without `describe` it has no description.
   Operation(std::shared_ptr<const void> source, Starter by, Effect effect,
             Describer describe = nullptr) noexcept
       : source_(std::move(source)), start_(by), describe_(describe), effect_(effect) {}
@@ -172,8 +174,8 @@ class [[nodiscard]] Operation {
   /// @{
 
   /// The same, but `TimedOut` when it takes longer than `limit`: it is cancelled then, and answers
-  /// on the thread of the timers. With a limit of nothing it is not started at all, and answers
-  /// inside the call.
+  /// on the thread of `timers`, which must outlive what is started. With a limit of nothing it is
+  /// not started at all, and answers inside the call.
   Operation within(std::chrono::milliseconds limit, Timers& timers = Timers::ofProcess(),
                    const SourceLocation& place = SourceLocation::current()) const {
     const auto start = [limit, &timers](const Operation& operation,
@@ -281,14 +283,17 @@ Operation<T> detail::over(const Operation<T>& operation, Start start, const Sour
 
 /// @name The same for anything that is started with a handler
 /// @{
+/// `Operation::wait`.
 template <class T, StartsOperation<T> Start>
 [[nodiscard]] Result<T> wait(Start&& start) {
   return Operation<T>(std::forward<Start>(start)).wait();
 }
+/// `Operation::future`.
 template <class T, StartsOperation<T> Start>
 [[nodiscard]] Future<T> future(Start&& start) {
   return Operation<T>(std::forward<Start>(start)).future();
 }
+/// What `co_await` takes.
 template <class T, StartsOperation<T> Start>
 [[nodiscard]] Awaiting<T> awaiting(Start&& start) {
   return Operation<T>(std::forward<Start>(start)).operator co_await();

@@ -119,6 +119,7 @@ class [[nodiscard]] ScopedRequest {
   ScopedRequest(RequestHandle request)  // NOLINT(google-explicit-constructor)
       : request_(std::move(request)) {}
   ScopedRequest(ScopedRequest&&) noexcept = default;
+  /// Cancels the request that it held.
   ScopedRequest& operator=(ScopedRequest&& other) noexcept {
     if (this != &other) {
       cancel();

@@ -47,18 +47,26 @@ class ORVANE_EXPORT RequestManager {
   RequestManager& operator=(const RequestManager&) = delete;
   virtual ~RequestManager();
 
+  /// Sends a request and calls `then` with the body of its answer.
+  /// @param url with scheme and host.
+  /// @param body the bytes to send; empty for a read.
+  /// @param headers sent as they are.
   virtual RequestHandle send(Verb verb, URL url, std::string body, Headers headers,
                              Completion<std::string> then) = 0;
 
+  /// Sends a `Verb::get`.
   RequestHandle get(URL url, Headers headers, Completion<std::string> then) {
     return send(Verb::get, std::move(url), {}, std::move(headers), std::move(then));
   }
+  /// Sends a `Verb::post`.
   RequestHandle post(URL url, std::string body, Headers headers, Completion<std::string> then) {
     return send(Verb::post, std::move(url), std::move(body), std::move(headers), std::move(then));
   }
+  /// Sends a `Verb::put`.
   RequestHandle put(URL url, std::string body, Headers headers, Completion<std::string> then) {
     return send(Verb::put, std::move(url), std::move(body), std::move(headers), std::move(then));
   }
+  /// Sends a `Verb::delete_`.
   RequestHandle delete_(URL url, std::string body, Headers headers, Completion<std::string> then) {
     return send(Verb::delete_, std::move(url), std::move(body), std::move(headers),
                 std::move(then));

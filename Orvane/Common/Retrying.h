@@ -26,7 +26,9 @@ namespace orvane {
 struct ORVANE_EXPORT RetryPolicy {
   /// How often it is tried in all; none is taken for once.
   std::size_t attempts = 3;
+  /// The bound of the first pause; it doubles with each one.
   std::chrono::milliseconds firstPause{500};
+  /// The bound beyond which none grows.
   std::chrono::milliseconds longestPause{30'000};
   /// No attempt begins later than this after the first one; the failure before is the outcome then.
   std::chrono::milliseconds totalTime{120'000};
@@ -106,6 +108,7 @@ template <class T>
 /// everywhere (`RuntimeOptions::retry`).
 class ORVANE_EXPORT RetryingRequestManager final : public RequestManager {
  public:
+  /// Tries again what `requestManager` fails at.
   RetryingRequestManager(std::shared_ptr<RequestManager> requestManager, RetryPolicy policy)
       : requestManager_(std::move(requestManager)), policy_(std::move(policy)) {}
   ~RetryingRequestManager() override;

@@ -14,7 +14,8 @@
 
 namespace orvane {
 
-/// Keeps, for each identity, how far the device's clock is from the server's.
+/// Keeps, for each identity, how far the device's clock is from the server's. Called from any
+/// thread, several at once too.
 class ORVANE_EXPORT TimeOffsetStore {
  public:
   TimeOffsetStore() = default;
@@ -28,10 +29,11 @@ class ORVANE_EXPORT TimeOffsetStore {
   virtual void set(const Identity& identity, std::optional<double> offset) = 0;
 };
 
-/// The rule by which entries of a `TimeMonitoringStore` expire.
+/// The rule by which entries of a `TimeMonitoringStore` expire. Called from any thread, several at
+/// once too, under the store's lock: it must not use the store.
 class ORVANE_EXPORT TimeMonitor {
  public:
-  using TimePoint = std::chrono::steady_clock::time_point;
+  using TimePoint = std::chrono::steady_clock::time_point;  ///< Of a clock that is never set.
 
   TimeMonitor() = default;
   TimeMonitor(const TimeMonitor&) = delete;
@@ -49,6 +51,7 @@ class ORVANE_EXPORT TimeMonitor {
 template <class Key, class Value, class Interface>
 class TimeMonitoringStore : public Interface {
  public:
+  /// A store whose entries `timeMonitor` expires.
   explicit TimeMonitoringStore(std::shared_ptr<TimeMonitor> timeMonitor)
       : timeMonitor_(std::move(timeMonitor)) {}
 
@@ -90,12 +93,14 @@ class TimeMonitoringStore : public Interface {
 template <class Interface, class Value>
 class MemoryStore final : public Interface {
  public:
+  /// The value stored last; absent where there is none.
   [[nodiscard]] std::optional<Value> get(const Identity& identity) const override {
     const std::scoped_lock lock(mutex_);
     const auto found = values_.find(identity);
     return found == values_.end() ? std::nullopt : std::optional<Value>(found->second);
   }
 
+  /// Stores a value; absent removes it.
   void set(const Identity& identity, std::optional<Value> value) override {
     const std::scoped_lock lock(mutex_);
     if (value) {

@@ -65,7 +65,9 @@ class [[nodiscard]] Task {
  public:
   class promise_type;
 
+  /// Leaves a task behind that can't be run.
   Task(Task&& other) noexcept : coroutine_(std::exchange(other.coroutine_, nullptr)) {}
+  /// The two change places.
   Task& operator=(Task&& other) noexcept {
     std::swap(coroutine_, other.coroutine_);
     return *this;
@@ -163,8 +165,11 @@ class [[nodiscard]] Task {
 template <class T>
 class Task<T>::promise_type : public detail::TaskOutcome<T> {
  public:
+  /// What the coroutine answers to who calls it.
   Task get_return_object() noexcept { return Task(Coroutine::from_promise(*this)); }
+  /// Nothing runs before the task is begun.
   std::suspend_always initial_suspend() noexcept { return {}; }
+  /// Goes on with who waits for it.
   auto final_suspend() noexcept {
     struct Final {
       [[nodiscard]] bool await_ready() const noexcept { return false; }
@@ -175,6 +180,7 @@ class Task<T>::promise_type : public detail::TaskOutcome<T> {
     };
     return Final{};
   }
+  /// Keeps what the coroutine has thrown, for `take`.
   void unhandled_exception() noexcept { thrown_ = std::current_exception(); }
 
   /// What has been returned; throws what has been thrown.
@@ -185,9 +191,12 @@ class Task<T>::promise_type : public detail::TaskOutcome<T> {
 
   /// The request that stands for the whole of which this is a part; null for none.
   [[nodiscard]] RequestBox* scope() const noexcept { return scope_; }
+  /// Makes it a part of what that request stands for.
   void enterScope(RequestBox* scope) noexcept { scope_ = scope; }
 
+  /// Says who waits for it.
   void continueWith(std::coroutine_handle<> continuation) noexcept { continuation_ = continuation; }
+  /// True once it has been begun.
   [[nodiscard]] bool hasBegun() const noexcept { return continuation_ != nullptr; }
 
  private:

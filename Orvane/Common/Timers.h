@@ -14,7 +14,7 @@ namespace orvane {
 /// moves the clock by hand, implements it.
 class ORVANE_EXPORT Timers {
  public:
-  using Clock = std::chrono::steady_clock;
+  using Clock = std::chrono::steady_clock;  ///< The clock of `now`.
 
   Timers() = default;
   Timers(const Timers&) = delete;

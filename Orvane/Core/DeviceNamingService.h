@@ -15,6 +15,7 @@ class DeviceIdentifier;
 /// anew whenever an operation is called.
 class ORVANE_EXPORT DeviceNamingService : public SerializableService {
  public:
+  /// Who names this device.
   [[nodiscard]] const std::shared_ptr<DeviceIdentifier>& deviceIdentifier() const noexcept {
     return deviceIdentifier_;
   }

@@ -4,6 +4,7 @@
 #include <Orvane/Core/Container+Network.h>
 #include <Orvane/Core/Once.h>
 #include <Orvane/Core/Resolvers.h>
+#include <Orvane/Platform/Recycled.h>
 
 namespace orvane {
 namespace {
@@ -130,7 +131,7 @@ std::shared_ptr<TokenOffsettingOrvaneDetailsResolver> TokenOffsettingOrvaneDetai
 
 RequestHandle TokenOffsettingOrvaneDetailsResolver::resolve(const Identity& identity,
                                                             Completion<OrvaneDetails> then) {
-  const auto resolution = std::make_shared<Resolution>(collaborators_, identity, std::move(then));
+  const auto resolution = makeRecycled<Resolution>(collaborators_, identity, std::move(then));
   resolution->start();
   return resolution->box;
 }

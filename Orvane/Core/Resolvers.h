@@ -16,10 +16,10 @@ namespace orvane {
 
 /// What both resolvers are made of.
 struct ResolverCollaborators {
-  std::shared_ptr<TokenResolver> tokenResolver;
-  std::shared_ptr<EndpointResolver> endpointResolver;
-  std::shared_ptr<UserIdentifier> userIdentifier;
-  std::shared_ptr<TimeOffsetStore> offsetStore;
+  std::shared_ptr<TokenResolver> tokenResolver;        ///< Makes the tokens.
+  std::shared_ptr<EndpointResolver> endpointResolver;  ///< Knows where the backend is.
+  std::shared_ptr<UserIdentifier> userIdentifier;      ///< Finds out who is signed in.
+  std::shared_ptr<TimeOffsetStore> offsetStore;        ///< Keeps how far the device's clock is off.
 };
 
 /// Resolves base URL, token and user identifier, one after the other.
@@ -32,11 +32,13 @@ struct ResolverCollaborators {
 /// and `NetworkError::malformedRequest` for a base URL without a scheme or a host.
 class ORVANE_EXPORT TokenOffsettingOrvaneDetailsResolver final : public OrvaneDetailsResolver {
  public:
+  /// None of the collaborators may be null.
   explicit TokenOffsettingOrvaneDetailsResolver(ResolverCollaborators collaborators)
       : collaborators_(std::move(collaborators)) {}
 
   /// Made of what `container`, or one of its parents, has registered. A missing registration is a
-  /// programming fault.
+  /// programming fault. `Container::common()` has no `UserIdentifier` by itself: to be called by a
+  /// factory that is registered there, with the container that it is given, the library's own.
   [[nodiscard]] static std::shared_ptr<TokenOffsettingOrvaneDetailsResolver> make(
       Container& container);
 
@@ -51,6 +53,7 @@ class ORVANE_EXPORT TokenOffsettingOrvaneDetailsResolver final : public OrvaneDe
 class ORVANE_EXPORT UnauthenticatedOrvaneDetailResolver final
     : public UnauthenticatedOrvaneDetailResolverProtocol {
  public:
+  /// Only the endpoint resolver is asked; it must not be null.
   explicit UnauthenticatedOrvaneDetailResolver(ResolverCollaborators collaborators)
       : collaborators_(std::move(collaborators)) {}
 

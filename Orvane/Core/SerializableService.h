@@ -41,10 +41,13 @@ class OrvaneDetailsResolver;
 /// - any other error of the transport, unchanged.
 class ORVANE_EXPORT SerializableService {
  public:
+  /// In whose name it calls.
   [[nodiscard]] const Identity& identity() const noexcept { return identity_; }
+  /// The transport that was registered when it was made.
   [[nodiscard]] const std::shared_ptr<RequestManager>& requestManager() const noexcept {
     return requestManager_;
   }
+  /// Who finds out where the backend is, registered when it was made.
   [[nodiscard]] const std::shared_ptr<OrvaneDetailsResolver>& orvaneDetailsResolver()
       const noexcept {
     return orvaneDetailsResolver_;

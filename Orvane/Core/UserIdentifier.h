@@ -65,6 +65,7 @@ class ORVANE_EXPORT UserIdentifier {
 /// the answer is on its way through the main queue; where no request is made, from the start.
 class ORVANE_EXPORT CachedUserIdentifier final : public UserIdentifier {
  public:
+  /// Neither of the two may be null.
   CachedUserIdentifier(std::shared_ptr<RequestManager> requestManager,
                        std::shared_ptr<UserIDStore> userIDStore)
       : requestManager_(std::move(requestManager)), userIDStore_(std::move(userIDStore)) {}

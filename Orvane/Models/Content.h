@@ -12,7 +12,7 @@ namespace orvane {
 
 /// One localised text.
 struct ORVANE_EXPORT Content {
-  std::optional<std::string> body{};
+  std::optional<std::string> body{};  ///< The text, in the form in which the backend keeps it.
 
   ORVANE_EXPORT bool operator==(const Content& other) const noexcept;
 };

@@ -12,10 +12,11 @@ namespace orvane {
 
 /// A phone that a user has signed in on. Every member is absent where the backend did not tell it.
 struct ORVANE_EXPORT Device {
-  std::optional<std::string> deviceType{};
-  std::optional<std::string> enrollmentDeviceId{};
-  std::optional<std::string> identifier{};
-  std::optional<std::string> serialNumber{};
+  std::optional<std::string> deviceType{};  ///< What kind of device it is, in the backend's words.
+  std::optional<std::string> enrollmentDeviceId{};  ///< Its identifier within the enrolment.
+  std::optional<std::string> identifier{};    ///< What `DeviceIdentifier` answers on that phone.
+  std::optional<std::string> serialNumber{};  ///< As its maker has it.
+  /// The platform's, as `PushNotificationService::setToken` sent it.
   std::optional<std::string> pushNotificationToken{};
   /// Whether push notifications reach the phone.
   std::optional<bool> pushNotificationsAreEnabled{};

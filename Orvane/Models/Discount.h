@@ -13,12 +13,13 @@ namespace orvane {
 
 /// The current user's discount, in the backend's scale (percent, for example).
 struct ORVANE_EXPORT Discount {
-  std::optional<double> currentDiscount{};
+  std::optional<double> currentDiscount{};  ///< What has been earned by now.
+  /// What will have been earned if the driving goes on like this.
   std::optional<double> projectedDiscount{};
-  std::optional<double> discountRangeMin{};
-  std::optional<double> discountRangeMax{};
-  std::optional<double> projectedDiscountMinimum{};
-  std::optional<double> projectedDiscountMaximum{};
+  std::optional<double> discountRangeMin{};          ///< The lower bound of what can be earned.
+  std::optional<double> discountRangeMax{};          ///< The upper bound of what can be earned.
+  std::optional<double> projectedDiscountMinimum{};  ///< The lower bound of the projection.
+  std::optional<double> projectedDiscountMaximum{};  ///< The upper bound of the projection.
 
   ORVANE_EXPORT bool operator==(const Discount& other) const noexcept;
 };
@@ -28,7 +29,7 @@ struct ORVANE_EXPORT Discount {
 struct ORVANE_EXPORT DiscountMetadata {
   /// A step of the scheme.
   struct ORVANE_EXPORT DiscountScore {
-    double minimumScoreRequired = 0;
+    double minimumScoreRequired = 0;  ///< The score from which on it is earned.
     /// What is earned from that score up. (The backend's own name, not "projectedDiscount".)
     double projectDiscount = 0;
 
@@ -37,12 +38,13 @@ struct ORVANE_EXPORT DiscountMetadata {
 
   /// The scores that earn a discount, both bounds included.
   struct ORVANE_EXPORT DiscountRange {
-    ClosedRange<double> scoreRange{0, 0};
-    double associatedDiscount = 0;
+    ClosedRange<double> scoreRange{0, 0};  ///< Two numbers on the wire: [lower, upper].
+    double associatedDiscount = 0;         ///< What a score within it earns.
 
     ORVANE_EXPORT bool operator==(const DiscountRange& other) const noexcept;
   };
 
+  /// The steps, in the backend's order.
   std::optional<std::vector<DiscountScore>> discountsForScores{};
   /// How much must be driven before a discount applies, in kilometres.
   std::optional<double> minimumKmRequired{};

@@ -17,12 +17,14 @@ namespace orvane {
 
 /// The training of the model that tells whether a user drove or was a passenger.
 struct ORVANE_EXPORT DriverDetection {
+  /// How far the training has come. Another text on the wire fails the record.
   enum class Status : std::uint8_t {
     inTraining,  ///< The model is being trained.
     trained,     ///< The backend detects who drove.
   };
 
-  std::optional<Status> status{};
+  std::optional<Status> status{};  ///< How far the training has come.
+  /// Of the user's own trips as a driver, so far.
   std::optional<std::int64_t> numberOfDriverTrips{};
   std::optional<std::int64_t> minimumNumberOfDriverTrips{};  ///< How many the training needs.
 

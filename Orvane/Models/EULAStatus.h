@@ -11,7 +11,7 @@ namespace orvane {
 
 /// What the backend knows of a user's acceptance of the programme's terms.
 struct ORVANE_EXPORT EULAStatus {
-  std::optional<bool> acceptedTerms{};
+  std::optional<bool> acceptedTerms{};  ///< Whether the terms have been accepted.
 
   ORVANE_EXPORT bool operator==(const EULAStatus& other) const noexcept;
 };

@@ -20,17 +20,22 @@
 
 namespace orvane {
 
-/// One occurrence of harsh driving or speeding.
+/// One occurrence of harsh driving or speeding. Every member is absent where the backend did not
+/// tell it; in an event that the backend sent position, `date` and `transportMode` are there, since
+/// it fails without.
 struct ORVANE_EXPORT Event {
+  /// A kind of event that this version does not know.
   struct OtherEventType {
-    std::string key{};
+    std::string key{};  ///< The backend's name for it.
     [[nodiscard]] HashValue hashValue() const { return hashOf(key); }
     ORVANE_EXPORT bool operator==(const OtherEventType& other) const noexcept;
+    /// By the bytes of the name.
     friend std::strong_ordering operator<=>(const OtherEventType& left,
                                             const OtherEventType& right) noexcept {
       return orderOf(left.key, right.key);
     }
   };
+  /// The kinds of events that this version knows.
   enum class KnownEventType : std::uint8_t {
     acceleration,
     braking,
@@ -48,11 +53,17 @@ struct ORVANE_EXPORT Event {
     using OneOf::OneOf;
     /// The kind whose name is empty.
     EventType() : OneOf(OtherEventType{}) {}
+    /// A kind that is not known, under the backend's name.
     [[nodiscard]] static EventType other(std::string key) { return OtherEventType{std::move(key)}; }
+    /// `KnownEventType::acceleration`.
     [[nodiscard]] static EventType acceleration() { return KnownEventType::acceleration; }
+    /// `KnownEventType::braking`.
     [[nodiscard]] static EventType braking() { return KnownEventType::braking; }
+    /// `KnownEventType::cornering`.
     [[nodiscard]] static EventType cornering() { return KnownEventType::cornering; }
+    /// `KnownEventType::speeding`.
     [[nodiscard]] static EventType speeding() { return KnownEventType::speeding; }
+    /// `KnownEventType::postedSpeedLimit`.
     [[nodiscard]] static EventType postedSpeedLimit() { return KnownEventType::postedSpeedLimit; }
 
     /// The kind that the backend's name stands for, compared exactly; any unlisted one is another.
@@ -61,19 +72,21 @@ struct ORVANE_EXPORT Event {
     [[nodiscard]] ORVANE_EXPORT std::string_view wireText() const noexcept;
   };
 
+  /// How severe it was; a number on the wire. Another number fails the record.
   enum class Severity : std::uint8_t { veryLow = 1, low = 2, medium = 3, high = 4, veryHigh = 5 };
 
-  std::optional<double> latitude{};   ///< Degrees.
-  std::optional<double> longitude{};  ///< Degrees.
+  std::optional<double> latitude{};   ///< Degrees, north positive.
+  std::optional<double> longitude{};  ///< Degrees, east positive.
+  /// When it happened. Writing an event without it is a programming fault (see `encodeChecked`).
   std::optional<Date> date{};
-  std::optional<Severity> severity{};
-  std::optional<double> speed{};         ///< Metres per second.
-  std::optional<double> averageSpeed{};  ///< Metres per second.
+  std::optional<Severity> severity{};    ///< How severe it was.
+  std::optional<double> speed{};         ///< How fast it was at the time, in metres per second.
+  std::optional<double> averageSpeed{};  ///< On the stretch of road, in metres per second.
   /// The stretch of road on which it happened.
   std::optional<Polyline> polyline{};
-  std::optional<double> duration{};    ///< Seconds.
-  std::optional<double> speedLimit{};  ///< Metres per second.
-  std::optional<TransportMode> transportMode{};
+  std::optional<double> duration{};              ///< How long it lasted, in seconds.
+  std::optional<double> speedLimit{};            ///< The posted one, in metres per second.
+  std::optional<TransportMode> transportMode{};  ///< How the person travelled at the time.
 
   /// The coordinates of `polyline`, decoded anew by each call; absent without one. A polyline that
   /// is no list of coordinates stops the process (see `Polyline::decodeChecked`).

@@ -24,10 +24,10 @@ namespace orvane {
 struct ORVANE_EXPORT Invitation {
   /// One of the two parties.
   struct ORVANE_EXPORT InvitationUser {
-    std::optional<std::string> userId{};
-    std::optional<std::string> firstName{};
-    std::optional<std::string> lastName{};
-    std::optional<std::string> publicDisplayName{};
+    std::optional<std::string> userId{};             ///< The backend's identifier of the person.
+    std::optional<std::string> firstName{};          ///< Given name.
+    std::optional<std::string> lastName{};           ///< Family name.
+    std::optional<std::string> publicDisplayName{};  ///< The name that others see.
 
     ORVANE_EXPORT bool operator==(const InvitationUser& other) const noexcept;
   };
@@ -46,12 +46,12 @@ struct ORVANE_EXPORT Invitation {
   /// What a party can reply.
   enum class Response : std::uint8_t { accept, decline, ackAccept, ackDecline };
 
-  std::optional<std::string> invitationId{};
+  std::optional<std::string> invitationId{};     ///< What a reply names it by.
   std::optional<double> creationTimestamp{};     ///< Milliseconds since 1970-01-01 UTC.
   std::optional<double> lastUpdatedTimestamp{};  ///< Milliseconds since 1970-01-01 UTC.
-  std::optional<Status> status{};
-  Indirect<InvitationUser> fromUser{};
-  Indirect<InvitationUser> toUser{};
+  std::optional<Status> status{};                ///< How far it has come.
+  Indirect<InvitationUser> fromUser{};           ///< Who invites.
+  Indirect<InvitationUser> toUser{};             ///< Who is invited.
   /// What the other person is invited to drive.
   Indirect<Vehicle> vehicle{};
   /// What the other person is invited to join.

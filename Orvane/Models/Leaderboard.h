@@ -20,6 +20,7 @@ struct ORVANE_EXPORT LeaderboardEntry {
   std::optional<std::string> id{};
   /// Absent, too, when the backend sent a text that is no integer of 64 bits; likewise the points.
   std::optional<std::int64_t> position{};
+  /// What the place was earned with, in the backend's scale.
   std::optional<std::int64_t> points{};
   /// The public profile of the driver.
   Indirect<User> user{};
@@ -31,10 +32,10 @@ struct ORVANE_EXPORT LeaderboardEntry {
 struct ORVANE_EXPORT Leaderboard {
   /// Whether the current user agreed to appear on leaderboards.
   std::optional<bool> isOptedIn{};
-  std::optional<bool> isInLeaderboard{};
+  std::optional<bool> isInLeaderboard{};  ///< Whether the current user is on this one.
   /// Whether the current user is among the best, as the backend counts them.
   std::optional<bool> isInTop{};
-  std::optional<std::vector<LeaderboardEntry>> entries{};
+  std::optional<std::vector<LeaderboardEntry>> entries{};  ///< The places, in the backend's order.
 
   ORVANE_EXPORT bool operator==(const Leaderboard& other) const noexcept;
 };

@@ -13,9 +13,9 @@ namespace orvane {
 
 /// The last known position of a user's phone or vehicle.
 struct ORVANE_EXPORT Location {
-  std::optional<double> latitude{};   ///< Degrees.
-  std::optional<double> longitude{};  ///< Degrees.
-  std::optional<Date> date{};
+  std::optional<double> latitude{};   ///< Degrees, north positive.
+  std::optional<double> longitude{};  ///< Degrees, east positive.
+  std::optional<Date> date{};         ///< When the position was taken.
 
   /// The position as the platform's record, height and accuracies being 0. A member that is absent
   /// (none is after decoding) is a programming fault that stops the process.

@@ -15,12 +15,12 @@ namespace orvane {
 struct ORVANE_EXPORT LogbookWrapper {
   /// An entry of the logbook.
   struct ORVANE_EXPORT TripWrapper {
-    std::optional<Trip> trip{};
+    std::optional<Trip> trip{};  ///< The trip of the entry.
 
     ORVANE_EXPORT bool operator==(const TripWrapper& other) const noexcept;
   };
 
-  std::optional<std::vector<TripWrapper>> tripWrappers{};
+  std::optional<std::vector<TripWrapper>> tripWrappers{};  ///< The entries, in the backend's order.
 
   ORVANE_EXPORT bool operator==(const LogbookWrapper& other) const noexcept;
 };

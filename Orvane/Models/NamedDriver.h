@@ -14,14 +14,14 @@ namespace orvane {
 /// A driver named on the policy besides its holder. The members that are not optional must be there
 /// when decoding; one driver without them fails a whole list.
 struct ORVANE_EXPORT NamedDriver {
-  std::string firstName;
-  std::string lastName;
-  std::optional<std::string> email{};
-  std::optional<std::string> phone{};
-  bool activated = false;
+  std::string firstName;               ///< Given name.
+  std::string lastName;                ///< Family name.
+  std::optional<std::string> email{};  ///< E-mail address.
+  std::optional<std::string> phone{};  ///< Phone number.
+  bool activated = false;              ///< Whether the driver takes part in the programme by now.
   std::optional<double> activatedDate{};  ///< Milliseconds since 1970-01-01 UTC.
-  std::string userProfileId;
-  std::int64_t userId = 0;
+  std::string userProfileId;              ///< The identifier of the driver's profile.
+  std::int64_t userId = 0;                ///< What `NamedDriverService::updateNamedDriver` takes.
 
   ORVANE_EXPORT bool operator==(const NamedDriver& other) const noexcept;
 };

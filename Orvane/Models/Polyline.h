@@ -20,12 +20,13 @@ namespace orvane {
 
 /// Why a text is no list of coordinates.
 struct ORVANE_EXPORT PolylineError {
+  /// What is wrong with the text.
   enum class Case : std::uint8_t {
     truncated,  ///< It ends within a value, or with a latitude that has no longitude.
     overflow,   ///< A coordinate does not fit in 64 bits.
   };
 
-  Case kind = Case::truncated;
+  Case kind = Case::truncated;  ///< What is wrong with it.
 
   [[nodiscard]] std::string message() const;
   friend bool operator==(const PolylineError&, const PolylineError&) = default;
@@ -53,7 +54,7 @@ class ORVANE_EXPORT Polyline {
   /// stops the process: see `decodeChecked` for texts from elsewhere.
   [[nodiscard]] std::vector<CLLocationCoordinate2D> decode() const;
 
-  /// The coordinates, or why there are none.
+  /// The coordinates. Fails with a `PolylineError`.
   [[nodiscard]] Result<std::vector<CLLocationCoordinate2D>> decodeChecked() const;
 
   friend bool operator==(const Polyline&, const Polyline&) = default;

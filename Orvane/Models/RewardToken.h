@@ -13,7 +13,7 @@ namespace orvane {
 /// A JSON Web Token (RFC 7519) that opens the rewards for the current user. It is handed on as it
 /// came; nothing here looks inside. As JSON the record is one text, the token, and no object.
 struct ORVANE_EXPORT RewardToken {
-  std::optional<std::string> token{};
+  std::optional<std::string> token{};  ///< The token, as it came.
 
   ORVANE_EXPORT bool operator==(const RewardToken& other) const noexcept;
 };

@@ -27,8 +27,8 @@ struct ORVANE_EXPORT Subscription {
   std::optional<double> endTimestamp{};    ///< Milliseconds since 1970-01-01 UTC.
   /// The enrolment that the contract belongs to.
   std::optional<std::int64_t> telematicSubscriptionEnrollmentId{};
-  std::optional<SubscriptionType> telematicSubscriptionType{};
-  std::optional<double> subscriptionLengthMillis{};  ///< Milliseconds.
+  std::optional<SubscriptionType> telematicSubscriptionType{};  ///< The kind of contract.
+  std::optional<double> subscriptionLengthMillis{};             ///< Milliseconds.
   std::optional<double> trialLengthMillis{};  ///< Length of the trial period in milliseconds.
   /// End of the trial period: milliseconds since 1970-01-01 UTC.
   std::optional<double> trialEndTimestamp{};

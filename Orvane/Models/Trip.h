@@ -28,20 +28,24 @@
 
 namespace orvane {
 
-/// A recorded journey. Every member is absent where the backend did not tell it.
+/// A recorded journey. Every member is absent where the backend did not tell it; in a trip that the
+/// backend sent `id`, `status`, `transportMode` and `purpose` are there, since it fails without.
 ///
 /// What is read is not all written: the three scores are lost.
 struct ORVANE_EXPORT Trip {
   /// What the trip was for.
   enum class Purpose : std::uint8_t { unknown, personal, business };
 
+  /// How far the recording has come.
   enum class Status : std::uint8_t { inProgress, complete, unknown };
 
+  /// Events by their kind, in the backend's order within each.
   using Events = std::map<Event::EventType, std::vector<Event>>;
 
+  /// The backend's identifier of the trip; "tripId" on the wire.
   std::optional<std::string> id{};
-  std::optional<Date> dateStarted{};
-  std::optional<Date> dateEnded{};
+  std::optional<Date> dateStarted{};     ///< When it began.
+  std::optional<Date> dateEnded{};       ///< When it ended.
   std::optional<Date> dateProcessed{};   ///< When the backend was done with it.
   std::optional<double> distance{};      ///< Metres.
   std::optional<double> averageSpeed{};  ///< Metres per second.
@@ -49,20 +53,20 @@ struct ORVANE_EXPORT Trip {
   std::optional<double> duration{};      ///< Seconds.
   /// Where the trip took place. Absent, too, for an offset that no zone has.
   std::optional<TimeZone> timeZone{};
-  std::optional<Status> status{};
-  std::optional<TransportMode> transportMode{};
+  std::optional<Status> status{};                ///< How far the recording has come.
+  std::optional<TransportMode> transportMode{};  ///< How the person travelled.
   /// What happened on the way; there when a request asked for it.
   std::optional<Events> events{};
   std::optional<double> score{};       ///< The score as a whole. Never written.
   Indirect<TripScores> scores{};       ///< Never written.
   Indirect<TripScoring> scoring{};     ///< Never written.
   std::optional<Polyline> polyline{};  ///< The route.
-  std::optional<Purpose> purpose{};
+  std::optional<Purpose> purpose{};    ///< What it was for.
   /// The first stretch of the route, where it had to be reconstructed.
   std::optional<Polyline> startPolyline{};
   /// The driver; there when a request asked for it.
   Indirect<User> user{};
-  std::optional<std::string> vehicleId{};
+  std::optional<std::string> vehicleId{};  ///< The identifier of the vehicle.
   /// There when a request asked for it.
   Indirect<Vehicle> vehicle{};
 

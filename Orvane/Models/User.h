@@ -21,7 +21,7 @@ namespace orvane {
 
 /// The account that users share.
 struct ORVANE_EXPORT Account {
-  std::optional<std::string> accountId{};
+  std::optional<std::string> accountId{};  ///< The backend's identifier of the account.
   /// What the account is called elsewhere, as the backend tells it.
   std::optional<std::string> identifier{};
 
@@ -30,6 +30,7 @@ struct ORVANE_EXPORT Account {
 
 /// What a user is allowed to do.
 struct ORVANE_EXPORT UserRole {
+  /// What a role is called. Another text on the wire fails the record.
   enum class RoleName : std::uint8_t {
     primaryDriver,
     secondaryDriver,
@@ -44,7 +45,7 @@ struct ORVANE_EXPORT UserRole {
     roleFleetAdmin,
   };
 
-  std::optional<std::vector<RoleName>> roleNames{};
+  std::optional<std::vector<RoleName>> roleNames{};  ///< The roles that are granted.
   /// Whether support staff may act for the user, as the backend words it.
   std::optional<std::string> supportAccessGranted{};
 
@@ -53,16 +54,20 @@ struct ORVANE_EXPORT UserRole {
 
 /// A person taking part in the programme. Every member is absent where the backend did not tell it.
 struct ORVANE_EXPORT User {
+  /// The case of `Gender` that is "male" on the wire.
   struct Male {
     auto operator<=>(const Male&) const = default;
   };
+  /// The case of `Gender` that is "female" on the wire.
   struct Female {
     auto operator<=>(const Female&) const = default;
   };
+  /// The case of `Gender` that is any other text.
   struct CustomGender {
-    std::string gender;
+    std::string gender;  ///< The text, as it stands on the wire.
     [[nodiscard]] HashValue hashValue() const { return hashOf(gender); }
     ORVANE_EXPORT bool operator==(const CustomGender& other) const noexcept;
+    /// By the bytes of the text.
     friend std::strong_ordering operator<=>(const CustomGender& left,
                                             const CustomGender& right) noexcept {
       return orderOf(left.gender, right.gender);
@@ -73,14 +78,18 @@ struct ORVANE_EXPORT User {
   class Gender : public OneOf<Male, Female, CustomGender> {
    public:
     using OneOf::OneOf;
+    /// "male" on the wire.
     [[nodiscard]] static Gender male() { return Male{}; }
+    /// "female" on the wire.
     [[nodiscard]] static Gender female() { return Female{}; }
+    /// Any text. One of the two above is read back as that case.
     [[nodiscard]] static Gender custom(std::string gender) {
       return CustomGender{std::move(gender)};
     }
 
     /// The case that a wire text stands for, compared exactly; any unlisted text is a custom one.
     [[nodiscard]] ORVANE_EXPORT static Gender fromWireText(std::string_view text);
+    /// The text on the wire.
     [[nodiscard]] ORVANE_EXPORT std::string_view wireText() const noexcept;
   };
 
@@ -114,53 +123,59 @@ struct ORVANE_EXPORT User {
   /// What a user shares with others. Distance, speed and score stand as the backend sends them,
   /// without a conversion.
   struct ORVANE_EXPORT SharedInformation {
-    std::optional<std::string> facebookInfo{};
-    std::optional<std::string> selfDescription{};
-    std::optional<double> totalDistanceDriven{};
-    std::optional<std::string> city{};
-    std::optional<std::string> subdivision{};
-    std::optional<std::int64_t> age{};  ///< Years.
-    std::optional<Gender> gender{};
-    std::optional<double> utcActivationDateInMillis{};  ///< Milliseconds since 1970-01-01 UTC.
-    std::optional<double> averageDrivingSpeedPerHour{};
-    std::optional<double> overallScore{};
-    std::optional<DriverType> driverType{};
+    std::optional<std::string> facebookInfo{};     ///< What the person tells of an account there.
+    std::optional<std::string> selfDescription{};  ///< What the person says of themselves.
+    std::optional<double> totalDistanceDriven{};   ///< In the backend's unit.
+    std::optional<std::string> city{};             ///< Name of the city.
+    std::optional<std::string> subdivision{};      ///< Name of the state, province or region.
+    std::optional<std::int64_t> age{};             ///< Years.
+    std::optional<Gender> gender{};                ///< As in `User`.
+    std::optional<double> utcActivationDateInMillis{};   ///< Milliseconds since 1970-01-01 UTC.
+    std::optional<double> averageDrivingSpeedPerHour{};  ///< In the backend's unit.
+    std::optional<double> overallScore{};                ///< In the backend's scale.
+    std::optional<DriverType> driverType{};              ///< As in `User`.
 
     ORVANE_EXPORT bool operator==(const SharedInformation& other) const noexcept;
   };
 
-  std::optional<std::string> id{};
+  std::optional<std::string> id{};  ///< The backend's identifier of the user; "userId" on the wire.
+  /// The identifier in the host's own system; "externalReferenceId" on the wire.
   std::optional<std::string> externalReferenceID{};
-  std::optional<std::string> userProfileId{};
-  std::optional<bool> activated{};
+  std::optional<std::string> userProfileId{};  ///< The identifier of the profile.
+  std::optional<bool> activated{};             ///< Whether the enrolment has been activated.
+  /// Where a picture is. Absent, too, when the backend sent a text that is no URL.
   std::optional<URL> avatar{};
-  std::optional<std::string> firstName{};
-  std::optional<std::string> lastName{};
+  std::optional<std::string> firstName{};  ///< Given name.
+  std::optional<std::string> lastName{};   ///< Family name.
   /// Other users of the account; there when a request asked for them.
   std::optional<std::vector<User>> associatedUsers{};
-  std::optional<Gender> gender{};
+  std::optional<Gender> gender{};  ///< Any text can be one.
+  /// The name that others see; "publicDisplayName" on the wire.
   std::optional<std::string> displayName{};
-  std::optional<std::string> city{};
-  std::optional<std::string> subdivision{};  ///< Name of the state, province or region.
-  std::optional<std::string> subdivisionCode{};
-  std::optional<std::string> postalCode{};
-  std::optional<std::string> country{};
-  std::optional<std::string> countryCode{};
+  std::optional<std::string> city{};             ///< Name of the city.
+  std::optional<std::string> subdivision{};      ///< Name of the state, province or region.
+  std::optional<std::string> subdivisionCode{};  ///< The same as a code, as the backend has it.
+  std::optional<std::string> postalCode{};       ///< "postalcode" on the wire.
+  std::optional<std::string> country{};          ///< Name of the country.
+  std::optional<std::string> countryCode{};      ///< The same as a code, as the backend has it.
+  /// The whole address as a text, as the backend words it.
   std::optional<std::string> formattedAddress{};
   /// In the device's calendar. Present with nothing set when the backend sent a text that is no
   /// day.
   std::optional<DateComponents> dateOfBirth{};
-  std::optional<std::string> email{};
-  std::optional<std::string> phone{};
+  std::optional<std::string> email{};   ///< E-mail address.
+  std::optional<std::string> phone{};   ///< Phone number.
   std::optional<bool> acceptedTerms{};  ///< Whether the user accepted the programme's terms.
+  /// When they were accepted. Absent, too, when the backend sent no integer.
   std::optional<Date> acceptedTermsDate{};
-  std::optional<std::string> selfDescription{};
-  std::optional<bool> shareUserProfile{};
-  std::optional<DriverType> driverType{};
-  std::optional<DataCollectionType> dataCollectionType{};
-  std::optional<ScoringType> scoringType{};
+  std::optional<std::string> selfDescription{};  ///< What the person says of themselves.
+  std::optional<bool> shareUserProfile{};        ///< Whether others may see the profile.
+  std::optional<DriverType> driverType{};        ///< How often, and for what, the user drives.
+  std::optional<DataCollectionType> dataCollectionType{};  ///< What records the driving.
+  std::optional<ScoringType> scoringType{};                ///< By whose method trips are scored.
+  /// With what equipment the user takes part.
   std::optional<EnrollmentModelType> enrollmentModelType{};
-  std::optional<AccountRole> accountRole{};
+  std::optional<AccountRole> accountRole{};  ///< What the user is to the account.
   /// There when a request asked for the role.
   Indirect<UserRole> userRole{};
   /// There when a request asked for it.
@@ -173,8 +188,8 @@ struct ORVANE_EXPORT User {
 
 /// The users of an account or vehicle by what they are to it. The members are named as on the wire.
 struct ORVANE_EXPORT UsersByRole {
-  std::optional<std::vector<User>> OPERATOR{};
-  std::optional<std::vector<User>> OWNER{};
+  std::optional<std::vector<User>> OPERATOR{};  ///< Those who drive.
+  std::optional<std::vector<User>> OWNER{};     ///< Those whom it belongs to.
 
   ORVANE_EXPORT bool operator==(const UsersByRole& other) const noexcept;
 };

@@ -25,8 +25,11 @@ class ClosedRange {
     return ClosedRange(std::move(lowerBound), std::move(upperBound));
   }
 
+  /// The least value in it.
   [[nodiscard]] constexpr const T& lowerBound() const noexcept { return lower_; }
+  /// The greatest value in it.
   [[nodiscard]] constexpr const T& upperBound() const noexcept { return upper_; }
+  /// True for the bounds and everything between them.
   [[nodiscard]] constexpr bool contains(const T& value) const {
     return lower_ <= value && value <= upper_;
   }

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace orvane {
 
@@ -34,6 +35,10 @@ using Date = std::chrono::time_point<std::chrono::system_clock, Seconds>;
 /// Milliseconds from 1970-01-01 UTC to `date`, halves rounded away from zero. Absent for a date
 /// that is not finite or does not fit in 64 bits of milliseconds.
 [[nodiscard]] ORVANE_EXPORT std::optional<std::int64_t> millisecondsSince1970(Date date) noexcept;
+
+/// The date in UTC as RFC 3339 writes it, to the millisecond, without a fraction where there is
+/// none: "2024-05-13T07:30:00.25Z". Outside its years 0 to 9999, "1e+300 s since 1970".
+[[nodiscard]] ORVANE_EXPORT std::string rfc3339Text(Date date);
 
 /// The clock of the device, right or wrong.
 class ORVANE_EXPORT DeviceClock {

@@ -13,7 +13,7 @@ namespace orvane {
 
 /// The error of a time zone's name that is in no zone database.
 struct ORVANE_EXPORT UnknownTimeZone {
-  std::string name;
+  std::string name;  ///< What was asked for.
 
   [[nodiscard]] std::string message() const;
   friend bool operator==(const UnknownTimeZone&, const UnknownTimeZone&) = default;

@@ -3,6 +3,8 @@
 // form.
 #pragma once
 
+#include <Orvane/Platform/TextStream.h>
+
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -15,8 +17,8 @@ namespace orvane {
 /// A case of an enumeration and the text that stands for it on the wire.
 template <class E>
 struct EnumerationCase {
-  E value;
-  std::string_view wireText;
+  E value;                    ///< The case.
+  std::string_view wireText;  ///< Its text.
 };
 
 /// The table of an enumeration, specialised beside it: `static constexpr EnumerationCase<E>
@@ -76,17 +78,13 @@ concept OpenEnumeration = requires(const E& value) {
   { value.wireText() } -> std::same_as<std::string_view>;
 };
 
-template <class Stream>
-concept TextStream = requires(Stream& stream, std::string_view text) {
-  stream.write(text.data(), 0);
-};
-
 /// Prints the wire text.
 template <TextStream Stream, Enumeration E>
 Stream& operator<<(Stream& stream, E value) {
   stream << wireText(value);
   return stream;
 }
+/// The same for an open enumeration.
 template <TextStream Stream, OpenEnumeration E>
 Stream& operator<<(Stream& stream, const E& value) {
   stream << value.wireText();

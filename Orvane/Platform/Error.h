@@ -4,6 +4,7 @@
 #pragma once
 
 #include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/TextStream.h>
 #include <Orvane/Platform/TypeIdentity.h>
 
 #include <concepts>
@@ -45,6 +46,7 @@ concept ErrorValue = !std::same_as<E, Error> && requires(const E& error) {
 /// Copies share the error, which never changes.
 class ORVANE_EXPORT Error {
  public:
+  /// Holds `error`.
   template <ErrorValue E>
   Error(E error)  // NOLINT(google-explicit-constructor): an error turns into an Error by itself
       : box_(std::make_shared<Box<E>>(std::move(error))) {}
@@ -126,5 +128,12 @@ class ORVANE_EXPORT Error {
 
   std::shared_ptr<const AnyBox> box_;
 };
+
+/// Prints its description.
+template <TextStream Stream>
+Stream& operator<<(Stream& stream, const Error& error) {
+  stream << error.description();
+  return stream;
+}
 
 }  // namespace orvane

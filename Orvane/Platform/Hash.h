@@ -11,7 +11,7 @@ namespace orvane {
 /// A hash. A type of its own, so that another library's `hashValue()` is not taken for one of
 /// these.
 struct HashValue {
-  std::size_t value = 0;
+  std::size_t value = 0;  ///< As std::hash would answer it.
 
   friend constexpr bool operator==(const HashValue&, const HashValue&) = default;
 };

@@ -32,6 +32,7 @@ struct Overloaded : Functions... {
 template <class... Cases>
 class OneOf {
  public:
+  /// Of that case.
   template <class Case>
     requires(std::same_as<Case, Cases> || ...)
   OneOf(Case value) : value_(std::move(value)) {}  // NOLINT(google-explicit-constructor)
@@ -61,6 +62,7 @@ class OneOf {
   }
 
   friend bool operator==(const OneOf&, const OneOf&) = default;
+  /// By the order in which the cases stand, then by their data.
   friend std::strong_ordering operator<=>(const OneOf& left, const OneOf& right) {
     if (const auto order = left.value_.index() <=> right.value_.index(); order != 0) return order;
     const auto toTheSameCase = [&right]<class Case>(const Case& data) -> std::strong_ordering {

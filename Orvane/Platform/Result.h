@@ -4,6 +4,7 @@
 
 #include <Orvane/Platform/Error.h>
 #include <Orvane/Platform/Export.h>
+#include <Orvane/Platform/Printing.h>
 #include <Orvane/Platform/UniqueFunction.h>
 
 #include <concepts>
@@ -17,6 +18,13 @@ namespace orvane {
 struct Unit {
   friend bool operator==(const Unit&, const Unit&) = default;
 };
+
+/// Prints "()".
+template <TextStream Stream>
+Stream& operator<<(Stream& stream, Unit) {
+  stream << "()";
+  return stream;
+}
 
 template <class T>
 class Result;
@@ -64,12 +72,15 @@ using ValueOrUnit = std::conditional_t<std::is_void_v<T>, Unit, std::remove_cvre
 template <class T>
 class Result {
  public:
-  using Value = T;
+  using Value = T;  ///< What it holds on success.
 
   /// A failure without an error.
   Result() = default;
-  Result(T value) : value_(std::move(value)) {}      // NOLINT(google-explicit-constructor)
+  /// A success.
+  Result(T value) : value_(std::move(value)) {}  // NOLINT(google-explicit-constructor)
+  /// A failure.
   Result(Error error) : error_(std::move(error)) {}  // NOLINT(google-explicit-constructor)
+  /// A failure with an error of any type.
   template <ErrorValue E>
     requires(detail::isMadeOfResults<T> || !std::constructible_from<T, E>)
   Result(E error) : error_(std::move(error)) {}  // NOLINT(google-explicit-constructor)
@@ -90,12 +101,14 @@ class Result {
 
   /// True on success.
   explicit operator bool() const noexcept { return value_.has_value(); }
+  /// True on success.
   [[nodiscard]] bool has_value() const noexcept { return value_.has_value(); }
 
   /// The value; of a failure, a programming fault.
   [[nodiscard]] const T& operator*() const& noexcept { return checked(), *value_; }
   [[nodiscard]] T& operator*() & noexcept { return checked(), *value_; }
   [[nodiscard]] T&& operator*() && noexcept { return checked(), *std::move(value_); }
+  /// A member of the value; of a failure's, a programming fault.
   [[nodiscard]] const T* operator->() const noexcept { return checked(), &*value_; }
   [[nodiscard]] T* operator->() noexcept { return checked(), &*value_; }
 
@@ -187,6 +200,20 @@ class Result {
   std::optional<T> value_;
   std::optional<Error> error_;
 };
+
+/// Prints the value as that prints itself, or what went wrong.
+template <TextStream Stream, class T>
+Stream& operator<<(Stream& stream, const Result<T>& result) {
+  if (result.value()) {
+    stream << "success: ";
+    detail::print(stream, *result.value());
+  } else if (result.error()) {
+    stream << "failure: " << *result.error();
+  } else {
+    stream << "failure without an error";
+  }
+  return stream;
+}
 
 /// A handler for the outcome of an operation: any callable taking a `Result<T>`, also a move-only
 /// one. It must not throw (that ends the process). A null handler is allowed and ignored.

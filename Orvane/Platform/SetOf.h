@@ -15,9 +15,12 @@ namespace orvane {
 template <class E>
 class SetOf {
  public:
+  /// No element.
   SetOf() = default;
+  /// The elements of a set.
   SetOf(std::set<E> elements)  // NOLINT(google-explicit-constructor)
       : elements_(std::move(elements)) {}
+  /// Those elements; what is there twice counts once.
   template <std::convertible_to<E>... Elements>
     requires(sizeof...(Elements) > 0)
   SetOf(Elements... elements) {  // NOLINT(google-explicit-constructor)

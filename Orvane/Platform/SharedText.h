@@ -17,6 +17,7 @@ class ORVANE_EXPORT SharedText {
  public:
   /// The empty text.
   SharedText() noexcept = default;
+  /// A copy of `text`.
   explicit SharedText(std::string_view text);
   /// The text of `size` bytes at `data`, which somebody else has written.
   SharedText(std::shared_ptr<const char> data, std::size_t size) noexcept
@@ -36,6 +37,7 @@ class ORVANE_EXPORT SharedText {
   /// Valid as long as this text, or a copy of it, is there.
   [[nodiscard]] std::string_view view() const noexcept { return {data_.get(), size_}; }
 
+  /// True for equal texts, wherever they are.
   friend bool operator==(const SharedText& left, const SharedText& right) noexcept {
     return left.view() == right.view();
   }

@@ -28,6 +28,7 @@ class SourceLocation {
   /// The function's name without its signature.
   [[nodiscard]] constexpr const char* functionName() const noexcept { return function_; }
 
+  /// Counted from 1.
   [[nodiscard]] constexpr std::uint_least32_t line() const noexcept { return line_; }
 
  private:

@@ -2,6 +2,7 @@
 #include <Orvane/Platform/SystemTimeZone.h>
 #include <Orvane/Platform/ZoneRules.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <optional>
@@ -93,8 +94,9 @@ std::string stampOf(const fs::path& file) {
   if (error) return {};
   const auto size = fs::file_size(path, error);
   if (error) return {};
-  return path.string() + ' ' + std::to_string(changed.time_since_epoch().count()) + ' ' +
-         std::to_string(size);
+  // libc++ counts in 128 bits, of which not all are needed to tell two times apart.
+  const auto time = static_cast<std::int64_t>(changed.time_since_epoch().count());
+  return path.string() + ' ' + std::to_string(time) + ' ' + std::to_string(size);
 }
 
 }  // namespace orvane

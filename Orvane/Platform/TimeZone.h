@@ -32,6 +32,7 @@ class ORVANE_EXPORT TimeZone {
   /// The IANA name, or "GMT", "GMT+5:30" and the like for a fixed offset.
   [[nodiscard]] std::string identifier() const;
 
+  /// True for one name, or one fixed offset.
   friend bool operator==(const TimeZone& left, const TimeZone& right) noexcept {
     return left.offset_ == right.offset_ &&
            (left.name_ == right.name_ ||

@@ -5,6 +5,7 @@
 
 #include <Orvane/Platform/Export.h>
 #include <Orvane/Platform/Hash.h>
+#include <Orvane/Platform/TextStream.h>
 
 #include <optional>
 #include <string>
@@ -59,5 +60,12 @@ class ORVANE_EXPORT URL {
 
   std::string text_;
 };
+
+/// Prints the text.
+template <TextStream Stream>
+Stream& operator<<(Stream& stream, const URL& url) {
+  stream << url.absoluteString();
+  return stream;
+}
 
 }  // namespace orvane

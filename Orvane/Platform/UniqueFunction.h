@@ -11,6 +11,7 @@
 
 namespace orvane {
 
+/// A move-only callable: see `UniqueFunction<R(Arguments...)>`.
 template <class Signature>
 class UniqueFunction;
 
@@ -22,8 +23,10 @@ template <class R, class... Arguments>
 class UniqueFunction<R(Arguments...)> {
  public:
   UniqueFunction() noexcept = default;
+  /// An empty one.
   UniqueFunction(std::nullptr_t) noexcept {}  // NOLINT(google-explicit-constructor)
 
+  /// Holds `callable`; a null pointer to a function, and an empty std::function, make an empty one.
   template <class Callable>
     requires(!std::same_as<std::remove_cvref_t<Callable>, UniqueFunction> &&
              std::is_invocable_r_v<R, std::decay_t<Callable>&, Arguments...>)
@@ -42,7 +45,9 @@ class UniqueFunction<R(Arguments...)> {
     operations_ = &operationsOf<Stored>;
   }
 
+  /// Leaves an empty one behind.
   UniqueFunction(UniqueFunction&& other) noexcept { take(other); }
+  /// Leaves an empty one behind.
   UniqueFunction& operator=(UniqueFunction&& other) noexcept {
     if (this != &other) {
       reset();
@@ -57,6 +62,7 @@ class UniqueFunction<R(Arguments...)> {
   /// True when it holds a callable.
   explicit operator bool() const noexcept { return operations_ != nullptr; }
 
+  /// Calls it. An empty one that should answer something must not be called.
   R operator()(Arguments... arguments) noexcept {
     if constexpr (std::is_void_v<R>) {
       if (operations_ == nullptr) return;

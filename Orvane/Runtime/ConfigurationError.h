@@ -12,6 +12,7 @@ namespace orvane {
 /// An option given to the Runtime can't work: a base URL that is none, a file that can't be read.
 class ORVANE_RUNTIME_EXPORT ConfigurationError {
  public:
+  /// With that message.
   explicit ConfigurationError(std::string message) : message_(std::move(message)) {}
 
   /// Which option it is, and what is wrong with it.

@@ -79,7 +79,7 @@ std::optional<std::string> credential(const Handle& url, CURLUPart which) {
 // RFC 1929, section 2, no more bytes than that.
 std::optional<ConfigurationError> problemWithCredentials(const TransportOptions& options,
                                                          std::string_view scheme) {
-  const auto isControl = [](char c) { return (c >= '\0' && c < ' ') || c == '\x7F'; };
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; };
   const std::string& user = options.proxyUser;
   const std::string& password = options.proxyPassword;
   if (std::any_of(user.begin(), user.end(), isControl) ||

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Platform/Deadline.h>
+#include <Orvane/Platform/Recycled.h>
 #include <Orvane/Runtime/CurlRequestManager.h>
 #include <Orvane/Runtime/OutgoingRequest.h>
 #include <Orvane/Runtime/Transfer.h>
@@ -38,7 +39,7 @@ RequestHandle CurlRequestManager::send(Verb verb, URL url, std::string body, Hea
   }
   const auto limit = loop_->options().totalTimeout;
   if (limit.count() > 0) deadline = std::min(deadline, deadlineAfter(limit));
-  auto transfer = std::make_shared<Transfer>(loop_, std::move(request), std::move(then), deadline);
+  auto transfer = makeRecycled<Transfer>(loop_, std::move(request), std::move(then), deadline);
   transfer->writeHeaderLines();
   loop_->start(transfer);
   return transfer;

@@ -58,9 +58,9 @@ struct ORVANE_RUNTIME_EXPORT TransportOptions {
   /// What this side shows where a server asks who it is: a certificate (PEM) and its private key,
   /// each as a file or a text. A key that is not given stands with the certificate.
   std::string clientCertificateFile{};
-  std::string clientCertificatePEM{};
-  std::string clientKeyFile{};
-  std::string clientKeyPEM{};
+  std::string clientCertificatePEM{};  ///< The certificate as a text.
+  std::string clientKeyFile{};         ///< A file with the private key.
+  std::string clientKeyPEM{};          ///< The private key as a text.
   /// Opens the private key, where it is encrypted.
   std::string clientKeyPassword{};
   /// Lets SSLKEYLOGFILE of the environment have its way: whoever has that file can read what was
@@ -74,7 +74,7 @@ struct ORVANE_RUNTIME_EXPORT TransportOptions {
   /// Who the proxy is to be told that asks; a user in the proxy's URL is the same. No control
   /// characters, and no colon in the name; a password needs a user, and a proxy other than socks4.
   std::string proxyUser{};
-  std::string proxyPassword{};
+  std::string proxyPassword{};  ///< Goes with `proxyUser`.
   /// The value of "User-Agent"; empty: none is sent.
   std::string userAgent{};
 

@@ -14,14 +14,17 @@ namespace orvane {
 /// `NetworkError::invalidStatusCode`.
 class ORVANE_RUNTIME_EXPORT DownloadError {
  public:
+  /// What kept the file from being written.
   enum class Kind : std::uint8_t {
     file,  ///< The file can't be created, written or renamed.
     busy,  ///< Another download to the same file is under way, in this process or another.
   };
 
+  /// With what is known besides, in one line.
   explicit DownloadError(Kind kind, std::string message = {})
       : kind_(kind), message_(std::move(message)) {}
 
+  /// What kept the file from being written.
   [[nodiscard]] Kind kind() const noexcept { return kind_; }
   /// The kind and the details known, in one line, without the file's name.
   [[nodiscard]] std::string message() const;

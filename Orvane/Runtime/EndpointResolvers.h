@@ -28,6 +28,7 @@ struct ORVANE_RUNTIME_EXPORT UnknownAPIKey {
 /// inside the call.
 class ORVANE_RUNTIME_EXPORT FunctionEndpointResolver final : public EndpointResolver {
  public:
+  /// Answers the base URL for an API key, or why there is none.
   using Function = UniqueFunction<Result<URL>(const std::string& apiKey)>;
 
   /// An empty function is a programming fault.
@@ -53,6 +54,7 @@ class ORVANE_RUNTIME_EXPORT EndpointSource {
   EndpointSource(Text&& baseURL)  // NOLINT(google-explicit-constructor)
       : EndpointSource(fixed(textOrNothing(std::forward<Text>(baseURL)))) {}
   EndpointSource(std::nullptr_t) = delete;
+  /// The same of a URL.
   EndpointSource(const URL& baseURL)  // NOLINT(google-explicit-constructor)
       : EndpointSource(fixed(baseURL.absoluteString())) {}
 

@@ -21,10 +21,10 @@ namespace orvane {
 /// to the end, and not gone out at all. Unless the application asks for secrets, the values
 /// of queries, of "Authorization" and of cookies read "…", and the bodies are empty.
 struct ORVANE_RUNTIME_EXPORT Exchange {
-  Verb verb = Verb::get;
-  std::string url;
-  Headers requestHeaders;
-  std::string requestBody;
+  Verb verb = Verb::get;    ///< What was asked of the resource.
+  std::string url;          ///< Where it went, query included.
+  Headers requestHeaders;   ///< As sent, without those that HTTP itself demands.
+  std::string requestBody;  ///< Empty unless secrets are asked for.
   /// Bytes of the request's body.
   std::size_t requestSize = 0;
   /// The HTTP status; absent when no answer came.

@@ -16,6 +16,7 @@ class ORVANE_RUNTIME_EXPORT IntervalTimeMonitor final : public TimeMonitor {
   /// Reads a clock that never goes back; any thread may call it.
   using Clock = std::function<TimePoint()>;
 
+  /// Entries last for `interval` by `clock`, which must not be empty.
   explicit IntervalTimeMonitor(std::chrono::milliseconds interval = std::chrono::hours(1),
                                Clock clock = std::chrono::steady_clock::now);
 

@@ -15,6 +15,7 @@ class ORVANE_RUNTIME_EXPORT StandardErrorLogger final : public Logger {
   /// a warning than an error.
   explicit StandardErrorLogger(Level least = Level::information) : least_(least) {}
 
+  /// Writes a line, unless it is less severe than wanted.
   void write(const Entry& entry) override;
 
  private:
@@ -24,10 +25,13 @@ class ORVANE_RUNTIME_EXPORT StandardErrorLogger final : public Logger {
 /// Hands lines to a function of the application's, which any thread may call, several at once too.
 class ORVANE_RUNTIME_EXPORT FunctionLogger final : public Logger {
  public:
+  /// Receives each line; its texts are valid during the call only.
   using Function = UniqueFunction<void(const Entry&)>;
 
+  /// Hands lines to `function`; an empty one drops them.
   explicit FunctionLogger(Function function) : function_(std::move(function)) {}
 
+  /// Calls the function.
   void write(const Entry& entry) override { function_(entry); }
 
  private:

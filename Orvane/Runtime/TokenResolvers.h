@@ -21,14 +21,17 @@ namespace orvane {
 /// There is no token for a person.
 class ORVANE_RUNTIME_EXPORT TokenError {
  public:
+  /// Why there is none.
   enum class Kind {
     signedOut,   ///< The token has been forgotten with the person who was signed in.
     unanswered,  ///< The application's function let go of its handler without calling it.
     signing,     ///< The token could not be signed.
   };
 
+  /// For that reason.
   explicit constexpr TokenError(Kind kind) noexcept : kind_(kind) {}
 
+  /// Why there is none.
   [[nodiscard]] constexpr Kind kind() const noexcept { return kind_; }
   [[nodiscard]] std::string message() const;
   friend constexpr bool operator==(const TokenError&, const TokenError&) = default;
@@ -50,6 +53,7 @@ class ORVANE_RUNTIME_EXPORT KeepingTokenResolver : public TokenResolver {
 /// Answers inside the call.
 class ORVANE_RUNTIME_EXPORT ReplaceableTokenResolver final : public KeepingTokenResolver {
  public:
+  /// Answers `token` until it is replaced.
   explicit ReplaceableTokenResolver(std::string token) : token_(std::move(token)) {}
 
   RequestHandle resolve(const Identity& identity, std::optional<double> offset,

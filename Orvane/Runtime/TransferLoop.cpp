@@ -167,6 +167,7 @@ void TransferLoop::run() {
     curl_multi_perform(multi_, &count);
     finishEnded();
     finishLate();
+    renewUsed();
     wait();
   }
   // What was handed over just before the end came along with it; nothing comes after it.
@@ -228,22 +229,34 @@ void TransferLoop::abandon(Transfer& transfer) {
   if (transfer.isWaiting || transfer.easy() != nullptr) end(transfer, shutDown());
 }
 
+// First all are taken out, then all are answered: what the handlers hand to other threads comes to
+// them in one go, while this one has still to do.
 void TransferLoop::finishEnded() {
   int left = 0;
   while (const CURLMsg* message = curl_multi_info_read(multi_, &left)) {
     if (message->msg != CURLMSG_DONE) continue;
-    char* transfer = nullptr;
-    curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
-    finish(*static_cast<Transfer*>(static_cast<void*>(transfer)), message->data.result);
+    char* pointer = nullptr;
+    curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &pointer);
+    Transfer& transfer = *static_cast<Transfer*>(static_cast<void*>(pointer));
+    const CURLcode code = message->data.result;
+    if (sendsAgain(transfer, code)) continue;
+    Result<std::string> outcome = transfer.outcome(code);
+    ended_.emplace_back(takeOut(transfer), std::move(outcome));
   }
+  for (auto& [transfer, outcome] : ended_) {
+    held_ -= transfer->heldMemory();
+    answer(transfer, std::move(outcome));
+  }
+  ended_.clear();
 }
 
-void TransferLoop::finish(Transfer& transfer, CURLcode code) {
-  if (!transfer.goesOutAgain(code)) return end(transfer, transfer.outcome(code));
+bool TransferLoop::sendsAgain(Transfer& transfer, CURLcode code) {
+  if (!transfer.goesOutAgain(code)) return false;
   CURL* handle = transfer.easy()->get();
   curl_multi_remove_handle(multi_, handle);
   const CURLMcode added = curl_multi_add_handle(multi_, handle);
   if (added != CURLM_OK) end(transfer, errorOf(CURLE_FAILED_INIT, {}));
+  return true;
 }
 
 void TransferLoop::finishLate() {
@@ -290,11 +303,14 @@ bool TransferLoop::mayHold(std::size_t count) const noexcept {
   return most == 0 || (held_ <= most && count <= most - held_);
 }
 
+// A transfer that waits or runs is neither any more.
 std::shared_ptr<Transfer> TransferLoop::takeOut(Transfer& transfer) {
+  unschedule(transfer);
   if (transfer.isWaiting) {
     --waiting_;
     return lines_.remove(transfer);
   }
+  curl_multi_remove_handle(multi_, transfer.easy()->get());
   running_.back()->index = transfer.index;
   std::swap(running_[transfer.index], running_.back());
   std::shared_ptr<Transfer> ending = std::move(running_.back());
@@ -305,8 +321,6 @@ std::shared_ptr<Transfer> TransferLoop::takeOut(Transfer& transfer) {
 
 void TransferLoop::end(Transfer& transfer, Result<std::string> outcome) {
   const std::shared_ptr<Transfer> ending = takeOut(transfer);
-  unschedule(transfer);
-  if (transfer.easy() != nullptr) curl_multi_remove_handle(multi_, transfer.easy()->get());
   held_ -= ending->heldMemory();
   answer(ending, std::move(outcome));
 }
@@ -316,13 +330,20 @@ void TransferLoop::answer(const std::shared_ptr<Transfer>& transfer, Result<std:
   if (options_.observer) {
     options_.observer(transfer->exchange(outcome, options_.observerSeesSecrets));
   }
-  std::unique_ptr<CurlEasy> easy = transfer->release();
+  if (auto easy = transfer->release(); easy && easy->get() != nullptr) {
+    used_.push_back(std::move(easy));
+  }
   transfer->complete(std::move(outcome));
-  // Behind the answer, which need not wait for it.
-  const bool isOfUse = easy && easy->get() != nullptr;
-  if (!isOfUse || idle_.size() >= mostIdleHandles) return;
-  easy->reset();
-  idle_.push_back(std::move(easy));
+}
+
+// Behind the answers, which need not wait for it.
+void TransferLoop::renewUsed() {
+  used_.resize(std::min(used_.size(), mostIdleHandles - std::min(mostIdleHandles, idle_.size())));
+  for (auto& easy : used_) {
+    easy->reset();
+    idle_.push_back(std::move(easy));
+  }
+  used_.clear();
 }
 
 void TransferLoop::wait() {
@@ -360,6 +381,7 @@ void TransferLoop::close(const Transfers& late) {
   while (!running_.empty()) end(*running_.back(), shutDown());
   for (const auto& transfer : late) answer(transfer, shutDown());
   while (wakers_.load() != 0) std::this_thread::yield();
+  used_.clear();
   idle_.clear();
   curl_multi_cleanup(std::exchange(multi_, nullptr));
 }

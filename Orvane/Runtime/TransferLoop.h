@@ -89,7 +89,7 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   void begin(const std::shared_ptr<Transfer>& transfer);
   void abandon(Transfer& transfer);
   void finishEnded();
-  void finish(Transfer& transfer, CURLcode code);
+  [[nodiscard]] bool sendsAgain(Transfer& transfer, CURLcode code);
   void finishLate();
   void checkTime(Transfer& transfer, Clock::time_point now);
   void schedule(Transfer& transfer);
@@ -101,6 +101,7 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   [[nodiscard]] int pause();
   void close(const Transfers& late);
   [[nodiscard]] std::unique_ptr<CurlEasy> takeEasy();
+  void renewUsed();
 
   const TransportOptions options_;
   CURLM* multi_;
@@ -121,13 +122,17 @@ class TransferLoop final : public std::enable_shared_from_this<TransferLoop> {
   OpenSockets sockets_;
   HostLines lines_;
   Transfers running_;
+  // What libcurl has brought to its end, and what came of it.
+  std::vector<std::pair<std::shared_ptr<Transfer>, Result<std::string>>> ended_;
   // When to look at the clock, and for whom.
   std::set<std::pair<Clock::time_point, Transfer*>> times_;
   // How long to wait for libcurl's announcements while transfers run.
   std::chrono::milliseconds nextPause_{0};
   // Bytes of memory that the answers under way take.
   std::size_t held_ = 0;
+  // Handles that are as good as new, and those that have yet to become so.
   std::vector<std::unique_ptr<CurlEasy>> idle_;
+  std::vector<std::unique_ptr<CurlEasy>> used_;
   BoundedThread thread_;
 };
 

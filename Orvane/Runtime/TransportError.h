@@ -13,6 +13,7 @@ namespace orvane {
 /// A request got no answer. Refused requests are no transport errors: see `NetworkError`.
 class ORVANE_RUNTIME_EXPORT TransportError {
  public:
+  /// What went wrong.
   enum class Kind : std::uint8_t {
     nameLookup,  ///< The host's name is not known, or could not be looked up.
     connection,  ///< The host or the proxy can't be reached.
@@ -27,9 +28,11 @@ class ORVANE_RUNTIME_EXPORT TransportError {
     other,       ///< Anything else: see `message()`.
   };
 
+  /// With what is known besides, in one line.
   explicit TransportError(Kind kind, std::string message = {})
       : kind_(kind), message_(std::move(message)) {}
 
+  /// What went wrong.
   [[nodiscard]] Kind kind() const noexcept { return kind_; }
   /// True where another attempt may well succeed: the network failed, or was too slow.
   [[nodiscard]] bool isTransient() const noexcept {

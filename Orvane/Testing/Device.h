@@ -18,9 +18,11 @@ class ORVANE_TESTING_EXPORT MovableClock {
   MovableClock(const MovableClock&) = delete;
   MovableClock& operator=(const MovableClock&) = delete;
 
+  /// Moves it to `date`.
   void set(Date date) noexcept;
   /// Negative moves it back.
   void advance(Seconds time) noexcept;
+  /// What it shows.
   [[nodiscard]] Date now() const noexcept;
 
  private:
@@ -32,6 +34,7 @@ class ORVANE_TESTING_EXPORT MovableClock {
 /// zone that is not known stops the process.
 class ORVANE_TESTING_EXPORT ScopedDeviceSettings {
  public:
+  /// Puts `settings` in force.
   explicit ScopedDeviceSettings(DeviceSettings settings);
   ~ScopedDeviceSettings();
   ScopedDeviceSettings(const ScopedDeviceSettings&) = delete;

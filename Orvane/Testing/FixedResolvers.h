@@ -22,6 +22,7 @@ class ORVANE_TESTING_EXPORT FixedOrvaneDetailsResolver final
     : public OrvaneDetailsResolver,
       public Script<Identity, OrvaneDetails> {
  public:
+  /// Answers `answer` until it is told otherwise.
   explicit FixedOrvaneDetailsResolver(Answer answer = exampleDetails());
   ~FixedOrvaneDetailsResolver() override;
 
@@ -30,7 +31,8 @@ class ORVANE_TESTING_EXPORT FixedOrvaneDetailsResolver final
 
 /// What a `TokenResolver` is asked.
 struct TokenQuestion {
-  Identity identity;
+  Identity identity;  ///< In whose name.
+  /// Seconds to add to the local clock; absent as long as it has not been found wrong.
   std::optional<double> offset;
 
   friend bool operator==(const TokenQuestion&, const TokenQuestion&) = default;
@@ -40,6 +42,7 @@ struct TokenQuestion {
 class ORVANE_TESTING_EXPORT FixedTokenResolver final : public TokenResolver,
                                                        public Script<TokenQuestion, std::string> {
  public:
+  /// Answers `answer` until it is told otherwise.
   explicit FixedTokenResolver(Answer answer = std::string("token"));
   ~FixedTokenResolver() override;
 
@@ -52,6 +55,7 @@ class ORVANE_TESTING_EXPORT FixedTokenResolver final : public TokenResolver,
 class ORVANE_TESTING_EXPORT FixedEndpointResolver final : public EndpointResolver,
                                                           public Script<std::string, URL> {
  public:
+  /// Answers `answer` until it is told otherwise.
   explicit FixedEndpointResolver(Answer answer = *URL::parse("https://backend.example"));
   ~FixedEndpointResolver() override;
 
@@ -61,6 +65,7 @@ class ORVANE_TESTING_EXPORT FixedEndpointResolver final : public EndpointResolve
 /// Names every device the same.
 class ORVANE_TESTING_EXPORT FixedDeviceIdentifier final : public DeviceIdentifier {
  public:
+  /// Whose name is `identifier`.
   explicit FixedDeviceIdentifier(std::string identifier = "device-1");
   ~FixedDeviceIdentifier() override;
 

@@ -19,6 +19,7 @@ using MemoryUserIDStore = MemoryStore<UserIDStore, std::string>;
 /// Expires entries by a clock that only the test moves. Any thread.
 class ORVANE_TESTING_EXPORT MovableTimeMonitor final : public TimeMonitor {
  public:
+  /// Entries last for `lifetime`.
   explicit MovableTimeMonitor(std::chrono::seconds lifetime = std::chrono::hours(1));
   ~MovableTimeMonitor() override;
 

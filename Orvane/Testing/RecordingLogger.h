@@ -16,12 +16,13 @@ namespace orvane {
 /// log; loggers of one kind may be nested.
 class ORVANE_TESTING_EXPORT RecordingLogger {
  public:
+  /// What was logged, and where.
   struct Line {
-    Logger::Level level;
-    std::string message;
-    std::string file;
-    std::string function;
-    std::uint_least32_t line;
+    Logger::Level level;       ///< How serious it is.
+    std::string message;       ///< The line.
+    std::string file;          ///< The file, relative to the project.
+    std::string function;      ///< The function's name without its signature.
+    std::uint_least32_t line;  ///< Counted from 1.
   };
 
   RecordingLogger();

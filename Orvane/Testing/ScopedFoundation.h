@@ -21,7 +21,7 @@ namespace orvane {
 /// ```cpp
 /// ScopedFoundation foundation;
 /// foundation.requestManager->answer(R"({"userId":"42"})");
-/// UserService{Identity{"key"}}.fetch(std::nullopt, {}, handler);   // handler runs inside the call
+/// UserService{Identity{"key"}}.fetch().start([](Result<User> user) { … });   // inside the call
 /// ```
 ///
 /// The user identifiers that the library caches outlive a test. With `Resolution::real`, give each
@@ -34,18 +34,21 @@ class ORVANE_TESTING_EXPORT ScopedFoundation {
     real,   ///< As in earnest, from the doubles of what that needs; drain the main queue.
   };
 
+  /// Registers the doubles, and says how services find out the backend's details.
   explicit ScopedFoundation(Resolution resolution = Resolution::fixed);
   ~ScopedFoundation();
   ScopedFoundation(const ScopedFoundation&) = delete;
   ScopedFoundation& operator=(const ScopedFoundation&) = delete;
 
+  /// The transport: what the backend answers.
   const std::shared_ptr<ScriptedRequestManager> requestManager;
+  /// Used with `Resolution::fixed`.
   const std::shared_ptr<FixedOrvaneDetailsResolver> detailsResolver;
-  const std::shared_ptr<FixedTokenResolver> tokenResolver;
-  const std::shared_ptr<FixedEndpointResolver> endpointResolver;
-  const std::shared_ptr<MemoryTimeOffsetStore> offsetStore;
-  const std::shared_ptr<FixedDeviceIdentifier> deviceIdentifier;
-  const std::shared_ptr<ScriptedDownloader> downloader;
+  const std::shared_ptr<FixedTokenResolver> tokenResolver;        ///< Used with `Resolution::real`.
+  const std::shared_ptr<FixedEndpointResolver> endpointResolver;  ///< Used with `Resolution::real`.
+  const std::shared_ptr<MemoryTimeOffsetStore> offsetStore;  ///< How far the device's clock is off.
+  const std::shared_ptr<FixedDeviceIdentifier> deviceIdentifier;  ///< The name of the device.
+  const std::shared_ptr<ScriptedDownloader> downloader;           ///< What downloads bring.
   /// `MovableTimeMonitor::shared()`.
   const std::shared_ptr<MovableTimeMonitor> timeMonitor;
 

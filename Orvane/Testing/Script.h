@@ -42,6 +42,7 @@ ORVANE_TESTING_EXPORT void waitForAnotherThread();
 /// failure without an error.
 template <class T>
 struct ScriptedAnswer {
+  /// Gives `outcome` at that time.
   template <class Outcome>
     requires(std::constructible_from<Result<T>, Outcome>)
   ScriptedAnswer(Outcome outcome,  // NOLINT(google-explicit-constructor): reads like the answer
@@ -51,8 +52,8 @@ struct ScriptedAnswer {
   /// Leaves the question open.
   [[nodiscard]] static ScriptedAnswer never() { return {Result<T>{}, AnswerTime::never}; }
 
-  Result<T> result;
-  AnswerTime time;
+  Result<T> result;  ///< What is answered.
+  AnswerTime time;   ///< When.
 };
 
 /// A question that a double was asked, and the handle it returned for it. Cancelling it keeps the
@@ -60,6 +61,7 @@ struct ScriptedAnswer {
 template <class Question, class T>
 class ScriptedCall final : public Request {
  public:
+  /// A question that `then` waits for the answer to.
   ScriptedCall(Question asked, Completion<T> then)
       : question(std::move(asked)), then_(std::move(then)) {}
 
@@ -82,6 +84,7 @@ class ScriptedCall final : public Request {
     return true;
   }
   [[nodiscard]] bool isFinished() const noexcept override { return box_.isFinished(); }
+  /// True once it has been cancelled.
   [[nodiscard]] bool isCancelled() const noexcept { return box_.cancelled(); }
 
  private:
@@ -94,10 +97,12 @@ class ScriptedCall final : public Request {
 template <class Question, class T>
 class Script {
  public:
-  using Answer = ScriptedAnswer<T>;
-  using Call = ScriptedCall<Question, T>;
+  using Answer = ScriptedAnswer<T>;        ///< What a question is answered, and when.
+  using Call = ScriptedCall<Question, T>;  ///< A question, and the handle returned for it.
+  /// Tells the questions that an answer is for.
   using Condition = std::function<bool(const Question&)>;
 
+  /// What every question is answered until it is told otherwise.
   explicit Script(Answer answer) { rules_.push_back({nullptr, {std::move(answer)}, 0}); }
 
   /// What every question is answered from now on, unless one of `answerWhere`'s applies.
@@ -139,8 +144,8 @@ class Script {
     forgotten.swap(calls_);
   }
 
-  /// Gives the answers of `AnswerTime::whenTold` that are due, on this thread. Returns to how many
-  /// calls; cancelled ones do not count.
+  /// Gives the answers of `AnswerTime::whenTold` that are due, on this thread. Answers how many
+  /// calls that were; cancelled ones do not count.
   std::size_t answerWaiting() {
     std::unique_lock lock(mutex_);
     auto waiting = std::exchange(waiting_, {});

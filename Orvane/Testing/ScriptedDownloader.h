@@ -12,8 +12,8 @@ namespace orvane {
 
 /// What a `Downloader` is asked.
 struct RecordedDownload {
-  URL url;
-  std::string path;
+  URL url;           ///< What to fetch.
+  std::string path;  ///< Where it is to stand.
 
   friend bool operator==(const RecordedDownload&, const RecordedDownload&) = default;
 };
@@ -25,6 +25,7 @@ class ORVANE_TESTING_EXPORT ScriptedDownloader final
     : public Downloader,
       public Script<RecordedDownload, std::string> {
  public:
+  /// Answers `answer` until it is told otherwise.
   explicit ScriptedDownloader(Answer answer = Result<std::string>{});
   ~ScriptedDownloader() override;
 

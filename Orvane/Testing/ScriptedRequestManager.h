@@ -13,10 +13,10 @@ namespace orvane {
 
 /// A request as it reached the transport.
 struct RecordedRequest {
-  Verb verb;
-  URL url;
-  Headers headers{};
-  std::string body{};
+  Verb verb;           ///< What is asked of the resource.
+  URL url;             ///< The whole URL, query included.
+  Headers headers{};   ///< As the service gave them.
+  std::string body{};  ///< The bytes; empty for a read.
 
   friend bool operator==(const RecordedRequest&, const RecordedRequest&) = default;
 
@@ -45,6 +45,7 @@ class ORVANE_TESTING_EXPORT ScriptedRequestManager final
     : public RequestManager,
       public Script<RecordedRequest, std::string> {
  public:
+  /// Answers `answer` until it is told otherwise.
   explicit ScriptedRequestManager(Answer answer = Result<std::string>{});
   ~ScriptedRequestManager() override;
 

@@ -3,6 +3,7 @@
 // Asio. What it does in detail is tested with that of Boost.
 #define ORVANE_ASIO_STANDALONE
 #include <Orvane/Asio.h>
+#include <Orvane/GoogleTest.h>
 
 #include <asio/awaitable.hpp>
 #include <asio/co_spawn.hpp>
@@ -10,7 +11,6 @@
 #include <asio/io_context.hpp>
 #include <asio/use_awaitable.hpp>
 #include <asio/use_future.hpp>
-#include <gtest/gtest.h>
 
 #include <string>
 

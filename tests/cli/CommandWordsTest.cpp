@@ -5,9 +5,9 @@
 #include "ExchangeLog.h"
 #include "Help.h"
 #include "ServerProbe.h"
+#include <Orvane/GoogleTest.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <sstream>

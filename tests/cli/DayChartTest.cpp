@@ -2,6 +2,7 @@
 // Charts by day: what the axes say, how days become bars, and that gaps stay gaps.
 #include "ChartAxes.h"
 #include "DayChart.h"
+#include <Orvane/GoogleTest.h>
 
 #include <gmock/gmock.h>
 

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Days and times of day of the command line in the device's time zone.
 #include "Days.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/DeviceSettings.h>
-
-#include <gtest/gtest.h>
 
 #include <tuple>
 

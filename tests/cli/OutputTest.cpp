@@ -4,10 +4,10 @@
 #include "JSONText.h"
 #include "Output.h"
 #include <Orvane/Coding/Coding.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/DeviceSettings.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <clocale>

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // How far a download has come, in a line that fits.
 #include "ProgressBar.h"
-
-#include <gtest/gtest.h>
+#include <Orvane/GoogleTest.h>
 
 #include <limits>
 #include <tuple>

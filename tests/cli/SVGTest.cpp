@@ -5,6 +5,7 @@
 #include "OutputFile.h"
 #include "SVG.h"
 #include "tests/support/TemporaryFolder.h"
+#include <Orvane/GoogleTest.h>
 
 #include <gmock/gmock.h>
 

@@ -3,6 +3,7 @@
 #include "ExitCode.h"
 #include "GeoJSON.h"
 #include "TripMap.h"
+#include <Orvane/GoogleTest.h>
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

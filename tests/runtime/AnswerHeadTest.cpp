@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Lines of an answer's head that no server should send.
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Runtime/AnswerHead.h>
-
-#include <gtest/gtest.h>
 
 #include <optional>
 #include <string>

@@ -3,13 +3,15 @@
 #include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/TestServer.h"
 #include "tests/support/Outcome.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Runtime/Transfer.h>
 #include <Orvane/Runtime/TransferLoop.h>
 
-#include <gtest/gtest.h>
-
+#include <array>
 #include <atomic>
+#include <chrono>
 #include <deque>
+#include <latch>
 #include <thread>
 #include <vector>
 
@@ -153,6 +155,38 @@ TEST(CancellationTest, WorksFromAnotherRequestsHandler) {
   EXPECT_TRUE(cancelled.get_future().get());
   EXPECT_EQ(next.get_future().get(), std::string("/next"));
   EXPECT_EQ(slow.count(), 0U);
+}
+
+// While one handler runs, the answers to two other requests arrive. Each of their handlers cancels
+// the other request.
+TEST(CancellationTest, HoldsAmongAnswersThatCameTogether) {
+  std::promise<void> mayAnswer;
+  const std::shared_future<void> isOpen = mayAnswer.get_future().share();
+  std::latch unanswered(2);
+  const TestServer server([&](ServerConnection& connection, const ReceivedRequest& request) {
+    if (request.target() == "/gate") return connection.answer(200, "");
+    isOpen.wait();
+    connection.answer(200, "answer");
+    unanswered.count_down();
+  });
+  const auto manager = managerWith({});
+  std::array<RequestHandle, 2> requests;
+  std::atomic<int> handled = 0;
+  std::atomic<int> cancelled = 0;
+  for (std::size_t own : {0U, 1U}) {
+    requests[own] = manager->get(*URL::parse(server.url()), {}, [&, own](Result<std::string>) {
+      ++handled;
+      if (requests[1 - own]->cancel()) ++cancelled;
+    });
+  }
+  server.waitForRequests(2);
+  manager->get(*URL::parse(server.url("/gate")), {}, [&](Result<std::string>) {
+    mayAnswer.set_value();
+    unanswered.wait();
+  });
+  EXPECT_TRUE(manager->waitUntilIdle(std::chrono::seconds(60)));
+  EXPECT_EQ(handled, 1);
+  EXPECT_EQ(cancelled, 1);
 }
 
 }  // namespace

@@ -4,11 +4,11 @@
 #include "tests/runtime/support/TestServer.h"
 #include "tests/support/TemporaryFolder.h"
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Runtime/CurlDownloader.h>
 #include <Orvane/Runtime/DownloadError.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <charconv>

@@ -4,8 +4,7 @@
 #include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/NameLookups.h"
 #include "tests/runtime/support/TestServer.h"
-
-#include <gtest/gtest.h>
+#include <Orvane/GoogleTest.h>
 
 #include <string>
 

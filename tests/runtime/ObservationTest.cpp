@@ -3,11 +3,11 @@
 #include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/TestServer.h"
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Runtime/TransportError.h>
 #include <Orvane/Testing/RecordingLogger.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <future>
 #include <iterator>

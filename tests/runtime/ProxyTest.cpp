@@ -2,9 +2,9 @@
 // Proxies: which are taken, what they are told, and what becomes of a refusal.
 #include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/TestServer.h"
+#include <Orvane/GoogleTest.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <utility>

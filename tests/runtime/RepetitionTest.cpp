@@ -3,10 +3,10 @@
 #include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/HTTP2.h"
 #include "tests/runtime/support/TestServer.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Runtime/OpenSockets.h>
 
 #include <arpa/inet.h>
-#include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 

@@ -3,8 +3,8 @@
 #include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/TestServer.h"
 #include <Orvane/Common/MainQueue.h>
+#include <Orvane/GoogleTest.h>
 
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 

@@ -2,6 +2,7 @@
 // The device's identifier in its file, the expiry of user identifiers, and the loggers.
 #include "tests/support/ScopedVariable.h"
 #include "tests/support/TemporaryFolder.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Runtime/DefaultDeviceIdentifier.h>
 #include <Orvane/Runtime/FileDeviceIdentifier.h>
 #include <Orvane/Runtime/IntervalTimeMonitor.h>
@@ -9,7 +10,6 @@
 #include <Orvane/Testing/RecordingLogger.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // Where tokens come from, what stands in them, and how long they are kept.
 #include "tests/support/Outcome.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Runtime/ConfigurationError.h>
 #include <Orvane/Runtime/SelfSignedTokenResolver.h>
 #include <Orvane/Runtime/TokenResolvers.h>
 #include <Orvane/Testing/Device.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <openssl/evp.h>
 
 #include <algorithm>

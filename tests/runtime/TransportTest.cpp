@@ -4,11 +4,11 @@
 #include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/TestServer.h"
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Runtime/Transfer.h>
 #include <Orvane/Runtime/TransferLoop.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <map>

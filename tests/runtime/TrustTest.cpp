@@ -3,9 +3,9 @@
 #include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/TestServer.h"
 #include "tests/support/TemporaryFolder.h"
+#include <Orvane/GoogleTest.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <utility>

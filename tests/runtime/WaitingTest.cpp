@@ -3,8 +3,7 @@
 #include "tests/runtime/support/Calls.h"
 #include "tests/runtime/support/HTTP2.h"
 #include "tests/runtime/support/TestServer.h"
-
-#include <gtest/gtest.h>
+#include <Orvane/GoogleTest.h>
 
 #include <future>
 #include <string>

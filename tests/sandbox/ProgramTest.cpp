@@ -89,7 +89,8 @@ TEST(Program, TellsHowToReachItAndStopsWhenAsked) {
 
 TEST(Program, RunsACommandWithItsSettingsAndEndsAsItDoes) {
   Program asks{
-      "--weeks 1 --exec -- sh -c 'curl --silent --show-error --cacert \"$ORVANE_CA_FILE\" "
+      "--weeks 1 --exec -- sh -c 'test \"$ORVANE_FIRMWARE_HOST\" = \"$ORVANE_BASE_URL\" || exit; "
+      "curl --silent --show-error --cacert \"$ORVANE_CA_FILE\" "
       "-H \"Authorization: Bearer $ORVANE_TOKEN\" \"$ORVANE_BASE_URL/kavra/api/sdk/identity\"; "
       "echo; dirname \"$ORVANE_CA_FILE\"; exit 7'"};
   EXPECT_EQ(json::parse(asks.readLine())["userId"], "1001");
@@ -116,10 +117,17 @@ TEST(Program, AnswersFromTheRecordingOfAnotherRun) {
   const std::string ask =
       " --weeks 1 --exec -- sh -c 'curl --silent --cacert \"$ORVANE_CA_FILE\" -H \"Authorization: "
       "Bearer $ORVANE_TOKEN\" \"$ORVANE_BASE_URL/kavra/api/sdk/trips/500001\"; echo'";
-  Program records{"--now 2025-06-18 --record " + file + ask};
-  const std::string trip = records.readLine();
-  EXPECT_THAT(trip, HasSubstr("500001"));
-  EXPECT_EQ(records.exitCode(), 0);
+  const std::string token = "sandbox-token-1001";
+  std::string trip;
+  for (const bool withSecrets : {true, false}) {
+    Program records{std::string{"--now 2025-06-18 "} + (withSecrets ? "--record-secrets " : "") +
+                    "--record " + file + ask};
+    trip = records.readLine();
+    EXPECT_THAT(trip, HasSubstr("500001"));
+    EXPECT_EQ(records.exitCode(), 0);
+    const std::string recorded = json::parse(std::ifstream{file}).dump();
+    EXPECT_EQ(recorded.find(token) != std::string::npos, withSecrets) << recorded;
+  }
   Program replays{"--now 2024-02-03 --replay " + file + ask};
   EXPECT_EQ(replays.readLine(), trip);
   EXPECT_EQ(replays.exitCode(), 0);
@@ -158,7 +166,8 @@ TEST(Program, RefusesFlagsThatMakeNoSense) {
   for (const char* flags :
        {"--port 70000", "--now yesterday", "--misbehave '{\"status\":1}'", "--misbehave nonsense",
         "--certificate rusty", "--fast", "now", "--exec", "--name a,b", "--slow 0",
-        "--replay-timing", "--replay /nonexistent", "--record /nonexistent/file"}) {
+        "--replay-timing", "--record-secrets", "--replay /nonexistent",
+        "--record /nonexistent/file"}) {
     EXPECT_EQ(Program{"--data " + folder.path().string() + " " + flags}.exitCode(), 1) << flags;
   }
 }

@@ -2,12 +2,10 @@
 // A handler that keeps what it is given, and the identities and queues that calls are made with.
 #pragma once
 
-#include "tests/support/Printing.h"
 #include <Orvane/Common/Identity.h>
 #include <Orvane/Common/MainQueue.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/Result.h>
-
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <memory>

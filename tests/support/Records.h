@@ -2,11 +2,9 @@
 // What tests ask of every record: how it is read, written and refused.
 #pragma once
 
-#include "tests/support/Printing.h"
 #include <Orvane/Coding/Coding.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/Enumeration.h>
-
-#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <initializer_list>

@@ -2,9 +2,8 @@
 #include "tests/support/RequestRows.h"
 
 #include "tests/support/Requests.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Testing/ScopedFoundation.h>
-
-#include <gtest/gtest.h>
 
 namespace orvane {
 

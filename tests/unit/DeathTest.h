@@ -3,13 +3,23 @@
 // tests do not matter.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <Orvane/GoogleTest.h>
 
 namespace orvane {
 
+/// What is to die from here on does so in a process that is started for it; under an emulator,
+/// which alone could start one, in a forked process.
+inline void dieInAnotherProcess() {
+#ifdef ORVANE_TESTS_ARE_EMULATED
+  testing::GTEST_FLAG(death_test_style) = "fast";
+#else
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+#endif
+}
+
 class DeathTest : public testing::Test {
  protected:
-  DeathTest() { testing::GTEST_FLAG(death_test_style) = "threadsafe"; }
+  DeathTest() { dieInAnotherProcess(); }
 };
 
 }  // namespace orvane

@@ -26,28 +26,32 @@ struct EnumerationTable<DrivingEventSeverity> {
 };
 
 namespace alert {
+/// Harsh acceleration raises an alert.
 struct Acceleration {
-  std::string driverId;
-  DrivingEventSeverity accelerationSeverity;
+  std::string driverId;                       ///< Whose driving.
+  DrivingEventSeverity accelerationSeverity;  ///< From which severity on; `off` for none.
   friend bool operator==(const Acceleration&, const Acceleration&) = default;
 };
+/// Harsh braking raises an alert.
 struct Braking {
-  std::string driverId;
-  DrivingEventSeverity brakingSeverity;
+  std::string driverId;                  ///< Whose driving.
+  DrivingEventSeverity brakingSeverity;  ///< From which severity on; `off` for none.
   friend bool operator==(const Braking&, const Braking&) = default;
 };
+/// Driving at night raises an alert.
 struct LateNight {
-  std::string driverId;
-  bool enableAlert;
+  std::string driverId;  ///< Whose driving.
+  bool enableAlert;      ///< Whether it does.
   /// From and to a time of day by the device's clock; sent when both are there. A date that has
   /// none (it is not finite, say) leaves both out, with a warning in the log.
   std::optional<Date> startTime;
-  std::optional<Date> endTime;
+  std::optional<Date> endTime;  ///< See `startTime`.
   friend bool operator==(const LateNight&, const LateNight&) = default;
 };
+/// Driving too fast raises an alert.
 struct Speeding {
-  std::string driverId;
-  std::string speedThreshold;
+  std::string driverId;        ///< Whose driving.
+  std::string speedThreshold;  ///< From which speed on, in the backend's words.
   friend bool operator==(const Speeding&, const Speeding&) = default;
 };
 }  // namespace alert
@@ -57,10 +61,12 @@ class DrivingAlertType
     : public OneOf<alert::Acceleration, alert::Braking, alert::LateNight, alert::Speeding> {
  public:
   using OneOf::OneOf;
+  /// Harsh acceleration from `severity` on.
   [[nodiscard]] static DrivingAlertType acceleration(std::string driverId,
                                                      DrivingEventSeverity severity) {
     return alert::Acceleration{std::move(driverId), severity};
   }
+  /// Harsh braking from `severity` on.
   [[nodiscard]] static DrivingAlertType braking(std::string driverId,
                                                 DrivingEventSeverity severity) {
     return alert::Braking{std::move(driverId), severity};

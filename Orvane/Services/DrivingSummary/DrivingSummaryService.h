@@ -22,7 +22,7 @@ namespace orvane {
 /// Fetches the current user's assessment and driving statistics.
 class ORVANE_EXPORT DrivingSummaryService : public SerializableService {
  public:
-  using DateFilter = DateRange;
+  using DateFilter = DateRange;  ///< What `Filter::date` carries.
 
   /// Which driving is summed up.
   class Filter : public OneOf<DateFilter> {
@@ -46,8 +46,8 @@ class ORVANE_EXPORT DrivingSummaryService : public SerializableService {
   RequestHandle fetch(std::set<Filter> filters, std::set<Expansion> expansions,
                       Completion<DrivingSummary> then) const;
 
-  /// Fetches the current user's driving period by period; `aggregateBy` names the length of the
-  /// periods in the backend's words.
+  /// Fetches the current user's driving period by period. `aggregateBy` names the length of the
+  /// periods in the backend's words, for example "WEEK", and is sent as it stands.
   Operation<std::vector<DrivingSummaryResult>> fetchList(
       SetOf<Filter> filters = {}, std::optional<std::string> aggregateBy = {}) const;
   RequestHandle fetchList(std::set<Filter> filters, std::optional<std::string> aggregateBy,

@@ -18,10 +18,10 @@ namespace orvane {
 struct ORVANE_EXPORT NewInvitation {
   /// The identifier of the user who invites.
   std::string fromUserID;
-  std::string toUserFirstName;
-  std::string toUserLastName;
-  std::optional<std::string> toUserEmail{};
-  std::optional<std::string> toUserPhoneNumber{};
+  std::string toUserFirstName;                     ///< Given name of who is invited.
+  std::string toUserLastName;                      ///< Family name of who is invited.
+  std::optional<std::string> toUserEmail{};        ///< E-mail address of who is invited.
+  std::optional<std::string> toUserPhoneNumber{};  ///< Phone number of who is invited.
   /// The vehicles that the other person is to drive. Where they are given, even none, the
   /// invitation is one to vehicles; where they are absent, one to accounts.
   std::optional<std::set<std::string>> vehicleIDs{};
@@ -33,8 +33,8 @@ struct ORVANE_EXPORT NewInvitation {
 struct ORVANE_EXPORT InvitationReply {
   /// The identifier of the user who replies.
   std::string toUserId;
-  std::string invitationId;
-  Invitation::Response response;
+  std::string invitationId;       ///< `Invitation::invitationId`.
+  Invitation::Response response;  ///< What is replied.
   /// Not sent: the invitation's identifier is enough for the backend.
   std::optional<std::string> vehicleId{};
   /// Not sent, either.

@@ -23,14 +23,17 @@ namespace orvane {
 /// Fetches leaderboards, and decides whether the current user appears on them.
 class ORVANE_EXPORT LeaderboardService : public SerializableService {
  public:
+  /// What `Filter::gender` carries.
   struct GenderFilter {
-    User::Gender gender;
+    User::Gender gender;  ///< Whose drivers are ranked.
   };
+  /// What `Filter::age` carries.
   struct AgeFilter {
-    ClosedRange<std::int64_t> years;
+    ClosedRange<std::int64_t> years;  ///< Both bounds included.
   };
+  /// What `Filter::postalCode` carries.
   struct PostalCodeFilter {
-    std::string postalCode;
+    std::string postalCode;  ///< Sent as it is.
   };
 
   /// Which drivers a leaderboard ranks.
@@ -41,6 +44,7 @@ class ORVANE_EXPORT LeaderboardService : public SerializableService {
   class Filter : public OneOf<GenderFilter, AgeFilter, PostalCodeFilter> {
    public:
     using OneOf::OneOf;
+    /// Drivers of that gender.
     [[nodiscard]] static Filter gender(User::Gender gender) {
       return GenderFilter{std::move(gender)};
     }
@@ -55,9 +59,11 @@ class ORVANE_EXPORT LeaderboardService : public SerializableService {
     [[nodiscard]] ORVANE_EXPORT std::string_view kind() const noexcept;
 
     [[nodiscard]] HashValue hashValue() const { return hashOf(kind()); }
+    /// True for two of one kind, whatever they carry.
     friend bool operator==(const Filter& left, const Filter& right) noexcept {
       return left.kind() == right.kind();
     }
+    /// By the names of their kinds.
     friend std::strong_ordering operator<=>(const Filter& left, const Filter& right) noexcept {
       return orderOf(left.kind(), right.kind());
     }

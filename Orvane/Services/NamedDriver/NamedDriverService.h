@@ -25,6 +25,7 @@ class ORVANE_EXPORT NamedDriverService : public SerializableService {
   RequestHandle fetch(Completion<std::vector<NamedDriver>> then) const;
 
   /// Sets a named driver's e-mail address and phone number, both of them, and answers the driver.
+  /// `userId` is `NamedDriver::userId`; the texts are sent as they stand, empty ones included.
   Operation<NamedDriver> updateNamedDriver(std::int64_t userId, std::string email,
                                            std::string phone) const;
   RequestHandle updateNamedDriver(std::int64_t userId, std::string email, std::string phone,

@@ -20,22 +20,31 @@ class ORVANE_EXPORT ScoringAggregateService : public SerializableService {
   explicit ScoringAggregateService(Identity identity)
       : SerializableService(identity), scoringService_(std::move(identity)) {}
 
+  /// The service that sends everything.
   [[nodiscard]] const ScoringService& scoringService() const noexcept { return scoringService_; }
 
+  /// From the day of `from` to that of `to`.
   Operation<ScoringAggregate> dateRange(Date from, Date to) const;
   RequestHandle dateRange(Date from, Date to, Completion<ScoringAggregate> then) const;
+  /// From 7 days of 86,400 seconds ago to today.
   Operation<ScoringAggregate> last7Days() const;
   RequestHandle last7Days(Completion<ScoringAggregate> completionHandler) const;
+  /// The same as `last7Days`.
   Operation<ScoringAggregate> lastWeek() const;
   RequestHandle lastWeek(Completion<ScoringAggregate> completionHandler) const;
+  /// From 30 days of 86,400 seconds ago to today.
   Operation<ScoringAggregate> last30Days() const;
   RequestHandle last30Days(Completion<ScoringAggregate> completionHandler) const;
+  /// The same as `last30Days`.
   Operation<ScoringAggregate> lastMonth() const;
   RequestHandle lastMonth(Completion<ScoringAggregate> completionHandler) const;
+  /// From 90 days of 86,400 seconds ago to today.
   Operation<ScoringAggregate> last90Days() const;
   RequestHandle last90Days(Completion<ScoringAggregate> completionHandler) const;
+  /// From 365 days of 86,400 seconds ago to today.
   Operation<ScoringAggregate> lastYear() const;
   RequestHandle lastYear(Completion<ScoringAggregate> completionHandler) const;
+  /// Today alone.
   Operation<ScoringAggregate> today() const;
   RequestHandle today(Completion<ScoringAggregate> completionHandler) const;
 

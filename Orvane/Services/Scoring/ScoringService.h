@@ -17,12 +17,13 @@ namespace orvane {
 
 /// Why there is no period of the last so many days.
 struct ORVANE_EXPORT LastDaysError {
+  /// What is wrong with the number of days.
   enum class Case : std::uint8_t {
     tooManyDays,    ///< More than the largest signed 64-bit integer.
     notInCalendar,  ///< The device's calendar does not reach back so far.
   };
 
-  Case kind;
+  Case kind;  ///< What is wrong with it.
 
   [[nodiscard]] std::string message() const;
   friend bool operator==(const LastDaysError&, const LastDaysError&) = default;
@@ -44,29 +45,35 @@ class ORVANE_EXPORT ScoringService : public SerializableService {
 
   /// @name The current user's scores, day by day
   /// @{
+  /// From the day of `from` to that of `to`.
   Operation<ScoringAggregate> dateRange(Date from, Date to) const;
   RequestHandle dateRange(Date from, Date to, Completion<ScoringAggregate> then) const;
+  /// From 7 days of 86,400 seconds ago to today.
   Operation<ScoringAggregate> last7Days() const;
   RequestHandle last7Days(Completion<ScoringAggregate> completionHandler) const;
   /// The same as `last7Days`.
   Operation<ScoringAggregate> lastWeek() const;
   RequestHandle lastWeek(Completion<ScoringAggregate> completionHandler) const;
+  /// From 30 days of 86,400 seconds ago to today.
   Operation<ScoringAggregate> last30Days() const;
   RequestHandle last30Days(Completion<ScoringAggregate> completionHandler) const;
   /// The same as `last30Days`.
   Operation<ScoringAggregate> lastMonth() const;
   RequestHandle lastMonth(Completion<ScoringAggregate> completionHandler) const;
+  /// From 90 days of 86,400 seconds ago to today.
   Operation<ScoringAggregate> last90Days() const;
   RequestHandle last90Days(Completion<ScoringAggregate> completionHandler) const;
-  /// The last 365 days.
+  /// From 365 days of 86,400 seconds ago to today.
   Operation<ScoringAggregate> lastYear() const;
   RequestHandle lastYear(Completion<ScoringAggregate> completionHandler) const;
+  /// Today alone.
   Operation<ScoringAggregate> today() const;
   RequestHandle today(Completion<ScoringAggregate> completionHandler) const;
   /// @}
 
   /// @name The current user's average scores
   /// @{
+  /// The averages from the day of `from` to that of `to`.
   Operation<ScoringAverage> custom(Date from, Date to) const;
   RequestHandle custom(Date from, Date to, Completion<ScoringAverage> then) const;
   /// The week goes by the backend's own count.
@@ -76,10 +83,12 @@ class ORVANE_EXPORT ScoringService : public SerializableService {
 
   /// @name The scores of a vehicle
   /// @{
+  /// From the day of `from` to that of `to`.
   Operation<ScoringAggregate> fetchAggregateScoresByVehicle(std::string vehicleId, Date from,
                                                             Date to) const;
   RequestHandle fetchAggregateScoresByVehicle(std::string vehicleId, Date from, Date to,
                                               Completion<ScoringAggregate> then) const;
+  /// The averages from the day of `from` to that of `to`.
   Operation<ScoringAverage> fetchAverageScoresByVehicle(std::string vehicleId, Date from,
                                                         Date to) const;
   RequestHandle fetchAverageScoresByVehicle(std::string vehicleId, Date from, Date to,

@@ -45,13 +45,14 @@ class ORVANE_EXPORT TripService : public SerializableService {
     alerts,
   };
 
+  /// What `Filter::cursor` carries.
   struct CursorFilter {
-    std::int64_t limit;
-    std::int64_t offset;
+    std::int64_t limit;   ///< How many at most.
+    std::int64_t offset;  ///< How many to leave out.
     [[nodiscard]] HashValue hashValue() const { return hashOf(limit, offset); }
     auto operator<=>(const CursorFilter&) const = default;
   };
-  using DateFilter = DateRange;
+  using DateFilter = DateRange;  ///< What `Filter::date` carries.
 
   /// Which trips of a list.
   class Filter : public OneOf<CursorFilter, DateFilter> {
@@ -71,7 +72,7 @@ class ORVANE_EXPORT TripService : public SerializableService {
   /// A service for the person who is signed in. A missing registration stops the process.
   explicit TripService(Identity identity) : SerializableService(std::move(identity)) {}
 
-  /// Fetches one trip.
+  /// Fetches one trip, by its `Trip::id`.
   Operation<Trip> fetch(std::string id, SetOf<Expansion> expansions = {}) const;
   RequestHandle fetch(std::string id, std::set<Expansion> expansions, Completion<Trip> then) const;
 
@@ -153,28 +154,30 @@ struct EnumerationTable<TripService::Expansion> {
 
 /// Which trips of a vehicle. Everything is sent as it stands.
 struct ORVANE_EXPORT TripsByVehicle {
-  std::string startDate{};  ///< A day in the form that the backend expects.
-  std::string endDate{};    ///< A day in the form that the backend expects.
-  std::string vehicleId{};
+  std::string startDate{};               ///< The first day, for example "2024-05-13".
+  std::string endDate{};                 ///< The last day, in the same form.
+  std::string vehicleId{};               ///< Whose trips.
   std::int64_t vehicleTripsLimit = 100;  ///< How many at most; not checked here.
   std::int64_t offset = 0;               ///< How many to leave out; sent from 1 on.
-  std::string role{};                    ///< Left out when it is empty.
-  std::set<TripService::Expansion> expansions{};
-  std::string userId{};
+  std::string role{};  ///< What `userId` is to the vehicle, "OWNER" say; left out when empty.
+  std::set<TripService::Expansion> expansions{};  ///< What the backend is asked to embed in each.
+  std::string userId{};                           ///< The driver's identifier; sent if empty, too.
 };
 
 /// A list of trips to be walked page by page.
 struct ORVANE_EXPORT TripPages {
+  /// Where the trips are listed.
   enum class List : std::uint8_t {
     trips,    ///< The trips of `user`, as by `TripService::fetch`.
     logbook,  ///< The current user's logbook, as by `TripService::fetchAllChecked`.
   };
 
-  List list = List::logbook;
+  List list = List::logbook;  ///< Which of the two is read.
   /// Whose trips; the current user's when there is none. Of no effect on the logbook.
   std::optional<User> user{};
   /// Which trips; the range as for `TripService::Filter::date`.
   std::optional<DateRange> dates{};
+  /// What the backend is asked to embed in each trip.
   std::set<TripService::Expansion> expansions{};
   std::int64_t pageSize = 100;  ///< 1 to 100; what is beyond is taken as the nearest.
 };
@@ -183,6 +186,7 @@ struct ORVANE_EXPORT TripPages {
 /// read the same list together.
 class ORVANE_EXPORT TripPageReader {
  public:
+  /// What `TripService::pages` makes. Sends nothing.
   TripPageReader(const TripService& service, TripPages pages);
 
   /// The next page, in the backend's order. Behind the last one there is a failure without an

@@ -18,33 +18,34 @@ namespace orvane {
 
 /// The new values of a profile; what is absent stays as it is.
 struct ORVANE_EXPORT UserUpdate {
-  std::optional<std::string> displayName{};
-  std::optional<std::string> postalCode{};
-  std::optional<std::string> avatar{};
-  std::optional<User::Gender> gender{};
+  std::optional<std::string> displayName{};  ///< The name that others see.
+  std::optional<std::string> postalCode{};   ///< Of the address.
+  std::optional<std::string> avatar{};       ///< Where a picture is: a URL, sent as it stands.
+  std::optional<User::Gender> gender{};      ///< Sent as its text on the wire.
   /// A day of the device's calendar.
   std::optional<DateComponents> dateOfBirth{};
-  std::optional<std::string> firstName{};
-  std::optional<std::string> lastName{};
-  std::optional<std::string> email{};
-  std::optional<std::string> phone{};
-  std::optional<std::string> selfDescription{};
-  std::optional<bool> shareUserProfile{};
-  std::optional<User::DriverType> driverType{};
-  std::optional<User::DataCollectionType> dataCollectionType{};
-  std::optional<User::ScoringType> scoringType{};
+  std::optional<std::string> firstName{};        ///< Given name.
+  std::optional<std::string> lastName{};         ///< Family name.
+  std::optional<std::string> email{};            ///< E-mail address.
+  std::optional<std::string> phone{};            ///< Phone number.
+  std::optional<std::string> selfDescription{};  ///< What the person says of themselves.
+  std::optional<bool> shareUserProfile{};        ///< Whether others may see the profile.
+  std::optional<User::DriverType> driverType{};  ///< How often, and for what, the user drives.
+  std::optional<User::DataCollectionType> dataCollectionType{};  ///< What records the driving.
+  std::optional<User::ScoringType> scoringType{};  ///< By whose method trips are scored.
+  /// With what equipment the user takes part.
   std::optional<User::EnrollmentModelType> enrollmentModelType{};
 };
 
 /// The new values of an address; what is absent stays as it is.
 struct ORVANE_EXPORT UserAddressUpdate {
-  std::optional<std::string> city{};
-  std::optional<std::string> subdivision{};
-  std::optional<std::string> subdivisionCode{};
-  std::optional<std::string> postalCode{};
-  std::optional<std::string> country{};
-  std::optional<std::string> countryCode{};
-  std::optional<std::string> formattedAddress{};
+  std::optional<std::string> city{};              ///< Name of the city.
+  std::optional<std::string> subdivision{};       ///< Name of the state, province or region.
+  std::optional<std::string> subdivisionCode{};   ///< The same as a code.
+  std::optional<std::string> postalCode{};        ///< As it is written there.
+  std::optional<std::string> country{};           ///< Name of the country.
+  std::optional<std::string> countryCode{};       ///< The same as a code.
+  std::optional<std::string> formattedAddress{};  ///< The whole address as a text.
 };
 
 /// Fetches users, and updates the one who is signed in.

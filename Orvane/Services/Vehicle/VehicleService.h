@@ -31,7 +31,8 @@ class ORVANE_EXPORT VehicleService : public SerializableService {
   RequestHandle getAllVehicles(std::set<Expansion> expansions,
                                Completion<std::vector<Vehicle>> then) const;
 
-  /// Fetches one vehicle, by its plate where one is given.
+  /// Fetches one of the current user's vehicles, by its `Vehicle::vehicleId`. A plate is sent
+  /// besides, as it stands.
   Operation<Vehicle> getVehicleFor(std::string vehicleIdentity, SetOf<Expansion> expansions = {},
                                    std::optional<std::string> plate = {}) const;
   RequestHandle getVehicleFor(std::string vehicleIdentity, std::set<Expansion> expansions,

@@ -28,12 +28,13 @@ struct ORVANE_EXPORT FirmwareVersionMissing {
 
 /// A download of firmware that could not even start.
 struct ORVANE_EXPORT FirmwareDownloadError {
+  /// What is missing.
   enum class Case : std::uint8_t {
     noDownloader,  ///< No `Downloader` is registered.
     noFolder,      ///< There is no folder for it: `firmwareLocation` is absent, or no file's URL.
   };
 
-  Case kind;
+  Case kind;  ///< What is missing.
 
   [[nodiscard]] std::string message() const;
   friend constexpr bool operator==(const FirmwareDownloadError&,
@@ -42,7 +43,8 @@ struct ORVANE_EXPORT FirmwareDownloadError {
 
 /// A package that has been downloaded.
 struct ORVANE_EXPORT FirmwarePackage {
-  std::string path;  ///< In the file system's own form.
+  std::string path;  ///< Where it stands, in the file system's own form.
+  /// Read from the package's name; absent where that tells none.
   std::optional<std::string> version{};
 
   friend bool operator==(const FirmwarePackage&, const FirmwarePackage&) = default;
@@ -61,6 +63,7 @@ class ORVANE_EXPORT WedgeFirmwareService {
   /// missing `RequestManager`, and a `FirmwareHost` that forms no URL, stop the process.
   WedgeFirmwareService();
 
+  /// The transport that was registered when this was made.
   [[nodiscard]] const std::shared_ptr<RequestManager>& requestManager() const noexcept {
     return requestManager_;
   }

@@ -2,8 +2,8 @@
 // What tests of the transport have in common.
 #pragma once
 
-#include "tests/support/Printing.h"
 #include <Orvane/Common/RequestManager.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Runtime/CurlRequestManager.h>
 #include <Orvane/Runtime/TransportError.h>
 
@@ -16,13 +16,22 @@
 
 namespace orvane {
 
-/// ThreadSanitizer ends a forked process that starts a thread.
+/// ThreadSanitizer ends a forked process that starts a thread. AddressSanitizer's memory stays
+/// locked in one that was forked while another thread took some.
+#if defined(__has_feature)
+inline constexpr bool mayStartThreadsInAChild = !__has_feature(thread_sanitizer);
+inline constexpr bool mayForkWhileThreadsAllocate = !__has_feature(address_sanitizer);
+#else
 #if defined(__SANITIZE_THREAD__)
 inline constexpr bool mayStartThreadsInAChild = false;
-#elif defined(__has_feature)
-inline constexpr bool mayStartThreadsInAChild = !__has_feature(thread_sanitizer);
 #else
 inline constexpr bool mayStartThreadsInAChild = true;
+#endif
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool mayForkWhileThreadsAllocate = false;
+#else
+inline constexpr bool mayForkWhileThreadsAllocate = true;
+#endif
 #endif
 
 /// A manager that must be possible.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/support/Printing.h"
 #include <Orvane/Asio.h>
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Testing/FixedResolvers.h>
 
 #include <boost/asio/awaitable.hpp>
@@ -18,7 +18,6 @@
 #include <boost/asio/strand.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/asio/use_future.hpp>
-#include <gtest/gtest.h>
 
 #include <cstddef>
 #include <future>

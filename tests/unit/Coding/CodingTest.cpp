@@ -5,9 +5,8 @@
 #include "tests/unit/DeathTest.h"
 #include <Orvane/Coding/Codable.h>
 #include <Orvane/Coding/Record.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/Text.h>
-
-#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <optional>

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Enumerations as whole JSON texts, and lists of them; and which types have no coding.
 #include "tests/support/Records.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Orvane.h>
-
-#include <gtest/gtest.h>
 
 #include <optional>
 #include <string>

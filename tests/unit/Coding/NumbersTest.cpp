@@ -2,11 +2,10 @@
 // Numbers of any length, in members of every kind and in those that nobody reads.
 #include "tests/support/Records.h"
 #include "tests/support/Values.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Models/Event.h>
 #include <Orvane/Models/User.h>
 #include <Orvane/Platform/JSON.h>
-
-#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Coding/TextPool.h>
-
-#include <gtest/gtest.h>
+#include <Orvane/GoogleTest.h>
 
 #include <optional>
 #include <string>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Common/Container.h>
+#include <Orvane/GoogleTest.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <any>
 #include <latch>

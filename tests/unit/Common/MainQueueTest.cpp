@@ -2,11 +2,11 @@
 #include "tests/support/Outcome.h"
 #include "tests/unit/DeathTest.h"
 #include <Orvane/Common/MainQueue.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Testing/RecordingLogger.h>
 #include <Orvane/Testing/Script.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>

@@ -7,12 +7,11 @@
 #include <Orvane/Common/Retrying.h>
 #include <Orvane/Common/Task.h>
 #include <Orvane/Core/UserIdentifier.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Testing/FixedResolvers.h>
 #include <Orvane/Testing/MemoryStores.h>
 #include <Orvane/Testing/MovableTimers.h>
 #include <Orvane/Testing/ScriptedRequestManager.h>
-
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <coroutine>

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <Orvane/Common/Request.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Testing/Script.h>
-
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <latch>

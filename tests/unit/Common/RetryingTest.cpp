@@ -2,10 +2,9 @@
 #include "tests/support/Outcome.h"
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Common/Retrying.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Testing/MovableTimers.h>
 #include <Orvane/Testing/ScriptedRequestManager.h>
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <memory>

@@ -3,12 +3,12 @@
 #include <Orvane/Common/Identity.h>
 #include <Orvane/Common/Logger.h>
 #include <Orvane/Common/Version.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Testing/MemoryStores.h>
 #include <Orvane/Testing/RecordingLogger.h>
 #include <Orvane/Version.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string_view>
 #include <thread>

@@ -3,11 +3,10 @@
 #include "tests/support/Outcome.h"
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Common/Retrying.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/EULA/EULAService.h>
 #include <Orvane/Services/User/UserService.h>
 #include <Orvane/Testing/ScopedFoundation.h>
-
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <memory>

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // How requests are put together: URLs, queries and forms.
-#include "tests/support/Printing.h"
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Core/Parameter.h>
 #include <Orvane/Core/URLComposer.h>
+#include <Orvane/GoogleTest.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <optional>
 #include <string>

@@ -3,10 +3,9 @@
 #include "tests/support/Outcome.h"
 #include "tests/unit/DeathTest.h"
 #include <Orvane/Core/Container+Network.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/User/UserService.h>
 #include <Orvane/Testing/ScopedFoundation.h>
-
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <functional>
@@ -83,6 +82,9 @@ TEST_F(NetworkContainerDeathTest, aMissingRegistrationStopsTheProcess) {
   const auto makeAuthenticated = [] {
     (void)TokenOffsettingOrvaneDetailsResolver::make(networkContainer());
   };
+  const auto makeOfTheCommonOne = [] {
+    (void)TokenOffsettingOrvaneDetailsResolver::make(*Container::common());
+  };
   struct Row {
     std::string missing;
     std::function<void()> use;
@@ -95,6 +97,7 @@ TEST_F(NetworkContainerDeathTest, aMissingRegistrationStopsTheProcess) {
                       {"TimeMonitor", makeUnauthenticated},
                       {"TimeOffsetStore", makeUnauthenticated},
                       {"TimeOffsetStore", makeAuthenticated},
+                      {"UserIdentifier", makeOfTheCommonOne},
                       {"TimeMonitor", [] { (void)TimeMonitoringUserIDStore::shared(); }}};
   for (const Row& row : rows) {
     const auto stop = [&] {

@@ -2,13 +2,13 @@
 #include "tests/support/Outcome.h"
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Core/Resolvers.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Testing/Device.h>
 #include <Orvane/Testing/FixedResolvers.h>
 #include <Orvane/Testing/MemoryStores.h>
 #include <Orvane/Testing/ScriptedRequestManager.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <functional>

@@ -2,11 +2,11 @@
 #include "tests/support/Outcome.h"
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Core/UserIdentifier.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Testing/MemoryStores.h>
 #include <Orvane/Testing/ScriptedRequestManager.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <memory>

@@ -2,11 +2,10 @@
 // Driving summaries, the driver detection in them, and locations.
 #include "tests/support/Records.h"
 #include "tests/unit/DeathTest.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Models/DriverDetection.h>
 #include <Orvane/Models/DrivingSummary.h>
 #include <Orvane/Models/Location.h>
-
-#include <gtest/gtest.h>
 
 #include <optional>
 #include <string>

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/Records.h"
 #include "tests/support/Values.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Models/Leaderboard.h>
-
-#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <optional>

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/Records.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Models/NamedDriver.h>
-
-#include <gtest/gtest.h>
 
 #include <string>
 

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/support/Printing.h"
 #include "tests/support/Values.h"
 #include "tests/unit/DeathTest.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Models/Polyline.h>
 
-#include <gtest/gtest.h>
-
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <random>
@@ -149,7 +148,7 @@ TEST(PolylineTest, decodesAnyASCIIOrTellsWhyNot) {
   std::mt19937_64 random(7);
   std::uniform_int_distribution<int> byte(0, 127);
   for (int i = 0; i < 20'000; ++i) {
-    std::string text(random() % 24, '\0');
+    std::string text(static_cast<std::size_t>(random() % 24), '\0');
     for (char& c : text) c = static_cast<char>(byte(random));
     const auto polyline = Polyline::make(text);
     ASSERT_TRUE(polyline);

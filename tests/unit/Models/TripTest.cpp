@@ -3,13 +3,13 @@
 #include "tests/support/Records.h"
 #include "tests/support/Values.h"
 #include "tests/unit/DeathTest.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Models/Event.h>
 #include <Orvane/Models/LogbookWrapper.h>
 #include <Orvane/Models/Trip.h>
 #include <Orvane/Testing/Device.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <optional>

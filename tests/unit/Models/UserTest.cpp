@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/Records.h"
 #include "tests/unit/DeathTest.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Models/User.h>
 #include <Orvane/Testing/Device.h>
-
-#include <gtest/gtest.h>
 
 #include <optional>
 #include <string>

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Vehicles and devices.
 #include "tests/support/Records.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Models/Device.h>
 #include <Orvane/Models/Vehicle.h>
-
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <string>

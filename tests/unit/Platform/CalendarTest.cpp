@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/Values.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/Calendar.h>
 #include <Orvane/Testing/Device.h>
-
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <cstdint>

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/Values.h"
 #include <Orvane/Common/CurrentDate.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/Date.h>
 #include <Orvane/Platform/TimeZone.h>
 #include <Orvane/Testing/Device.h>
-
-#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <optional>

@@ -3,14 +3,13 @@
 #include "tests/support/RequestRows.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/unit/DeathTest.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/Calendar.h>
 #include <Orvane/Platform/DeviceSettings.h>
 #include <Orvane/Platform/SystemTimeZone.h>
 #include <Orvane/Services/User/UserService.h>
 #include <Orvane/Testing/Device.h>
 #include <Orvane/Testing/RecordingLogger.h>
-
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/support/Printing.h"
 #include "tests/support/TemporaryFolder.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/Files.h>
 #include <Orvane/Platform/URL.h>
 #include <Orvane/Testing/Device.h>
-
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <optional>

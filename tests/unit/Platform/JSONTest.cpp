@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // What counts as a JSON text, and how one is written.
-#include "tests/support/Printing.h"
 #include "tests/support/Values.h"
 #include <Orvane/Coding/Codable.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/JSON.h>
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>

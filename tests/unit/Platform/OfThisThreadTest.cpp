@@ -5,10 +5,9 @@
 #include <Orvane/Common/Container.h>
 #include <Orvane/Common/Logger.h>
 #include <Orvane/Common/MainQueue.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Models/User.h>
 #include <Orvane/Platform/OfThisThread.h>
-
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <string>

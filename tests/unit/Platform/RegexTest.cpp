@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/unit/DeathTest.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/Regex.h>
-
-#include <gtest/gtest.h>
 
 #include <optional>
 #include <string>

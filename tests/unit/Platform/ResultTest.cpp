@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/support/Printing.h"
 #include "tests/unit/DeathTest.h"
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/Result.h>
-
-#include <gtest/gtest.h>
 
 #include <memory>
 #include <optional>

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/support/Printing.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/URL.h>
-
-#include <gtest/gtest.h>
 
 #include <optional>
 #include <string>

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/unit/DeathTest.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/UniqueFunction.h>
-
-#include <gtest/gtest.h>
 
 #include <array>
 #include <functional>

@@ -6,12 +6,11 @@
 #include <Orvane/Common/NetworkError.h>
 #include <Orvane/Common/RequestManager.h>
 #include <Orvane/Core/Parameter.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Models/User.h>
 #include <Orvane/Platform/ClosedRange.h>
 #include <Orvane/Platform/Indirect.h>
 #include <Orvane/Platform/OneOf.h>
-
-#include <gtest/gtest.h>
 
 #include <set>
 #include <sstream>

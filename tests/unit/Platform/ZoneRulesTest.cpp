@@ -3,11 +3,10 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Values.h"
 #include "tests/unit/DeathTest.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Platform/Calendar.h>
 #include <Orvane/Platform/TimeZone.h>
 #include <Orvane/Testing/Device.h>
-
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <ctime>

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/Records.h"
 #include "tests/support/RequestRows.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/Content/ContentComposer.h>
 #include <Orvane/Services/Content/ContentService.h>
 #include <Orvane/Testing/ScopedFoundation.h>
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <optional>

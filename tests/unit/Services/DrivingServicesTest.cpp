@@ -4,6 +4,7 @@
 #include "tests/support/Records.h"
 #include "tests/support/RequestRows.h"
 #include "tests/support/Values.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/DrivingAlert/DrivingAlertService.h>
 #include <Orvane/Services/DrivingSummary/DrivingSummaryService.h>
 #include <Orvane/Services/Location/LocationComposer.h>
@@ -12,8 +13,6 @@
 #include <Orvane/Testing/Device.h>
 #include <Orvane/Testing/RecordingLogger.h>
 #include <Orvane/Testing/ScopedFoundation.h>
-
-#include <gtest/gtest.h>
 
 #include <optional>
 #include <set>

@@ -2,6 +2,7 @@
 // Activation, terms, devices and push tokens: what happens when a person starts with the programme.
 #include "tests/support/RequestRows.h"
 #include "tests/unit/DeathTest.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/Activation/ActivationService.h>
 #include <Orvane/Services/Device/DeviceComposer.h>
 #include <Orvane/Services/Device/DeviceService.h>
@@ -9,8 +10,6 @@
 #include <Orvane/Services/PushNotification/PushNotificationComposer.h>
 #include <Orvane/Services/PushNotification/PushNotificationService.h>
 #include <Orvane/Testing/ScopedFoundation.h>
-
-#include <gtest/gtest.h>
 
 namespace orvane {
 namespace {

@@ -4,13 +4,13 @@
 #include "tests/unit/DeathTest.h"
 #include <Orvane/Common/FirmwareHost.h>
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/WedgeFirmware/WedgeFirmwareService.h>
 #include <Orvane/Testing/Device.h>
 #include <Orvane/Testing/RecordingLogger.h>
 #include <Orvane/Testing/ScopedFoundation.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <memory>

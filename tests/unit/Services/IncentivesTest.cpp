@@ -2,14 +2,13 @@
 // Discounts, their scheme, and rewards.
 #include "tests/support/RequestRows.h"
 #include "tests/support/Requests.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/Discount/DiscountMetadataComposer.h>
 #include <Orvane/Services/Discount/DiscountMetadataService.h>
 #include <Orvane/Services/Discount/DiscountService.h>
 #include <Orvane/Services/Rewards/RewardsComposer.h>
 #include <Orvane/Services/Rewards/RewardsService.h>
 #include <Orvane/Testing/FixedResolvers.h>
-
-#include <gtest/gtest.h>
 
 #include <optional>
 #include <string>

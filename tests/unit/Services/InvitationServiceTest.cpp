@@ -2,11 +2,10 @@
 #include "tests/support/Outcome.h"
 #include "tests/support/RequestRows.h"
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/Invitation/InvitationComposer.h>
 #include <Orvane/Services/Invitation/InvitationService.h>
 #include <Orvane/Testing/ScopedFoundation.h>
-
-#include <gtest/gtest.h>
 
 namespace orvane {
 namespace {

@@ -3,12 +3,11 @@
 #include "tests/support/RequestRows.h"
 #include "tests/support/Values.h"
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/Leaderboard/LeaderboardComposer.h>
 #include <Orvane/Services/Leaderboard/LeaderboardService.h>
 #include <Orvane/Testing/Device.h>
 #include <Orvane/Testing/ScopedFoundation.h>
-
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <optional>

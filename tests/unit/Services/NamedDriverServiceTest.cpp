@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/RequestRows.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/NamedDriver/NamedDriverService.h>
-
-#include <gtest/gtest.h>
 
 namespace orvane {
 namespace {

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/Values.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/Scoring/ScoringComposer.h>
 #include <Orvane/Testing/Device.h>
 #include <Orvane/Testing/FixedResolvers.h>
-
-#include <gtest/gtest.h>
 
 #include <limits>
 #include <optional>

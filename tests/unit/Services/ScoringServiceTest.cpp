@@ -4,12 +4,11 @@
 #include "tests/support/Values.h"
 #include "tests/unit/DeathTest.h"
 #include <Orvane/Common/CurrentDate.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/Scoring/ScoringAggregateService.h>
 #include <Orvane/Services/Scoring/ScoringService.h>
 #include <Orvane/Testing/Device.h>
 #include <Orvane/Testing/ScopedFoundation.h>
-
-#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <limits>

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/RequestRows.h"
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/Subscription/SubscriptionComposer.h>
 #include <Orvane/Services/Subscription/SubscriptionService.h>
-
-#include <gtest/gtest.h>
 
 namespace orvane {
 namespace {

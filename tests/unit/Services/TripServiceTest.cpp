@@ -5,6 +5,7 @@
 #include "tests/support/Values.h"
 #include "tests/unit/DeathTest.h"
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/Trip/TripComposer.h>
 #include <Orvane/Services/Trip/TripService.h>
 #include <Orvane/Testing/Device.h>
@@ -12,7 +13,6 @@
 #include <Orvane/Testing/ScopedFoundation.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <set>
 #include <string>

@@ -2,12 +2,11 @@
 #include "tests/support/Outcome.h"
 #include "tests/support/RequestRows.h"
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Services/User/UserComposer.h>
 #include <Orvane/Services/User/UserService.h>
 #include <Orvane/Testing/Device.h>
 #include <Orvane/Testing/ScopedFoundation.h>
-
-#include <gtest/gtest.h>
 
 #include <set>
 #include <string>

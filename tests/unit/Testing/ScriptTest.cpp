@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // The doubles themselves: what an application's tests rely on.
 #include "tests/support/Outcome.h"
+#include "tests/unit/DeathTest.h"
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Testing/ScopedFoundation.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
@@ -47,7 +48,7 @@ TEST_F(ScriptTest, answersInTurnAndByPath) {
 }
 
 TEST_F(ScriptTest, stopsTheProcessWhereNothingIsToBeAnswered) {
-  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  dieInAnotherProcess();
   EXPECT_DEATH(transport.answerInTurn({}), "Fatal error: a double needs an answer");
   EXPECT_DEATH(transport.answerPath("/a", {}), "Fatal error: a double needs an answer");
 }
