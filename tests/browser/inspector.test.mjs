@@ -188,6 +188,18 @@ describe("trips", () => {
     assert.equal(await page.locator(".map [data-event]").count(), trip.events);
     assert.equal(await page.locator(".timeline [data-event]").count(), trip.events);
     assert.equal(await page.locator(".event-list li").count(), trip.events);
+    // Each can be seen and clicked, however near to one another they lie: here on a map as small as a stamp.
+    for (let steps = 0; steps < 6; steps += 1) await page.getByRole("button", { name: "Farther" }).click();
+    await page.evaluate(() => new Promise((drawn) => { requestAnimationFrame(() => requestAnimationFrame(drawn)); }));
+    const middles = await page.evaluate(() => [...document.querySelectorAll(".map [data-event]")].map((sign) => {
+      const { e, f } = sign.transform.baseVal.consolidate().matrix;
+      return [e, f];
+    }));
+    for (const [index, [x, y]] of middles.entries()) {
+      const nearest = Math.min(...middles.slice(index + 1).map(([otherX, otherY]) => Math.hypot(otherX - x, otherY - y)));
+      assert.ok(nearest > 18, `two signs lie ${nearest} pixels apart`);
+    }
+    await page.getByRole("button", { name: "The whole trip" }).click();
 
     const slider = page.getByRole("slider", { name: "Time of the trip" });
     const marker = page.locator(".map-marker");
@@ -209,7 +221,11 @@ describe("trips", () => {
     const { trip } = await rooms(page);
     await room(`trips/1002/2026-05-11/${trip.id}`);
     await page.locator(".map .event-sign").first().waitFor();
-    const scale = () => page.evaluate(() => document.querySelector(".map svg > g").transform.baseVal.consolidate().matrix.a);
+    // What was asked for is drawn with the next frame; a first size is told after that frame's callbacks.
+    const scale = () => page.evaluate(async () => {
+      for (let frames = 0; frames < 2; ++frames) await new Promise(requestAnimationFrame);
+      return document.querySelector(".map svg > g").transform.baseVal.consolidate().matrix.a;
+    });
     const changes = async (act, isNearer) => {
       const before = await scale();
       await act();

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "SandboxProcess.h"
+#include <Orvane/GoogleTest.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <string>

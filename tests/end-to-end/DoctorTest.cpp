@@ -47,6 +47,18 @@ TEST(DoctorTest, FindsNothingWrongWithAGoodBackend) {
     EXPECT_THAT(ending.output, HasSubstr(std::string("ok\t") + check + "\t"));
   }
   EXPECT_THAT(ending.output, HasSubstr("(from ORVANE_BASE_URL)"));
+
+  // On a phone's terminal; a word is never taken apart.
+  Environment narrow = anna;
+  narrow["COLUMNS"] = "40";
+  std::istringstream page(orvane("doctor --format table", narrow).output);
+  int lines = 0;
+  for (std::string line; std::getline(page, line); ++lines) {
+    const std::size_t word = line.find_first_not_of(' ');
+    EXPECT_TRUE(line.size() <= 40 || line.find(' ', word) == std::string::npos) << line;
+  }
+  EXPECT_GT(lines, 15);
+
   const nlohmann::json report = jsonOf("doctor --token " + sandbox.developmentToken(), anna);
   EXPECT_EQ(report["ok"], true);
   EXPECT_EQ(report["checks"].back()["finding"], "user 1001 is Anna K.");

@@ -5,13 +5,13 @@
 #include "SandboxProcess.h"
 #include <Orvane/Common/All.h>
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Orvane.h>
 #include <Orvane/Runtime/CurlDownloader.h>
 #include <Orvane/Runtime/Runtime.h>
 
 #include <arpa/inet.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>

@@ -4,13 +4,13 @@
 #include "OperationsTable.h"
 #include "SandboxProcess.h"
 #include <Orvane/Common/NetworkError.h>
+#include <Orvane/GoogleTest.h>
 #include <Orvane/Orvane.h>
 #include <Orvane/Runtime/Runtime.h>
 #include <Orvane/Runtime/SelfSignedTokenResolver.h>
 #include <Orvane/Testing/Device.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>

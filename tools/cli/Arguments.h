@@ -47,7 +47,7 @@ enum class Listed : std::uint8_t {
 
 /// An identifier of the backend's, which is never empty. Most stand in paths, where an empty one
 /// would address what is above it: all vehicles instead of one.
-template <Listed L>
+template <Listed kind>
 struct IdentifierOf {
   std::string text;
 };
@@ -57,14 +57,14 @@ using VehicleID = IdentifierOf<Listed::vehicles>;
 using UserID = IdentifierOf<Listed::users>;
 using InvitationID = IdentifierOf<Listed::invitations>;
 
-template <Listed L>
-struct Argument<IdentifierOf<L>> {
-  static constexpr std::string_view label = L == Listed::users ? "USER" : "ID";
+template <Listed kind>
+struct Argument<IdentifierOf<kind>> {
+  static constexpr std::string_view label = kind == Listed::users ? "USER" : "ID";
   static constexpr std::string_view meaning = "an identifier";
-  static constexpr Listed listed = L;
-  [[nodiscard]] static std::optional<IdentifierOf<L>> parse(std::string_view text) {
+  static constexpr Listed listed = kind;
+  [[nodiscard]] static std::optional<IdentifierOf<kind>> parse(std::string_view text) {
     if (text.empty()) return std::nullopt;
-    return IdentifierOf<L>{std::string(text)};
+    return IdentifierOf<kind>{std::string(text)};
   }
 };
 

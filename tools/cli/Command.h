@@ -9,13 +9,12 @@
 //
 //     TripID id;
 //     void declare(Options& options) { options.positional("ID", id, "The trip"); }
-//     Operation<Trip> ask(Session& session) const {
-//       return TripService(session.identity()).fetch(id.text);
-//     }
+//     Operation<Trip> ask(const TripService& service) const { return service.fetch(id.text); }
 //     static void print(const Trip& trip, Output& output) { … }
 //   };
 //
-// Help, man page, completion and messages come of these declarations. `examples` and `declare` may
+// `ask` takes the service that it asks, or the session where it needs more than that. Help, man
+// page, completion and messages come of these declarations. `examples` and `declare` may
 // be missing. `isInternal` hides it from completion. An operation that answers nothing has `done`,
 // the line that is then printed, instead of `print`. A verb whose answer holds its records further
 // down has `unwrapped`, which finds them in the backend's text. A verb that needs no call, or does
@@ -147,6 +146,17 @@ void printAnswer(const V& verb, const Answer& answer, Session& session) {
 
 namespace detail {
 
+/// Becomes what a verb takes: the session, or a service of who is signed in.
+struct Asked {
+  Session& session;
+
+  operator Session&() const { return session; }  // NOLINT(google-explicit-constructor)
+  template <std::constructible_from<Identity> Service>
+  operator Service() const {  // NOLINT(google-explicit-constructor)
+    return Service(session.identity());
+  }
+};
+
 template <class V>
 class VerbOf final : public Verb {
  public:
@@ -174,7 +184,7 @@ class VerbOf final : public Verb {
       verb_.run(session);
     } else {
       session.connect();
-      printAnswer(verb_, session.call(verb_.ask(session)), session);
+      printAnswer(verb_, session.call(verb_.ask(Asked{session})), session);
     }
   }
 

@@ -208,7 +208,9 @@ CertificateFindings ServerProbe::certificate(const std::string& caFile) {
   SSL_set_ex_data(connection.get(), 0, &chainError);
   // Blocking from here on, within bounds.
   ::fcntl(socket_, F_SETFL, ::fcntl(socket_, F_GETFL) & ~O_NONBLOCK);
-  const timeval bound{limit_.count() / 1000, limit_.count() % 1000 * 1000};
+  timeval bound{};
+  bound.tv_sec = static_cast<decltype(bound.tv_sec)>(limit_.count() / 1000);
+  bound.tv_usec = static_cast<decltype(bound.tv_usec)>(limit_.count() % 1000 * 1000);
   ::setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &bound, sizeof bound);
   SSL_set_fd(connection.get(), socket_);
   if (!isAddress(address_.host)) {

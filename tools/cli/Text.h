@@ -60,6 +60,7 @@ template <Enumeration E>
 template <class T>
 [[nodiscard]] std::string toText(const std::vector<T>& values) {
   std::vector<std::string> texts;
+  texts.reserve(values.size());
   for (const T& value : values) texts.push_back(toText(value));
   return joined(texts, ", ");
 }

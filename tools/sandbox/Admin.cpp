@@ -15,8 +15,6 @@ namespace {
 
 constexpr std::int64_t largestSkew = 100LL * 365 * 24 * 60 * 60;
 
-Reply done() { return jsonReply(R"({"done":true})"); }
-
 Reply misbehave(Backend& backend, const Request& request) {
   backend.misbehaviours().add(Fault::fromJson(objectIn(request)));
   backend.tell(Happening::faults);
@@ -35,25 +33,11 @@ Reply listMisbehaviours(Backend& backend, const Request&) {
   return jsonReply(list.dump());
 }
 
-Reply showClock(Backend& backend, const Request&) {
-  JsonWriter json;
-  json.beginObject()
-      .member("skew", backend.clock().skew())
-      .member("now", formatTime(backend.clock().now()))
-      .member("today", formatTime(backend.now()))
-      .member("laidAround", formatTime(backend.laidAround()))
-      .endObject();
-  return jsonReply(json.take());
-}
+Reply showClock(Backend& backend, const Request&) { return jsonReply(clockAsJson(backend)); }
 
 Reply setClock(Backend& backend, const Request& request) {
   backend.clock().setSkew(skewIn(objectIn(request)));
   backend.tell(Happening::clock);
-  return done();
-}
-
-Reply resetAll(Backend& backend, const Request&) {
-  backend.reset();
   return done();
 }
 
@@ -63,28 +47,12 @@ Reply listRequests(Backend& backend, const Request& request) {
   return jsonReply(backend.requests().json(withBodies));
 }
 
-Reply forgetRequests(Backend& backend, const Request&) {
-  backend.requests().clear();
-  backend.tell(Happening::cleared);
-  return done();
-}
-
 Reply listSnapshots(Backend& backend, const Request&) {
   return jsonReply(nlohmann::json(backend.snapshots().names()).dump());
 }
 
-Reply saveSnapshot(Backend& backend, const Request& request) {
-  backend.snapshots().save(nameIn(request), *backend.database().lease());
-  return done();
-}
-
 Reply removeSnapshot(Backend& backend, const Request& request) {
   backend.snapshots().remove(nameIn(request));
-  return done();
-}
-
-Reply restoreSnapshot(Backend& backend, const Request& request) {
-  backend.restore(nameIn(request));
   return done();
 }
 
@@ -140,6 +108,40 @@ Reply dispatch(Backend& backend, const Request& request) {
 }
 
 }  // namespace
+
+Reply done() { return jsonReply(R"({"done":true})"); }
+
+Reply resetAll(Backend& backend, const Request&) {
+  backend.reset();
+  return done();
+}
+
+Reply forgetRequests(Backend& backend, const Request&) {
+  backend.requests().clear();
+  backend.tell(Happening::cleared);
+  return done();
+}
+
+Reply saveSnapshot(Backend& backend, const Request& request) {
+  backend.snapshots().save(nameIn(request), *backend.database().lease());
+  return done();
+}
+
+Reply restoreSnapshot(Backend& backend, const Request& request) {
+  backend.restore(nameIn(request));
+  return done();
+}
+
+std::string clockAsJson(Backend& backend) {
+  JsonWriter json;
+  json.beginObject()
+      .member("skew", backend.clock().skew())
+      .member("now", formatTime(backend.clock().now()))
+      .member("today", formatTime(backend.now()))
+      .member("laidAround", formatTime(backend.laidAround()))
+      .endObject();
+  return json.take();
+}
 
 nlohmann::json objectIn(const Request& request) {
   auto json = nlohmann::json::parse(request.body, nullptr, false);

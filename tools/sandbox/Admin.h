@@ -21,6 +21,18 @@ inline constexpr const char* adminKeyHeader = "X-Sandbox-Admin-Key";
 /// Never throws: what is wrong with the request is in the reply.
 [[nodiscard]] Reply answerAdmin(Backend& backend, const Request& request);
 
+// What is done for whoever steers, here and from the inspector's page.
+
+/// {"done": true}
+[[nodiscard]] Reply done();
+[[nodiscard]] Reply forgetRequests(Backend& backend, const Request& request);
+[[nodiscard]] Reply resetAll(Backend& backend, const Request& request);
+[[nodiscard]] Reply saveSnapshot(Backend& backend, const Request& request);
+[[nodiscard]] Reply restoreSnapshot(Backend& backend, const Request& request);
+
+/// The server's clock as JSON: its skew, its time, and the day around which the data lies.
+[[nodiscard]] std::string clockAsJson(Backend& backend);
+
 // What bodies say by which the sandbox is steered. A 400 is thrown for any other.
 
 /// A JSON object.

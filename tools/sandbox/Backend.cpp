@@ -40,7 +40,7 @@ Backend::Backend(BackendOptions options)
   layDataIfNeeded();
   options_.progress = nullptr;  // of the start: nobody looks on later
   addResources(router_);
-  if (options_.records) recording_.start(false);
+  if (options_.records) recording_.start(options_.recordsSecrets);
 }
 
 void Backend::layDataIfNeeded() {

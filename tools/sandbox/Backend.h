@@ -41,6 +41,7 @@ struct BackendOptions {
   LayingProgress progress;                  // while the data is laid
   std::function<Address()> address;         // how clients reach it, once it listens
   bool records = false;                     // requests and answers, from the start
+  bool recordsSecrets = false;              // without stand-ins for tokens and e-mail addresses
   std::shared_ptr<Replay> replay;           // answers in the place of the resources
 };
 

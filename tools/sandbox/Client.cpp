@@ -11,7 +11,8 @@ namespace orvane::sandbox {
 Settings clientSettings(const Address& address, const std::string& token) {
   Settings settings{{"ORVANE_BASE_URL", address.baseUrl},
                     {"ORVANE_API_KEY", sampleApiKey},
-                    {"ORVANE_TOKEN", token}};
+                    {"ORVANE_TOKEN", token},
+                    {"ORVANE_FIRMWARE_HOST", address.baseUrl}};
   if (!address.certificateAuthority.empty()) {
     settings.emplace_back("ORVANE_CA_FILE", address.certificateAuthority.string());
   }

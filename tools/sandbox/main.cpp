@@ -123,10 +123,14 @@ void declare(CLI::App& app, Flags& flags) {
                  "repeated")
       ->type_name("ORIGIN")
       ->allow_extra_args(false);
-  app.add_option("--record", flags.recording,
-                 "Record requests and answers, and write them to this file in the end. Stand-ins "
-                 "take the place of tokens and e-mail addresses")
-      ->type_name("FILE");
+  CLI::Option* record =
+      app.add_option("--record", flags.recording,
+                     "Record requests and answers, and write them to this file in the end. "
+                     "Stand-ins take the place of tokens and e-mail addresses")
+          ->type_name("FILE");
+  app.add_flag("--record-secrets", flags.options.backend.recordsSecrets,
+               "Leave tokens and e-mail addresses in the recording as they are")
+      ->needs(record);
   CLI::Option* replay =
       app.add_option("--replay", flags.replay,
                      "Answer from a recording, by method, path and query; any token is taken")

@@ -41,8 +41,8 @@ struct GetContent {
                    "The languages wanted, the best first, with commas between them: de-CH,en");
   }
 
-  Operation<Content> ask(Session& session) const {
-    return ContentService(session.identity()).fetch(key, languages);
+  Operation<Content> ask(const ContentService& service) const {
+    return service.fetch(key, languages);
   }
 
   // Its lines stay lines; nothing else can steer a terminal.

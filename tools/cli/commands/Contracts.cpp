@@ -17,8 +17,8 @@ struct ListSubscriptions {
   static constexpr std::string_view name = "subscriptions";
   static constexpr std::string_view summary = "List the contracts under which one takes part";
 
-  Operation<Answer> ask(Session& session) const {
-    return SubscriptionService(session.identity()).fetchContractDates();
+  Operation<Answer> ask(const SubscriptionService& service) const {
+    return service.fetchContractDates();
   }
 
   static void print(const Answer& subscriptions, Output& output) {
@@ -39,9 +39,7 @@ struct ListNamedDrivers {
   static constexpr std::string_view name = "list";
   static constexpr std::string_view summary = "List the drivers that the policy names";
 
-  Operation<Answer> ask(Session& session) const {
-    return NamedDriverService(session.identity()).fetch();
-  }
+  Operation<Answer> ask(const NamedDriverService& service) const { return service.fetch(); }
 
   static void print(const Answer& drivers, Output& output) {
     using Driver = NamedDriver;
@@ -75,8 +73,8 @@ struct UpdateNamedDriver {
     options.required("--phone", phone, "Phone number");
   }
 
-  Operation<NamedDriver> ask(Session& session) const {
-    return NamedDriverService(session.identity()).updateNamedDriver(id, email, phone);
+  Operation<NamedDriver> ask(const NamedDriverService& service) const {
+    return service.updateNamedDriver(id, email, phone);
   }
 
   static void print(const NamedDriver& driver, Output& output) {

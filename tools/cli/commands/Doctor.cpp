@@ -158,7 +158,9 @@ class Examination {
   void server() {
     constexpr auto& names = serverChecks;
     const auto rest = [this](std::size_t first, const std::string& why) {
-      for (std::size_t index = first; index < std::size(names); ++index) skip(names[index], why);
+      for (std::size_t index = first; index < std::size(serverChecks); ++index) {
+        skip(serverChecks[index], why);
+      }
     };
     if (!address_) return rest(0, "there is no address");
     for (const char* proxy : {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) {

@@ -27,8 +27,8 @@ struct Activate {
     options.positional("EMAIL", email, "The person's e-mail address");
   }
 
-  Operation<Unit> ask(Session& session) const {
-    return ActivationService(session.identity()).activate(id, code, email);
+  Operation<Unit> ask(const ActivationService& service) const {
+    return service.activate(id, code, email);
   }
 };
 
@@ -37,9 +37,7 @@ struct AcceptTerms {
   static constexpr std::string_view summary = "Accept the programme's terms";
   static constexpr std::string_view done = "The terms are accepted.";
 
-  Operation<Unit> ask(Session& session) const {
-    return EULAService(session.identity()).acceptTerms();
-  }
+  Operation<Unit> ask(const EULAService& service) const { return service.acceptTerms(); }
 };
 
 struct AnswersDevice {
@@ -61,27 +59,21 @@ struct ShowDevice : AnswersDevice {
   static constexpr std::string_view name = "show";
   static constexpr std::string_view summary = "Show this device as the backend knows it";
 
-  Operation<Device> ask(Session& session) const {
-    return DeviceService(session.identity()).fetch();
-  }
+  Operation<Device> ask(const DeviceService& service) const { return service.fetch(); }
 };
 
 struct ActivateDevice : AnswersDevice {
   static constexpr std::string_view name = "activate";
   static constexpr std::string_view summary = "Make this device the one that collects driving";
 
-  Operation<Device> ask(Session& session) const {
-    return DeviceService(session.identity()).activate();
-  }
+  Operation<Device> ask(const DeviceService& service) const { return service.activate(); }
 };
 
 struct DeactivateDevice : AnswersDevice {
   static constexpr std::string_view name = "deactivate";
   static constexpr std::string_view summary = "End that this device collects driving";
 
-  Operation<Device> ask(Session& session) const {
-    return DeviceService(session.identity()).deactivate();
-  }
+  Operation<Device> ask(const DeviceService& service) const { return service.deactivate(); }
 };
 
 struct SetPushToken : AnswersDevice {
@@ -98,8 +90,8 @@ struct SetPushToken : AnswersDevice {
     options.positional("TOKEN", token, "The platform's push token, as a text");
   }
 
-  Operation<Device> ask(Session& session) const {
-    return PushNotificationService(session.identity()).setToken(token);
+  Operation<Device> ask(const PushNotificationService& service) const {
+    return service.setToken(token);
   }
 };
 

@@ -81,9 +81,7 @@ struct OptIn {
   static constexpr std::string_view summary = "Appear on leaderboards";
   static constexpr std::string_view done = "Leaderboards show you.";
 
-  static Operation<Unit> ask(Session& session) {
-    return LeaderboardService(session.identity()).optIn();
-  }
+  static Operation<Unit> ask(const LeaderboardService& service) { return service.optIn(); }
 };
 
 struct OptOut {
@@ -91,9 +89,7 @@ struct OptOut {
   static constexpr std::string_view summary = "Disappear from leaderboards";
   static constexpr std::string_view done = "Leaderboards don't show you any more.";
 
-  static Operation<Unit> ask(Session& session) {
-    return LeaderboardService(session.identity()).optOut();
-  }
+  static Operation<Unit> ask(const LeaderboardService& service) { return service.optOut(); }
 };
 
 struct ShowDiscount {
@@ -107,8 +103,8 @@ struct ShowDiscount {
     options.option("--expand", expansions, "What the backend is asked to take into account");
   }
 
-  Operation<Discount> ask(Session& session) const {
-    return DiscountService(session.identity()).fetchDiscount(expansions);
+  Operation<Discount> ask(const DiscountService& service) const {
+    return service.fetchDiscount(expansions);
   }
 
   static void print(const Discount& discount, Output& output) {
@@ -127,8 +123,8 @@ struct ShowScheme {
   static constexpr std::string_view name = "scheme";
   static constexpr std::string_view summary = "Show which score earns which discount";
 
-  static Operation<DiscountMetadata> ask(Session& session) {
-    return DiscountMetadataService(session.identity()).fetchDiscountMetadata();
+  static Operation<DiscountMetadata> ask(const DiscountMetadataService& service) {
+    return service.fetchDiscountMetadata();
   }
 
   static void print(const DiscountMetadata& scheme, Output& output) {
@@ -158,9 +154,7 @@ struct FetchToken {
   static constexpr std::string_view name = "token";
   static constexpr std::string_view summary = "Print a token that opens the rewards";
 
-  static Operation<RewardToken> ask(Session& session) {
-    return RewardsService(session.identity()).fetchToken();
-  }
+  static Operation<RewardToken> ask(const RewardsService& service) { return service.fetchToken(); }
 
   static void print(const RewardToken& reward, Output& output) {
     output.line(visible(reward.token.value_or("")));

@@ -66,8 +66,8 @@ struct ListVehicleInvitations : ListsInvitations {
   static constexpr Example examples[] = {
       {"invitations vehicles --filtered PENDING", "those that nobody has answered yet"}};
 
-  Operation<Invitations> ask(Session& session) const {
-    return InvitationService(session.identity()).fetchVehicleInvites(filtered);
+  Operation<Invitations> ask(const InvitationService& service) const {
+    return service.fetchVehicleInvites(filtered);
   }
   static void print(const Invitations& invitations, Output& output) {
     output.table(tableOf(invitations, "vehicle"));
@@ -78,8 +78,8 @@ struct ListAccountInvitations : ListsInvitations {
   static constexpr std::string_view name = "accounts";
   static constexpr std::string_view summary = "List invitations to accounts, sent and received";
 
-  Operation<Invitations> ask(Session& session) const {
-    return InvitationService(session.identity()).fetchAccountInvites(filtered);
+  Operation<Invitations> ask(const InvitationService& service) const {
+    return service.fetchAccountInvites(filtered);
   }
   static void print(const Invitations& invitations, Output& output) {
     output.table(tableOf(invitations, "account"));
@@ -227,9 +227,8 @@ struct RemoveFromVehicle {
     options.positional("VEHICLE", vehicle, "The vehicle");
   }
 
-  Operation<Unit> ask(Session& session) const {
-    return InvitationService(session.identity())
-        .removeGuestDriverFromVehicle(user.text, vehicle.text);
+  Operation<Unit> ask(const InvitationService& service) const {
+    return service.removeGuestDriverFromVehicle(user.text, vehicle.text);
   }
 };
 
@@ -248,9 +247,8 @@ struct RemoveFromAccount {
     options.positional("ACCOUNT", account, "The account");
   }
 
-  Operation<Unit> ask(Session& session) const {
-    return InvitationService(session.identity())
-        .removeGuestDriverFromAccount(user.text, account.text);
+  Operation<Unit> ask(const InvitationService& service) const {
+    return service.removeGuestDriverFromAccount(user.text, account.text);
   }
 };
 

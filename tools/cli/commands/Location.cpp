@@ -14,8 +14,8 @@ struct ShowLocation {
       {"location", "in degrees, and when that was"},
   };
 
-  Operation<Location> ask(Session& session) const {
-    return LocationService(session.identity()).fetchLastKnownLocation();
+  Operation<Location> ask(const LocationService& service) const {
+    return service.fetchLastKnownLocation();
   }
 
   static void print(const Location& location, Output& output) {

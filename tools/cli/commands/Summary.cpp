@@ -55,8 +55,8 @@ struct ShowSummary {
     options.option("--expand", expansions, "What to embed in the summary");
   }
 
-  Operation<DrivingSummary> ask(Session& session) const {
-    return DrivingSummaryService(session.identity()).fetch(filtersOf(days), expansions);
+  Operation<DrivingSummary> ask(const DrivingSummaryService& service) const {
+    return service.fetch(filtersOf(days), expansions);
   }
 
   static void print(const DrivingSummary& account, Output& output) {
@@ -83,8 +83,8 @@ struct ListSummaries {
     options.option("--aggregate-by", aggregateBy, "How long a period is, in the backend's words");
   }
 
-  Operation<Periods> ask(Session& session) const {
-    return DrivingSummaryService(session.identity()).fetchList(filtersOf(days), aggregateBy);
+  Operation<Periods> ask(const DrivingSummaryService& service) const {
+    return service.fetchList(filtersOf(days), aggregateBy);
   }
 
   static void print(const Periods& periods, Output& output) {

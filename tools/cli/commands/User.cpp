@@ -148,9 +148,7 @@ struct UpdateUser : AnswersUser {
     options.atLeastOne();
   }
 
-  Operation<User> ask(Session& session) const {
-    return UserService(session.identity()).update(update);
-  }
+  Operation<User> ask(const UserService& service) const { return service.update(update); }
 };
 
 struct UpdateAddress : AnswersUser {
@@ -173,9 +171,7 @@ struct UpdateAddress : AnswersUser {
     options.atLeastOne();
   }
 
-  Operation<User> ask(Session& session) const {
-    return UserService(session.identity()).updateAddress(update);
-  }
+  Operation<User> ask(const UserService& service) const { return service.updateAddress(update); }
 };
 
 }  // namespace

@@ -81,8 +81,8 @@ struct ListVehicles {
 
   void declare(Options& options) { options.option("--expand", expansions, embeds); }
 
-  Operation<Vehicles> ask(Session& session) const {
-    return VehicleService(session.identity()).getAllVehicles(expansions);
+  Operation<Vehicles> ask(const VehicleService& service) const {
+    return service.getAllVehicles(expansions);
   }
 
   static void print(const Vehicles& vehicles, Output& output) {
@@ -118,8 +118,8 @@ struct ShowVehicle {
     options.option("--plate", plate, "The number plate that it has to have");
   }
 
-  Operation<Vehicle> ask(Session& session) const {
-    return VehicleService(session.identity()).getVehicleFor(id.text, expansions, plate);
+  Operation<Vehicle> ask(const VehicleService& service) const {
+    return service.getVehicleFor(id.text, expansions, plate);
   }
 
   static void print(const Vehicle& vehicle, Output& output) {

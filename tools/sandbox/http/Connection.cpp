@@ -229,18 +229,23 @@ Connection::Awaitable<void> Connection::write(std::string_view bytes, std::size_
       bytesPerSecond > 0 ? std::max<std::size_t>(1, bytesPerSecond / pausesPerSecond) : outputPiece;
   while (!bytes.empty()) {
     const std::string_view piece = bytes.substr(0, most);
+    if (bytesPerSecond > 0) {
+      // They arrive no sooner than they would at that rate.
+      co_await pause(1000ms * piece.size() / bytesPerSecond);
+    }
     co_await transmit(piece);
     bytes.remove_prefix(piece.size());
-    if (bytesPerSecond == 0) continue;
-    // As long as those bytes take at that rate.
-    const bool mayWait = co_await park(State::pausing, noTimeout);
-    pause_.expires_after(1000ms * piece.size() / bytesPerSecond);
-    if (mayWait) {
-      co_await pause_.async_wait(withError);
-    }
-    co_await resume();
-    if (context_.isStopping) throw system_error(net::error::operation_aborted);
   }
+}
+
+Connection::Awaitable<void> Connection::pause(Duration duration) {
+  const bool mayWait = co_await park(State::pausing, noTimeout);
+  pause_.expires_after(duration);
+  if (mayWait) {
+    co_await pause_.async_wait(withError);
+  }
+  co_await resume();
+  if (context_.isStopping) throw system_error(net::error::operation_aborted);
 }
 
 Connection::Awaitable<void> Connection::stay(const Answer& answer) {

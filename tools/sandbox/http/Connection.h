@@ -26,11 +26,10 @@ namespace orvane::sandbox {
 
 /// What all connections of a listener share.
 struct ConnectionContext {
-  ConnectionContext(Listener::Options options_, const ServerClock& clock_,
-                    Listener::Handler handler_)
-      : options(std::move(options_)),
-        clock(clock_),
-        handler(std::move(handler_)),
+  ConnectionContext(Listener::Options chosen, const ServerClock& time, Listener::Handler answering)
+      : options(std::move(chosen)),
+        clock(time),
+        handler(std::move(answering)),
         workers(options.threads) {}
 
   const Listener::Options options;
@@ -77,6 +76,7 @@ class Connection {
   [[nodiscard]] Answer answer(const RequestParser& parser) const;
   Awaitable<void> send(const Answer& answer);
   Awaitable<void> write(std::string_view bytes, std::size_t bytesPerSecond = 0);
+  Awaitable<void> pause(Duration duration);
   Awaitable<void> stay(const Answer& answer);
   Awaitable<void> drain();
   void sayGoodbye();

@@ -26,12 +26,16 @@ struct Inquiry {
   std::string item;  // what follows the room's name and a slash
 };
 
-Reply done() { return jsonReply(R"({"done":true})"); }
-
 std::int64_t numberOf(const Inquiry& inquiry) {
   const auto number = parseInteger(inquiry.item);
   if (!number) throw notFound("there is no such number");
   return *number;
+}
+
+/// As it is done for admin requests.
+template <Reply (*handle)(Backend&, const Request&)>
+Reply steered(Inquiry& inquiry) {
+  return handle(inquiry.backend, inquiry.request);
 }
 
 Reply showSession(Inquiry& inquiry) {
@@ -69,12 +73,6 @@ Reply showRequest(Inquiry& inquiry) {
   const auto kept = inquiry.backend.requests().find(numberOf(inquiry));
   if (!kept) throw notFound("that request is no longer on record");
   return jsonReply(detailsAsJson(inquiry.backend, *kept));
-}
-
-Reply forgetRequests(Inquiry& inquiry) {
-  inquiry.backend.requests().clear();
-  inquiry.backend.tell(Happening::cleared);
-  return done();
 }
 
 Reply watch(Inquiry& inquiry) {
@@ -145,27 +143,12 @@ Reply setClock(Inquiry& inquiry) {
   return jsonReply(clockAsJson(inquiry.backend));
 }
 
-Reply resetAll(Inquiry& inquiry) {
-  inquiry.backend.reset();
-  return done();
-}
-
 Reply listSnapshots(Inquiry& inquiry) {
   return jsonReply(nlohmann::json{{"snapshots", inquiry.backend.snapshots().names()}}.dump());
 }
 
-Reply saveSnapshot(Inquiry& inquiry) {
-  inquiry.backend.snapshots().save(nameIn(inquiry.request), *inquiry.backend.database().lease());
-  return done();
-}
-
 Reply removeSnapshot(Inquiry& inquiry) {
   inquiry.backend.snapshots().remove(inquiry.item);
-  return done();
-}
-
-Reply restoreSnapshot(Inquiry& inquiry) {
-  inquiry.backend.restore(nameIn(inquiry.request));
   return done();
 }
 
@@ -206,7 +189,7 @@ constexpr auto routes = std::to_array<Route>({
     {"GET", "session", &showSession},
     {"GET", "requests", &listRequests},
     {"GET", "requests", &showRequest, true},
-    {"DELETE", "requests", &forgetRequests},
+    {"DELETE", "requests", &steered<&forgetRequests>},
     {"GET", "events", &watch},
     {"GET", "people", &listPeople},
     {"GET", "trips", &listTrips},
@@ -218,11 +201,11 @@ constexpr auto routes = std::to_array<Route>({
     {"DELETE", "faults", &endFaults},
     {"GET", "clock", &showClock},
     {"POST", "clock", &setClock},
-    {"POST", "reset", &resetAll},
+    {"POST", "reset", &steered<&resetAll>},
     {"GET", "snapshots", &listSnapshots},
-    {"POST", "snapshots", &saveSnapshot},
+    {"POST", "snapshots", &steered<&saveSnapshot>},
     {"DELETE", "snapshots", &removeSnapshot, true},
-    {"POST", "restore", &restoreSnapshot},
+    {"POST", "restore", &steered<&restoreSnapshot>},
     {"GET", "changes", &listChanges},
     {"GET", "recording", &takeRecording},
     {"POST", "recording", &setRecording},
@@ -261,18 +244,6 @@ std::string faultsAsJson(Backend& backend) {
     json.member("permanent", fault.permanent).endObject();
   }
   return json.endArray().endObject().take();
-}
-
-std::string clockAsJson(Backend& backend) {
-  JsonWriter json;
-  json.beginObject()
-      .member("skew", backend.clock().skew())
-      .member("now", formatTime(backend.clock().now()))
-      .member("today", formatTime(backend.now()))
-      .member("laidAround", formatTime(backend.laidAround()))
-      .member("todayCanBeSet", true)
-      .endObject();
-  return json.take();
 }
 
 std::string recordingAsJson(Backend& backend) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "inspector/Feed.h"
 
+#include "Admin.h"
 #include "JsonWriter.h"
 #include "inspector/Views.h"
 

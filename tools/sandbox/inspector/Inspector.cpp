@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view folder = "/inspector/";
 constexpr std::string_view apiFolder = "/inspector/api/";
 constexpr std::string_view codeQuery = "code=";
-constexpr std::string_view cookieName = "orvane-inspector";
+constexpr std::string_view cookieStem = "orvane-inspector-";
 
 bool isChange(const Request& request) { return request.method != "GET"; }
 
@@ -42,12 +42,12 @@ void addSecurityHeaders(Reply& reply) {
   reply.headers.insert(reply.headers.end(), headers.begin(), headers.end());
 }
 
-/// The value of the session's cookie (RFC 6265, section 4.2).
-std::string_view cookieOf(const Request& request) {
+/// The value of a cookie (RFC 6265, section 4.2).
+std::string_view cookieOf(const Request& request, std::string_view name) {
   for (std::string_view pair : split(request.header("Cookie").value_or(""), ';')) {
     while (pair.starts_with(' ')) pair.remove_prefix(1);
     const auto equals = pair.find('=');
-    if (equals != std::string_view::npos && pair.substr(0, equals) == cookieName) {
+    if (equals != std::string_view::npos && pair.substr(0, equals) == name) {
       return pair.substr(equals + 1);
     }
   }
@@ -117,8 +117,8 @@ Reply Inspector::enter(std::string_view code) {
   reply.status = 303;
   reply.headers = {
       {"Location", "/"},
-      {"Set-Cookie", std::string{cookieName} + "=" + session->id +
-                         "; Path=/; HttpOnly; SameSite=Strict" + (isSecure() ? "; Secure" : "")}};
+      {"Set-Cookie", cookieName() + "=" + session->id + "; Path=/; HttpOnly; SameSite=Strict" +
+                         (isSecure() ? "; Secure" : "")}};
   return reply;
 }
 
@@ -130,7 +130,12 @@ Reply Inspector::answerApi(const Request& request, std::string_view path) {
 }
 
 std::optional<Sessions::Session> Inspector::sessionOf(const Request& request) const {
-  return backend_.inspectorSessions().find(cookieOf(request));
+  return backend_.inspectorSessions().find(cookieOf(request, cookieName()));
+}
+
+/// Cookies know no ports: those of two sandboxes would take each other's place.
+std::string Inspector::cookieName() const {
+  return std::string{cookieStem}.append(portOf(authorityOf(backend_.address().baseUrl)));
 }
 
 bool Inspector::isSecure() const { return backend_.address().baseUrl.starts_with("https:"); }

@@ -32,6 +32,7 @@ class Inspector {
   [[nodiscard]] Reply answerApi(const Request& request, std::string_view path);
   void checkHost(const Request& request) const;
   void checkChange(const Request& request, const Sessions::Session& session) const;
+  [[nodiscard]] std::string cookieName() const;
   [[nodiscard]] bool isSecure() const;
   [[nodiscard]] std::optional<Sessions::Session> sessionOf(const Request& request) const;
 

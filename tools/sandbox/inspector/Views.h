@@ -22,7 +22,6 @@ void writeSummary(JsonWriter& json, const LoggedRequest& request);
 [[nodiscard]] std::string detailsAsJson(const Backend& backend, const RequestLog::Kept& kept);
 
 [[nodiscard]] std::string faultsAsJson(Backend& backend);
-[[nodiscard]] std::string clockAsJson(Backend& backend);
 [[nodiscard]] std::string recordingAsJson(Backend& backend);
 
 [[nodiscard]] std::string peopleAsJson(Backend& backend);

@@ -54,6 +54,23 @@ export function setText(node, text) {
   if (node.textContent !== text) node.textContent = text;
 }
 
+/**
+ * Draws before the next frame, once however often it is asked for until then.
+ * @param {function()} draw
+ * @returns {function()} asks for it.
+ */
+export function onceAFrame(draw) {
+  let isAskedFor = false;
+  return () => {
+    if (isAskedFor) return;
+    isAskedFor = true;
+    requestAnimationFrame(() => {
+      isAskedFor = false;
+      draw();
+    });
+  };
+}
+
 const iconPaths = {
   requests: "M3 4h10M3 8h10M3 12h6",
   people: "M8 8a2.5 2.5 0 1 0 0-5 2.5 2.5 0 0 0 0 5ZM3 13.5c.4-2.6 2.3-4 5-4s4.6 1.4 5 4",

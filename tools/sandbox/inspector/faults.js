@@ -127,7 +127,7 @@ function makeClock({ api }, onProblem) {
   const now = html("span.clock-now");
   const skew = html("input", { type: "number", step: 1, value: 0, name: "skew", required: true });
   const today = html("input", { type: "date", name: "today", required: true });
-  const todayField = html("form.clock-form", { hidden: true }, html("label.field", {}, html("span.field-name", {}, "Today"),
+  const todayField = html("form.clock-form", {}, html("label.field", {}, html("span.field-name", {}, "Today"),
     html("span.field-value", {}, today, html("button", {}, "Move"))));
   const form = html("form.clock-form", {},
     html("label.field", {}, html("span.field-name", {}, "Ahead by"),
@@ -150,7 +150,6 @@ function makeClock({ api }, onProblem) {
     setText(now, `${dateAndTime(clock.now)}${clock.skew === 0 ? "" : `, ${counted(Math.abs(clock.skew), "second")} ${clock.skew > 0 ? "ahead" : "behind"}`}; today is ${clock.today.slice(0, 10)}`);
     if (document.activeElement !== skew) skew.value = String(clock.skew);
     if (document.activeElement !== today) today.value = clock.today.slice(0, 10);
-    todayField.hidden = clock.todayCanBeSet !== true;
   };
   return { section, show };
 }

@@ -4,7 +4,7 @@
 // Mercator's projection around the trip (Snyder, "Map Projections: A Working Manual", 1987, equations 7-1 and 7-2), in metres as
 // they are in the middle of the map, with y downwards.
 
-import { html, icon, svg } from "./dom.js";
+import { html, icon, onceAFrame, svg } from "./dom.js";
 import { eventSign, eventText } from "./events.js";
 import { distance } from "./format.js";
 
@@ -15,6 +15,7 @@ const closest = 4;               // pixels per metre
 const farthest = 1 / 4000;
 const step = 60;                 // pixels that an arrow key moves
 const edge = 32;                 // pixels left free around a trip
+const pitch = 21;                // pixels between the middles of two signs side by side
 
 class Projection {
   constructor([latitude, longitude]) {
@@ -51,11 +52,43 @@ function roundLength(most) {
   return [5, 2, 1].map((times) => times * power).find((length) => length <= most) ?? power;
 }
 
+/**
+ * Moves signs apart that would lie on one another, as far as there is need. Where they end changes little while the map is zoomed.
+ * @param {Array<{at: number[], isFixed: boolean}>} signs
+ * @param {number} scale pixels per metre
+ * @returns {number[][]} for each sign how far it is from its place, in pixels.
+ */
+export function spread(signs, scale) {
+  const middles = signs.map(({ at: [x, y] }) => [x * scale, y * scale]);
+  for (let round = 0, moved = true; moved && round < 40; round += 1) {
+    moved = false;
+    for (let one = 0; one < signs.length; one += 1) {
+      for (let other = one + 1; other < signs.length; other += 1) {
+        let x = middles[other][0] - middles[one][0];
+        let y = middles[other][1] - middles[one][1];
+        const apart = Math.hypot(x, y);
+        if (apart >= pitch || (signs[one].isFixed && signs[other].isFixed)) continue;
+        moved ||= pitch - apart > 0.5;
+        // Signs of one place part in a direction of their own.
+        if (apart < 0.01) [x, y] = [Math.cos(2.4 * other), Math.sin(2.4 * other)];
+        const share = (pitch - apart) / Math.hypot(x, y);
+        const ofOther = signs[one].isFixed ? share : signs[other].isFixed ? 0 : share / 2;
+        middles[other][0] += x * ofOther;
+        middles[other][1] += y * ofOther;
+        middles[one][0] -= x * (share - ofOther);
+        middles[one][1] -= y * (share - ofOther);
+      }
+    }
+  }
+  return signs.map(({ at }, index) => [middles[index][0] - at[0] * scale, middles[index][1] - at[1] * scale]);
+}
+
 export class TripMap {
   #svg = svg("svg", { "aria-hidden": "true" });
   #world = svg("g");
   #roads = svg("g.map-roads");
   #route = svg("g.map-route");
+  #leaders = svg("g.map-leaders");
   #signs = svg("g");
   #marker = svg("g.map-marker", { hidden: "" }, svg("circle", { r: 12 }), svg("circle.dot", { r: 7 }));
   #scaleBar = html("span.scale-bar-line");
@@ -63,7 +96,9 @@ export class TripMap {
   #canvas;
   #allRoads = [];
   #projection = new Projection([0, 0]);
-  #placed = [];   // what keeps its size, with its place
+  #placed = [];   // what keeps its size, with its place, and what leads there from where it had to move to
+  #offsets = [];
+  #spreadAt = 0;  // the scale for which they have moved
   #bounds = null;
   #width = 0;
   #height = 0;
@@ -71,7 +106,7 @@ export class TripMap {
   #y = 0;
   #scale = 0.05;  // pixels per metre
   #isFitted = true;
-  #scheduled = false;
+  #drawSoon = onceAFrame(() => this.#draw());
   #pointers = new Map();
   #markerAt = null;
 
@@ -81,7 +116,7 @@ export class TripMap {
   constructor() {
     this.#world.append(this.#roads, this.#route);
     // The traveller is a ring around a sign, not a lid on it.
-    this.#svg.append(this.#world, this.#marker, this.#signs);
+    this.#svg.append(this.#world, this.#marker, this.#leaders, this.#signs);
     this.#canvas = html("div.map-canvas", {
       tabindex: "0", role: "application", "aria-label": "Map of the trip. Arrow keys move it, plus and minus zoom, 0 shows the whole trip.",
     }, this.#svg);
@@ -105,6 +140,8 @@ export class TripMap {
   /** Draws a trip and shows the whole of it. */
   show(trip) {
     this.#placed = [];
+    this.#spreadAt = 0;
+    this.#leaders.replaceChildren();
     this.#signs.replaceChildren();
     this.#route.replaceChildren();
     const positions = trip.route.length > 0 ? trip.route : trip.events.map(({ lat, lon }) => [lat, lon]);
@@ -115,8 +152,8 @@ export class TripMap {
     if (trip.route.length > 1) {
       const d = pathOf(line);
       this.#route.append(svg("path.route-casing", { d }), svg("path.route-line", { d }));
-      this.#place(svg("g.map-start", {}, svg("circle", { r: 6 })), line[0]);
-      this.#place(svg("g.map-end", {}, svg("rect", { x: -6, y: -6, width: 12, height: 12 })), line.at(-1));
+      this.#place(svg("g.map-start", {}, svg("circle", { r: 6 })), line[0], true);
+      this.#place(svg("g.map-end", {}, svg("rect", { x: -6, y: -6, width: 12, height: 12 })), line.at(-1), true);
     }
     // The graver an event, the later it is drawn: on top.
     for (const event of [...trip.events].sort((one, other) => (one.severity ?? 0) - (other.severity ?? 0))) {
@@ -133,7 +170,7 @@ export class TripMap {
     this.#markerAt = position === null ? null : this.#projection.at(position);
     if (position === null) this.#marker.setAttribute("hidden", "");
     else this.#marker.removeAttribute("hidden");
-    this.#schedule();
+    this.#drawSoon();
   }
 
   fit() {
@@ -144,11 +181,13 @@ export class TripMap {
     this.#y = (top + bottom) / 2;
     this.#scale = Math.min(
       (this.#width - 2 * edge) / Math.max(right - left, 1), (this.#height - 2 * edge) / Math.max(bottom - top, 1), closest / 4);
-    this.#schedule();
+    this.#drawSoon();
   }
 
-  #place(node, at) {
-    this.#placed.push([node, at]);
+  #place(node, at, isFixed = false) {
+    const leader = svg("line");
+    this.#placed.push({ node, at, isFixed, leader });
+    this.#leaders.append(leader);
     this.#signs.append(node);
   }
 
@@ -168,16 +207,7 @@ export class TripMap {
     this.#height = height;
     this.#svg.setAttribute("viewBox", `0 0 ${width} ${height}`);
     if (this.#isFitted) this.fit();
-    this.#schedule();
-  }
-
-  #schedule() {
-    if (this.#scheduled) return;
-    this.#scheduled = true;
-    requestAnimationFrame(() => {
-      this.#scheduled = false;
-      this.#draw();
-    });
+    this.#draw();  // a size is told after the frame's own callbacks and before it is painted: the next frame would be one too late
   }
 
   #draw() {
@@ -185,9 +215,19 @@ export class TripMap {
     const left = this.#width / 2 - this.#x * this.#scale;
     const top = this.#height / 2 - this.#y * this.#scale;
     this.#world.setAttribute("transform", `matrix(${this.#scale} 0 0 ${this.#scale} ${left} ${top})`);
-    const put = (node, [x, y]) => node.setAttribute("transform", `translate(${(x * this.#scale + left).toFixed(1)} ${(y * this.#scale + top).toFixed(1)})`);
-    for (const [node, at] of this.#placed) put(node, at);
-    if (this.#markerAt) put(this.#marker, this.#markerAt);
+    const onCanvas = ([x, y]) => [x * this.#scale + left, y * this.#scale + top];
+    const put = (node, [x, y]) => node.setAttribute("transform", `translate(${x.toFixed(1)} ${y.toFixed(1)})`);
+    if (this.#spreadAt !== this.#scale) {
+      this.#spreadAt = this.#scale;
+      this.#offsets = spread(this.#placed, this.#scale);
+    }
+    for (const [index, { node, at, leader }] of this.#placed.entries()) {
+      const [x, y] = onCanvas(at);
+      const [byX, byY] = this.#offsets[index];
+      put(node, [x + byX, y + byY]);
+      for (const [name, value] of [["x1", x], ["y1", y], ["x2", x + byX], ["y2", y + byY]]) leader.setAttribute(name, value.toFixed(1));
+    }
+    if (this.#markerAt) put(this.#marker, onCanvas(this.#markerAt));
     const length = roundLength(120 / this.#scale);
     this.#scaleText.textContent = distance(length);
     this.#scaleBar.style.width = `${length * this.#scale}px`;
@@ -197,7 +237,7 @@ export class TripMap {
     this.#isFitted = false;
     this.#x -= x / this.#scale;
     this.#y -= y / this.#scale;
-    this.#schedule();
+    this.#drawSoon();
   }
 
   /** Zooms so that what is at a place of the canvas stays there. */
@@ -208,7 +248,7 @@ export class TripMap {
     this.#x += (x - this.#width / 2) * towards;
     this.#y += (y - this.#height / 2) * towards;
     this.#scale = scale;
-    this.#schedule();
+    this.#drawSoon();
   }
 
   /** Zooms towards the traveller, or towards the middle while nobody is in sight. */

@@ -2,7 +2,7 @@
 //
 // The room of requests: what arrives, as it arrives, and one of them taken apart.
 
-import { announce, emptyState, html, icon, problem, replace, setText } from "./dom.js";
+import { announce, emptyState, html, icon, onceAFrame, problem, replace, setText } from "./dom.js";
 import { answerSize, counted, duration, number, statusClass, timeOfDay } from "./format.js";
 import { detailOf } from "./request-detail.js";
 import { VirtualList } from "./virtual-list.js";
@@ -90,7 +90,6 @@ export function makeRequestsRoom({ api, feed, navigate, move }) {
   let unseen = 0;
   let isPaused = false;
   let isMissingSome = false; // arrived unheard while it was paused
-  let isScheduled = false;
   let active = null;
   let openId = null;
   let asking = null;
@@ -148,18 +147,11 @@ export function makeRequestsRoom({ api, feed, navigate, move }) {
 
   // --- What arrives
 
-  function schedule() {
-    if (isScheduled) return;
-    isScheduled = true;
-    requestAnimationFrame(takeIn);
-  }
-
-  function takeIn() {
-    isScheduled = false;
+  const takeInSoon = onceAFrame(() => {
     const fresh = arrived;
     arrived = [];
     add(fresh);
-  }
+  });
 
   function add(fresh) {
     if (fresh.length === 0) return;
@@ -360,7 +352,7 @@ export function makeRequestsRoom({ api, feed, navigate, move }) {
     arrived.push(...fresh);
     // There are no frames while nobody looks at the page.
     if (arrived.length > most) arrived.splice(0, arrived.length - most);
-    schedule();
+    takeInSoon();
   });
   feed.on("cleared", forget);
   // What arrived while nobody listened is in the log.

@@ -3,7 +3,7 @@
 // A long list of which only the rows in sight are in the document. Rows are of one height, used again, and written only where
 // they differ. Stays at its end while it is there, and where it is otherwise.
 
-import { html } from "./dom.js";
+import { html, onceAFrame } from "./dom.js";
 
 const spare = 6; // rows above and below those in sight
 
@@ -17,7 +17,7 @@ export class VirtualList {
   #headHeight = 0;
   #items = [];
   #slots = [];
-  #scheduled = false;
+  #drawSoon = onceAFrame(() => this.#draw());
   #atEnd = true;
   #drawn = -1;
   #selected = null;
@@ -50,18 +50,18 @@ export class VirtualList {
   show(items, removed = 0) {
     this.#items = items;
     if (!this.#atEnd && removed > 0) this.#viewport.scrollTop -= removed * this.#rowHeight;
-    this.#schedule();
+    this.#drawSoon();
   }
 
   /** The item that is marked; null for none. */
   select(item) {
     this.#selected = item;
-    this.#schedule();
+    this.#drawSoon();
   }
 
   toEnd() {
     this.#setAtEnd(true);
-    this.#schedule();
+    this.#drawSoon();
   }
 
   /** Brings a row in sight. */
@@ -81,28 +81,19 @@ export class VirtualList {
     this.#height = this.#viewport.clientHeight;
     this.#headHeight = this.#body.offsetTop;
     this.#drawn = -1;
-    this.#schedule();
+    this.#drawSoon();
   }
 
   #onScroll() {
     const { scrollTop, scrollHeight, clientHeight } = this.#viewport;
     this.#setAtEnd(scrollTop + clientHeight >= scrollHeight - this.#rowHeight / 2);
-    this.#schedule();
+    this.#drawSoon();
   }
 
   #setAtEnd(atEnd) {
     if (this.#atEnd === atEnd) return;
     this.#atEnd = atEnd;
     this.onEnd(atEnd);
-  }
-
-  #schedule() {
-    if (this.#scheduled) return;
-    this.#scheduled = true;
-    requestAnimationFrame(() => {
-      this.#scheduled = false;
-      this.#draw();
-    });
   }
 
   #draw() {
