@@ -21,23 +21,29 @@ if(ORVANE_BUILD_TESTING)
   list(APPEND orvane_components Testing)
 endif()
 
-# An export set for each library: a component that nobody asks for is not read, and its dependencies are not looked for.
+# An export set for each library of each kind: a component that nobody asks for is not read, and its dependencies are not
+# looked for.
 foreach(component IN LISTS orvane_components)
-  get_target_property(target Orvane::${component} ALIASED_TARGET)
-  install(
-    TARGETS ${target}
-    EXPORT Orvane${component}Targets
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Orvane_Runtime ${orvane_optional}
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-            COMPONENT Orvane_Runtime
-            NAMELINK_COMPONENT Orvane_Development
-            ${orvane_optional}
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Orvane_Development ${orvane_optional})
-  install(
-    EXPORT Orvane${component}Targets
-    NAMESPACE Orvane::
-    DESTINATION ${orvane_package_dir}
-    COMPONENT Orvane_Development ${orvane_optional})
+  foreach(kind IN LISTS orvane_kinds)
+    get_target_property(target Orvane::${component} ALIASED_TARGET)
+    if(NOT kind STREQUAL orvane_kind)
+      string(APPEND target ${kind})
+    endif()
+    install(
+      TARGETS ${target}
+      EXPORT Orvane${component}${kind}Targets
+      RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Orvane_Runtime ${orvane_optional}
+      LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+              COMPONENT Orvane_Runtime
+              NAMELINK_COMPONENT Orvane_Development
+              ${orvane_optional}
+      ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Orvane_Development ${orvane_optional})
+    install(
+      EXPORT Orvane${component}${kind}Targets
+      NAMESPACE Orvane::
+      DESTINATION ${orvane_package_dir}
+      COMPONENT Orvane_Development ${orvane_optional})
+  endforeach()
 endforeach()
 
 foreach(header IN LISTS orvane_public_headers)
@@ -47,6 +53,12 @@ foreach(header IN LISTS orvane_public_headers)
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder}
     COMPONENT Orvane_Development ${orvane_optional})
 endforeach()
+
+# Apart: a Debian package tells its licence in a way of its own.
+install(
+  FILES ${PROJECT_SOURCE_DIR}/LICENSE
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/licenses/orvane
+  COMPONENT Orvane_Licence ${orvane_optional})
 
 configure_package_config_file(
   ${PROJECT_SOURCE_DIR}/cmake/OrvaneConfig.cmake.in ${PROJECT_BINARY_DIR}/OrvaneConfig.cmake
@@ -129,27 +141,53 @@ set(orvane_description_Orvane "${PROJECT_DESCRIPTION}")
 set(orvane_description_Runtime "Default transport, tokens and stores for Orvane")
 set(orvane_description_Testing "Test doubles for applications that use Orvane")
 
-foreach(component IN LISTS orvane_components)
-  get_target_property(module_library Orvane::${component} ALIASED_TARGET)
-  if(component STREQUAL "Orvane")
-    set(module orvane)
-    set(module_requires)
-  else()
-    string(TOLOWER "orvane-${component}" module)
-    set(module_requires "orvane = ${PROJECT_VERSION}")
-  endif()
-  set(module_description "${orvane_description_${component}}")
-  set(module_cflags)
-  set(module_libs)
-  if(NOT BUILD_SHARED_LIBS)
-    # A static archive needs its libraries at every link, not only with --static.
-    set(module_cflags -DORVANE_STATIC)
-    orvane_link_flags(module_libs ${orvane_libraries_${component}})
-    string(STRIP "${module_libs} -pthread" module_libs)
-  endif()
+# orvane_module(<name> <its library's argument for the linker>): configured from the variables that the caller has set.
+function(orvane_module module module_link)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/orvane.pc.in ${PROJECT_BINARY_DIR}/${module}.pc @ONLY)
   install(
     FILES ${PROJECT_BINARY_DIR}/${module}.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
     COMPONENT Orvane_Development ${orvane_optional})
+endfunction()
+
+# A static archive needs its libraries at every link, so that they stand where --static is not asked for. Where there are both
+# kinds, a linker takes the shared one for -lOrvane, and the static one has modules of its own (orvane-static), which name the
+# archive's file; beside the shared one they stand for programs that are static as a whole.
+foreach(component IN LISTS orvane_components)
+  get_target_property(module_library Orvane::${component} ALIASED_TARGET)
+  set(module_description "${orvane_description_${component}}")
+  set(module orvane)
+  set(base)
+  if(NOT component STREQUAL "Orvane")
+    string(TOLOWER "orvane-${component}" module)
+    set(base orvane)
+  endif()
+  orvane_link_flags(needed ${orvane_libraries_${component}})
+  string(STRIP "${needed} -pthread" needed)
+
+  set(module_requires)
+  if(base)
+    set(module_requires "${base} = ${PROJECT_VERSION}")
+  endif()
+  set(module_cflags)
+  set(module_libs)
+  set(module_private)
+  if(orvane_kind STREQUAL "Static")
+    set(module_cflags " -DORVANE_STATIC")
+    set(module_libs " ${needed}")
+  elseif("Static" IN_LIST orvane_kinds)
+    set(module_private "Cflags.private: -DORVANE_STATIC\nLibs.private: ${needed}\n")
+  endif()
+  orvane_module(${module} -l${module_library})
+
+  if(orvane_kind STREQUAL "Shared" AND "Static" IN_LIST orvane_kinds)
+    if(base)
+      set(module_requires "${base}-static = ${PROJECT_VERSION}")
+    endif()
+    string(APPEND module_description " (static)")
+    set(module_cflags " -DORVANE_STATIC")
+    set(module_libs " ${needed}")
+    set(module_private)
+    orvane_module(${module}-static "\${libdir}/${CMAKE_STATIC_LIBRARY_PREFIX}${module_library}${CMAKE_STATIC_LIBRARY_SUFFIX}")
+  endif()
 endforeach()

@@ -48,10 +48,14 @@ function(orvane_compile_options target)
   endif()
 endfunction()
 
-# orvane_add_executables(<prefix> [LIBRARIES ...]): one executable per .cpp of the current folder.
+# orvane_add_executables(<prefix> [LIBRARIES ...] [OPTIONS ...] [EXCEPT <name> ...]): one executable per .cpp of the current
+# folder, but for those named.
 function(orvane_add_executables prefix)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES;OPTIONS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES;OPTIONS;EXCEPT")
   file(GLOB sources CONFIGURE_DEPENDS *.cpp)
+  foreach(exception IN LISTS arg_EXCEPT)
+    list(REMOVE_ITEM sources ${CMAKE_CURRENT_SOURCE_DIR}/${exception}.cpp)
+  endforeach()
   foreach(source IN LISTS sources)
     get_filename_component(name ${source} NAME_WE)
     set(target ${prefix}-${name})

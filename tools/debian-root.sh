@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # Runs a command on a copy of this checkout in a bare Debian root, so that nothing of this machine's helps it: only what the
-# command installs itself is there. The root stays in build/roots for the next time; --fresh makes it anew.
+# command installs itself is there. The root stays in build/roots for the next time; --fresh makes it anew. Inside, ORVANE_ROOT
+# is the root's name.
 #   tools/debian-root.sh [--fresh] [--name NAME] <suite> <command...>     the folder's name is the suite's, unless given
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -24,7 +25,8 @@ while [[ ${1:-} == --* ]]; do
 done
 readonly suite=$1
 shift
-readonly root=$PWD/build/roots/${name:-$suite}
+name=${name:-$suite}
+readonly root=$PWD/build/roots/$name
 readonly inside=/orvane
 
 if ((EUID != 0)); then
@@ -47,22 +49,13 @@ make_root() {
   from=$(mirror || true)
   rm -rf "$root.new" "$root"
   mkdir -p "$(dirname "$root")"
-  echo "debian-root: making a bare $suite in build/roots/${name:-$suite}"
+  echo "debian-root: making a bare $suite in build/roots/$name"
   mmdebstrap --quiet --variant=apt --include=ca-certificates,git "$suite" "$root.new" ${from:+"$from"}
   mv "$root.new" "$root"
 }
 
-# The files that are tracked or about to be, with their times: what has not changed is not built again.
-copy_checkout() {
-  mkdir -p "$root$inside"
-  find "$root$inside" -mindepth 1 -maxdepth 1 ! -name build -exec rm -rf {} +
-  git ls-files -z --cached --others --exclude-standard |
-    while IFS= read -r -d '' file; do [[ ! -e $file ]] || printf '%s\0' "$file"; done |
-    tar --create --null --files-from=- | tar --extract --directory "$root$inside"
-}
-
 [[ $fresh == no && -d $root ]] || make_root
-copy_checkout
+tools/copy-checkout.sh "$root$inside"
 cp -L /etc/resolv.conf "$root/etc/resolv.conf"
 # As every installed machine has it.
 [[ -f $root/etc/hosts ]] || printf '127.0.0.1 localhost\n::1 localhost\n' >"$root/etc/hosts"
@@ -73,13 +66,14 @@ mkdir -p "$cache" "$root/var/cache/ccache"
 # shellcheck disable=SC2016 # expanded inside
 exec unshare --mount --pid --fork --kill-child --mount-proc bash -c '
   set -euo pipefail
-  root=$1 cache=$2 inside=$3
-  shift 3
+  root=$1 cache=$2 inside=$3 name=$4
+  shift 4
   mount -t proc proc "$root/proc"
   mount --rbind /dev "$root/dev"
   mount --bind "$cache" "$root/var/cache/ccache"
   exec chroot "$root" env --ignore-environment HOME=/root LANG=C.UTF-8 TERM="${TERM:-dumb}" CCACHE_DIR=/var/cache/ccache \
-    PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin ${CI:+CI="$CI"} \
+    PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin ${CI:+CI="$CI"} ORVANE_ROOT="$name" \
+    ${SOURCE_DATE_EPOCH:+SOURCE_DATE_EPOCH="$SOURCE_DATE_EPOCH"} \
     ${http_proxy:+http_proxy="$http_proxy"} \
     bash -c "cd $inside && exec \"\$@\"" bash "$@"
-' bash "$root" "$cache" "$inside" "$@"
+' bash "$root" "$cache" "$inside" "$name" "$@"
