@@ -15,7 +15,7 @@ inline std::string setting(const char* name, const char* fallback = "") {
 }
 
 /// The backend (ORVANE_BASE_URL), who is signed in there (ORVANE_TOKEN), and the certificate
-/// authority to trust besides the system's, if any (ORVANE_CA_FILE).
+/// authority to trust instead of the system's, if any (ORVANE_CA_FILE).
 inline orvane::RuntimeOptions settings() {
   return {.baseURL = setting("ORVANE_BASE_URL"),
           .tokens = setting("ORVANE_TOKEN"),
