@@ -25,7 +25,7 @@ logs=build/ci
 rm -rf "$logs"
 mkdir -p "$logs"
 said=()
-failed=no
+failed=()
 
 # step <name> <command...>
 step() {
@@ -41,7 +41,7 @@ tell() {
   local verdict=passed
   if (($2 != 0)); then
     verdict=FAILED
-    failed=yes
+    failed+=("$1")
   fi
   said+=("$(printf '%-14s %s, %d min. %s' "$1" "$verdict" "$3" "$(tests_of "$1")")")
 }
@@ -77,11 +77,12 @@ tests_of() {
   grep -hE 'tests passed, .* tests? failed out of' "$logs/$1.log" 2>/dev/null | tail -n 1 || true
 }
 
-step setup ./dev setup http2
+step setup ./dev setup http2 loops
 step test ./dev test
 # As on a terminal, and one that is not wide.
 step demo script --quiet --return --command "stty cols 80 rows 24; ./dev demo" /dev/null
 step browser ./dev test browser
+step docs ./dev docs
 step lint ./dev lint
 step shared ./dev test shared
 step clang ./dev test clang
@@ -92,8 +93,18 @@ slow=(
   "15 tsan ./dev test tsan -L unit|runtime"
   "20 trixie ./dev test trixie"
   "20 bookworm ./dev test bookworm"
+  "25 arm64 ./dev test arm64"
+  "25 armhf ./dev test armhf"
+  "6 libcxx ./dev build libcxx"
+  "10 musl ./dev build musl"
   "15 fuzz ./dev fuzz 120"
-  "15 packages ./dev package bookworm"
+  "30 packages ./dev package bookworm"
+  "30 packages13 ./dev package trixie"
+  "20 reproducible ./dev reproducible"
+  "34 release ./dev release --trial"
+  "6 abi ./dev abi"
+  "5 recipes ./dev recipes"
+  "15 image ./dev image"
   "10 soak-asan ./dev soak 5 asan"
   "10 soak-tsan ./dev soak 5 tsan"
 )
@@ -103,7 +114,14 @@ for ((i = 0; i < ${#slow[@]}; ++i)); do
   slow_step "${words[@]}"
 done
 
+# Who sees the end of all this only, sees why.
+for name in "${failed[@]}"; do
+  echo "=== what $name said, as far as it looks like a fault"
+  grep -nE -B 2 -A 15 'not ok|✖|[Ee]rror:|Failure|\*\*\*(Failed|Timeout|Exception)|(FAILED|WARNING|ERROR):' "$logs/$name.log" | cut -c 1-300 | head -n 60 || true
+  echo '=== and at its end'
+  tail -n 25 "$logs/$name.log" | cut -c 1-300
+done
 echo "=== after $((SECONDS / 60)) min"
 printf '%s\n' "${said[@]}"
 grep -hE 'tests passed, .* tests? failed out of' "$logs/test.log" | tail -n 1 || true
-[[ $failed == no ]]
+((${#failed[@]} == 0))

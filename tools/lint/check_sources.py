@@ -40,7 +40,10 @@ LIBRARY_HOMES = {
 }
 
 # Headers for who has a library from outside anyway, by the beginnings of that library's headers' names. Nothing includes them.
-ADAPTERS = {"Orvane/Asio.h": ("boost/asio/", "asio/")}
+ADAPTERS = {
+    "Orvane/Asio.h": ("boost/asio/", "asio/"),
+    "Orvane/GoogleTest.h": ("gtest/",),
+}
 
 # Files that stand above the layers' folders and belong to a layer all the same.
 TOP_FILES = {"Orvane/Version.h": "Platform", "Orvane/Version.cpp": "Platform"}
@@ -140,6 +143,7 @@ class Checker:
         for source in self.sources.values():
             self.check_form(source)
             self.check_words(source)
+            self.check_test(source)
             for number, spelling, target in source.includes:
                 self.check_include(source, number, spelling, target)
         for umbrella, layers in UMBRELLAS.items():
@@ -176,6 +180,15 @@ class Checker:
             if source.path.startswith("tests/") and SLEEP.search(line):
                 self.report(source.path, number, "a test waits for an event or moves its clock; it never sleeps")
 
+    def check_test(self, source):
+        """How a test takes GoogleTest; the sandbox's tests have no dates to print."""
+        if not source.path.startswith("tests/") or source.path.startswith("tests/sandbox/"):
+            return
+        targets = {target for _, _, target in source.includes}
+        for number, _, target in source.includes:
+            if target == "gtest/gtest.h" or (target == "gmock/gmock.h" and "Orvane/GoogleTest.h" not in targets):
+                self.report(source.path, number, "include <Orvane/GoogleTest.h>: every file of a program has to print dates in the same way")
+
     def check_include(self, source, number, spelling, target):
         if not target.startswith("Orvane/"):
             self.check_outside_include(source, number, spelling, target)
@@ -199,7 +212,7 @@ class Checker:
         if target in UMBRELLAS | ADAPTERS:
             self.report(source.path, number, "umbrella headers are for users, not for the library")
             return
-        umbrellas = UMBRELLAS | dict.fromkeys(ADAPTERS, ["Common"])
+        umbrellas = UMBRELLAS | dict.fromkeys(ADAPTERS, ["Common", "Platform"])
         allowed = umbrellas[source.path] if source.path in umbrellas else reachable(source.layer)
         if included.layer not in allowed:
             self.report(source.path, number, f"{source.layer or 'this umbrella'} may not include {target}")
