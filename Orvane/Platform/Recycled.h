@@ -3,6 +3,8 @@
 // Memory of objects that one thread makes and another destroys, again and again.
 #pragma once
 
+#include <Orvane/Platform/Sanitizers.h>
+
 #include <atomic>
 #include <cstddef>
 #include <memory>
@@ -13,13 +15,7 @@ namespace orvane {
 
 /// Whether memory is used again at all. Not where AddressSanitizer looks for uses of what has been
 /// destroyed.
-#if defined(__SANITIZE_ADDRESS__)
-inline constexpr bool recyclesMemory = false;
-#elif defined(__has_feature)
-inline constexpr bool recyclesMemory = !__has_feature(address_sanitizer);
-#else
-inline constexpr bool recyclesMemory = true;
-#endif
+inline constexpr bool recyclesMemory = !hasAddressSanitizer;
 
 /// Blocks of one size that nobody uses, a few of them. Any thread; none ever waits for another: who
 /// finds it busy goes to the system's memory. It may be used until the very end of the process.

@@ -102,12 +102,14 @@ describe("ten thousand requests on record", () => {
     assert.ok(at(0.95) < 50, `one frame in twenty takes longer than ${at(0.95)} ms`);
 
     // Scrolled up, what is in sight stays while more arrive.
-    await page.locator(".request-grid").hover();
-    await page.mouse.wheel(0, -4000);
-    await page.waitForFunction(() => {
-      const { scrollTop, scrollHeight, clientHeight } = document.querySelector(".request-grid");
-      return scrollTop < scrollHeight - clientHeight - 3000;
+    const grid = page.locator(".request-grid");
+    await grid.hover();
+    await grid.evaluate((element) => {
+      element.addEventListener("scrollend", () => element.classList.add("at-rest"), { once: true });
     });
+    await page.mouse.wheel(0, -4000);
+    await page.locator(".request-grid.at-rest").waitFor();
+    assert.ok(await grid.evaluate(({ scrollTop, scrollHeight, clientHeight }) => scrollTop < scrollHeight - clientHeight - 3000));
     const inSight = () => page.evaluate(() => {
       const { top } = document.querySelector(".request-grid").getBoundingClientRect();
       const rows = [...document.querySelectorAll(".request-row:not([hidden])")].filter((row) => row.getBoundingClientRect().top > top + 40);

@@ -187,7 +187,7 @@ export async function openInspector(browser, sandbox, { room = "", ...options } 
   const page = await context.newPage();
   page.setDefaultTimeout(10_000);
   page.on("console", (message) => {
-    if (["error", "warning"].includes(message.type())) complaints.push(message.text());
+    if (["error", "warning"].includes(message.type())) complaints.push(`${message.text()} (${message.location().url})`);
   });
   page.on("pageerror", (error) => complaints.push(String(error)));
   page.on("dialog", (dialog) => {

@@ -368,7 +368,12 @@ class CountingViewer : public Viewer {
   void send(std::string text) override {
     const std::lock_guard lock{mutex_};
     received_ += text;
+    ++sent_;
     changed_.notify_all();
+  }
+  [[nodiscard]] bool isBehind() const override {
+    const std::lock_guard lock{mutex_};
+    return behind_;
   }
   [[nodiscard]] bool isGone() const override {
     const std::lock_guard lock{mutex_};
@@ -377,6 +382,14 @@ class CountingViewer : public Viewer {
   void leave() {
     const std::lock_guard lock{mutex_};
     gone_ = true;
+  }
+  void fallBehind(bool behind) {
+    const std::lock_guard lock{mutex_};
+    behind_ = behind;
+  }
+  [[nodiscard]] int sent() const {
+    const std::lock_guard lock{mutex_};
+    return sent_;
   }
   /// Waits for the text.
   bool has(const std::string& text) {
@@ -388,6 +401,8 @@ class CountingViewer : public Viewer {
   mutable std::mutex mutex_;
   std::condition_variable changed_;
   std::string received_;
+  int sent_ = 0;
+  bool behind_ = false;
   bool gone_ = false;
 };
 
@@ -406,6 +421,29 @@ TEST_F(InspectorTest, TheFeedGoesOnAfterItsLastViewerLeft) {
     second->leave();
     feed.tell(Happening::clock);
   }
+}
+
+TEST_F(InspectorTest, TheFeedWaitsForWhoIsSlowAndForNobodyElse) {
+  Feed feed{sandbox().backend()};
+  const auto slow = std::make_shared<CountingViewer>();
+  const auto quick = std::make_shared<CountingViewer>();
+  feed.join(slow);
+  feed.join(quick);
+  EXPECT_TRUE(slow->has("\n:\n\n"));
+  slow->fallBehind(true);
+  const int before = slow->sent();
+  const auto tell = [&](std::int64_t id) {
+    auto request = std::make_shared<LoggedRequest>();
+    request->id = id;
+    feed.add(request);
+    EXPECT_TRUE(quick->has("\"id\":" + std::to_string(id)));
+  };
+  for (const std::int64_t id : {11, 12, 13}) tell(id);
+  EXPECT_EQ(slow->sent(), before);
+  slow->fallBehind(false);
+  EXPECT_TRUE(slow->has("\"id\":13"));
+  EXPECT_TRUE(slow->has("\"id\":11"));
+  EXPECT_EQ(slow->sent(), before + 1);
 }
 
 TEST(FeedQueue, GathersWhatHappensIntoFewEvents) {

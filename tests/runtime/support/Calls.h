@@ -4,6 +4,7 @@
 
 #include <Orvane/Common/RequestManager.h>
 #include <Orvane/GoogleTest.h>
+#include <Orvane/Platform/Sanitizers.h>
 #include <Orvane/Runtime/CurlRequestManager.h>
 #include <Orvane/Runtime/TransportError.h>
 
@@ -18,21 +19,8 @@ namespace orvane {
 
 /// ThreadSanitizer ends a forked process that starts a thread. AddressSanitizer's memory stays
 /// locked in one that was forked while another thread took some.
-#if defined(__has_feature)
-inline constexpr bool mayStartThreadsInAChild = !__has_feature(thread_sanitizer);
-inline constexpr bool mayForkWhileThreadsAllocate = !__has_feature(address_sanitizer);
-#else
-#if defined(__SANITIZE_THREAD__)
-inline constexpr bool mayStartThreadsInAChild = false;
-#else
-inline constexpr bool mayStartThreadsInAChild = true;
-#endif
-#if defined(__SANITIZE_ADDRESS__)
-inline constexpr bool mayForkWhileThreadsAllocate = false;
-#else
-inline constexpr bool mayForkWhileThreadsAllocate = true;
-#endif
-#endif
+inline constexpr bool mayStartThreadsInAChild = !hasThreadSanitizer;
+inline constexpr bool mayForkWhileThreadsAllocate = !hasAddressSanitizer;
 
 /// A manager that must be possible.
 [[nodiscard]] inline std::shared_ptr<CurlRequestManager> managerWith(TransportOptions options) {

@@ -48,10 +48,15 @@ class QueueingViewer : public Viewer, public std::enable_shared_from_this<Queuei
     const std::lock_guard lock{mutex_};
     if (news_ == nullptr || isSlow_) return;
     const bool isAwaited = waiting_.empty();
-    isSlow_ = waiting_.size() + text.size() > mostForViewer;
+    isSlow_ = waiting_.size() > mostForViewer;
     if (!isSlow_) waiting_.append(text);
     if (isAwaited || isSlow_)
       net::post(news_->get_executor(), [self = shared_from_this()] { self->announce(); });
+  }
+
+  bool isBehind() const override {
+    const std::lock_guard lock{mutex_};
+    return !waiting_.empty();
   }
 
   bool isGone() const override {

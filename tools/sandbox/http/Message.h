@@ -47,9 +47,12 @@ class Viewer {
   Viewer(const Viewer&) = delete;
   Viewer& operator=(const Viewer&) = delete;
 
-  /// Hands on text as it is; never waits. Any thread. A viewer that does not take it in time, and
-  /// for which more than 1 MiB has come to wait, is let go of.
+  /// Hands on text as it is; never waits. Any thread. A viewer for which more than 1 MiB waits
+  /// already is let go of.
   virtual void send(std::string text) = 0;
+  /// True while some of what it was sent waits for the connection. Whoever has much to say, and can
+  /// say it later, waits for that. Any thread.
+  [[nodiscard]] virtual bool isBehind() const = 0;
   /// True once nobody is there any more. Any thread.
   [[nodiscard]] virtual bool isGone() const = 0;
 };

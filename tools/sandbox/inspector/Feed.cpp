@@ -118,18 +118,20 @@ void Feed::note(const Note& note) {
   bool isFirst = false;
   {
     const std::lock_guard lock{mutex_};
-    isFirst = queue_.isEmpty();
-    note();
+    for (Watcher& watcher : watchers_) {
+      isFirst = isFirst || watcher.queue.isEmpty();
+      note(watcher.queue);
+    }
   }
   if (isFirst) changed_.notify_all();
 }
 
 void Feed::add(const std::shared_ptr<const LoggedRequest>& request) {
-  note([&] { queue_.add(request); });
+  note([&](FeedQueue& queue) { queue.add(request); });
 }
 
 void Feed::tell(Happening happening) {
-  note([&] { queue_.tell(happening); });
+  note([&](FeedQueue& queue) { queue.tell(happening); });
 }
 
 void Feed::join(std::shared_ptr<Viewer> viewer) {
@@ -138,29 +140,35 @@ void Feed::join(std::shared_ptr<Viewer> viewer) {
                serverSentEvent("clock", clockAsJson(backend_)) +
                serverSentEvent("recording", recordingAsJson(backend_)));
   const std::lock_guard lock{mutex_};
-  viewers_.push_back(std::move(viewer));
+  watchers_.push_back({.viewer = std::move(viewer), .queue = {}});
   if (watched_) return;
   if (thread_.joinable()) thread_.join();  // it has ended, or is about to return
-  queue_ = {};
   watched_ = true;
   thread_ = std::thread{[this] { run(); }};
+}
+
+FeedQueue::TimePoint Feed::Watcher::due(FeedQueue::TimePoint now) const {
+  const auto due = queue.due();
+  return viewer->isBehind() ? std::max(due, now + FeedQueue::betweenBatches) : due;
 }
 
 void Feed::run() {
   std::unique_lock lock{mutex_};
   while (!stopping_) {
-    std::erase_if(viewers_, [](const auto& viewer) { return viewer->isGone(); });
-    if (viewers_.empty()) break;
+    std::erase_if(watchers_, [](const Watcher& watcher) { return watcher.viewer->isGone(); });
+    if (watchers_.empty()) break;
     const auto now = std::chrono::steady_clock::now();
-    if (now < queue_.due()) {
-      changed_.wait_until(lock, std::min(queue_.due(), now + longestWait));
+    const auto due = [now](const Watcher& watcher) { return watcher.due(now); };
+    const auto next = std::ranges::min_element(watchers_, {}, due);
+    const auto nextDue = due(*next);
+    if (now < nextDue) {
+      changed_.wait_until(lock, std::min(nextDue, now + longestWait));
       continue;
     }
-    const FeedBatch batch = queue_.take(now);
-    const auto viewers = viewers_;
+    const FeedBatch batch = next->queue.take(now);
+    const auto viewer = next->viewer;
     lock.unlock();
-    const std::string text = batch.text(backend_);
-    for (const auto& viewer : viewers) viewer->send(text);
+    viewer->send(batch.text(backend_));
     lock.lock();
   }
   watched_ = false;

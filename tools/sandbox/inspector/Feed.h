@@ -64,7 +64,8 @@ class FeedQueue {
   TimePoint nextComment_{};
 };
 
-/// Sends them from one thread, which is there as long as somebody watches.
+/// Sends them from one thread, which is there as long as somebody watches. Who takes them slowly
+/// gets them in fewer and larger events.
 class Feed {
  public:
   explicit Feed(Backend& backend) : backend_(backend) {}
@@ -77,6 +78,14 @@ class Feed {
   void join(std::shared_ptr<Viewer> viewer);
 
  private:
+  struct Watcher {
+    std::shared_ptr<Viewer> viewer;
+    FeedQueue queue;
+
+    /// When to look whether there is something to send; `now` or before: at once.
+    [[nodiscard]] FeedQueue::TimePoint due(FeedQueue::TimePoint now) const;
+  };
+
   void run();
   template <class Note>
   void note(const Note& note);
@@ -85,8 +94,7 @@ class Feed {
   std::atomic<bool> watched_{false};
   std::mutex mutex_;
   std::condition_variable changed_;
-  FeedQueue queue_;
-  std::vector<std::shared_ptr<Viewer>> viewers_;
+  std::vector<Watcher> watchers_;
   bool stopping_ = false;
   std::thread thread_;
 };

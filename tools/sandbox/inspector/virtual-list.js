@@ -49,8 +49,13 @@ export class VirtualList {
    */
   show(items, removed = 0) {
     this.#items = items;
-    if (!this.#atEnd && removed > 0) this.#viewport.scrollTop -= removed * this.#rowHeight;
-    this.#drawSoon();
+    if (this.#atEnd || removed === 0) {
+      this.#drawSoon();
+      return;
+    }
+    // At once: whoever looks in between would find the rows where they were.
+    this.#viewport.scrollTop -= removed * this.#rowHeight;
+    this.#draw();
   }
 
   /** The item that is marked; null for none. */
