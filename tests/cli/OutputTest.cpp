@@ -131,10 +131,11 @@ TEST(TextTest, ChoicesAreWrittenAsPeopleWould) {
 TEST(TextTest, ArgumentsAreReadToTheLastCharacter) {
   EXPECT_EQ(Argument<std::int64_t>::parse("-42"), -42);
   EXPECT_EQ(Argument<double>::parse("-300.5"), -300.5);
+  EXPECT_EQ(Argument<double>::parse("25e-2"), 0.25);
   for (const char* text : {"", "4x", " 4", "9223372036854775808", "0x10"}) {
     EXPECT_FALSE(Argument<std::int64_t>::parse(text)) << text;
   }
-  for (const char* text : {"", "1e999", "nan", "inf", "1,5"}) {
+  for (const char* text : {"", "1e999", "nan", "inf", "1,5", "+1", " 1", "0x1", "1e", "-"}) {
     EXPECT_FALSE(Argument<double>::parse(text)) << text;
   }
   EXPECT_EQ(Argument<DateComponents>::parse("2024-02-29"), (DateComponents{2024, 2, 29}));

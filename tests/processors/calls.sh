@@ -40,4 +40,4 @@ folder=$(mktemp --directory)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder"
 export HOME=$folder TZ=Europe/Zurich
-"${emulator[@]}" "$sandbox" --data data --weeks 1 --exec -- "$this" "$sandbox" "$orvane" "${emulator[@]}"
+"${emulator[@]}" "$sandbox" --data data --weeks 1 --now 2026-05-17T12:00:00Z --exec -- "$this" "$sandbox" "$orvane" "${emulator[@]}"

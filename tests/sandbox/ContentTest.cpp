@@ -27,6 +27,9 @@ TEST_F(Content, ThePreferredLanguageIsTaken) {
                                                           {"DE", "de"},
                                                           {"de;q=0,fr;q=0.1", "fr"},
                                                           {"de;q=nonsense,fr;q=2", "en"},
+                                                          {"de;q=0.1,fr;q=0.12", "fr"},
+                                                          {"de;q=08,fr;q=0.001", "fr"},
+                                                          {"de;q=1.001,fr;q=1.000", "fr"},
                                                           {"", "en"},
                                                           {"*,,;;", "en"}};
   for (const auto& [header, language] : rows) {

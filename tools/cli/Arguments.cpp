@@ -8,6 +8,10 @@
 #include <charconv>
 #include <chrono>
 #include <cmath>
+#include <cstdio>
+#include <locale>
+#include <sstream>
+#include <string>
 
 namespace orvane::cli {
 namespace {
@@ -76,8 +80,15 @@ std::optional<ClosedRange<std::int64_t>> Argument<ClosedRange<std::int64_t>>::pa
 }
 
 std::optional<double> Argument<double>::parse(std::string_view text) {
-  const auto number = wholeTextAs<double>(text);
-  return number && std::isfinite(*number) ? number : std::nullopt;
+  const bool isPlain = text.find_first_not_of("-.0123456789Ee+") == std::string_view::npos;
+  if (!isPlain || text.starts_with('+')) return std::nullopt;
+  // Not every standard library's std::from_chars reads them.
+  std::istringstream stream{std::string(text)};
+  stream.imbue(std::locale::classic());
+  double number = 0;
+  stream >> number;
+  return stream && stream.peek() == EOF && std::isfinite(number) ? std::optional(number)
+                                                                 : std::nullopt;
 }
 
 std::optional<DateComponents> Argument<DateComponents>::parse(std::string_view text) {

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <charconv>
+#include <ostream>
 #include <stdexcept>
 
 namespace orvane::sandbox {

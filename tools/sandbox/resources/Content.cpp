@@ -8,7 +8,7 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
+#include <string>
 
 namespace orvane::sandbox {
 
@@ -28,23 +28,31 @@ std::string_view trim(std::string_view text) {
   return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-/// The weight of an item such as "de-CH;q=0.8"; 1 without one, 0 for nonsense.
-double weightOf(std::string_view item) {
+/// The weight of an item such as "de-CH;q=0.8" in thousandths (RFC 9110, section 12.4.2); all of
+/// them without one, 0 for nonsense.
+int weightOf(std::string_view item) {
+  constexpr int most = 1000;
   const auto semicolon = item.find(';');
-  if (semicolon == std::string_view::npos) return 1;
+  if (semicolon == std::string_view::npos) return most;
   const std::string_view parameter = trim(item.substr(semicolon + 1));
   if (!parameter.starts_with("q=")) return 0;
-  double weight = 0;
-  const auto result =
-      std::from_chars(parameter.data() + 2, parameter.data() + parameter.size(), weight);
-  return result.ec == std::errc{} && weight <= 1 ? weight : 0;
+  std::string digits(parameter.substr(2));
+  if (digits.size() > 1 && digits[1] == '.') {
+    digits.erase(1, 1);
+  } else if (digits.size() != 1) {
+    return 0;
+  }
+  digits.resize(std::max<std::size_t>(digits.size(), 4), '0');
+  const bool isNumber = digits.find_first_not_of("0123456789") == std::string::npos;
+  const int weight = isNumber && digits.size() == 4 ? std::stoi(digits) : 0;
+  return weight <= most ? weight : 0;
 }
 
-/// The best known language of an Accept-Language header (RFC 9110, 12.5.4); English as a last
+/// The best known language of an Accept-Language header (RFC 9110, section 12.5.4); English as a last
 /// resort. Of equal weights the first counts, and only the primary subtag is looked at.
 const Language& preferredLanguage(std::string_view header) {
   const Language* best = &languages.front();
-  double bestWeight = 0;
+  int bestWeight = 0;
   for (const std::string_view item : split(header, ',')) {
     const std::string_view tag = trim(item.substr(0, item.find(';')));
     const auto known = std::ranges::find_if(languages, [&](const Language& language) {
