@@ -90,7 +90,7 @@ step clang ./dev test clang
 # The sanitizers without what only starts processes: the command line and the trials end to end.
 slow=(
   "15 asan ./dev test asan -L unit|runtime|sandbox"
-  "15 tsan ./dev test tsan -L unit|runtime"
+  "15 tsan ./dev test tsan -L unit|runtime|sandbox"
   "20 trixie ./dev test trixie"
   "20 bookworm ./dev test bookworm"
   "25 arm64 ./dev test arm64"

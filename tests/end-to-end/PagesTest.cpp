@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The commands that stand on the project's pages, run as they stand: beside a sandbox that has been
-// started as the pages say, with the settings that it prints.
+// The commands and programs that stand on the project's pages, run as they stand: beside a sandbox
+// that has been started as the pages say, with the settings that it prints.
 #include "CommandLine.h"
 #include "SandboxProcess.h"
 #include "tests/support/TemporaryFolder.h"
@@ -14,6 +14,7 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace orvane::test {
@@ -85,11 +86,9 @@ TEST(PagesTest, commandsWorkAsTheyStand) {
   const TemporaryFolder folder;
   std::filesystem::create_directory_symlink(sandbox.folder() / "data",
                                             folder / "orvane-sandbox-data");
-  // The guide's first program is built by a test of its own; the example asks for the same.
   std::filesystem::create_directory(folder / "build");
-  std::filesystem::create_symlink(
-      std::filesystem::path(ORVANE_EXAMPLES_FOLDER) / "orvane-example-fetch_user",
-      folder / "build/hello");
+  std::filesystem::create_symlink(std::filesystem::path(ORVANE_PAGES_FOLDER) / "first-program",
+                                  folder / "build/hello");
   const char* path = std::getenv("PATH");
   const Environment environment{
       {"PATH", folderOf(ORVANE_CLI_EXECUTABLE) + ":" + folderOf(ORVANE_SANDBOX_EXECUTABLE) + ":" +
@@ -109,6 +108,28 @@ TEST(PagesTest, commandsWorkAsTheyStand) {
     }
   }
   EXPECT_GE(count, 5) << "the pages' commands are not found";
+}
+
+TEST(PagesTest, programsDoWhatTheySay) {
+  const SandboxProcess sandbox({"--weeks", "2"});
+  const Environment environment{{"ORVANE_BASE_URL", sandbox.baseURL()},
+                                {"ORVANE_CA_FILE", sandbox.caFile()},
+                                {"ORVANE_TOKEN", sandbox.developmentToken()}};
+  for (const auto& [program, output] : {
+           std::pair{"README", "([0-9]+\n){20}"},
+           std::pair{"first-program", "Hello Anna\n"},
+           std::pair{"coroutines", "The latest trips of Anna:\n([0-9]+: [0-9.]+\n)+"},
+       }) {
+    const std::string path = std::string(ORVANE_PAGES_FOLDER) + "/" + program;
+    const Ending ending = run(path, {}, environment);
+    EXPECT_EQ(ending.exitCode, 0) << program;
+    EXPECT_THAT(ending.output, testing::MatchesRegex(output)) << program;
+    EXPECT_EQ(ending.errors, "") << program;
+
+    const Ending refused = run(path, {}, with(environment, {{"ORVANE_TOKEN", "nobody's"}}));
+    EXPECT_EQ(refused.exitCode, 1) << program;
+    EXPECT_THAT(refused.errors, testing::HasSubstr("401")) << program;
+  }
 }
 
 }  // namespace

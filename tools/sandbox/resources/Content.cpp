@@ -48,8 +48,8 @@ int weightOf(std::string_view item) {
   return weight <= most ? weight : 0;
 }
 
-/// The best known language of an Accept-Language header (RFC 9110, section 12.5.4); English as a last
-/// resort. Of equal weights the first counts, and only the primary subtag is looked at.
+/// The best known language of an Accept-Language header (RFC 9110, section 12.5.4); English as a
+/// last resort. Of equal weights the first counts, and only the primary subtag is looked at.
 const Language& preferredLanguage(std::string_view header) {
   const Language* best = &languages.front();
   int bestWeight = 0;
