@@ -4,19 +4,17 @@
 #   cmake -DPAGE=<page> -DSTAGE=<folder> -DBUILD=<folder> -DGENERATOR=<name> -DOPTIONS=<option;…> -P guide.cmake
 cmake_minimum_required(VERSION 3.22)
 
-file(READ ${PAGE} text)
+include(${CMAKE_CURRENT_LIST_DIR}/../docs/block.cmake)
+
+file(READ ${PAGE} page)
 file(REMOVE_RECURSE ${BUILD})
 foreach(name IN ITEMS CMakeLists.txt main.cpp)
+  set(text "${page}")
   string(REGEX MATCH "`${name}`:\n\n```[a-z]+\n" head "${text}")
-  string(FIND "${text}" "${head}" start)
-  string(LENGTH "${head}" length)
-  if(length EQUAL 0)
+  take_block(text "${head}" block)
+  if(block STREQUAL "")
     message(FATAL_ERROR "${PAGE} shows no ${name}")
   endif()
-  math(EXPR start "${start} + ${length}")
-  string(SUBSTRING "${text}" ${start} -1 rest)
-  string(FIND "${rest}" "\n```" end)
-  string(SUBSTRING "${rest}" 0 ${end} block)
   file(WRITE ${BUILD}/${name} "${block}\n")
 endforeach()
 
